@@ -1,0 +1,33 @@
+# Build flavours. Every target of ours links korvex_options.
+
+option(KORVEX_CHECKS "Check rules of use at run time (development and test builds)" OFF)
+option(KORVEX_THREAD_SAFETY "Treat clang's thread-safety findings as errors" OFF)
+set(KORVEX_SANITIZE "" CACHE STRING "Sanitizers, as for -fsanitize= (for example address,undefined)")
+
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+set(CMAKE_CXX_VISIBILITY_PRESET hidden)
+set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
+set(CMAKE_LIBRARY_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/lib)
+set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/bin)
+# Programs find the libraries beside them, in the build tree and where they are installed.
+set(CMAKE_INSTALL_RPATH "$ORIGIN/../${CMAKE_INSTALL_LIBDIR}:$ORIGIN")
+
+add_library(korvex_options INTERFACE)
+target_compile_options(korvex_options INTERFACE -Wall -Wextra -Wpedantic -Werror -Wshadow
+    -Wnon-virtual-dtor -Woverloaded-virtual)
+target_include_directories(korvex_options INTERFACE ${PROJECT_SOURCE_DIR}/src
+    ${PROJECT_SOURCE_DIR}/include)
+if(KORVEX_CHECKS)
+    target_compile_definitions(korvex_options INTERFACE KORVEX_CHECKS=1)
+endif()
+if(KORVEX_THREAD_SAFETY)
+    target_compile_options(korvex_options INTERFACE -Wthread-safety -Werror=thread-safety)
+endif()
+if(KORVEX_SANITIZE)
+    target_compile_options(korvex_options INTERFACE -fsanitize=${KORVEX_SANITIZE}
+        -fno-sanitize-recover=all -fno-omit-frame-pointer)
+    target_link_options(korvex_options INTERFACE -fsanitize=${KORVEX_SANITIZE})
+endif()

@@ -1,0 +1,71 @@
+#pragma once
+
+#include <string>
+
+#include "platform/include/PlatformExport.h"
+
+/// The synchronization board. Every function returns true for success and may be called from any
+/// thread; a null, unknown or closed handle gives false. A call blocks for the board's answer, at
+/// most for the reply limit of docs/board-protocol.md. Nothing is thrown.
+namespace zr3DHandiDLPdev {
+
+// Only the numbers of these enumerations matter; a number without a name is a legal value.
+enum LASERWORKMODE : int {};
+enum MASK_TRIGGER_MODE : int {};
+enum PROJECTTYPE : int {};
+enum TRIGGERROUTE : int {};
+enum MASK_STROBE_STATE : int {};
+enum DISTANCEINDICATE : int {};
+
+/// Opens the board. The identifiers are hexadecimal text; an empty serial takes any board. A
+/// failed open leaves `handle` null. A board may be open more than once in a process.
+KORVEX_PLATFORM_API bool zr3DInitHidDev(void*& handle, const char* vendorId, const char* productId,
+                                        const char* pcbSerial);
+/// Closes the board and nulls `handle`. Safe while another thread is in a call on it.
+KORVEX_PLATFORM_API bool zr3DExitHidDev(void*& handle);
+/// Firmware version of the board with this serial (empty: any); needs no open board.
+KORVEX_PLATFORM_API bool zr3DQueryFirmwareVersionFast(const char* pcbSerial, std::string& version);
+KORVEX_PLATFORM_API bool zr3DQueryProjectorFirewareVersion(void* handle, std::string& version);
+KORVEX_PLATFORM_API bool zr3DResetDevice(void* handle);
+KORVEX_PLATFORM_API bool zr3DResetFPGA(void* handle);
+KORVEX_PLATFORM_API bool zr3DQueryCurrentStatus(void* handle, unsigned char& first,
+                                                unsigned char& second);
+KORVEX_PLATFORM_API bool zr3DEnableHeartbeat(void* handle, bool enable);
+KORVEX_PLATFORM_API bool zr3DOpenOrCloseStrobeFlicker(void* handle, TRIGGERROUTE route,
+                                                      MASK_STROBE_STATE state);
+KORVEX_PLATFORM_API bool zr3DSetLaserEnable(void* handle, bool enable, LASERWORKMODE mode);
+KORVEX_PLATFORM_API bool zr3DSetIRLaserEnable(void* handle, bool enable);
+/// IR laser level, 1 to 10.
+KORVEX_PLATFORM_API bool zr3DSetIRLaserLevel(void* handle, int level);
+/// Trigger period in milliseconds.
+KORVEX_PLATFORM_API bool zr3DSetVideoTriggerPeriod(void* handle, int period);
+KORVEX_PLATFORM_API bool zr3DQueryTriggerPeriod(void* handle, int& period);
+/// Projector brightness in percent.
+KORVEX_PLATFORM_API bool zr3DSetProjectorBrightness(void* handle, int brightness);
+KORVEX_PLATFORM_API bool zr3DQueryProjectorBrightness(void* handle, int& brightness);
+/// Trigger mode: 1 mono under laser lines, 2 mono under the pattern, 3 mono under the pattern then
+/// colour, 6 mono under laser lines then colour, 4 one colour frame each time it is written, 5 and
+/// any other: off.
+KORVEX_PLATFORM_API bool zr3DSetVideoTrigleMode(void* handle, MASK_TRIGGER_MODE mode);
+KORVEX_PLATFORM_API bool zr3DProject(void* handle, PROJECTTYPE type);
+/// Strobe duty ratios in percent; `selector` is the command code of the board's protocol.
+KORVEX_PLATFORM_API bool zr3DSetLedDutioRatio(void* handle, int selector, int texture, int ratio,
+                                              int ratioWithTexture);
+KORVEX_PLATFORM_API bool zr3DQueryLedDutioRatio(void* handle, int selector, int& texture,
+                                                int& ratio, int& ratioWithTexture);
+/// Duty ratio in percent of the light source that `selector` names.
+KORVEX_PLATFORM_API bool zr3DSetDutioRatio(void* handle, int selector, int ratio);
+KORVEX_PLATFORM_API bool zr3DQueryDutioRatio(void* handle, int selector, int& ratio);
+/// Strobe work time in microseconds, with or without texture.
+KORVEX_PLATFORM_API bool zr3DSetLedWorkTime(void* handle, bool withTexture, int time);
+KORVEX_PLATFORM_API bool zr3DQueryLedWorkTime(void* handle, bool withTexture, int& time);
+/// Work time in microseconds of the light source that `selector` names.
+KORVEX_PLATFORM_API bool zr3DSetWorkTime(void* handle, int selector, int time);
+KORVEX_PLATFORM_API bool zr3DQueryWorkTime(void* handle, int selector, int& time);
+KORVEX_PLATFORM_API bool zr3DSetDistanceIndicateState(void* handle, DISTANCEINDICATE state);
+KORVEX_PLATFORM_API bool zr3DWriteUserInfomation(void* handle, int address, const char* data,
+                                                 int length);
+/// Writes exactly 256 bytes (one memory page, zero-filled) into the caller's buffer.
+KORVEX_PLATFORM_API bool zr3DReadUserInfomation(void* handle, int address, char*& buffer);
+
+}  // namespace zr3DHandiDLPdev

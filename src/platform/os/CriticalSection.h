@@ -1,0 +1,72 @@
+#pragma once
+
+#include <atomic>
+#include <mutex>
+#include <thread>
+
+#include "platform/os/ThreadSafety.h"
+
+namespace Korvex3Sync::os {
+
+/// A recursive mutex that knows its owner. Destruction waits until no holder is inside.
+class KORVEX_CAPABILITY("critical section") CriticalSection {
+public:
+    CriticalSection() = default;
+    ~CriticalSection();
+    CriticalSection(const CriticalSection&) = delete;
+    CriticalSection& operator=(const CriticalSection&) = delete;
+
+    void Enter() KORVEX_ACQUIRE();
+    /// Only for the owner.
+    void Leave() KORVEX_RELEASE();
+    /// Leaves once when the calling thread is the owner; otherwise does nothing.
+    void LeaveIfOwner() KORVEX_NO_THREAD_SAFETY_ANALYSIS;
+    bool OwnedByCaller() const;
+
+private:
+    std::recursive_mutex m_mutex;
+    std::atomic<std::thread::id> m_owner{};
+    int m_depth = 0;  // touched by the owner only
+};
+
+/// Holds a critical section for a scope.
+class KORVEX_SCOPED_CAPABILITY CriticalSectionGuard {
+public:
+    explicit CriticalSectionGuard(CriticalSection& section) KORVEX_ACQUIRE(section)
+        : m_section(section) {
+        m_section.Enter();
+    }
+    ~CriticalSectionGuard() KORVEX_RELEASE() { m_section.Leave(); }
+    CriticalSectionGuard(const CriticalSectionGuard&) = delete;
+    CriticalSectionGuard& operator=(const CriticalSectionGuard&) = delete;
+
+private:
+    CriticalSection& m_section;
+};
+
+/// A plain mutex that clang's analysis knows, for state that no specified lock guards.
+class KORVEX_CAPABILITY("mutex") Mutex {
+public:
+    void Lock() KORVEX_ACQUIRE() { m_mutex.lock(); }
+    void Unlock() KORVEX_RELEASE() { m_mutex.unlock(); }
+    /// For std::condition_variable_any and std::unique_lock.
+    void lock() KORVEX_ACQUIRE() { m_mutex.lock(); }
+    void unlock() KORVEX_RELEASE() { m_mutex.unlock(); }
+
+private:
+    std::mutex m_mutex;
+};
+
+/// Holds a mutex for a scope.
+class KORVEX_SCOPED_CAPABILITY MutexGuard {
+public:
+    explicit MutexGuard(Mutex& mutex) KORVEX_ACQUIRE(mutex) : m_mutex(mutex) { m_mutex.Lock(); }
+    ~MutexGuard() KORVEX_RELEASE() { m_mutex.Unlock(); }
+    MutexGuard(const MutexGuard&) = delete;
+    MutexGuard& operator=(const MutexGuard&) = delete;
+
+private:
+    Mutex& m_mutex;
+};
+
+}  // namespace Korvex3Sync::os

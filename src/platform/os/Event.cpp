@@ -1,0 +1,36 @@
+#include "platform/os/Event.h"
+
+#include "platform/os/Clock.h"
+
+namespace Korvex3Sync::os {
+
+void Event::Set() {
+    // Notified under the lock: whoever waits may destroy the event as soon as it wakes.
+    std::lock_guard lock(m_mutex);
+    m_set = true;
+    m_changed.notify_all();
+}
+
+void Event::Reset() {
+    std::lock_guard lock(m_mutex);
+    m_set = false;
+}
+
+bool Event::IsSet() const {
+    std::lock_guard lock(m_mutex);
+    return m_set;
+}
+
+WaitResult Event::Wait(std::chrono::milliseconds nominalLimit) {
+    std::unique_lock lock(m_mutex);
+    const auto deadline = std::chrono::steady_clock::now() + Scaled(nominalLimit);
+    return m_changed.wait_until(lock, deadline, [this] { return m_set; }) ? WaitResult::Signalled
+                                                                          : WaitResult::TimedOut;
+}
+
+void Event::Wait() {
+    std::unique_lock lock(m_mutex);
+    m_changed.wait(lock, [this] { return m_set; });
+}
+
+}  // namespace Korvex3Sync::os

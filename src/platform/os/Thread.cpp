@@ -1,0 +1,47 @@
+#include "platform/os/Thread.h"
+
+#include <system_error>
+#include <thread>
+#include <utility>
+
+namespace Korvex3Sync::os {
+
+struct Thread::Impl {
+    std::thread thread;
+};
+
+Thread::Thread() = default;
+
+Thread::~Thread() { Join(); }
+
+bool Thread::Start(std::function<void()> procedure) {
+    if (m_impl) {
+        return false;
+    }
+    auto impl = std::make_unique<Impl>();
+    try {
+        impl->thread = std::thread(std::move(procedure));
+    } catch (const std::system_error&) {
+        return false;
+    }
+    m_impl = std::move(impl);
+    return true;
+}
+
+void Thread::Join() {
+    if (!m_impl) {
+        return;
+    }
+    if (m_impl->thread.get_id() == std::this_thread::get_id()) {
+        m_impl->thread.detach();
+    } else {
+        m_impl->thread.join();
+    }
+    m_impl.reset();
+}
+
+bool Thread::Started() const { return m_impl != nullptr; }
+
+const void* Thread::Handle() const { return m_impl.get(); }
+
+}  // namespace Korvex3Sync::os

@@ -1,0 +1,30 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+
+namespace Korvex3Sync::os {
+
+/// One thread with one owner. The owner tells it to end, then joins it; the destructor joins.
+class Thread {
+public:
+    Thread();
+    ~Thread();
+    Thread(const Thread&) = delete;
+    Thread& operator=(const Thread&) = delete;
+
+    /// False when the system gives no thread, or when one is running already.
+    bool Start(std::function<void()> procedure);
+    /// Waits without limit for the end of the procedure and forgets the thread. A thread that joins
+    /// itself is let go instead, and ends by itself.
+    void Join();
+    bool Started() const;
+    /// For log lines: null without a thread.
+    const void* Handle() const;
+
+private:
+    struct Impl;
+    std::unique_ptr<Impl> m_impl;
+};
+
+}  // namespace Korvex3Sync::os

@@ -1,0 +1,13 @@
+#pragma once
+
+/// Marks what the virtual head's shared library gives to the platform libraries, to programs and to
+/// tests.
+#if defined(_WIN32)
+#if defined(KORVEX_VIRTUAL_HEAD_BUILD)
+#define KORVEX_VIRTUAL_HEAD_API __declspec(dllexport)
+#else
+#define KORVEX_VIRTUAL_HEAD_API __declspec(dllimport)
+#endif
+#else
+#define KORVEX_VIRTUAL_HEAD_API __attribute__((visibility("default")))
+#endif

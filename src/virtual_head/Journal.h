@@ -1,0 +1,49 @@
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <deque>
+#include <mutex>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "virtual_head/Export.h"
+
+namespace Korvex3Sync::virtual_head {
+
+/// One command that the board received or one camera call, with its outcome.
+struct JournalEntry {
+    std::uint64_t sequence = 0;  // from 0, over the whole head
+    std::string call;            // the platform function's name, for example "zr3DSetLaserEnable"
+    std::string arguments;       // as text, separated by ", ", without the handle: "1, 2"
+    std::string result;          // "true", "false" or the int as text
+    std::thread::id thread;
+    std::chrono::steady_clock::time_point time;  // of the first of the folded calls
+    std::uint64_t count = 1;  // equal calls of one thread in a row are folded into one entry
+
+    /// "zr3DSetLaserEnable(1, 2) = true"
+    KORVEX_VIRTUAL_HEAD_API std::string Text() const;
+};
+
+/// What happened to the head, in order. Bounded: the oldest entries go first and are counted.
+/// Thread-safe.
+class KORVEX_VIRTUAL_HEAD_API Journal {
+public:
+    void Add(std::string call, std::string arguments, std::string result);
+    std::vector<JournalEntry> Entries() const;
+    /// Texts of the entries whose call is one of `calls` (all entries when empty), in order.
+    std::vector<std::string> Texts(const std::vector<std::string>& calls = {}) const;
+    std::uint64_t Dropped() const;
+    void Clear();
+
+private:
+    static constexpr std::size_t kMostEntries = 20000;
+
+    mutable std::mutex m_mutex;
+    std::deque<JournalEntry> m_entries;
+    std::uint64_t m_next = 0;
+    std::uint64_t m_dropped = 0;
+};
+
+}  // namespace Korvex3Sync::virtual_head

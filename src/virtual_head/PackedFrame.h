@@ -1,0 +1,24 @@
+#pragma once
+
+#include <cstdint>
+
+#include "virtual_head/Export.h"
+
+namespace Korvex3Sync::virtual_head {
+
+/// The camera's packed frame: `pixels` pixels of two images in 2 x pixels bytes. Each 8 bytes carry
+/// four pixels of the first image (bytes 3, 2, 1, 0) and four of the second (bytes 7, 6, 5, 4).
+/// Byte 4 is the key. A colour frame carries the marker (bytes 0-1 0xAA, 2-3 0x55, 9 0xAA, 10-11
+/// 0x55) in the first image's place and the mosaic in the second's. Marker and key are pixels too:
+/// the key replaces pixel 3 of the second image.
+
+/// Packs a mono frame. One pixel of the first image is changed by one grey level where the images
+/// would happen to form the marker.
+KORVEX_VIRTUAL_HEAD_API void PackMono(const std::uint8_t* first, const std::uint8_t* second,
+                                      std::size_t pixels, std::uint8_t* packed);
+/// Packs a colour frame from its mosaic (RGGB) and writes the marker.
+KORVEX_VIRTUAL_HEAD_API void PackColor(const std::uint8_t* mosaic, std::size_t pixels,
+                                       std::uint8_t* packed);
+KORVEX_VIRTUAL_HEAD_API void WriteKey(std::uint8_t key, std::uint8_t* packed);
+
+}  // namespace Korvex3Sync::virtual_head

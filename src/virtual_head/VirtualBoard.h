@@ -1,0 +1,49 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <functional>
+#include <mutex>
+#include <optional>
+
+#include "platform/board/protocol/Report.h"
+#include "virtual_head/BoardState.h"
+#include "virtual_head/Export.h"
+#include "virtual_head/HeadDescription.h"
+
+namespace Korvex3Sync::virtual_head {
+
+class Faults;
+class Journal;
+
+/// The firmware of the virtual board: takes command reports, keeps the state, answers with reply
+/// reports. It knows bytes only, so that a test with it runs the real encoding. Thread-safe.
+class KORVEX_VIRTUAL_HEAD_API VirtualBoard {
+public:
+    /// Called after each change of trigger mode or period, with the state after it, outside the
+    /// board's lock; `modeWritten` tells that the mode was written (also with the same value).
+    using TriggerChanged = std::function<void(const BoardState&, bool modeWritten)>;
+
+    VirtualBoard(const HeadDescription& description, Journal& journal, Faults& faults,
+                 TriggerChanged triggerChanged);
+
+    /// Executes one command report and gives the reply report; nothing when the board does not
+    /// answer (a report that it cannot read, or a hang that was ordered).
+    std::optional<board::Report> Execute(const board::Report& command);
+
+    BoardState State() const;
+    void SetStatus(std::uint8_t first, std::uint8_t second);
+    const HeadDescription& Description() const { return m_description; }
+
+private:
+    const HeadDescription m_description;
+    Journal& m_journal;
+    Faults& m_faults;
+    TriggerChanged m_triggerChanged;
+
+    mutable std::mutex m_mutex;
+    BoardState m_state;
+    std::array<std::uint8_t, 4096> m_userMemory;
+};
+
+}  // namespace Korvex3Sync::virtual_head

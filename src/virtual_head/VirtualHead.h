@@ -1,0 +1,42 @@
+#pragma once
+
+#include <memory>
+
+#include "virtual_head/Export.h"
+#include "virtual_head/Faults.h"
+#include "virtual_head/HeadDescription.h"
+#include "virtual_head/Journal.h"
+#include "virtual_head/TriggerClock.h"
+#include "virtual_head/VirtualBoard.h"
+
+namespace Korvex3Sync::virtual_head {
+
+class ImageSource;
+
+/// One simulated head: board, trigger clock, sensors, journal and faults that belong together.
+/// Thread-safe. Whoever uses it holds a shared pointer, so that withdrawing the request never pulls
+/// it from under a call.
+class KORVEX_VIRTUAL_HEAD_API VirtualHead {
+public:
+    explicit VirtualHead(HeadDescription description, std::shared_ptr<ImageSource> images);
+    ~VirtualHead();
+    VirtualHead(const VirtualHead&) = delete;
+    VirtualHead& operator=(const VirtualHead&) = delete;
+
+    const HeadDescription& Description() const { return m_description; }
+    Journal& GetJournal() { return m_journal; }
+    Faults& GetFaults() { return m_faults; }
+    VirtualBoard& Board() { return m_board; }
+    TriggerClock& Clock() { return m_clock; }
+    ImageSource& Images() { return *m_images; }
+
+private:
+    const HeadDescription m_description;
+    std::shared_ptr<ImageSource> m_images;
+    Journal m_journal;
+    Faults m_faults;
+    TriggerClock m_clock;
+    VirtualBoard m_board;
+};
+
+}  // namespace Korvex3Sync::virtual_head
