@@ -1,0 +1,102 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "Korvex3Sync/Export.h"
+#include "Korvex3Sync/Status.h"
+
+namespace Korvex3Sync {
+
+// A device handle stands for one connected head. It comes from ConnectDevice and ends with
+// DisConnectDevice; a handle that has ended must not be used again. Null always means "not
+// connected" and is answered with 6. A handle is used in the mode (direct or service) in which it
+// was made.
+
+/// Chooses the mode: false is direct mode (the library drives board and cameras in this process),
+/// true is service mode (a device service does). To be called before any other operation, and not
+/// beside one.
+///
+/// Returns 7 for false. In this version true stores the mode and returns 5: there is no service
+/// client yet, and every operation that would go to it answers 6.
+KORVEX3SYNC_API RETSTATUS SwitchOnDeviceService(bool on);
+
+/// Connects a head: opens the board with the serial `projectorId` ("" takes any board), then the
+/// cameras, and starts grabbing.
+///
+/// `cameraNames` holds the camera serials, `cameraParamA` and `cameraParamB` the image width and
+/// height in pixels of each, as GetCamerasInformation gives them. Equal serials that stand next to
+/// each other share one camera, and only frames of a shared camera are paired into image sets.
+/// `deviceType` must not be null and is otherwise unused.
+///
+/// Returns 7 with the new handle in `handle`. Otherwise `handle` keeps its value: 3 for a null
+/// pointer, an empty list or lists of unequal length, 1 when the board does not open, 2 when a
+/// camera does not. Any thread; blocks while the devices are opened.
+KORVEX3SYNC_API RETSTATUS ConnectDevice(const char* const& deviceType,
+                                        const char* const& projectorId,
+                                        const std::vector<char*>& cameraNames,
+                                        const std::vector<int>& cameraParamA,
+                                        const std::vector<int>& cameraParamB, void*& handle);
+
+/// Ends a connection: stops its threads, closes cameras and board, frees everything, sets `handle`
+/// to null. No callback runs once it has returned.
+///
+/// Returns 7; 6 for a null handle. Blocks for a running callback and at most one snap (100 ms) per
+/// camera. Never from a callback of the same connection, and not beside another operation on the
+/// handle.
+KORVEX3SYNC_API RETSTATUS DisConnectDevice(void*& handle);
+
+/// Closes and releases the cameras but keeps the connection.
+///
+/// In this version the answer is 5 (6 for a null handle).
+KORVEX3SYNC_API RETSTATUS CloseDeviceCamera(void* const& handle);
+
+/// Closes and opens board and cameras again and writes back every setting made before.
+///
+/// In this version the answer is 5 (6 for a null handle).
+KORVEX3SYNC_API RETSTATUS ReconnectDevice(void* const& handle);
+
+/// Resets the board: the whole device when `second` is true, else only its FPGA when `first` is
+/// true, else nothing (7 without a command to the board). Cameras are not touched. Runs in direct
+/// mode always. A null handle takes any board, opened for this call only.
+///
+/// Returns 7 when the board accepted the reset, 0 when it did not, 1 when no board opens.
+KORVEX3SYNC_API RETSTATUS ReconnectDevice(void* const& handle, const bool& first,
+                                          const bool& second);
+
+/// Firmware version of the board with serial `projectorId` ("" takes any), without a connection.
+///
+/// Returns 7 with the text in `version`, 3 for a null serial, 0 when the board does not answer.
+KORVEX3SYNC_API RETSTATUS GetFirewareVersion(const char* projectorId, std::string& version);
+
+/// Firmware version through a connection, or, with a null `handle` and a non-null `deviceType`,
+/// of the board with serial `projectorId`, opened for this call only.
+///
+/// Returns 7 with the text in `version`; 6 when both `handle` and `deviceType` are null; 3 for a
+/// null serial where the board has to be opened; 1 when it does not open; 0 when it does not
+/// answer.
+///
+/// **A query through a handle that fails ends the connection**, as DisConnectDevice does: the
+/// handle must not be used again, not even to disconnect.
+KORVEX3SYNC_API RETSTATUS GetFirewareVersion(void* handle, const char* deviceType,
+                                             const char* projectorId, std::string& version);
+
+/// Writes `length` bytes of `data` into the board's user memory. Address and length go to the board
+/// as they are; our board takes a page number 0..15 and 0..256 bytes.
+///
+/// Returns 7; 6 not connected; 0 when the board is lost or refuses. Blocks for the board's answers.
+KORVEX3SYNC_API RETSTATUS WriteUserInfomation(void* const& handle, const int& address,
+                                              const char* data, const int& length);
+
+/// Reads one page (256 bytes) of the board's user memory into the buffer that `data` points to. The
+/// buffer is the caller's and must hold at least 256 bytes.
+///
+/// Returns 7; 6 not connected; 0 when the board is lost or refuses.
+KORVEX3SYNC_API RETSTATUS ReadUserInfomation(void* const& handle, const int& address, char*& data);
+
+/// Switches the board's heartbeat. `enable` is only read.
+///
+/// Returns 7; 6 not connected; 0 when the board refuses.
+KORVEX3SYNC_API RETSTATUS EnableHeartbeat(void* const& handle, bool& enable);
+
+}  // namespace Korvex3Sync

@@ -1,0 +1,12 @@
+#pragma once
+
+/// Marks the exported functions.
+#if defined(_WIN32)
+#if defined(KORVEX3SYNC_BUILD)
+#define KORVEX3SYNC_API __declspec(dllexport)
+#else
+#define KORVEX3SYNC_API __declspec(dllimport)
+#endif
+#else
+#define KORVEX3SYNC_API __attribute__((visibility("default")))
+#endif

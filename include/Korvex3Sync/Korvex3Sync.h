@@ -1,0 +1,12 @@
+#pragma once
+
+/// The whole public interface of libKorvex3Sync. It needs the C++ standard library only.
+
+#include "Korvex3Sync/Cameras.h"
+#include "Korvex3Sync/Connection.h"
+#include "Korvex3Sync/Discovery.h"
+#include "Korvex3Sync/Export.h"
+#include "Korvex3Sync/Images.h"
+#include "Korvex3Sync/Light.h"
+#include "Korvex3Sync/Status.h"
+#include "Korvex3Sync/Types.h"
