@@ -16,8 +16,9 @@ namespace Korvex3Sync {
 /// `cameraCount` receives the number of cameras read. A camera that is shared by several sensors is
 /// listed once for each of them, with the same serial.
 ///
-/// Returns 7 also when no camera was found; 3 for a null type; 6 in service mode without a client.
-/// Any thread, but not beside SwitchOnDeviceService. Blocks while the cameras are opened.
+/// Returns 7 in direct mode whatever was found, also for a null or unknown type (then 0 cameras); 6
+/// in service mode without a client. Any thread, but not beside SwitchOnDeviceService. Blocks while
+/// the cameras are opened.
 KORVEX3SYNC_API RETSTATUS GetCamerasInformation(const char* const& cameraType,
                                                 std::vector<char*>& serials,
                                                 std::vector<int>& widths, std::vector<int>& heights,
@@ -25,7 +26,7 @@ KORVEX3SYNC_API RETSTATUS GetCamerasInformation(const char* const& cameraType,
 
 /// Counts the attached cameras of a type without opening them; 0 on any failure.
 ///
-/// Returns 7; 3 for a null type; 6 in service mode without a client. Any thread.
+/// Returns 7 in direct mode; 6 in service mode without a client. Any thread.
 KORVEX3SYNC_API RETSTATUS GetCameraCount(const char* const& cameraType, int& count);
 
 /// Tells whether the board sits on a USB 3 port at USB 3 speed. The first argument is ignored.
