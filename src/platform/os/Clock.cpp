@@ -18,10 +18,14 @@ std::chrono::steady_clock::duration Scaled(std::chrono::milliseconds nominal) {
                                                   g_factor.load()));
 }
 
-void SleepFor(std::chrono::milliseconds nominal) { std::this_thread::sleep_for(Scaled(nominal)); }
+void SleepFor(std::chrono::milliseconds nominal) {
+    std::this_thread::sleep_for(Scaled(nominal));
+}
 
 ScopedTimeScale::ScopedTimeScale(double factor) : m_previous(g_factor.exchange(factor)) {}
 
-ScopedTimeScale::~ScopedTimeScale() { g_factor.store(m_previous); }
+ScopedTimeScale::~ScopedTimeScale() {
+    g_factor.store(m_previous);
+}
 
 }  // namespace Korvex3Sync::os

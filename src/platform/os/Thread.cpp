@@ -12,7 +12,9 @@ struct Thread::Impl {
 
 Thread::Thread() = default;
 
-Thread::~Thread() { Join(); }
+Thread::~Thread() {
+    Join();
+}
 
 bool Thread::Start(std::function<void()> procedure) {
     if (m_impl) {
@@ -40,8 +42,12 @@ void Thread::Join() {
     m_impl.reset();
 }
 
-bool Thread::Started() const { return m_impl != nullptr; }
+bool Thread::Started() const {
+    return m_impl != nullptr;
+}
 
-const void* Thread::Handle() const { return m_impl.get(); }
+const void* Thread::Handle() const {
+    return m_impl.get();
+}
 
 }  // namespace Korvex3Sync::os

@@ -1,0 +1,126 @@
+#include "camera/CameraDiscovery.h"
+
+#include <cstring>
+#include <string>
+
+#include "camera/ColorMode.h"
+#include "platform/include/zr3DCamera.h"
+#include "platform/os/Log.h"
+
+namespace Korvex3Sync {
+namespace {
+
+constexpr char kLog[] = "camera/PhysicalCameraThread";
+constexpr std::size_t kSerialBuffer = 260;
+
+void PrintCreateFailed(const char* cameraType) {
+    std::printf("Create Camera Failed: %.2s\n", cameraType != nullptr ? cameraType : "");
+}
+
+/// A 260-byte buffer of the caller's; a serial that does not fit is cut.
+char* CopySerial(const std::string& serial) {
+    char* const buffer = new char[kSerialBuffer]();
+    std::strncpy(buffer, serial.c_str(), kSerialBuffer - 1);
+    return buffer;
+}
+
+}  // namespace
+
+int GetAllSpecifyTypeCameraInformation(const char* const& cameraType, std::vector<char*>& serials,
+                                       std::vector<int>& widths, std::vector<int>& heights,
+                                       std::vector<bool>& isColor) {
+    KORVEX_LOG(kLog) << "GetAllSpecifyTypeCameraInformation 0";
+    void* first = nullptr;
+    if (zr3DCamera::CreateCamera(first, cameraType) != 0) {
+        PrintCreateFailed(cameraType);
+        KORVEX_LOG(kLog) << "GetAllSpecifyTypeCameraInformation failed";
+        zr3DCamera::ReleaseCamera(first);
+        return 0;
+    }
+    int total = 0;
+    if (zr3DCamera::GetDeviceTotal(first, total) != 0) {
+        std::printf("Device Total: %d\n", total);
+        KORVEX_LOG(kLog) << "GetAllSpecifyTypeCameraInformation failed1";
+        zr3DCamera::ReleaseCamera(first);
+        return 0;
+    }
+
+    // With a total of 0 the first instance stays as it is: positions below the total are released.
+    std::vector<void*> instances{first};
+    for (int device = 1; device < total; ++device) {
+        void* instance = nullptr;
+        if (zr3DCamera::CreateCamera(instance, cameraType) == 0 && instance != nullptr) {
+            instances.push_back(instance);
+        }
+    }
+    if (static_cast<int>(instances.size()) < total) {
+        total = static_cast<int>(instances.size());
+    }
+
+    int read = 0;
+    for (int i = 0; i < total; ++i) {
+        void* const camera = instances[static_cast<std::size_t>(i)];
+        if (camera == nullptr) {
+            continue;
+        }
+        const int native = 0;
+        if (zr3DCamera::OpenCamera(camera, i, native, native) != 0) {
+            std::printf("Open Camera %d Failed\n", i);
+            continue;
+        }
+        std::string serial;
+        if (zr3DCamera::GetSerialNo(camera, serial) != 0) {
+            std::printf("Get Camera %d Serial Failed\n", i);
+            continue;
+        }
+        int width = 0;
+        int height = 0;
+        zr3DCamera::GetResolution(camera, width, height);
+        widths.push_back(width);
+        heights.push_back(height);
+        serials.push_back(CopySerial(serial));
+        zr3DCamera::ZR_IMG_FORMAT mode{1};
+        zr3DCamera::GetColorMode(camera, mode);
+        const bool color = IsColorCamera(mode);
+        std::printf("Camera Is Color Mode: %d\n", color ? 1 : 0);
+        isColor.push_back(color);
+        ++read;
+        int low = 0;
+        int high = 0;
+        zr3DCamera::GetGainRange(camera, low, high);
+        std::printf("Camera %d gain range %d - %d\n", i, low, high);
+    }
+
+    for (int i = 0; i < total; ++i) {
+        void*& camera = instances[static_cast<std::size_t>(i)];
+        if (camera != nullptr) {
+            zr3DCamera::CloseCamera(camera);
+            zr3DCamera::ReleaseCamera(camera);
+            camera = nullptr;
+        }
+    }
+    KORVEX_LOG(kLog) << "GetAllSpecifyTypeCameraInformation tmpRealCount=" << read;
+    return read;
+}
+
+int GetSpecifyTypeCameraCount(const char* const& cameraType) {
+    KORVEX_LOG(kLog) << "GetSpecifyTypeCameraCount ";
+    // The instance is never released; it blocks nobody.
+    void* instance = nullptr;
+    if (zr3DCamera::CreateCamera(instance, cameraType) != 0) {
+        PrintCreateFailed(cameraType);
+        KORVEX_LOG(kLog) << "GetSpecifyTypeCameraCount ok";
+        return 0;
+    }
+    KORVEX_LOG(kLog) << "GetSpecifyTypeCameraCount 1";
+    int total = 0;
+    if (zr3DCamera::GetDeviceTotal(instance, total) != 0) {
+        std::printf("Device Total: %d\n", total);
+        KORVEX_LOG(kLog) << "GetSpecifyTypeCameraCount ok1";
+        return 0;
+    }
+    KORVEX_LOG(kLog) << "GetSpecifyTypeCameraCount tmpCameraNum=" << total;
+    return total;
+}
+
+}  // namespace Korvex3Sync

@@ -1,0 +1,91 @@
+#include <chrono>
+
+#include "camera/ColorMode.h"
+#include "camera/PhysicalCameraThread.h"
+#include "platform/os/Clock.h"
+#include "platform/os/Log.h"
+
+namespace Korvex3Sync {
+namespace {
+
+constexpr auto& kLog = kPhysicalCameraThreadLog;
+
+/// How long the loop leaves the camera to a caller that asked for it.
+constexpr std::chrono::milliseconds kYieldTime{10};
+/// What a snap without a frame takes; a loop without a camera waits as long instead of spinning.
+constexpr std::chrono::milliseconds kSnapLimit{100};
+/// Images of this width or height and above are refused.
+constexpr int kSizeBound = 2001;
+constexpr int kMostChannels = 3;
+
+/// Failed snaps in a row after which the count starts anew.
+int FailureLimit(zr3DCamera::ZR_IMG_FORMAT mode) {
+    return static_cast<int>(mode) == 1 || static_cast<int>(mode) == 2 ? 600 : 200;
+}
+
+}  // namespace
+
+void CPhysicalCameraThread::GrabLoop() {
+    zr3DCamera::ZR_IMG_FORMAT mode{};
+    {
+        PauseLockGuard pause(m_csPause);
+        os::CriticalSectionGuard snap(m_csSnap);
+        zr3DCamera::GetColorMode(m_camera, mode);
+    }
+    int failures = 0;
+    while (m_bRun) {
+        bool hasCamera = false;
+        {
+            PauseLockGuard pause(m_csPause);
+            os::CriticalSectionGuard snap(m_csSnap);
+            hasCamera = m_camera != nullptr;
+            failures = SnapOnce(mode) ? 0 : failures + 1;
+        }
+        if (m_bYield) {
+            os::SleepFor(kYieldTime);
+        }
+        if (!hasCamera) {
+            m_stopped.Wait(kSnapLimit);
+        }
+        if (failures > FailureLimit(mode)) {
+            failures = 0;
+        }
+    }
+    KORVEX_LOG(kLog) << "CPhysicalCameraThread::ThreadFun exit";
+}
+
+bool CPhysicalCameraThread::SnapOnce(zr3DCamera::ZR_IMG_FORMAT mode) {
+    const int result = m_camera != nullptr ? zr3DCamera::SnapShot(m_camera, m_image) : -1;
+    if (result == 0 && m_image != nullptr) {
+        int width = 0;
+        int height = 0;
+        zr3DCamera::GetResolution(m_camera, width, height);
+        Dispatch(width, height, CallbackChannels(mode));
+        m_lastSnapGood = true;
+        return true;
+    }
+    m_lastSnapGood = false;
+    if (result != 0 && m_image != nullptr) {
+        KORVEX_LOG(kLog) << "Camera " << m_cameraID << " Snap Failed and data not null. ";
+        KORVEX_LOG(kLog) << "ret=" << result;
+    }
+    m_image = nullptr;
+    if (m_printSnapFailures) {
+        std::printf("Camera %d Snap Failed\n", m_cameraID);
+    }
+    return false;
+}
+
+void CPhysicalCameraThread::Dispatch(int width, int height, int channels) {
+    const bool accepted = width > 0 && width < kSizeBound && height > 0 && height < kSizeBound &&
+                          channels >= 1 && channels <= kMostChannels;
+    if (!accepted) {
+        KORVEX_LOG(kLog) << "Snap image data failed, wrong image data!";
+        return;
+    }
+    if (m_callback != nullptr) {
+        m_callback(m_callbackContext, m_cameraID, m_image, width, height, channels);
+    }
+}
+
+}  // namespace Korvex3Sync

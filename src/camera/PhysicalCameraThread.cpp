@@ -1,0 +1,149 @@
+#include "camera/PhysicalCameraThread.h"
+
+#include "camera/ColorMode.h"
+#include "platform/os/Log.h"
+
+namespace Korvex3Sync {
+namespace {
+
+constexpr auto& kLog = kPhysicalCameraThreadLog;
+
+}  // namespace
+
+CPhysicalCameraThread::CPhysicalCameraThread(PhysicalCameraThreadListener* listener)
+    : m_listener(listener) {}
+
+CPhysicalCameraThread::~CPhysicalCameraThread() {
+    KORVEX_LOG(kLog) << "~CPhysicalCameraThread 0";
+    CloseCamera();
+    if (m_camera != nullptr) {
+        zr3DCamera::ReleaseCamera(m_camera);
+        m_camera = nullptr;
+    }
+    KORVEX_LOG(kLog) << "~CPhysicalCameraThread 1";
+    {
+        // Nobody may be inside either lock when it goes.
+        PauseLockGuard pause(m_csPause);
+        os::CriticalSectionGuard snap(m_csSnap);
+    }
+    KORVEX_LOG(kLog) << "~CPhysicalCameraThread 2";
+}
+
+bool CPhysicalCameraThread::InializeCamera(const char* const& devId) {
+    int result = -1;
+    if (devId != nullptr) {
+        KORVEX_LOG(kLog) << "InializeCamera devId=" << devId;
+        result = zr3DCamera::CreateCamera(m_camera, devId);
+    } else {
+        KORVEX_LOG(kLog) << "InializeCamera ";
+        if (m_serial.size() >= 3) {
+            result = zr3DCamera::CreateCamera(m_camera, m_serial.c_str());
+        }
+    }
+    KORVEX_LOG(kLog) << "InializeCamera retValue=" << result;
+    return result == 0;
+}
+
+bool CPhysicalCameraThread::ReleaseCamera() {
+    KORVEX_LOG(kLog) << "ReleaseCamera 0";
+    if (m_camera != nullptr) {
+        zr3DCamera::ReleaseCamera(m_camera);
+        m_camera = nullptr;
+    }
+    KORVEX_LOG(kLog) << "ReleaseCamera 1";
+    return true;
+}
+
+bool CPhysicalCameraThread::OpenCamera(const char* const& serial, const int& width,
+                                       const int& height) {
+    KORVEX_LOG(kLog) << "OpenCamera";
+    if (m_bRun) {
+        StopThread();
+    }
+    if (m_bOpen) {
+        CloseCamera();
+    }
+    if (zr3DCamera::OpenCamera(m_camera, serial, width, height) != 0) {
+        KORVEX_LOG(kLog) << "OpenCamera failed";
+        return false;
+    }
+    zr3DCamera::ZR_IMG_FORMAT mode{};
+    const bool modeKnown = zr3DCamera::GetColorMode(m_camera, mode) == 0;
+    m_frameSize = modeKnown ? width * height * BytesPerPixel(mode) : 0;
+    m_bOpen = true;
+    m_serial = serial != nullptr ? serial : "";
+    m_width = width;
+    m_height = height;
+    KORVEX_LOG(kLog) << "OpenCamera m_bOpen=" << m_bOpen;
+    return m_bOpen;
+}
+
+bool CPhysicalCameraThread::ReOpenCamera() {
+    if (m_camera == nullptr) {
+        return false;
+    }
+    KORVEX_LOG(kLog) << "ReOpenCamera m_camera=" << m_camera;
+    zr3DCamera::CloseCamera(m_camera);
+    const int opened = zr3DCamera::OpenCamera(m_camera, m_serial.c_str(), m_width, m_height);
+    KORVEX_LOG(kLog) << "ReOpenCamera nRet=" << opened;
+    if (opened != 0) {
+        return false;
+    }
+    int deviceType = 0;
+    const bool known = zr3DCamera::GetDeviceType(m_camera, deviceType);
+    KORVEX_LOG(kLog) << "ReOpenCamera ret= " << known << "deviceType= " << deviceType;
+    if (!known || deviceType <= 0) {
+        KORVEX_LOG(kLog) << "ReOpenCamera failed";
+        return false;
+    }
+    return true;
+}
+
+bool CPhysicalCameraThread::CloseCamera() {
+    KORVEX_LOG(kLog) << "Call Function CPhysicalCameraThread::CloseCamera() CloseCamera 0";
+    StopThread();
+    if (m_camera != nullptr && m_bOpen) {
+        zr3DCamera::CloseCamera(m_camera);
+    }
+    KORVEX_LOG(kLog) << "CloseCamera 1";
+    m_frameSize = 0;
+    m_bOpen = false;
+    m_image = nullptr;
+    PauseLockGuard pause(m_csPause);
+    m_callback = nullptr;
+    m_callbackContext = nullptr;
+    return true;
+}
+
+bool CPhysicalCameraThread::StartCamera() {
+    KORVEX_LOG(kLog) << "StartCamera ";
+    const bool started = zr3DCamera::StartCamera(m_camera, 0.0) == 0;
+    KORVEX_LOG(kLog) << (started ? "StartCamera ok" : "StartCamera failed");
+    return started;
+}
+
+void CPhysicalCameraThread::SetCameraID(int id) {
+    if (m_camera == nullptr) {
+        return;
+    }
+    m_cameraID = id;
+    KORVEX_LOG(kLog) << "SetCameraID m_cameraID=" << m_cameraID;
+}
+
+void CPhysicalCameraThread::SetScanCallBackFunction(CameraFrameCallback callback,
+                                                    const void* context) {
+    if (m_cameraID < 0) {
+        return;
+    }
+    KORVEX_LOG(kLog) << "SetScanCallBackFunction 0";
+    std::printf("Before Set ScanCallBackFunction\n");
+    {
+        PauseLockGuard pause(m_csPause);
+        m_callback = callback;
+        m_callbackContext = context;
+    }
+    KORVEX_LOG(kLog) << "SetScanCallBackFunction 1";
+    std::printf("After Set ScanCallBackFunction\n");
+}
+
+}  // namespace Korvex3Sync

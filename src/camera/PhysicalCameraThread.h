@@ -1,0 +1,136 @@
+#pragma once
+
+#include <atomic>
+#include <string>
+#include <vector>
+
+#include "camera/ImagePool.h"
+#include "camera/PauseLock.h"
+#include "camera/PhysicalCameraThreadListener.h"
+#include "platform/include/zr3DCamera.h"
+#include "platform/os/CriticalSection.h"
+#include "platform/os/Event.h"
+#include "platform/os/Thread.h"
+
+namespace Korvex3Sync {
+
+/// Receives each accepted frame of a camera on its grab thread. `image` is the camera library's own
+/// buffer and valid only during the call; `width`, `height` and `channels` are those of one image.
+using CameraFrameCallback = void (*)(const void* const& context, const int& cameraId,
+                                     unsigned char* const& image, const int& width,
+                                     const int& height, const int& channels);
+
+/// One industrial camera and its grab thread.
+///
+/// The grab thread snaps back to back and hands each valid frame to the frame callback. It holds
+/// the pause lock and, inside it, the snap lock for a whole iteration, callback included.
+///
+/// Who touches what: the owner (one caller at a time, under the manager's device lock) opens,
+/// closes, pauses and sets parameters; it changes the camera handle, the size and the callback only
+/// while the grab thread does not run or is paused. The grab thread reads these and owns the image
+/// pointer. Flags that both read are atomic.
+///
+/// Lock order: pause lock, then snap lock. Nothing is thrown; results are bool.
+class CPhysicalCameraThread {
+public:
+    explicit CPhysicalCameraThread(PhysicalCameraThreadListener* listener);
+    ~CPhysicalCameraThread();
+    CPhysicalCameraThread(const CPhysicalCameraThread&) = delete;
+    CPhysicalCameraThread& operator=(const CPhysicalCameraThread&) = delete;
+
+    // Camera instance and opening (PhysicalCameraThread.cpp).
+
+    /// Creates the library instance for a type or serial; null takes the serial of the last open.
+    bool InializeCamera(const char* const& devId);
+    bool ReleaseCamera();
+    /// Opens with the size of one image; stops and closes first where needed.
+    bool OpenCamera(const char* const& serial, const int& width, const int& height);
+    /// Closes and opens again in place, with serial and size of the last open. The grab thread must
+    /// be paused.
+    bool ReOpenCamera();
+    /// Stops the thread, closes, and forgets the frame callback.
+    bool CloseCamera();
+    bool StartCamera();
+    /// Ignored without a camera handle.
+    void SetCameraID(int id);
+    /// Ignored while no camera ID is set. Waits for the running iteration of the grab thread.
+    void SetScanCallBackFunction(CameraFrameCallback callback, const void* context);
+    /// How many logical channels this one camera serves; 1 until set. To be set before the thread
+    /// starts.
+    void SetCameraComplexInfo(int count) { m_complexInfo = count; }
+    int CameraComplexInfo() const { return m_complexInfo; }
+
+    // Parameters (CameraParameters.cpp). Units are the camera's: microseconds, gain steps.
+
+    bool GetResolution(int& width, int& height);
+    bool SetExposure(const long& time);
+    /// True whatever the library answers, where there is a camera.
+    bool GetExposure(long& time);
+    bool SetGain(int gain);
+    bool GetGain(int& gain);
+    bool SetCameraParam5(int value);
+    bool GetDeviceTotal(int& total);
+    std::string GetSerial();
+    bool ResetCameraState();
+
+    // Thread control (ThreadControl.cpp).
+
+    bool StartThread();
+    /// Waits without limit for the end of the running iteration. A pause must have been ended.
+    bool StopThread();
+    /// Returns when the running iteration is over; from then on the thread waits.
+    void PauseThread();
+    void ResumeThread();
+    /// Ends a pause, whoever made it, before destruction.
+    void ResetStatusToInitialize();
+
+    /// Takes a packed frame of the opened size apart. False without a camera handle or data, or
+    /// without memory; nothing is appended then. The buffers come from `pool`.
+    bool SplitPackedFrame(std::vector<unsigned char*>& images, std::vector<int>& widths,
+                          std::vector<int>& heights, std::vector<int>& channels,
+                          const unsigned char* data, ImagePool& pool) const;
+
+private:
+    /// Makes the grab loop leave the camera alone for 10 ms after each iteration.
+    class Yield;
+
+    void GrabLoop();
+    bool SnapOnce(zr3DCamera::ZR_IMG_FORMAT mode) KORVEX_REQUIRES(m_csPause, m_csSnap);
+    void Dispatch(int width, int height, int channels) KORVEX_REQUIRES(m_csPause, m_csSnap);
+
+    os::CriticalSection m_csSnap;
+    PauseLock m_csPause;
+    void* m_camera = nullptr;
+    std::atomic<bool> m_bRun{false};
+    bool m_bOpen = false;
+    [[maybe_unused]] int m_frameSize = 0;  // bytes
+    os::Thread m_hThread;
+    os::Event m_stopped;
+    std::atomic<bool> m_bYield{false};
+    unsigned char* m_image = nullptr;
+    std::string m_serial;
+    int m_width = 0;
+    int m_height = 0;
+    int m_cameraID = -1;
+    int m_complexInfo = 1;
+    bool m_printSnapFailures = true;
+    CameraFrameCallback m_callback KORVEX_GUARDED_BY(m_csPause) = nullptr;
+    const void* m_callbackContext KORVEX_GUARDED_BY(m_csPause) = nullptr;
+    std::atomic<bool> m_lastSnapGood{false};
+    [[maybe_unused]] PhysicalCameraThreadListener* const m_listener;
+};
+
+inline constexpr char kPhysicalCameraThreadLog[] = "camera/PhysicalCameraThread";
+
+class CPhysicalCameraThread::Yield {
+public:
+    explicit Yield(CPhysicalCameraThread& camera) : m_yield(camera.m_bYield) { m_yield = true; }
+    ~Yield() { m_yield = false; }
+    Yield(const Yield&) = delete;
+    Yield& operator=(const Yield&) = delete;
+
+private:
+    std::atomic<bool>& m_yield;
+};
+
+}  // namespace Korvex3Sync

@@ -1,0 +1,13 @@
+#pragma once
+
+namespace Korvex3Sync {
+
+/// Whoever owns a camera thread. The camera thread stores a pointer to it and calls nothing.
+class PhysicalCameraThreadListener {
+public:
+    virtual ~PhysicalCameraThreadListener() = default;
+    virtual void OnThreadNotify(int first, int second) = 0;
+    virtual void OnThreadSignal(int value) = 0;
+};
+
+}  // namespace Korvex3Sync

@@ -1,0 +1,70 @@
+#include "camera/PhysicalCameraThread.h"
+#include "platform/os/Log.h"
+
+namespace Korvex3Sync {
+namespace {
+
+constexpr auto& kLog = kPhysicalCameraThreadLog;
+
+}  // namespace
+
+bool CPhysicalCameraThread::StartThread() {
+    KORVEX_LOG(kLog) << "StartThread m_bOpen=" << m_bOpen;
+    if (!m_bOpen) {
+        return false;
+    }
+    if (m_hThread.Started()) {
+        return true;
+    }
+    m_stopped.Reset();
+    m_bRun = true;
+    m_bRun = m_hThread.Start([this] { GrabLoop(); });
+    return m_bRun;
+}
+
+bool CPhysicalCameraThread::StopThread() {
+    KORVEX_LOG(kLog) << "StopThread m_hThread=" << m_hThread.Handle();
+    if (m_hThread.Started()) {
+        m_bYield = true;
+        m_bRun = false;
+        m_stopped.Set();
+        KORVEX_LOG(kLog) << "WaitForSingleObject ";
+        m_hThread.Join();
+        KORVEX_LOG(kLog) << "WaitForSingleObject return";
+        m_bYield = false;
+        zr3DCamera::UnlockOthers(m_camera);
+    }
+    KORVEX_LOG(kLog) << "StopThread end";
+    return true;
+}
+
+void CPhysicalCameraThread::PauseThread() {
+    KORVEX_LOG(kLog) << "PauseThread m_hThread=" << m_hThread.Handle()
+                     << "m_bPaused=" << m_csPause.Paused();
+    if (m_hThread.Started() && !m_csPause.Paused()) {
+        Yield yield(*this);
+        m_csPause.BeginPause();
+    }
+    KORVEX_LOG(kLog) << "PauseThread end";
+}
+
+void CPhysicalCameraThread::ResumeThread() {
+    KORVEX_LOG(kLog) << "ResumeThread m_hThread=" << m_hThread.Handle()
+                     << "m_bPaused=" << m_csPause.Paused();
+    if (m_hThread.Started() && m_csPause.Paused()) {
+        m_lastSnapGood = false;
+        Yield yield(*this);
+        m_csPause.EndPause();
+    }
+    KORVEX_LOG(kLog) << "ResumeThread end";
+}
+
+void CPhysicalCameraThread::ResetStatusToInitialize() {
+    KORVEX_LOG(kLog) << "ResetStatusToInitialize 0";
+    m_csPause.EndPause();
+    KORVEX_LOG(kLog) << "ResetStatusToInitialize 1";
+    m_csSnap.LeaveIfOwner();
+    KORVEX_LOG(kLog) << "ResetStatusToInitialize 2";
+}
+
+}  // namespace Korvex3Sync

@@ -1,0 +1,37 @@
+#include <array>
+#include <cstring>
+#include <string_view>
+
+#include "Korvex3Sync/Status.h"
+
+namespace Korvex3Sync {
+namespace {
+
+constexpr std::array<std::string_view, 8> kTexts{
+    "Operate failed",
+    "Connect projector failed or projector is not connected",
+    "Connect camera(s) failed or camera(s) is(are) not connected",
+    "Parameter which you input, for example, NULL pointer, error size of array or error value",
+    "The synchronism type which you input is not supported",
+    "The operation is not be supported by the current device or operation not be support in "
+    "current function",
+    "You have not connected the device, so please connect device first",
+    "Operate success",
+};
+
+}  // namespace
+
+void GetStatusDescriptionString(const RETSTATUS& status, char*& text) {
+    if (text == nullptr) {
+        return;
+    }
+    const int number = status;
+    const std::string_view description = number >= 0 && number < static_cast<int>(kTexts.size())
+                                             ? kTexts[static_cast<std::size_t>(number)]
+                                             : std::string_view{};
+    char* const buffer = new char[description.size() + 1]();
+    std::memcpy(buffer, description.data(), description.size());
+    text = buffer;
+}
+
+}  // namespace Korvex3Sync

@@ -1,0 +1,68 @@
+#include "sync/ColorCatch.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace Korvex3Sync {
+
+ColorCatch::~ColorCatch() {
+    ReleaseAll();
+}
+
+bool ColorCatch::Armed() const {
+    os::MutexGuard lock(m_mutex);
+    return m_bSingleSnapColor;
+}
+
+void ColorCatch::Arm() {
+    os::MutexGuard lock(m_mutex);
+    m_hSnapColorEvent = std::make_shared<os::Event>();
+    m_bSingleSnapColor = true;
+}
+
+void ColorCatch::Disarm() {
+    os::MutexGuard lock(m_mutex);
+    m_hSnapColorEvent.reset();
+    m_bSingleSnapColor = false;
+}
+
+std::shared_ptr<os::Event> ColorCatch::CaughtEvent() const {
+    os::MutexGuard lock(m_mutex);
+    return m_hSnapColorEvent;
+}
+
+void ColorCatch::Catch(unsigned char* image) {
+    unsigned char* replaced = nullptr;
+    {
+        os::MutexGuard lock(m_mutex);
+        auto slot = std::find(m_pSnapColorImages.begin(), m_pSnapColorImages.end(), nullptr);
+        if (slot == m_pSnapColorImages.end()) {
+            --slot;
+        }
+        replaced = std::exchange(*slot, image);
+        if (std::count(m_pSnapColorImages.begin(), m_pSnapColorImages.end(), nullptr) == 0) {
+            m_bSingleSnapColor = false;
+        }
+        if (m_hSnapColorEvent) {
+            m_hSnapColorEvent->Set();
+        }
+    }
+    if (replaced != nullptr) {
+        m_release(replaced);
+    }
+}
+
+std::array<unsigned char*, ColorCatch::kSlots> ColorCatch::TakeAll() {
+    os::MutexGuard lock(m_mutex);
+    return std::exchange(m_pSnapColorImages, {});
+}
+
+void ColorCatch::ReleaseAll() {
+    for (unsigned char* image : TakeAll()) {
+        if (image != nullptr) {
+            m_release(image);
+        }
+    }
+}
+
+}  // namespace Korvex3Sync

@@ -1,0 +1,52 @@
+#pragma once
+
+#include <array>
+#include <functional>
+#include <memory>
+
+#include "platform/os/CriticalSection.h"
+#include "platform/os/Event.h"
+
+namespace Korvex3Sync {
+
+/// Catches colour frames for a waiting snapshot: three slots, an arm flag and an event that exists
+/// only during a snapshot. Safe between the grab threads that catch and the caller that waits. A
+/// slot's image is released before another takes its place.
+class ColorCatch {
+public:
+    using Release = std::function<void(unsigned char*)>;
+
+    static constexpr std::size_t kSlots = 3;
+
+    /// `release` frees an image that no caller will get.
+    explicit ColorCatch(Release release) : m_release(std::move(release)) {}
+    ~ColorCatch();
+    ColorCatch(const ColorCatch&) = delete;
+    ColorCatch& operator=(const ColorCatch&) = delete;
+
+    /// Whether colour frames are wanted now.
+    bool Armed() const;
+    /// Makes the event and wants colour frames from now on.
+    void Arm();
+    /// Wants none any more and closes the event.
+    void Disarm();
+    /// The event of the running snapshot; null when none runs.
+    std::shared_ptr<os::Event> CaughtEvent() const;
+
+    /// Puts the image into the first empty slot, or into the last one when the others are taken;
+    /// disarms when all slots are full; signals the event. The image is the catch's from then on.
+    void Catch(unsigned char* image);
+    /// Empties the slots; their images are the caller's.
+    std::array<unsigned char*, kSlots> TakeAll();
+    /// Releases what the slots hold.
+    void ReleaseAll();
+
+private:
+    const Release m_release;
+    mutable os::Mutex m_mutex;
+    bool m_bSingleSnapColor KORVEX_GUARDED_BY(m_mutex) = false;
+    std::shared_ptr<os::Event> m_hSnapColorEvent KORVEX_GUARDED_BY(m_mutex);
+    std::array<unsigned char*, kSlots> m_pSnapColorImages KORVEX_GUARDED_BY(m_mutex){};
+};
+
+}  // namespace Korvex3Sync

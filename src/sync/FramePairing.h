@@ -1,0 +1,76 @@
+#pragma once
+
+#include <cstddef>
+#include <map>
+#include <vector>
+
+namespace Korvex3Sync {
+
+/// A frame taken apart: one image is a colour frame, two are a mono frame.
+struct DecodedFrame {
+    unsigned int key = 0;  // 0..255
+    int width = 0;         // the width that came with the frame
+    std::vector<unsigned char*> images;
+    std::vector<int> widths;
+    std::vector<int> heights;
+    std::vector<int> channels;
+};
+
+/// A pending image set.
+struct VideoItem {
+    unsigned char* pMonoImage0 = nullptr;
+    unsigned char* pMonoImage1 = nullptr;
+    unsigned char* pColorImage = nullptr;
+    int nColorChannels = 0;
+    int nMonoChannels = 0;
+    int nMonoWidth = 0;
+    int nMonoHeight = 0;
+};
+
+/// Pairs mono frames with the colour frames of the same key.
+///
+/// A mono set waits for its colour frame until the next mono frame, which sends every waiting set
+/// on its way, ascending by key, described by the newer frame's size and channels. A colour frame
+/// never waits. It owns the images of the items; each image goes to the sink's Release exactly
+/// once, after any delivery. No threads, no locks: the owner's lock guards it.
+class FramePairing {
+public:
+    /// Where sets and images go.
+    class Sink {
+    public:
+        virtual ~Sink() = default;
+        /// One complete set: the images, the size and the channels of each image.
+        virtual void Deliver(const std::vector<unsigned char*>& images, int width, int height,
+                             const std::vector<int>& channels) = 0;
+        /// The image is not needed any more.
+        virtual void Release(unsigned char* image) = 0;
+    };
+
+    /// Most items that stay after a frame.
+    static constexpr std::size_t kMostItems = 4;
+
+    /// Takes over the one image of a colour frame.
+    void TakeColor(const DecodedFrame& frame, Sink& sink);
+    /// Takes over the two images of a mono frame.
+    void TakeMono(const DecodedFrame& frame, Sink& sink);
+    /// Puts an item under a key that is free.
+    void Store(unsigned int key, const VideoItem& item);
+    /// Releases the item with the smallest key.
+    void DropFirst(Sink& sink);
+    /// Releases everything, delivers nothing.
+    void Clear(Sink& sink);
+
+    std::size_t Size() const { return _mapVideoItems.size(); }
+
+private:
+    using Items = std::map<unsigned int, VideoItem>;
+
+    void Flush(const DecodedFrame& newer, Sink& sink);
+    static void ReleaseSet(const std::vector<unsigned char*>& images, Sink& sink);
+
+    Items _mapVideoItems;
+    std::vector<unsigned char*> m_set;
+    std::vector<int> m_setChannels;
+};
+
+}  // namespace Korvex3Sync

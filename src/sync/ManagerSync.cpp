@@ -1,0 +1,155 @@
+#include "sync/ManagerSync.h"
+
+#include "platform/include/zr3DHandiDLPdev.h"
+#include "platform/os/Log.h"
+
+namespace Korvex3Sync {
+namespace {
+
+constexpr auto& kLog = kManagerSyncLog;
+
+/// The board's USB identifiers in hexadecimal.
+constexpr char kVendorId[] = "3267";
+constexpr char kProductId[] = "5752";
+constexpr zr3DHandiDLPdev::PROJECTTYPE kProjectionOff{0};
+
+const char* Printable(const char* text) {
+    return text != nullptr ? text : "(null)";
+}
+
+}  // namespace
+
+IManagerSync::IManagerSync()
+    : m_colorCatch([this](unsigned char* image) {
+          os::CriticalSectionGuard frame(m_csFrame);
+          m_imagePool.Release(image);
+      }) {
+    // The worker thread has nothing to do; it exists to be stopped at shutdown.
+    m_hWorkerThread.Start([] {});
+}
+
+IManagerSync::~IManagerSync() {
+    for (auto& camera : m_cameras) {
+        camera->ResetStatusToInitialize();
+        camera->StopThread();
+        camera->CloseCamera();
+        camera.reset();
+    }
+    m_cameras.clear();
+    if (m_hDevice != nullptr) {
+        SetScanCallBackFunction(nullptr, nullptr);
+        os::CriticalSectionGuard device(m_csDevice);
+        if (m_bHeartbeatEnabled) {
+            EnableHeartbeat(false);
+        }
+        void* handle = m_hDevice;
+        zr3DHandiDLPdev::zr3DProject(handle, kProjectionOff);
+        zr3DHandiDLPdev::zr3DExitHidDev(handle);
+        m_hDevice = nullptr;
+    }
+    EndWorkerThread();
+    if (m_hStatusThread.Started()) {
+        m_bContinueStatusThread = false;
+        m_statusWake.Set();
+        m_hStatusThread.Join();
+    }
+    m_colorCatch.ReleaseAll();
+    ReleasePendingFrames();
+}
+
+void IManagerSync::OnThreadNotify(int, int) {}
+
+void IManagerSync::OnThreadSignal(int) {}
+
+void IManagerSync::OnThreadValue(int value) {
+    m_threadValue = value;
+}
+
+RETSTATUS IManagerSync::Connect(const char* deviceName, const char* pcbSerial,
+                                const std::vector<char*>& camSerials,
+                                const std::vector<int>& widths, const std::vector<int>& heights) {
+    std::printf("Connect device begin =====================================>\n");
+    for (std::size_t i = 0; i < camSerials.size(); ++i) {
+        std::printf("ConnectCamera: Camera_%d is %s\n", static_cast<int>(i),
+                    Printable(camSerials[i]));
+    }
+    if (deviceName == nullptr || camSerials.size() != widths.size() ||
+        widths.size() != heights.size()) {
+        return STATUS_PARAMETER;
+    }
+    const RETSTATUS opened = InitProjector(pcbSerial);
+    if (opened != STATUS_SUCCESS) {
+        return opened;
+    }
+    m_boardSerial = pcbSerial;
+    {
+        os::CriticalSectionGuard device(m_csDevice);
+        m_bDeviceLost = false;
+    }
+    switch (OpenCameras(camSerials, widths, heights)) {
+        case 0: {
+            m_haveColorCamera = true;
+            KORVEX_LOG(kLog) << "m_haveColorCamera=" << m_haveColorCamera
+                             << "cameraNames.size()=" << camSerials.size();
+            unsigned char first = 0;
+            unsigned char second = 0;
+            zr3DHandiDLPdev::zr3DQueryCurrentStatus(m_hDevice, first, second);
+            return STATUS_SUCCESS;
+        }
+        case 1:
+            ExitProjector();
+            return STATUS_PARAMETER;
+        case 2:
+            ExitProjector();
+            return STATUS_CAMERA;
+        default:
+            ExitProjector();
+            return STATUS_FAILED;
+    }
+}
+
+RETSTATUS IManagerSync::InitProjector(const char* pcbSerial) {
+    KORVEX_LOG(kLog) << " InitProjector In IManagerSync ";
+    if (pcbSerial == nullptr) {
+        KORVEX_LOG(kLog) << " InitProjector In IManagerSync failed ";
+        return STATUS_PARAMETER;
+    }
+    KORVEX_LOG(kLog) << " InitProjector pcbSerial=" << pcbSerial;
+    os::CriticalSectionGuard device(m_csDevice);
+    void* handle = m_hDevice;
+    const bool opened = zr3DHandiDLPdev::zr3DInitHidDev(handle, kVendorId, kProductId, pcbSerial);
+    m_hDevice = handle;
+    return opened ? STATUS_SUCCESS : STATUS_PROJECTOR;
+}
+
+void IManagerSync::ExitProjector() {
+    KORVEX_LOG(kLog) << "IShotSync::ExitProjector 0";
+    void* handle = m_hDevice;
+    if (handle != nullptr) {
+        zr3DHandiDLPdev::zr3DExitHidDev(handle);
+        m_hDevice = nullptr;
+    }
+    EndWorkerThread();
+    KORVEX_LOG(kLog) << "IShotSync::ExitProjector 1";
+}
+
+RETSTATUS IManagerSync::EnsureBoardOpen(const char* pcbSerial) {
+    if (m_hDevice != nullptr) {
+        return STATUS_SUCCESS;
+    }
+    const RETSTATUS opened = InitProjector(pcbSerial);
+    if (opened != STATUS_SUCCESS) {
+        ExitProjector();
+    }
+    return opened;
+}
+
+void IManagerSync::EndWorkerThread() {
+    if (m_hWorkerThread.Started()) {
+        m_bWorkerRun = false;
+        m_workerEvent.Set();
+        m_hWorkerThread.Join();
+    }
+}
+
+}  // namespace Korvex3Sync

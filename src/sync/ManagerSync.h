@@ -1,0 +1,204 @@
+#pragma once
+
+#include <array>
+#include <atomic>
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "Korvex3Sync/Status.h"
+#include "Korvex3Sync/Types.h"
+#include "camera/ImagePool.h"
+#include "camera/PhysicalCameraThread.h"
+#include "platform/os/CriticalSection.h"
+#include "platform/os/Event.h"
+#include "platform/os/Thread.h"
+#include "sync/ColorCatch.h"
+#include "sync/FramePairing.h"
+#include "sync/RememberedSettings.h"
+#include "sync/ScanCallbackRule.h"
+
+namespace Korvex3Sync {
+
+/// One connected head in direct mode: the board, its cameras, the pairing of their frames and the
+/// status thread.
+///
+/// Locks, each taken alone but for these orders: m_csDevice before m_csStatus, and m_csDevice
+/// before a camera's pause lock. m_csDevice covers board I/O and the camera list, m_csFrame the
+/// pairing and the scan callback (which runs with it held), m_csStatus the status callback (which
+/// runs with m_csDevice and m_csStatus held). The camera list changes only while no grab thread
+/// runs, so the frame handler reads it under m_csFrame alone.
+class IManagerSync : public PhysicalCameraThreadListener {
+public:
+    IManagerSync();
+    /// Stops the threads, closes cameras and board. A status callback may still be told 255, 255
+    /// once while this runs; none runs afterwards.
+    ~IManagerSync() override;
+    IManagerSync(const IManagerSync&) = delete;
+    IManagerSync& operator=(const IManagerSync&) = delete;
+
+    void OnThreadNotify(int first, int second) override;
+    void OnThreadSignal(int value) override;
+    virtual void OnThreadValue(int value);
+    /// Opens the cameras and starts their grab threads: 0 opened, 1 bad lists, 2 camera failure.
+    virtual int OpenCameras(const std::vector<char*>& camSerials, const std::vector<int>& widths,
+                            const std::vector<int>& heights);
+
+    // Connection (ManagerSync.cpp).
+
+    RETSTATUS Connect(const char* deviceName, const char* pcbSerial,
+                      const std::vector<char*>& camSerials, const std::vector<int>& widths,
+                      const std::vector<int>& heights);
+    /// Opens the board: 7, 1 or 3.
+    RETSTATUS InitProjector(const char* pcbSerial);
+    /// Closes the board and ends the worker thread. Projection stays as it is.
+    void ExitProjector();
+
+    // Board operations (BoardOperations.cpp). All but the first two share one frame.
+
+    RETSTATUS GetFirewareVersion(const char* pcbSerial, std::string& version);
+    RETSTATUS ResetBoard(bool resetFPGA, bool resetDevice);
+    RETSTATUS SetStrobeControlledByTrigger(const CONTROLROUTE& route, const STROBE_STATE& state);
+    RETSTATUS EnableBlueLaser(const LASERWORKMODE& mode, const bool& enable);
+    RETSTATUS EnableIRLaser(const bool& enable);
+    RETSTATUS SetIRLaserBrightnessLevel(const int& level);
+    RETSTATUS SetVideoTriggerPeriod(const int& period);
+    RETSTATUS GetVideoTriggerPeriod(int& period);
+    RETSTATUS SetProjectorBrightness(const int& brightness);
+    RETSTATUS GetProjectorBrightness(int& brightness);
+    RETSTATUS EnableVideoTrigger(const CAMERA_TRIGGER_MODE& mode, const bool& enable);
+    RETSTATUS Project(const PROJECTWORKTYPES& type);
+    RETSTATUS SetStrobeDutioRatio(const int& texture, const int& ratio, const int& withTexture);
+    RETSTATUS GetStrobeDutioRatio(int& texture, int& ratio, int& withTexture);
+    RETSTATUS SetLaserLineDutioRatio(const int& ratio);
+    RETSTATUS GetLaserLineDutioRatio(int& ratio);
+    RETSTATUS SetProjectDutioRatio(const int& ratio);
+    RETSTATUS GetProjectDutioRatio(int& ratio);
+    RETSTATUS SetIRLaserDutioRatio(const int& ratio);
+    RETSTATUS GetIRLaserDutioRatio(int& ratio);
+    RETSTATUS SetDistanceIndicate(const DISTANCESTATUS& state);
+    RETSTATUS WriteUserInfomation(const int& address, const char* data, const int& length);
+    RETSTATUS ReadUserInfomation(const int& address, char*& buffer);
+    RETSTATUS SetStrobeWorkTime(const int& withTexture, const int& without);
+    RETSTATUS GetStrobeWorkTime(int& withTexture, int& without);
+    RETSTATUS SetLaserLineWorkTime(const int& time);
+    RETSTATUS GetLaserLineWorkTime(int& time);
+    RETSTATUS SetProjectWorkTime(const int& time);
+    RETSTATUS GetProjectWorkTime(int& time);
+    RETSTATUS SetIRLaserWorkTime(const int& time);
+    RETSTATUS GetIRLaserWorkTime(int& time);
+
+    // Frames (FrameHandler.cpp).
+
+    RETSTATUS SetScanCallBackFunction(ScanCallBackFunction callback, void* context);
+
+    // Status and heartbeat (StatusThread.cpp).
+
+    /// The first call must not run beside another.
+    RETSTATUS SetStatusCallBackFunction(StatusCallBackFunction callback, void* context);
+    RETSTATUS EnableHeartbeat(bool enable);
+
+private:
+    class SetSink;
+    /// Made for each camera when it is opened; frames are paired without it.
+    struct CameraBookkeeping {
+        os::Event frameEvent;
+        std::array<int, 4> values{0, 0, -1, 0};
+    };
+    enum class DeviceLost { Refuses, Ignored };
+
+    /// Every board operation: 6 without a board; under the device lock, remember, refuse with 0
+    /// where a lost board refuses, else call the library: true is 7, false 0.
+    template <class Remember, class Call>
+    RETSTATUS BoardOperation(DeviceLost lost, Remember remember, Call call);
+    /// A board operation that remembers nothing.
+    template <class Call>
+    RETSTATUS BoardQuery(Call call);
+
+    /// Opens the board where it is not open; a failed open closes it again.
+    RETSTATUS EnsureBoardOpen(const char* pcbSerial);
+    void EndWorkerThread();
+    bool AssignCameraChannels(const std::vector<char*>& camSerials);
+    bool CreateCameras(const std::vector<char*>& camSerials, const std::vector<int>& widths,
+                       const std::vector<int>& heights);
+    bool CheckCameraTotals();
+    bool OpenAndStartCameras();
+    void StartGrabbing(std::size_t serialCount);
+
+    static void OnFrame(const void* const& context, const int& cameraId,
+                        unsigned char* const& image, const int& width, const int& height,
+                        const int& channels);
+    void HandleFrame(int cameraId, const unsigned char* raw, int width);
+    void CatchColor(unsigned char* image) KORVEX_REQUIRES(m_csFrame);
+    void ReleasePendingFrames();
+
+    RETSTATUS QueryCurrentStatus(unsigned char& first, unsigned char& second);
+    unsigned StatusThreadFun();
+    void PollStatus() KORVEX_REQUIRES(m_csDevice);
+
+    std::atomic<void*> m_hDevice{nullptr};  // null: the board is not open
+    os::CriticalSection m_csDevice;
+    os::CriticalSection m_csFrame;
+    os::CriticalSection m_csStatus;
+    std::atomic<int> m_threadValue{0};
+
+    std::vector<std::unique_ptr<CPhysicalCameraThread>> m_cameras;
+    std::vector<int> m_cameraParams;           // width, height of each camera
+    std::vector<int> m_cameraChannels;         // channel code of each serial-list entry
+    std::vector<std::string> m_cameraSerials;  // first serial of each run
+    std::vector<std::unique_ptr<CameraBookkeeping>> m_cameraBookkeeping;  // one per camera
+    std::vector<unsigned char*> m_serialSlots;                            // one per list entry
+    std::string m_boardSerial;
+    unsigned m_allCamerasMask = 0;
+
+    std::atomic<bool> m_bContinueStatusThread{false};
+    std::atomic<bool> m_bPauseStatusCheck{false};
+    os::Thread m_hStatusThread;
+    os::Event m_statusWake;  // ends the status thread's waits
+    StatusCallBackFunction m_pStatusCallBack KORVEX_GUARDED_BY(m_csStatus) = nullptr;
+    void* m_pStatusContext KORVEX_GUARDED_BY(m_csStatus) = nullptr;
+    int m_nStatusSkipCount KORVEX_GUARDED_BY(m_csStatus) = 0;
+    bool m_bDeviceLost KORVEX_GUARDED_BY(m_csDevice) = false;
+    bool m_bHeartbeatEnabled KORVEX_GUARDED_BY(m_csDevice) = false;
+
+    std::atomic<bool> m_bWorkerRun{true};
+    os::Event m_workerEvent;
+    os::Thread m_hWorkerThread;
+
+    bool m_haveColorCamera = false;
+    RememberedSettings m_remembered KORVEX_GUARDED_BY(m_csDevice);
+
+    ImagePool m_imagePool KORVEX_GUARDED_BY(m_csFrame);
+    FramePairing m_pairing KORVEX_GUARDED_BY(m_csFrame);
+    DecodedFrame m_decoded KORVEX_GUARDED_BY(m_csFrame);  // kept for its capacity
+    std::vector<unsigned char*> m_callbackImages KORVEX_GUARDED_BY(m_csFrame);
+    std::vector<int> m_callbackInfo KORVEX_GUARDED_BY(m_csFrame);
+    ScanCallBackFunction m_pScanCallBack KORVEX_GUARDED_BY(m_csFrame) = nullptr;
+    void* m_pScanContext KORVEX_GUARDED_BY(m_csFrame) = nullptr;
+    ColorCatch m_colorCatch;
+};
+
+inline constexpr char kManagerSyncLog[] = "sync/ManagerSync";
+
+template <class Remember, class Call>
+RETSTATUS IManagerSync::BoardOperation(DeviceLost lost, Remember remember, Call call) {
+    if (m_hDevice == nullptr) {
+        return STATUS_NOT_CONNECTED;
+    }
+    CheckNotInScanCallback(this);
+    os::CriticalSectionGuard device(m_csDevice);
+    remember(m_remembered);
+    if (lost == DeviceLost::Refuses && m_bDeviceLost) {
+        return STATUS_FAILED;
+    }
+    return call(m_hDevice.load()) ? STATUS_SUCCESS : STATUS_FAILED;
+}
+
+template <class Call>
+RETSTATUS IManagerSync::BoardQuery(Call call) {
+    return BoardOperation(
+        DeviceLost::Refuses, [](RememberedSettings&) {}, call);
+}
+
+}  // namespace Korvex3Sync

@@ -1,0 +1,154 @@
+#include <array>
+
+#include "platform/os/Log.h"
+#include "sync/ChannelCodes.h"
+#include "sync/ManagerSync.h"
+
+namespace Korvex3Sync {
+namespace {
+
+constexpr auto& kLog = kManagerSyncLog;
+
+constexpr int kOpened = 0;
+constexpr int kBadLists = 1;
+constexpr int kCameraFailure = 2;
+
+/// An address as the number that "%d" prints.
+int AsNumber(const void* address) {
+    return static_cast<int>(reinterpret_cast<std::uintptr_t>(address));
+}
+
+/// How many entries of the serial list share each camera.
+std::array<unsigned char, kMostGroups> CountShares(const std::vector<int>& codes,
+                                                   std::size_t entries) {
+    std::array<unsigned char, kMostGroups> tmpFlag{};
+    for (std::size_t i = 0; i < entries; ++i) {
+        const int tmpCH = codes[i];
+        KORVEX_LOG(kLog) << "i=" << i << "tmpCH =" << tmpCH;
+        KORVEX_LOG_FORMATTED(kLog, "OpenCameras tmpCH=%d", tmpCH);
+        const int group = ChannelGroup(tmpCH);
+        unsigned char& count = tmpFlag[static_cast<std::size_t>(group)];
+        ++count;
+        KORVEX_LOG(kLog) << "tmpFlag[" << group << "]= " << int{count};
+        KORVEX_LOG_FORMATTED(kLog, "OpenCameras2 tmpCH=%d", tmpCH);
+    }
+    return tmpFlag;
+}
+
+}  // namespace
+
+int IManagerSync::OpenCameras(const std::vector<char*>& camSerials, const std::vector<int>& widths,
+                              const std::vector<int>& heights) {
+    const std::size_t count = camSerials.size();
+    KORVEX_LOG(kLog) << "IShotSync::OpenCameras tmpSerialCount=" << count;
+    if (count < 1 || count != widths.size() || count != heights.size()) {
+        return kBadLists;
+    }
+    os::CriticalSectionGuard device(m_csDevice);
+    if (!AssignCameraChannels(camSerials)) {
+        KORVEX_LOG(kLog) << "OpenCameras failed: more than " << kMostGroups << " cameras, or more "
+                         << "than " << kMostRepeats << " equal neighbours";
+        return kCameraFailure;
+    }
+    if (!CreateCameras(camSerials, widths, heights)) {
+        m_cameras.clear();
+        return kCameraFailure;
+    }
+    if (!CheckCameraTotals()) {
+        m_cameras.clear();
+        std::printf("Check Camera Total Failed\n");
+        KORVEX_LOG(kLog) << "Check Camera Total Failed";
+        return kCameraFailure;
+    }
+    if (!OpenAndStartCameras()) {
+        m_cameras.clear();
+        std::printf("Open Camera Failed in IShotSync::opencameras\n");
+        KORVEX_LOG(kLog) << "Open Camera Failed in IShotSync::opencameras";
+        return kCameraFailure;
+    }
+    StartGrabbing(count);
+    return kOpened;
+}
+
+bool IManagerSync::AssignCameraChannels(const std::vector<char*>& camSerials) {
+    ChannelAssignment assignment = AssignChannels(camSerials);
+    m_cameraSerials = std::move(assignment.serials);
+    m_cameraChannels.insert(m_cameraChannels.end(), assignment.codes.begin(),
+                            assignment.codes.end());
+    return assignment.fits;
+}
+
+bool IManagerSync::CreateCameras(const std::vector<char*>& camSerials,
+                                 const std::vector<int>& widths, const std::vector<int>& heights) {
+    const std::size_t count = camSerials.size();
+    KORVEX_LOG_FORMATTED(kLog, "OpenCameras tmpSerialCount=%d", static_cast<int>(count));
+    const auto tmpFlag = CountShares(m_cameraChannels, count);
+    std::size_t i = 0;
+    for (; i < count; ++i) {
+        const int tmpCH = m_cameraChannels[i];
+        if (ChannelRepeat(tmpCH) != 0) {
+            KORVEX_LOG_FORMATTED(kLog, "OpenCameras tmpCH & 0x0f=%d already opend ",
+                                 ChannelRepeat(tmpCH));
+            KORVEX_LOG(kLog) << "i=" << i << "tempValue =" << ChannelRepeat(tmpCH);
+            continue;
+        }
+        auto camera = std::make_unique<CPhysicalCameraThread>(this);
+        if (!camera->InializeCamera(camSerials[i])) {
+            break;
+        }
+        camera->SetCameraID(ChannelIndex(tmpCH));
+        const int shares = tmpFlag[static_cast<std::size_t>(ChannelGroup(tmpCH))];
+        KORVEX_LOG_FORMATTED(kLog, "OpenCameras camSerials[i]=%d SetCameraComplexInfo=%d",
+                             AsNumber(camSerials[i]), shares);
+        KORVEX_LOG(kLog) << "i=" << i << "camSerials[i] =" << camSerials[i]
+                         << "tmpFlag[(tmpCH & 0xf0) >> 4]=" << shares;
+        camera->SetCameraComplexInfo(shares);
+        m_cameras.push_back(std::move(camera));
+        m_cameraParams.push_back(widths[i]);
+        m_cameraParams.push_back(heights[i]);
+    }
+    KORVEX_LOG(kLog) << "i=" << i << "tmpSerialCount=" << count;
+    return i == count;
+}
+
+bool IManagerSync::CheckCameraTotals() {
+    std::size_t k = 0;
+    for (; k < m_cameras.size(); ++k) {
+        int total = 0;
+        if (!m_cameras[k]->GetDeviceTotal(total) || total < 1) {
+            break;
+        }
+    }
+    KORVEX_LOG(kLog) << "index=" << k << "index=" << m_cameras.size();
+    return k == m_cameras.size();
+}
+
+bool IManagerSync::OpenAndStartCameras() {
+    for (std::size_t k = 0; k < m_cameras.size(); ++k) {
+        if (!m_cameras[k]->OpenCamera(m_cameraSerials[k].c_str(), m_cameraParams[2 * k],
+                                      m_cameraParams[2 * k + 1])) {
+            for (std::size_t j = 0; j < m_cameras.size(); ++j) {
+                if (j < k) {
+                    m_cameras[j]->StopThread();
+                    m_cameras[j]->CloseCamera();
+                }
+                m_cameras[j].reset();
+            }
+            return false;
+        }
+        m_cameras[k]->StartCamera();
+    }
+    return true;
+}
+
+void IManagerSync::StartGrabbing(std::size_t serialCount) {
+    for (auto& camera : m_cameras) {
+        m_cameraBookkeeping.push_back(std::make_unique<CameraBookkeeping>());
+        camera->SetScanCallBackFunction(&IManagerSync::OnFrame, this);
+        camera->StartThread();
+    }
+    m_serialSlots.resize(m_serialSlots.size() + serialCount, nullptr);
+    m_allCamerasMask = (1U << (serialCount & 31U)) - 1U;
+}
+
+}  // namespace Korvex3Sync

@@ -1,0 +1,42 @@
+#include "sync/ScanCallbackRule.h"
+
+#ifdef KORVEX_CHECKS
+
+#include <glog/logging.h>
+
+#include <utility>
+
+namespace Korvex3Sync {
+namespace {
+
+thread_local const void* t_manager = nullptr;
+
+}  // namespace
+
+InScanCallback::InScanCallback(const void* manager)
+    : m_previous(std::exchange(t_manager, manager)) {}
+
+InScanCallback::~InScanCallback() {
+    t_manager = m_previous;
+}
+
+void CheckNotInScanCallback(const void* manager) {
+    if (t_manager == manager) {
+        LOG(ERROR) << "an operation was called in a scan callback of the same handle: it can wait "
+                      "for a reconnection that waits for this callback";
+    }
+}
+
+}  // namespace Korvex3Sync
+
+#else
+
+namespace Korvex3Sync {
+
+InScanCallback::InScanCallback(const void*) {}
+InScanCallback::~InScanCallback() = default;
+void CheckNotInScanCallback(const void*) {}
+
+}  // namespace Korvex3Sync
+
+#endif

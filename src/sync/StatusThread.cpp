@@ -1,0 +1,123 @@
+#include <chrono>
+
+#include "platform/include/zr3DHandiDLPdev.h"
+#include "platform/os/Log.h"
+#include "sync/ManagerSync.h"
+
+namespace Korvex3Sync {
+namespace {
+
+constexpr auto& kLog = kManagerSyncLog;
+
+constexpr std::chrono::milliseconds kPollPeriod{200};
+constexpr std::chrono::milliseconds kPausedPeriod{300};
+/// Polls without a call after each change of the callback.
+constexpr int kSkippedPolls = 4;
+constexpr unsigned char kNoAnswer = 0xFF;
+
+}  // namespace
+
+RETSTATUS IManagerSync::SetStatusCallBackFunction(StatusCallBackFunction callback, void* context) {
+    KORVEX_LOG(kLog) << "pCallBack=" << reinterpret_cast<const void*>(callback)
+                     << " m_bContinueStatusThread=" << m_bContinueStatusThread;
+    const auto store = [&] {
+        os::CriticalSectionGuard status(m_csStatus);
+        m_pStatusContext = context;
+        m_nStatusSkipCount = kSkippedPolls;
+        return std::exchange(m_pStatusCallBack, callback);
+    };
+    if (m_bContinueStatusThread) {
+        store();
+        if (callback == nullptr || context == nullptr) {
+            KORVEX_LOG(kLog) << "SetStatusCallBackFunction close heart beat.";
+            EnableHeartbeat(false);
+        } else {
+            KORVEX_LOG(kLog) << "SetStatusCallBackFunction EnableHeartbeat 1.";
+            EnableHeartbeat(true);
+        }
+        return STATUS_SUCCESS;
+    }
+    {
+        os::CriticalSectionGuard device(m_csDevice);
+        const StatusCallBackFunction previous = store();
+        m_bContinueStatusThread = true;
+        if (!m_hStatusThread.Start([this] { StatusThreadFun(); })) {
+            m_bContinueStatusThread = false;
+            os::CriticalSectionGuard status(m_csStatus);
+            m_pStatusCallBack = previous;
+            return STATUS_FAILED;
+        }
+        KORVEX_LOG(kLog) << "SetStatusCallBackFunction EnableHeartbeat.";
+    }
+    EnableHeartbeat(true);
+    return STATUS_SUCCESS;
+}
+
+RETSTATUS IManagerSync::EnableHeartbeat(bool enable) {
+    if (m_hDevice == nullptr) {
+        return STATUS_NOT_CONNECTED;
+    }
+    CheckNotInScanCallback(this);
+    os::CriticalSectionGuard device(m_csDevice);
+    m_bHeartbeatEnabled = enable;
+    return zr3DHandiDLPdev::zr3DEnableHeartbeat(m_hDevice, enable) ? STATUS_SUCCESS : STATUS_FAILED;
+}
+
+RETSTATUS IManagerSync::QueryCurrentStatus(unsigned char& first, unsigned char& second) {
+    void* const handle = m_hDevice;
+    if (handle == nullptr) {
+        return STATUS_NOT_CONNECTED;
+    }
+    return zr3DHandiDLPdev::zr3DQueryCurrentStatus(handle, first, second) ? STATUS_SUCCESS
+                                                                          : STATUS_FAILED;
+}
+
+unsigned IManagerSync::StatusThreadFun() {
+    while (m_bContinueStatusThread) {
+        while (m_bPauseStatusCheck && m_bContinueStatusThread) {
+            m_statusWake.Wait(kPausedPeriod);
+        }
+        {
+            os::CriticalSectionGuard device(m_csDevice);
+            if (!m_bContinueStatusThread) {
+                std::printf("Leave status check lock!!!!!!!!!!!!!!!!!\n");
+                KORVEX_LOG(kLog) << "StatusThreadFun m_bContinueStatusThread="
+                                 << m_bContinueStatusThread;
+                break;
+            }
+            PollStatus();
+        }
+        m_statusWake.Wait(kPollPeriod);
+    }
+    KORVEX_LOG(kLog) << "Exit Status Thread";
+    std::printf("Exit Status Thread\n");
+    return 0;
+}
+
+void IManagerSync::PollStatus() {
+    {
+        os::CriticalSectionGuard status(m_csStatus);
+        if (m_pStatusCallBack == nullptr) {
+            return;
+        }
+    }
+    unsigned char first = 0;
+    unsigned char second = 0;
+    m_bDeviceLost = QueryCurrentStatus(first, second) != STATUS_SUCCESS;
+    if (m_bDeviceLost) {
+        first = kNoAnswer;
+        second = kNoAnswer;
+    }
+    os::CriticalSectionGuard status(m_csStatus);
+    if (m_pStatusCallBack == nullptr) {
+        return;
+    }
+    if (m_nStatusSkipCount != 0) {
+        --m_nStatusSkipCount;
+        return;
+    }
+    const void* const context = m_pStatusContext;
+    m_pStatusCallBack(context, second, first);
+}
+
+}  // namespace Korvex3Sync
