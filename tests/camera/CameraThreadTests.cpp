@@ -1,0 +1,324 @@
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <condition_variable>
+#include <mutex>
+#include <thread>
+
+#include "camera/Listener.h"
+#include "camera/PhysicalCameraThread.h"
+#include "platform/os/TimeScale.h"
+#include "recorder/Recorder.h"
+#include "support/LogCapture.h"
+#include "support/PackedFrames.h"
+
+namespace Korvex3Sync {
+namespace {
+
+using recorder::Recorder;
+using Calls = std::vector<std::string>;
+
+constexpr std::chrono::seconds kDeadline{30};
+constexpr char kRejected[] = "PhysicalCameraThread: Snap image data failed, wrong image data!";
+
+/// Frames that a camera's callback received.
+class Frames {
+public:
+    static void Receive(const void* const& context, const int& cameraId,
+                        unsigned char* const& image, const int& width, const int& height,
+                        const int& channels) {
+        auto* const frames = static_cast<Frames*>(const_cast<void*>(context));
+        std::lock_guard lock(frames->m_mutex);
+        frames->m_seen.push_back({cameraId, image[0], width, height, channels});
+        frames->m_changed.notify_all();
+    }
+
+    struct Frame {
+        int cameraId;
+        int firstByte;
+        int width;
+        int height;
+        int channels;
+        bool operator==(const Frame&) const = default;
+    };
+
+    bool WaitFor(std::size_t count) {
+        std::unique_lock lock(m_mutex);
+        return m_changed.wait_for(lock, kDeadline, [&] { return m_seen.size() >= count; });
+    }
+    std::vector<Frame> Seen() {
+        std::lock_guard lock(m_mutex);
+        return m_seen;
+    }
+
+private:
+    std::mutex m_mutex;
+    std::condition_variable m_changed;
+    std::vector<Frame> m_seen;
+};
+
+class CameraThread : public testing::Test {
+protected:
+    CameraThread() { Recorder::Get().Reset(); }
+
+    void Attach(int width, int height, int colorMode) {
+        Recorder::Get().Attach({{"KV00R1", width, height, colorMode}});
+    }
+    void Open() {
+        ASSERT_TRUE(m_camera.InializeCamera("KV00R1"));
+        ASSERT_TRUE(m_camera.OpenCamera("KV00R1", 8, 4));
+        m_camera.SetCameraID(3);
+        m_camera.SetScanCallBackFunction(&Frames::Receive, &m_frames);
+    }
+    static void Push(unsigned char firstByte) {
+        Recorder::Get().PushSnap({0, false, std::vector<unsigned char>(64, firstByte)});
+    }
+
+    SilentListener m_listener;
+    Frames m_frames;
+    CPhysicalCameraThread m_camera{&m_listener};
+};
+
+TEST_F(CameraThread, StartBeforeOpenGivesFalseAndNoThread) {
+    ASSERT_TRUE(m_camera.InializeCamera("KV00R1"));
+    EXPECT_FALSE(m_camera.StartThread());
+    m_camera.StopThread();
+    EXPECT_EQ(Recorder::Get().Count("UnlockOthers"), 0u) << "there was no thread to stop";
+}
+
+TEST_F(CameraThread, ACallbackSetBeforeTheCameraIdIsNotStored) {
+    ASSERT_TRUE(m_camera.InializeCamera("KV00R1"));
+    ASSERT_TRUE(m_camera.OpenCamera("KV00R1", 8, 4));
+    m_camera.SetScanCallBackFunction(&Frames::Receive, &m_frames);
+    ASSERT_TRUE(m_camera.StartThread());
+    Push(1);
+    ASSERT_TRUE(Recorder::Get().WaitForCount("SnapShot", 2));
+    m_camera.StopThread();
+    EXPECT_TRUE(m_frames.Seen().empty());
+}
+
+TEST_F(CameraThread, TheCameraIdIsIgnoredWithoutACamera) {
+    m_camera.SetCameraID(3);
+    testing::internal::CaptureStdout();
+    m_camera.SetScanCallBackFunction(&Frames::Receive, &m_frames);
+    EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
+}
+
+TEST_F(CameraThread, HandsEachFrameToTheCallbackInOrder) {
+    Open();
+    ASSERT_TRUE(m_camera.StartThread());
+    Push(1);
+    Push(2);
+    ASSERT_TRUE(m_frames.WaitFor(2));
+    EXPECT_EQ(m_frames.Seen(), (std::vector<Frames::Frame>{{3, 1, 8, 4, 1}, {3, 2, 8, 4, 1}}));
+}
+
+struct Geometry {
+    int width;
+    int height;
+    int colorMode;
+    int channels;  // 0: rejected
+};
+
+class CameraThreadGeometry : public CameraThread, public testing::WithParamInterface<Geometry> {};
+
+TEST_P(CameraThreadGeometry, DecidesWhetherAFrameIsDispatched) {
+    const Geometry geometry = GetParam();
+    Attach(geometry.width, geometry.height, geometry.colorMode);
+    support::LogCapture log;
+    Open();
+    ASSERT_TRUE(m_camera.StartThread());
+    Push(1);
+    ASSERT_TRUE(Recorder::Get().WaitForCount("SnapShot", 2));
+    m_camera.StopThread();
+    if (geometry.channels == 0) {
+        EXPECT_TRUE(m_frames.Seen().empty());
+        EXPECT_TRUE(log.Has(kRejected));
+    } else {
+        EXPECT_EQ(m_frames.Seen(),
+                  (std::vector<Frames::Frame>{
+                      {3, 1, geometry.width, geometry.height, geometry.channels}}));
+        EXPECT_FALSE(log.Has(kRejected));
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Sizes, CameraThreadGeometry,
+                         testing::Values(Geometry{2000, 2000, 17, 3}, Geometry{2001, 10, 1, 0},
+                                         Geometry{10, 2001, 1, 0}, Geometry{10, 0, 1, 0},
+                                         Geometry{0, 10, 1, 0}, Geometry{-1, 10, 1, 0},
+                                         Geometry{8, 4, 18, 1}, Geometry{8, 4, 2, 2},
+                                         Geometry{8, 4, 16, 1}));
+
+TEST_F(CameraThread, AResolutionThatCannotBeReadRejectsTheFrame) {
+    Recorder::Get().FailAlways("GetResolution");
+    support::LogCapture log;
+    Open();
+    ASSERT_TRUE(m_camera.StartThread());
+    Push(1);
+    ASSERT_TRUE(Recorder::Get().WaitForCount("SnapShot", 2));
+    m_camera.StopThread();
+    EXPECT_TRUE(log.Has(kRejected));
+}
+
+TEST_F(CameraThread, CloseForgetsTheCallbackUntilItIsSetAgain) {
+    Open();
+    m_camera.CloseCamera();
+    ASSERT_TRUE(m_camera.OpenCamera("KV00R1", 8, 4));
+    ASSERT_TRUE(m_camera.StartThread());
+    Push(1);
+    ASSERT_TRUE(Recorder::Get().WaitForCount("SnapShot", 2));
+    EXPECT_TRUE(m_frames.Seen().empty());
+    m_camera.SetScanCallBackFunction(&Frames::Receive, &m_frames);
+    Push(2);
+    EXPECT_TRUE(m_frames.WaitFor(1));
+}
+
+TEST_F(CameraThread, ASnapWithANullBufferFailsButLogsNothing) {
+    support::LogCapture log;
+    Open();
+    testing::internal::CaptureStdout();
+    Recorder::Get().PushSnap({0, true, {}});
+    ASSERT_TRUE(m_camera.StartThread());
+    ASSERT_TRUE(Recorder::Get().WaitForCount("SnapShot", 2));
+    m_camera.StopThread();
+    EXPECT_NE(testing::internal::GetCapturedStdout().find("Camera 3 Snap Failed\n"),
+              std::string::npos);
+    EXPECT_FALSE(log.Has("PhysicalCameraThread: Camera 3 Snap Failed and data not null. "));
+    EXPECT_TRUE(m_frames.Seen().empty());
+}
+
+TEST_F(CameraThread, AFailedSnapWithABufferIsLoggedWithItsResult) {
+    support::LogCapture log;
+    Open();
+    Recorder::Get().PushSnap({-9, false, std::vector<unsigned char>(64, 1)});
+    ASSERT_TRUE(m_camera.StartThread());
+    ASSERT_TRUE(Recorder::Get().WaitForCount("SnapShot", 2));
+    m_camera.StopThread();
+    EXPECT_TRUE(log.Has("PhysicalCameraThread: Camera 3 Snap Failed and data not null. "));
+    EXPECT_TRUE(log.Has("PhysicalCameraThread: ret=-9"));
+    EXPECT_TRUE(m_frames.Seen().empty());
+}
+
+TEST_F(CameraThread, FailedSnapsNeverEndTheThread) {
+    Open();
+    Recorder::Get().FailAlways("SnapShot");
+    for (int i = 0; i < 700; ++i) {
+        Push(1);
+    }
+    ASSERT_TRUE(m_camera.StartThread());
+    ASSERT_TRUE(Recorder::Get().WaitForCount("SnapShot", 701));
+    Recorder::Get().FailAlways("SnapShot", false);
+    // The snap that runs now was told to fail; the next one is not.
+    ASSERT_TRUE(Recorder::Get().WaitForCount("SnapShot", Recorder::Get().Count("SnapShot") + 1));
+    Push(5);
+    EXPECT_TRUE(m_frames.WaitFor(1));
+}
+
+TEST_F(CameraThread, APauseHoldsFramesBackAndResumeLetsThemThrough) {
+    Open();
+    ASSERT_TRUE(m_camera.StartThread());
+    m_camera.PauseThread();
+    Push(1);
+    const auto before = Recorder::Get().Count("SnapShot");
+    EXPECT_TRUE(m_frames.Seen().empty());
+    EXPECT_EQ(Recorder::Get().Count("SnapShot"), before);
+    // The pausing thread may use the camera and the pause lock meanwhile.
+    m_camera.SetScanCallBackFunction(&Frames::Receive, &m_frames);
+    EXPECT_TRUE(m_camera.SetExposure(5));
+    m_camera.ResumeThread();
+    EXPECT_TRUE(m_frames.WaitFor(1));
+}
+
+TEST_F(CameraThread, APauseThatAnotherThreadMadeIsEndedBeforeDestruction) {
+    Open();
+    ASSERT_TRUE(m_camera.StartThread());
+    std::thread([&] { m_camera.PauseThread(); }).join();
+    m_camera.ResetStatusToInitialize();
+    EXPECT_TRUE(m_camera.StopThread());
+}
+
+TEST_F(CameraThread, StopEndsWithinOneSnapAndUnlocksTheOthers) {
+    Open();
+    ASSERT_TRUE(m_camera.StartThread());
+    ASSERT_TRUE(Recorder::Get().WaitForCount("SnapShot", 1));
+    EXPECT_TRUE(m_camera.StopThread());
+    const auto snaps = Recorder::Get().Count("SnapShot");
+    EXPECT_EQ(Recorder::Get().Calls().back(), "UnlockOthers(C1)");
+    EXPECT_TRUE(m_camera.StopThread()) << "stopping twice is fine";
+    EXPECT_EQ(Recorder::Get().Count("UnlockOthers"), 1u);
+    EXPECT_EQ(Recorder::Get().Count("SnapShot"), snaps);
+}
+
+TEST_F(CameraThread, ALoopWithoutACameraWaitsInsteadOfSpinning) {
+    Open();
+    ASSERT_TRUE(m_camera.StartThread());
+    m_camera.PauseThread();
+    testing::internal::CaptureStdout();
+    m_camera.ReleaseCamera();
+    m_camera.ResumeThread();
+    const auto begin = std::chrono::steady_clock::now();
+    std::this_thread::sleep_for(std::chrono::milliseconds(250));
+    m_camera.StopThread();
+    const auto slept = std::chrono::steady_clock::now() - begin;
+    const std::string printed = testing::internal::GetCapturedStdout();
+    std::size_t failures = 0;
+    for (std::size_t at = 0; (at = printed.find("Snap Failed", at)) != std::string::npos; ++at) {
+        ++failures;
+    }
+    // One failure for each 100 ms; a spinning loop prints thousands.
+    EXPECT_LE(failures, static_cast<std::size_t>(slept / std::chrono::milliseconds(100)) + 2);
+}
+
+TEST_F(CameraThread, OpeningARunningCameraStopsAndClosesItFirst) {
+    Open();
+    ASSERT_TRUE(m_camera.StartThread());
+    ASSERT_TRUE(Recorder::Get().WaitForCount("SnapShot", 1));
+    ASSERT_TRUE(m_camera.OpenCamera("KV00R1", 8, 4));
+    EXPECT_EQ(Recorder::Get().Calls(),
+              (Calls{"CreateCamera(KV00R1)", "OpenCamera(C1, KV00R1, 8, 4)", "GetColorMode(C1)",
+                     "UnlockOthers(C1)", "CloseCamera(C1)", "OpenCamera(C1, KV00R1, 8, 4)",
+                     "GetColorMode(C1)"}));
+}
+
+TEST_F(CameraThread, ReopensInPlaceWithTheStoredSerialAndSize) {
+    Open();
+    EXPECT_TRUE(m_camera.ReOpenCamera());
+    const Calls calls = Recorder::Get().Calls();
+    EXPECT_EQ(Calls(calls.end() - 3, calls.end()),
+              (Calls{"CloseCamera(C1)", "OpenCamera(C1, KV00R1, 8, 4)", "GetDeviceType(C1)"}));
+}
+
+TEST_F(CameraThread, AReopenFailsWithoutACameraWhenItDoesNotOpenOrHasNoType) {
+    EXPECT_FALSE(m_camera.ReOpenCamera());
+    Open();
+    Recorder::Get().FailNth("OpenCamera", 1);
+    EXPECT_FALSE(m_camera.ReOpenCamera());
+    Recorder::Get().FailNth("GetDeviceType", 1);
+    EXPECT_FALSE(m_camera.ReOpenCamera());
+}
+
+TEST_F(CameraThread, InitialisesFromTheStoredSerialWhenNoneIsGiven) {
+    EXPECT_FALSE(m_camera.InializeCamera(nullptr)) << "no serial is stored yet";
+    Open();
+    m_camera.CloseCamera();
+    m_camera.ReleaseCamera();
+    EXPECT_TRUE(m_camera.InializeCamera(nullptr));
+    EXPECT_EQ(Recorder::Get().Calls().back(), "CreateCamera(KV00R1)");
+}
+
+TEST_F(CameraThread, DestructionStopsClosesAndReleases) {
+    {
+        CPhysicalCameraThread camera(&m_listener);
+        ASSERT_TRUE(camera.InializeCamera("KV00R1"));
+        ASSERT_TRUE(camera.OpenCamera("KV00R1", 8, 4));
+        ASSERT_TRUE(camera.StartCamera());
+        ASSERT_TRUE(camera.StartThread());
+    }
+    EXPECT_EQ(
+        Recorder::Get().Calls(),
+        (Calls{"CreateCamera(KV00R1)", "OpenCamera(C1, KV00R1, 8, 4)", "GetColorMode(C1)",
+               "StartCamera(C1, 0)", "UnlockOthers(C1)", "CloseCamera(C1)", "ReleaseCamera(C1)"}));
+}
+
+}  // namespace
+}  // namespace Korvex3Sync

@@ -1,0 +1,40 @@
+#include "camera/ColorMode.h"
+
+#include <gtest/gtest.h>
+
+namespace Korvex3Sync {
+namespace {
+
+struct Row {
+    int mode;
+    int channels;
+    int bytes;
+    bool color;
+};
+
+class ColorModes : public testing::TestWithParam<Row> {};
+
+TEST_P(ColorModes, MeanWhatTheTableSays) {
+    const Row row = GetParam();
+    const zr3DCamera::ZR_IMG_FORMAT mode{row.mode};
+    EXPECT_EQ(CallbackChannels(mode), row.channels);
+    EXPECT_EQ(BytesPerPixel(mode), row.bytes);
+    EXPECT_EQ(IsColorCamera(mode), row.color);
+}
+
+INSTANTIATE_TEST_SUITE_P(All, ColorModes,
+                         testing::Values(Row{1, 1, 1, false}, Row{2, 2, 2, false},
+                                         Row{16, 1, 1, true}, Row{17, 3, 3, true},
+                                         Row{18, 1, 6, true}, Row{0, 1, 1, false},
+                                         Row{-7, 1, 1, false}, Row{99, 1, 1, false}));
+
+TEST(SplitChannels, FollowTheFormat) {
+    EXPECT_EQ(SplitChannels(1), 1);
+    EXPECT_EQ(SplitChannels(2), 2);
+    EXPECT_EQ(SplitChannels(16), 1);
+    EXPECT_EQ(SplitChannels(17), 3);
+    EXPECT_EQ(SplitChannels(18), 6);
+}
+
+}  // namespace
+}  // namespace Korvex3Sync

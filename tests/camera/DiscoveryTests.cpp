@@ -1,0 +1,184 @@
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <memory>
+
+#include "camera/CameraDiscovery.h"
+#include "camera/Usb3Check.h"
+#include "recorder/Recorder.h"
+#include "support/LogCapture.h"
+
+namespace Korvex3Sync {
+namespace {
+
+using recorder::Recorder;
+using Calls = std::vector<std::string>;
+
+class Discovery : public testing::Test {
+protected:
+    Discovery() { Recorder::Get().Reset(); }
+    ~Discovery() override {
+        for (char* serial : m_serials) {
+            delete[] serial;
+        }
+    }
+
+    int Read(const char* type) {
+        testing::internal::CaptureStdout();
+        const int read =
+            GetAllSpecifyTypeCameraInformation(type, m_serials, m_widths, m_heights, m_isColor);
+        m_printed = testing::internal::GetCapturedStdout();
+        return read;
+    }
+    int Count(const char* type) {
+        testing::internal::CaptureStdout();
+        const int count = GetSpecifyTypeCameraCount(type);
+        m_printed = testing::internal::GetCapturedStdout();
+        return count;
+    }
+
+    std::vector<char*> m_serials;
+    std::vector<int> m_widths;
+    std::vector<int> m_heights;
+    std::vector<bool> m_isColor;
+    std::string m_printed;
+    support::LogCapture m_log;
+};
+
+TEST_F(Discovery, ReadsEveryCameraInItsOrderOfCalls) {
+    Recorder::Get().Attach({{"KV00A", 8, 4, 16}, {"KV00B", 16, 2, 1}});
+    EXPECT_EQ(Read("KV00"), 2);
+    EXPECT_STREQ(m_serials[0], "KV00A");
+    EXPECT_STREQ(m_serials[1], "KV00B");
+    EXPECT_EQ(m_widths, (std::vector<int>{8, 16}));
+    EXPECT_EQ(m_heights, (std::vector<int>{4, 2}));
+    EXPECT_EQ(m_isColor, (std::vector<bool>{true, false}));
+    EXPECT_EQ(m_printed,
+              "Camera Is Color Mode: 1\nCamera 0 gain range 1 - 9\n"
+              "Camera Is Color Mode: 0\nCamera 1 gain range 1 - 9\n");
+    EXPECT_EQ(
+        Recorder::Get().Calls(),
+        (Calls{"CreateCamera(KV00)", "GetDeviceTotal(C1)", "CreateCamera(KV00)",
+               "OpenCamera(C1, 0, 0, 0)", "GetSerialNo(C1)", "GetColorMode(C1)", "GetGainRange(C1)",
+               "OpenCamera(C2, 1, 0, 0)", "GetSerialNo(C2)", "GetColorMode(C2)", "GetGainRange(C2)",
+               "CloseCamera(C1)", "ReleaseCamera(C1)", "CloseCamera(C2)", "ReleaseCamera(C2)"}));
+    EXPECT_TRUE(m_log.Has("PhysicalCameraThread: GetAllSpecifyTypeCameraInformation 0"));
+    EXPECT_TRUE(
+        m_log.Has("PhysicalCameraThread: GetAllSpecifyTypeCameraInformation tmpRealCount=2"));
+}
+
+TEST_F(Discovery, AnUnknownTypeGivesNothingButItsFirstTwoCharacters) {
+    Recorder::Get().FailAlways("CreateCamera");
+    EXPECT_EQ(Count("ZQ77"), 0);
+    EXPECT_EQ(m_printed, "Create Camera Failed: ZQ\n");
+    EXPECT_TRUE(m_log.Has("PhysicalCameraThread: GetSpecifyTypeCameraCount ok"));
+    EXPECT_EQ(Read("ZQ77"), 0);
+    EXPECT_EQ(m_printed, "Create Camera Failed: ZQ\n");
+    EXPECT_TRUE(m_log.Has("PhysicalCameraThread: GetAllSpecifyTypeCameraInformation failed"));
+    EXPECT_TRUE(m_serials.empty());
+    EXPECT_TRUE(m_isColor.empty());
+    EXPECT_EQ(Recorder::Get().Calls().back(), "ReleaseCamera(null)");
+}
+
+TEST_F(Discovery, ShortAndNullTypesAreAnsweredLikeUnknownOnes) {
+    Recorder::Get().FailAlways("CreateCamera");
+    for (const char* type : {"K", "", static_cast<const char*>(nullptr)}) {
+        EXPECT_EQ(Count(type), 0);
+        EXPECT_EQ(Read(type), 0);
+        EXPECT_EQ(m_printed, std::string("Create Camera Failed: ") + (type ? type : "") + "\n");
+    }
+}
+
+TEST_F(Discovery, ACameraThatDoesNotOpenIsSkippedAndNamedByItsPosition) {
+    Recorder::Get().Attach({{"KV00A"}, {"KV00B"}, {"KV00C"}});
+    Recorder::Get().FailNth("OpenCamera", 2);
+    EXPECT_EQ(Read("KV00"), 2);
+    EXPECT_NE(m_printed.find("Open Camera 1 Failed\n"), std::string::npos);
+    EXPECT_EQ(m_serials.size(), 2u);
+    EXPECT_EQ(m_widths.size(), 2u);
+    EXPECT_EQ(m_heights.size(), 2u);
+    EXPECT_EQ(m_isColor.size(), 2u);
+    EXPECT_STREQ(m_serials[1], "KV00C");
+    EXPECT_EQ(Recorder::Get().Count("ReleaseCamera"), 3u);
+}
+
+TEST_F(Discovery, ACameraWhoseSerialCannotBeReadIsSkipped) {
+    Recorder::Get().FailNth("GetSerialNo", 1);
+    EXPECT_EQ(Read("KV00"), 1);
+    EXPECT_NE(m_printed.find("Get Camera 0 Serial Failed\n"), std::string::npos);
+}
+
+TEST_F(Discovery, AnInstanceThatCannotBeMadeLowersTheTotal) {
+    Recorder::Get().Attach({{"KV00A"}, {"KV00B"}, {"KV00C"}});
+    Recorder::Get().FailNth("CreateCamera", 2);
+    EXPECT_EQ(Read("KV00"), 2);
+    EXPECT_STREQ(m_serials[1], "KV00B");
+}
+
+TEST_F(Discovery, ATotalThatCannotBeReadGivesNothing) {
+    Recorder::Get().FailAlways("GetDeviceTotal");
+    EXPECT_EQ(Count("KV00"), 0);
+    EXPECT_EQ(m_printed, "Device Total: 0\n");
+    EXPECT_TRUE(m_log.Has("PhysicalCameraThread: GetSpecifyTypeCameraCount ok1"));
+    EXPECT_EQ(Recorder::Get().Count("ReleaseCamera"), 0u) << "the count releases nothing";
+    EXPECT_EQ(Read("KV00"), 0);
+    EXPECT_EQ(m_printed, "Device Total: 0\n");
+    EXPECT_TRUE(m_log.Has("PhysicalCameraThread: GetAllSpecifyTypeCameraInformation failed1"));
+    EXPECT_EQ(Recorder::Get().Count("ReleaseCamera"), 1u);
+}
+
+TEST_F(Discovery, WithNoCameraTheFirstInstanceIsNeitherClosedNorReleased) {
+    Recorder::Get().Attach({});
+    EXPECT_EQ(Read("KV00"), 0);
+    EXPECT_EQ(Recorder::Get().Calls(), (Calls{"CreateCamera(KV00)", "GetDeviceTotal(C1)"}));
+}
+
+TEST_F(Discovery, AppendsToWhatTheCallerHas) {
+    m_serials.push_back(new char[2]{'x', 0});
+    m_widths.push_back(1);
+    m_heights.push_back(1);
+    m_isColor.push_back(false);
+    EXPECT_EQ(Read("KV00"), 2);
+    EXPECT_EQ(m_serials.size(), 3u);
+    EXPECT_STREQ(m_serials[0], "x");
+    EXPECT_EQ(m_widths[0], 1);
+}
+
+TEST_F(Discovery, ASerialThatDoesNotFitItsBufferIsCut) {
+    Recorder::Get().Attach({{std::string(10000, 's')}});
+    EXPECT_EQ(Read("KV00"), 1);
+    EXPECT_EQ(std::strlen(m_serials[0]), 259u);
+}
+
+TEST_F(Discovery, TheCountIsTheLibrarysTotal) {
+    EXPECT_EQ(Count("KV00"), 2);
+    EXPECT_TRUE(m_log.Has("PhysicalCameraThread: GetSpecifyTypeCameraCount tmpCameraNum=2"));
+    EXPECT_EQ(Recorder::Get().Calls(), (Calls{"CreateCamera(KV00)", "GetDeviceTotal(C1)"}));
+}
+
+TEST_F(Discovery, TheFirstBoardDecidesTheUsbSpeed) {
+    Recorder::Get().SetValue("boards", 2);
+    Recorder::Get().SetValue("speed0", 4);
+    Recorder::Get().SetValue("speed1", 3);
+    bool superSpeed = false;
+    EXPECT_TRUE(FindBoardUsbSpeed(superSpeed));
+    EXPECT_TRUE(superSpeed);
+    Recorder::Get().SetValue("speed0", 3);
+    Recorder::Get().SetValue("speed1", 4);
+    EXPECT_TRUE(FindBoardUsbSpeed(superSpeed));
+    EXPECT_FALSE(superSpeed);
+    EXPECT_TRUE(m_log.Has("KorvexSyncControl: HCD[0]-HUB-UPT[3]-DEV"));
+    EXPECT_EQ(Recorder::Get().Calls(),
+              (Calls{"EnumAllHCD()", "GetSpecifyDeviceTreePath(12903, 22354)", "EraseList()",
+                     "EnumAllHCD()", "GetSpecifyDeviceTreePath(12903, 22354)", "EraseList()"}));
+}
+
+TEST_F(Discovery, WithoutABoardTheUsbAnswerIsUntouched) {
+    bool superSpeed = true;
+    EXPECT_FALSE(FindBoardUsbSpeed(superSpeed));
+    EXPECT_TRUE(superSpeed);
+    EXPECT_TRUE(m_log.Has("KorvexSyncControl: IsConnectedOnU3 Fail!"));
+}
+
+}  // namespace
+}  // namespace Korvex3Sync

@@ -1,0 +1,110 @@
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <thread>
+
+#include "platform/os/Clock.h"
+#include "platform/os/CriticalSection.h"
+#include "platform/os/Event.h"
+#include "platform/os/Thread.h"
+#include "platform/os/TimeScale.h"
+
+namespace Korvex3Sync::os {
+namespace {
+
+using namespace std::chrono_literals;
+
+TEST(CriticalSection, KnowsItsOwnerAndIsReentrant) {
+    CriticalSection section;
+    EXPECT_FALSE(section.OwnedByCaller());
+    section.Enter();
+    section.Enter();
+    section.Leave();
+    EXPECT_TRUE(section.OwnedByCaller());
+    std::thread([&] { EXPECT_FALSE(section.OwnedByCaller()); }).join();
+    section.Leave();
+    EXPECT_FALSE(section.OwnedByCaller());
+}
+
+TEST(CriticalSection, LeaveIfOwnerNeverReleasesTheHoldOfAnother) {
+    CriticalSection section;
+    section.Enter();
+    std::thread([&] { section.LeaveIfOwner(); }).join();
+    EXPECT_TRUE(section.OwnedByCaller());
+    section.LeaveIfOwner();
+    EXPECT_FALSE(section.OwnedByCaller());
+}
+
+TEST(CriticalSection, KeepsThreadsApart) {
+    CriticalSection section;
+    int count = 0;
+    const auto add = [&] {
+        for (int i = 0; i < 10000; ++i) {
+            CriticalSectionGuard guard(section);
+            ++count;
+        }
+    };
+    std::thread other(add);
+    add();
+    other.join();
+    EXPECT_EQ(count, 20000);
+}
+
+TEST(Event, StaysSetUntilReset) {
+    Event event;
+    EXPECT_EQ(event.Wait(1ms), WaitResult::TimedOut);
+    event.Set();
+    EXPECT_EQ(event.Wait(0ms), WaitResult::Signalled);
+    EXPECT_EQ(event.Wait(0ms), WaitResult::Signalled);
+    event.Reset();
+    EXPECT_FALSE(event.IsSet());
+}
+
+TEST(Event, WakesAWaiterOfAnotherThread) {
+    Event event;
+    WaitResult result = WaitResult::TimedOut;
+    std::thread waiter([&] { result = event.Wait(60000ms); });
+    event.Set();
+    waiter.join();
+    EXPECT_EQ(result, WaitResult::Signalled);
+}
+
+TEST(TimeScale, ShortensNominalTimeWhileItLives) {
+    {
+        ScopedTimeScale scale(0.001);
+        EXPECT_EQ(Scaled(100000ms), std::chrono::steady_clock::duration(100ms));
+        Event never;
+        EXPECT_EQ(never.Wait(100000ms), WaitResult::TimedOut);
+        SleepFor(10000ms);
+    }
+    EXPECT_EQ(Scaled(100ms), std::chrono::steady_clock::duration(100ms));
+}
+
+TEST(Thread, JoinsInItsDestructor) {
+    std::atomic<bool> ended{false};
+    {
+        Thread thread;
+        EXPECT_EQ(thread.Handle(), nullptr);
+        ASSERT_TRUE(thread.Start([&] {
+            SleepFor(20ms);
+            ended = true;
+        }));
+        EXPECT_NE(thread.Handle(), nullptr);
+        EXPECT_FALSE(thread.Start([] {})) << "one thread at a time";
+    }
+    EXPECT_TRUE(ended);
+}
+
+TEST(Thread, CanBeStartedAgainAfterAJoin) {
+    Thread thread;
+    std::atomic<int> runs{0};
+    for (int i = 0; i < 2; ++i) {
+        ASSERT_TRUE(thread.Start([&] { ++runs; }));
+        thread.Join();
+        EXPECT_FALSE(thread.Started());
+    }
+    EXPECT_EQ(runs, 2);
+}
+
+}  // namespace
+}  // namespace Korvex3Sync::os
