@@ -80,9 +80,8 @@ void IManagerSync::HandleFrame(int cameraId, const unsigned char* raw, int width
     } else {
         m_pairing.TakeColor(decoded, sink);
     }
-    if (m_pairing.Size() > FramePairing::kMostItems) {
-        KORVEX_LOG(kLog) << "error drop data pThis->_mapVideoItems.size()=" << m_pairing.Size();
-        m_pairing.DropFirst(sink);
+    if (const std::size_t size = m_pairing.EnforceBound(sink); size > 0) {
+        KORVEX_LOG(kLog) << "error drop data pThis->_mapVideoItems.size()=" << size;
     }
 }
 

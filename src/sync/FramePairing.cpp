@@ -25,12 +25,13 @@ void FramePairing::TakeColor(const DecodedFrame& frame, Sink& sink) {
         sink.Release(color);
         return;
     }
-    const VideoItem& item = found->second;
+    const VideoItem item = found->second;
     m_set = {item.pMonoImage0, item.pMonoImage1, color};
     m_setChannels = {item.nMonoChannels, item.nMonoChannels, frame.channels.front()};
     sink.Deliver(m_set, frame.width, frame.heights.front(), m_setChannels);
     _mapVideoItems.erase(found);
     ReleaseSet(m_set, sink);
+    ReleaseImages({item.pColorImage}, sink);
 }
 
 void FramePairing::TakeMono(const DecodedFrame& frame, Sink& sink) {
@@ -77,13 +78,20 @@ void FramePairing::Store(unsigned int key, const VideoItem& item) {
     _mapVideoItems.emplace(key, item);
 }
 
+std::size_t FramePairing::EnforceBound(Sink& sink) {
+    const std::size_t size = Size();
+    if (size <= kMostItems) {
+        return 0;
+    }
+    DropFirst(sink);
+    return size;
+}
+
 void FramePairing::DropFirst(Sink& sink) {
     const auto first = _mapVideoItems.begin();
-    if (first != _mapVideoItems.end()) {
-        const VideoItem& item = first->second;
-        ReleaseImages({item.pColorImage, item.pMonoImage0, item.pMonoImage1}, sink);
-        _mapVideoItems.erase(first);
-    }
+    const VideoItem& item = first->second;
+    ReleaseImages({item.pColorImage, item.pMonoImage0, item.pMonoImage1}, sink);
+    _mapVideoItems.erase(first);
 }
 
 void FramePairing::Clear(Sink& sink) {

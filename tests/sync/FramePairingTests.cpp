@@ -1,0 +1,294 @@
+#include "sync/FramePairing.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <map>
+#include <random>
+#include <set>
+#include <string>
+
+namespace Korvex3Sync {
+namespace {
+
+/// Images are numbers in disguise; every one must be released exactly once.
+class Ledger : public FramePairing::Sink {
+public:
+    unsigned char* Make() {
+        auto* const image = reinterpret_cast<unsigned char*>(++m_next);
+        m_live.insert(image);
+        return image;
+    }
+    void Deliver(const std::vector<unsigned char*>& images, int width, int height,
+                 const std::vector<int>& channels) override {
+        std::string set;
+        for (unsigned char* image : images) {
+            EXPECT_TRUE(m_live.count(image)) << "delivered after its release";
+            set += std::to_string(reinterpret_cast<std::uintptr_t>(image)) + " ";
+        }
+        set += std::to_string(width) + "x" + std::to_string(height);
+        for (int channel : channels) {
+            set += " c" + std::to_string(channel);
+        }
+        delivered.push_back(set);
+    }
+    void Release(unsigned char* image) override {
+        EXPECT_EQ(m_live.erase(image), 1u) << "released twice, or never made";
+        released.push_back(reinterpret_cast<std::uintptr_t>(image));
+    }
+    std::size_t Live() const { return m_live.size(); }
+
+    std::vector<std::string> delivered;
+    std::vector<std::uintptr_t> released;
+
+private:
+    std::uintptr_t m_next = 0;
+    std::set<unsigned char*> m_live;
+};
+
+class Pairing : public testing::Test {
+protected:
+    ~Pairing() override {
+        m_pairing.Clear(m_ledger);
+        EXPECT_EQ(m_ledger.Live(), 0u) << "images were lost";
+    }
+    DecodedFrame Frame(unsigned key, int images, int width = 8, int height = 4) {
+        DecodedFrame frame;
+        frame.key = key;
+        frame.width = width;
+        for (int i = 0; i < images; ++i) {
+            frame.images.push_back(m_ledger.Make());
+            frame.widths.push_back(width);
+            frame.heights.push_back(height);
+            frame.channels.push_back(1);
+        }
+        return frame;
+    }
+    void Mono(unsigned key, int width = 8) { m_pairing.TakeMono(Frame(key, 2, width), m_ledger); }
+    void Color(unsigned key, int width = 8) { m_pairing.TakeColor(Frame(key, 1, width), m_ledger); }
+
+    Ledger m_ledger;
+    FramePairing m_pairing;
+};
+
+using Sets = std::vector<std::string>;
+
+TEST_F(Pairing, AColourFrameWithoutItsMonoIsReleasedAndNothingIsDelivered) {
+    Color(7);
+    EXPECT_TRUE(m_ledger.delivered.empty());
+    EXPECT_EQ(m_ledger.Live(), 0u);
+    EXPECT_EQ(m_pairing.Size(), 0u);
+}
+
+TEST_F(Pairing, MonoThenItsColourIsOneSetOfThree) {
+    Mono(7);
+    EXPECT_TRUE(m_ledger.delivered.empty());
+    Color(7);
+    EXPECT_EQ(m_ledger.delivered, Sets{"1 2 3 8x4 c1 c1 c1"});
+    EXPECT_EQ(m_pairing.Size(), 0u);
+    EXPECT_EQ(m_ledger.released, (std::vector<std::uintptr_t>{1, 2, 3}));
+}
+
+TEST_F(Pairing, AMonoWithoutItsColourIsDeliveredAtTheNextMono) {
+    Mono(1);
+    Mono(2);
+    EXPECT_EQ(m_ledger.delivered, Sets{"1 2 8x4 c1 c1"});
+    Color(2);
+    EXPECT_EQ(m_ledger.delivered, (Sets{"1 2 8x4 c1 c1", "3 4 5 8x4 c1 c1 c1"}));
+}
+
+TEST_F(Pairing, AFlushedSetIsDescribedByTheNewerFrame) {
+    Mono(1, 8);
+    Mono(2, 16);
+    EXPECT_EQ(m_ledger.delivered, Sets{"1 2 16x4 c1 c1"});
+}
+
+TEST_F(Pairing, ARepeatedMonoSendsThePendingSetOnItsWay) {
+    Mono(5);
+    Mono(5);
+    EXPECT_EQ(m_ledger.delivered, Sets{"1 2 8x4 c1 c1"});
+    EXPECT_EQ(m_pairing.Size(), 1u);
+}
+
+TEST_F(Pairing, ALateColourIsDroppedOnceItsMonoWentAlone) {
+    Mono(1);
+    Mono(2);
+    Color(1);
+    EXPECT_EQ(m_ledger.delivered, Sets{"1 2 8x4 c1 c1"});
+    Color(2);
+    EXPECT_EQ(m_ledger.delivered.size(), 2u);
+}
+
+TEST_F(Pairing, KeysWrapAndTheMapIsOrderedByKeyNotByArrival) {
+    for (unsigned key : {255u, 0u, 128u}) {
+        VideoItem item;
+        item.pMonoImage0 = m_ledger.Make();
+        item.pMonoImage1 = m_ledger.Make();
+        item.nMonoChannels = 1;
+        m_pairing.Store(key, item);
+    }
+    Mono(1);
+    // Stored as 255 (1 2), 0 (3 4), 128 (5 6): sent on their way as 0, 128, 255.
+    EXPECT_EQ(m_ledger.delivered, (Sets{"3 4 8x4 c1 c1", "5 6 8x4 c1 c1", "1 2 8x4 c1 c1"}));
+}
+
+TEST_F(Pairing, AMonoThatMeetsAnItemWithColourGoesOutWithIt) {
+    VideoItem item;
+    item.pColorImage = m_ledger.Make();
+    item.nColorChannels = 3;
+    m_pairing.Store(9, item);
+    Mono(9);
+    EXPECT_EQ(m_ledger.delivered, Sets{"2 3 1 8x4 c1 c1 c3"});
+    EXPECT_EQ(m_pairing.Size(), 0u);
+}
+
+TEST_F(Pairing, AnItemThatLacksAMonoImageIsReleasedWithoutDelivery) {
+    VideoItem item;
+    item.pMonoImage0 = m_ledger.Make();
+    m_pairing.Store(9, item);
+    Color(9);
+    EXPECT_EQ(m_pairing.Size(), 1u) << "the colour frame alone was dropped";
+    Mono(10);
+    EXPECT_TRUE(m_ledger.delivered.empty());
+    EXPECT_EQ(m_pairing.Size(), 1u);
+}
+
+TEST_F(Pairing, AnItemWithEverythingIsFlushedAsThreeImages) {
+    VideoItem item;
+    item.pMonoImage0 = m_ledger.Make();
+    item.pMonoImage1 = m_ledger.Make();
+    item.pColorImage = m_ledger.Make();
+    item.nColorChannels = 3;
+    m_pairing.Store(9, item);
+    Mono(10);
+    EXPECT_EQ(m_ledger.delivered, Sets{"1 2 3 8x4 c1 c1 c3"});
+}
+
+TEST_F(Pairing, MoreThanFourItemsLoseTheSmallestKeyOneForEachFrame) {
+    for (unsigned key : {70u, 30u, 60u, 40u, 20u, 50u}) {
+        VideoItem item;
+        item.pMonoImage0 = m_ledger.Make();
+        item.pMonoImage1 = m_ledger.Make();
+        item.pColorImage = m_ledger.Make();
+        m_pairing.Store(key, item);
+    }
+    EXPECT_EQ(m_pairing.EnforceBound(m_ledger), 6u);
+    // Key 20 holds images 13, 14, 15: colour goes first, then the monos.
+    EXPECT_EQ(m_ledger.released, (std::vector<std::uintptr_t>{15, 13, 14}));
+    EXPECT_EQ(m_pairing.Size(), 5u);
+    EXPECT_EQ(m_pairing.EnforceBound(m_ledger), 5u);
+    EXPECT_EQ(m_pairing.EnforceBound(m_ledger), 0u) << "four may stay";
+    EXPECT_EQ(m_pairing.Size(), 4u);
+    EXPECT_TRUE(m_ledger.delivered.empty());
+}
+
+/// The rules in their plainest form: at most one mono set waits.
+TEST_F(Pairing, TenThousandRandomSequencesFollowThePlainRules) {
+    const unsigned seed = std::random_device{}();
+    SCOPED_TRACE("seed " + std::to_string(seed));
+    std::mt19937 random(seed);
+    for (int sequence = 0; sequence < 10000; ++sequence) {
+        m_ledger.delivered.clear();
+        m_pairing.Clear(m_ledger);
+        Sets expected;
+        bool waits = false;
+        unsigned waitingKey = 0;
+        std::string waiting;
+        unsigned key = random() % 256;
+        const int frames = static_cast<int>(random() % 24);
+        for (int i = 0; i < frames; ++i) {
+            // Mostly in order, as a head triggers; sometimes any key at all.
+            key = random() % 8 == 0 ? random() % 256 : (key + random() % 2) % 256;
+            const bool color = random() % 2 == 0;
+            DecodedFrame frame = Frame(key, color ? 1 : 2);
+            std::string names;
+            for (unsigned char* image : frame.images) {
+                names += std::to_string(reinterpret_cast<std::uintptr_t>(image)) + " ";
+            }
+            if (color) {
+                m_pairing.TakeColor(frame, m_ledger);
+                if (waits && waitingKey == key) {
+                    expected.push_back(waiting + names + "8x4 c1 c1 c1");
+                    waits = false;
+                }
+            } else {
+                m_pairing.TakeMono(frame, m_ledger);
+                if (waits) {
+                    expected.push_back(waiting + "8x4 c1 c1");
+                }
+                waits = true;
+                waitingKey = key;
+                waiting = names;
+            }
+            ASSERT_EQ(m_pairing.Size(), waits ? 1u : 0u);
+            ASSERT_EQ(m_ledger.Live(), waits ? 2u : 0u);
+        }
+        ASSERT_EQ(m_ledger.delivered, expected) << "sequence " << sequence;
+    }
+}
+
+/// Against a model of the whole map, with items of every kind in it.
+TEST_F(Pairing, TenThousandRandomMapsAreFlushedAndMatchedLikeTheModel) {
+    const unsigned seed = std::random_device{}();
+    SCOPED_TRACE("seed " + std::to_string(seed));
+    std::mt19937 random(seed);
+    const auto name = [](unsigned char* image) {
+        return std::to_string(reinterpret_cast<std::uintptr_t>(image)) + " ";
+    };
+    for (int sequence = 0; sequence < 10000; ++sequence) {
+        m_ledger.delivered.clear();
+        m_pairing.Clear(m_ledger);
+        std::map<unsigned, VideoItem> model;
+        for (unsigned i = random() % 5; i > 0; --i) {
+            const unsigned key = random() % 256;
+            if (model.count(key) != 0) {
+                continue;
+            }
+            VideoItem item;
+            item.pMonoImage0 = random() % 4 != 0 ? m_ledger.Make() : nullptr;
+            item.pMonoImage1 = random() % 4 != 0 ? m_ledger.Make() : nullptr;
+            item.pColorImage = random() % 3 == 0 ? m_ledger.Make() : nullptr;
+            item.nMonoChannels = 1;
+            item.nColorChannels = 3;
+            m_pairing.Store(key, item);
+            model[key] = item;
+        }
+        const bool hit = !model.empty() && random() % 2 == 0;
+        const unsigned key = hit ? model.begin()->first : random() % 256;
+        const bool color = random() % 2 == 0;
+        DecodedFrame frame = Frame(key, color ? 1 : 2);
+        Sets expected;
+        const auto found = model.find(key);
+        if (color) {
+            if (found != model.end() && found->second.pMonoImage0 && found->second.pMonoImage1) {
+                expected.push_back(name(found->second.pMonoImage0) +
+                                   name(found->second.pMonoImage1) + name(frame.images[0]) +
+                                   "8x4 c1 c1 c1");
+                model.erase(found);
+            }
+            m_pairing.TakeColor(frame, m_ledger);
+        } else {
+            if (found != model.end() && found->second.pColorImage) {
+                expected.push_back(name(frame.images[0]) + name(frame.images[1]) +
+                                   name(found->second.pColorImage) + "8x4 c1 c1 c3");
+                model.erase(found);
+            } else {
+                for (const auto& [waitingKey, item] : model) {
+                    if (item.pMonoImage0 && item.pMonoImage1) {
+                        expected.push_back(name(item.pMonoImage0) + name(item.pMonoImage1) +
+                                           (item.pColorImage ? name(item.pColorImage) : "") +
+                                           "8x4 c1 c1" + (item.pColorImage ? " c3" : ""));
+                    }
+                }
+                model.clear();
+                model[key] = {};
+            }
+            m_pairing.TakeMono(frame, m_ledger);
+        }
+        ASSERT_EQ(m_ledger.delivered, expected) << "map " << sequence;
+        ASSERT_EQ(m_pairing.Size(), model.size()) << "map " << sequence;
+    }
+}
+
+}  // namespace
+}  // namespace Korvex3Sync

@@ -1,0 +1,199 @@
+#include <gtest/gtest.h>
+
+#include <condition_variable>
+#include <mutex>
+
+#include "platform/os/Clock.h"
+#include "platform/os/TimeScale.h"
+#include "support/LogCapture.h"
+#include "sync/Head.h"
+
+namespace Korvex3Sync {
+namespace {
+
+using recorder::Recorder;
+using Pairs = std::vector<std::pair<int, int>>;
+
+constexpr std::chrono::seconds kDeadline{30};
+
+/// What a status callback was told, and how many polls there had been at the first call.
+class Reports {
+public:
+    static void Receive(const void* const& context, const unsigned char& statusA,
+                        const unsigned char& statusB) {
+        auto* const reports = static_cast<Reports*>(const_cast<void*>(context));
+        if (reports->action) {
+            reports->action();
+        }
+        std::lock_guard lock(reports->m_mutex);
+        if (reports->m_seen.empty()) {
+            reports->pollsAtFirst = Recorder::Get().Count("zr3DQueryCurrentStatus");
+        }
+        reports->m_seen.emplace_back(statusA, statusB);
+        reports->m_changed.notify_all();
+    }
+    bool WaitFor(std::size_t count) {
+        std::unique_lock lock(m_mutex);
+        return m_changed.wait_for(lock, kDeadline, [&] { return m_seen.size() >= count; });
+    }
+    Pairs Seen() {
+        std::lock_guard lock(m_mutex);
+        return m_seen;
+    }
+
+    std::function<void()> action;
+    std::uint64_t pollsAtFirst = 0;
+
+private:
+    std::mutex m_mutex;
+    std::condition_variable m_changed;
+    Pairs m_seen;
+};
+
+class StatusThread : public testing::Test {
+protected:
+    StatusThread() { Recorder::Get().Reset(); }
+    RETSTATUS Set(StatusCallBackFunction callback, void* context) {
+        return m_manager.SetStatusCallBackFunction(callback, context);
+    }
+    RETSTATUS Report() { return Set(&Reports::Receive, &m_reports); }
+    void Open() { ASSERT_EQ(m_manager.InitProjector(""), STATUS_SUCCESS); }
+    bool WaitForPolls(std::uint64_t more) {
+        return Recorder::Get().WaitForCount("zr3DQueryCurrentStatus",
+                                            Recorder::Get().Count("zr3DQueryCurrentStatus") + more);
+    }
+
+    os::ScopedTimeScale m_scale{0.05};
+    Reports m_reports;
+    support::LogCapture m_log;
+    IManagerSync m_manager;
+};
+
+TEST_F(StatusThread, TheFirstCallComesOnTheFifthPollWithTheBytesCrossedOver) {
+    Recorder::Get().SetValue("first", 17);
+    Recorder::Get().SetValue("second", 34);
+    Open();
+    EXPECT_EQ(Report(), STATUS_SUCCESS);
+    ASSERT_TRUE(m_reports.WaitFor(2));
+    EXPECT_EQ(m_reports.pollsAtFirst, 5u);
+    EXPECT_EQ(m_reports.Seen().front(), std::make_pair(34, 17));
+    EXPECT_TRUE(m_log.Has("ManagerSync: SetStatusCallBackFunction EnableHeartbeat."));
+    EXPECT_EQ(Recorder::Get().Calls().back(), "zr3DEnableHeartbeat(B1, 1)");
+}
+
+TEST_F(StatusThread, EveryChangeOfTheCallbackSkipsFourPollsAgain) {
+    Open();
+    Report();
+    ASSERT_TRUE(m_reports.WaitFor(1));
+    Reports other;
+    EXPECT_EQ(Set(&Reports::Receive, &other), STATUS_SUCCESS);
+    const auto polls = Recorder::Get().Count("zr3DQueryCurrentStatus");
+    ASSERT_TRUE(other.WaitFor(1));
+    // A poll may have been under way at the change: it counts as the first of the four, or not.
+    EXPECT_GE(other.pollsAtFirst, polls + 4);
+    EXPECT_TRUE(m_log.Has("ManagerSync: SetStatusCallBackFunction EnableHeartbeat 1."));
+    Set(nullptr, nullptr);
+}
+
+TEST_F(StatusThread, ANullCallbackSwitchesTheHeartbeatOffAndSilencesTheThread) {
+    Open();
+    Report();
+    ASSERT_TRUE(m_reports.WaitFor(1));
+    EXPECT_EQ(Set(nullptr, &m_reports), STATUS_SUCCESS);
+    EXPECT_EQ(Recorder::Get().Calls().back(), "zr3DEnableHeartbeat(B1, 0)");
+    EXPECT_TRUE(m_log.Has("ManagerSync: SetStatusCallBackFunction close heart beat."));
+    const auto polls = Recorder::Get().Count("zr3DQueryCurrentStatus");
+    const auto calls = m_reports.Seen().size();
+    os::SleepFor(std::chrono::milliseconds(2000));
+    EXPECT_LE(Recorder::Get().Count("zr3DQueryCurrentStatus"), polls + 1)
+        << "one poll may have been under way; then the board is left alone";
+    EXPECT_EQ(m_reports.Seen().size(), calls) << "no call once the setter has returned";
+    Report();
+    EXPECT_TRUE(m_reports.WaitFor(calls + 1)) << "the thread was only silent";
+}
+
+TEST_F(StatusThread, ANullContextSwitchesTheHeartbeatOffThoughTheCallbackRuns) {
+    Open();
+    Set([](const void* const&, const unsigned char&, const unsigned char&) {}, nullptr);
+    EXPECT_EQ(Recorder::Get().Calls().back(), "zr3DEnableHeartbeat(B1, 1)")
+        << "the first call switches it on whatever it is given";
+    Set([](const void* const&, const unsigned char&, const unsigned char&) {}, nullptr);
+    EXPECT_EQ(Recorder::Get().Calls().back(), "zr3DEnableHeartbeat(B1, 0)");
+    EXPECT_TRUE(WaitForPolls(2));
+}
+
+TEST_F(StatusThread, TheFirstCallStartsTheThreadEvenWithANullCallback) {
+    Open();
+    EXPECT_EQ(Set(nullptr, nullptr), STATUS_SUCCESS);
+    EXPECT_EQ(Recorder::Get().Calls().back(), "zr3DEnableHeartbeat(B1, 1)");
+    EXPECT_TRUE(m_log.Has("ManagerSync: pCallBack=0 m_bContinueStatusThread=0"));
+    Set(nullptr, nullptr);
+    EXPECT_TRUE(m_log.Has("ManagerSync: pCallBack=0 m_bContinueStatusThread=1"));
+}
+
+TEST_F(StatusThread, WithoutABoardEveryReportIs255) {
+    EXPECT_EQ(Report(), STATUS_SUCCESS);
+    ASSERT_TRUE(m_reports.WaitFor(3));
+    for (const auto& report : m_reports.Seen()) {
+        EXPECT_EQ(report, std::make_pair(255, 255));
+    }
+    EXPECT_EQ(Recorder::Get().Count("zr3DQueryCurrentStatus"), 0u);
+    EXPECT_EQ(Recorder::Get().Count("zr3DEnableHeartbeat"), 0u);
+}
+
+TEST_F(StatusThread, AFailedPollReports255AndMarksTheBoardLostUntilAGoodOne) {
+    Recorder::Get().SetValue("first", 1);
+    Open();
+    Report();
+    Recorder::Get().FailAlways("zr3DQueryCurrentStatus");
+    ASSERT_TRUE(m_reports.WaitFor(1));
+    ASSERT_TRUE(WaitForPolls(2));
+    EXPECT_EQ(m_reports.Seen().back(), std::make_pair(255, 255));
+    EXPECT_EQ(m_manager.Project(PROJECT_PATTERN_1), STATUS_FAILED);
+    Recorder::Get().FailAlways("zr3DQueryCurrentStatus", false);
+    ASSERT_TRUE(WaitForPolls(3));
+    EXPECT_EQ(m_manager.Project(PROJECT_PATTERN_1), STATUS_SUCCESS);
+}
+
+TEST_F(StatusThread, ACallbackMayCallBoardOperations) {
+    Open();
+    m_reports.action = [&] {
+        int period = 0;
+        EXPECT_EQ(m_manager.GetVideoTriggerPeriod(period), STATUS_SUCCESS);
+    };
+    Report();
+    ASSERT_TRUE(m_reports.WaitFor(2));
+    EXPECT_GE(Recorder::Get().Count("zr3DQueryTriggerPeriod"), 2u);
+}
+
+TEST_F(StatusThread, TheHeartbeatNeedsABoard) {
+    EXPECT_EQ(m_manager.EnableHeartbeat(true), STATUS_NOT_CONNECTED);
+    Open();
+    EXPECT_EQ(m_manager.EnableHeartbeat(false), STATUS_SUCCESS);
+    EXPECT_EQ(Recorder::Get().Calls().back(), "zr3DEnableHeartbeat(B1, 0)");
+    Recorder::Get().FailAlways("zr3DEnableHeartbeat");
+    EXPECT_EQ(m_manager.EnableHeartbeat(true), STATUS_FAILED);
+    EXPECT_EQ(Report(), STATUS_SUCCESS) << "the setter never reports the heartbeat";
+}
+
+TEST(StatusThreadEnd, TheDestructorEndsTheThreadAtOnceAndSaysSo) {
+    Recorder::Get().Reset();
+    support::LogCapture log;
+    Reports reports;
+    testing::internal::CaptureStdout();
+    const auto begin = std::chrono::steady_clock::now();
+    {
+        os::ScopedTimeScale slow(1000);  // a poll period of 200 s: nobody may wait for it
+        IManagerSync manager;
+        ASSERT_EQ(manager.InitProjector(""), STATUS_SUCCESS);
+        manager.SetStatusCallBackFunction(&Reports::Receive, &reports);
+        ASSERT_TRUE(Recorder::Get().WaitForCount("zr3DQueryCurrentStatus", 1));
+    }
+    EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(100));
+    EXPECT_NE(testing::internal::GetCapturedStdout().find("Exit Status Thread\n"),
+              std::string::npos);
+    EXPECT_TRUE(log.Has("ManagerSync: Exit Status Thread"));
+}
+
+}  // namespace
+}  // namespace Korvex3Sync
