@@ -29,6 +29,8 @@ public:
 
     /// Executes one command report and gives the reply report; nothing when the board does not
     /// answer (a report that it cannot read, or a hang that was ordered).
+    /// Blocks as long as a fault that was ordered for the command lets it. The journal gets one
+    /// entry for each call of a platform function, also when it takes several reports.
     std::optional<board::Report> Execute(const board::Report& command);
 
     BoardState State() const;
@@ -41,6 +43,9 @@ private:
     Faults& m_faults;
     TriggerChanged m_triggerChanged;
 
+    // Held over a change of the trigger and its announcement, so that announcements come in the
+    // order of the changes. Taken before m_mutex.
+    std::mutex m_triggerMutex;
     mutable std::mutex m_mutex;
     BoardState m_state;
     std::array<std::uint8_t, 4096> m_userMemory;

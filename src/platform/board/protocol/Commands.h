@@ -1,0 +1,85 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <string_view>
+
+namespace Korvex3Sync::board {
+
+/// The command codes. A code that is not named here is a legal value of the type and an unknown
+/// command to the board. The codes of the duty-ratio and work-time commands are the selectors that
+/// the application passes.
+enum class Command : std::uint8_t {
+    QueryFirmwareVersionFast = 0x01,
+    QueryFirmwareVersion = 0x02,
+    ResetDevice = 0x03,
+    ResetFpga = 0x04,
+    QueryCurrentStatus = 0x05,
+    EnableHeartbeat = 0x06,
+    OpenOrCloseStrobeFlicker = 0x10,
+    SetLaserEnable = 0x11,
+    SetIrLaserEnable = 0x12,
+    SetIrLaserLevel = 0x13,
+    SetProjectorBrightness = 0x14,
+    QueryProjectorBrightness = 0x15,
+    Project = 0x16,
+    SetDistanceIndicateState = 0x17,
+    SetTriggerPeriod = 0x20,
+    QueryTriggerPeriod = 0x21,
+    SetTriggerMode = 0x22,
+    SetLedDuty = 0x29,
+    QueryLedDuty = 0x30,
+    SetLaserLineDuty = 0x31,
+    QueryLaserLineDuty = 0x32,
+    SetProjectorDuty = 0x33,
+    QueryProjectorDuty = 0x34,
+    SetIrLaserDuty = 0x35,
+    QueryIrLaserDuty = 0x36,
+    SetLedWorkTime = 0x40,
+    QueryLedWorkTime = 0x41,
+    SetLaserLineWorkTime = 0x52,
+    QueryLaserLineWorkTime = 0x53,
+    SetProjectorWorkTime = 0x54,
+    QueryProjectorWorkTime = 0x55,
+    SetIrLaserWorkTime = 0x56,
+    QueryIrLaserWorkTime = 0x57,
+    WriteUserMemory = 0x60,
+    ReadUserMemory = 0x61,
+};
+
+/// The user memory: pages that are read and written in parts of at most kUserPart bytes.
+inline constexpr int kUserPageSize = 256;
+inline constexpr int kUserPages = 16;
+inline constexpr int kUserPart = 32;
+
+/// What a payload has to look like: this many 32-bit values, then at least and at most so many
+/// bytes.
+struct PayloadShape {
+    std::size_t values = 0;
+    std::size_t leastBytes = 0;
+    std::size_t mostBytes = 0;
+
+    bool Fits(std::size_t size) const;
+};
+
+/// One command of the protocol.
+struct CommandInfo {
+    Command command;
+    /// The platform function that sends it.
+    const char* function;
+    /// Whether the application names the code itself, as the function's selector.
+    bool selected;
+    PayloadShape request;
+    PayloadShape reply;
+};
+
+/// Every command, in the order of their codes.
+std::span<const CommandInfo> AllCommands();
+/// The command of this code; null when there is none.
+const CommandInfo* FindCommand(Command command);
+/// The command that `selector` names for this platform function; null when the selector is not one
+/// of the function's, so that a wrong number never becomes another command.
+const CommandInfo* FindSelected(std::string_view function, int selector);
+
+}  // namespace Korvex3Sync::board
