@@ -89,6 +89,14 @@ void Faults::ReleaseHangs() {
     m_changed.notify_all();
 }
 
+void Faults::ReleaseHangs(const std::string& call) {
+    std::lock_guard lock(m_mutex);
+    if (const auto found = m_orders.find(call); found != m_orders.end()) {
+        ++found->second.releases;
+        m_changed.notify_all();
+    }
+}
+
 bool Faults::WaitForHang(const std::string& call, std::chrono::milliseconds limit) {
     std::unique_lock lock(m_mutex);
     return m_changed.wait_for(lock, limit, [this, &call] {
@@ -128,7 +136,9 @@ bool Faults::Meet(const std::string& call) {
         --orders.hang;
         ++orders.hanging;
         m_changed.notify_all();
-        m_changed.wait(lock, [this, releases = m_releases] { return m_releases != releases; });
+        m_changed.wait(lock, [this, &orders, all = m_releases, own = orders.releases] {
+            return m_releases != all || orders.releases != own;
+        });
         --orders.hanging;
         return true;
     }

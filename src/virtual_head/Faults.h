@@ -26,6 +26,8 @@ public:
     bool Hang(const std::string& call);
     /// Ends every hang that blocks now; hangs that no call has met yet stay ordered.
     void ReleaseHangs();
+    /// The same for the hangs of one call only.
+    void ReleaseHangs(const std::string& call);
     /// Waits until a call hangs here; false when the real-time limit passes first.
     bool WaitForHang(const std::string& call, std::chrono::milliseconds limit);
 
@@ -47,6 +49,7 @@ private:
         std::chrono::milliseconds extra{0};
         int hang = 0;
         int hanging = 0;
+        std::uint64_t releases = 0;
     };
 
     mutable std::mutex m_mutex;
