@@ -8,11 +8,11 @@
 namespace Korvex3Sync::virtual_head {
 
 /// What a virtual head is. Every member has the built-in default that applies when a head file
-/// does not name it.
+/// does not name it. The limits stand in HeadRules.h.
 struct HeadDescription {
-    /// First two characters name the maker "KV"; discovery asks for the type.
+    /// Begins with the maker "KV", as the serial does; discovery asks for the type.
     std::string cameraType = "KV00";
-    /// The serial that both sensors share.
+    /// The serial that both sensors share, 3 to 64 characters.
     std::string cameraSerial = "KV00A1001";
     std::string boardSerial = "VH3267-0001";
     std::string firmware = "1.4.0";
@@ -20,11 +20,13 @@ struct HeadDescription {
     int width = 1280;
     int height = 1024;
     bool color = true;
+    /// Gain range of the sensors, 0 to 63 each.
     int gainLow = 0;
     int gainHigh = 16;
     /// Negotiated USB speed as in `UPT[n]-DEV`: 1 low, 2 full, 3 high, 4 SuperSpeed.
     int usbSpeed = 4;
-    /// Frames that wait in each camera instance; a frame that finds no room is lost and counted.
+    /// Frames that wait in each camera instance, 1 to 4096; a frame that finds no room is lost and
+    /// counted.
     int cameraBuffers = 64;
     /// The board's user memory at power-on: pages of 256 bytes.
     std::array<std::uint8_t, 4096> userMemory{};

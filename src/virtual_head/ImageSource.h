@@ -28,8 +28,10 @@ KORVEX_VIRTUAL_HEAD_API std::shared_ptr<ImageSource> MakeTestPattern(
 
 /// Pairs of real images from HeadDescription::replayFolder, in the order of their names, over and
 /// over: trigger number n shows pair n modulo their count. An image smaller than the sensor is
-/// centred on black, never scaled; a larger one, a missing partner or an unreadable file is an
-/// error (one line of text).
+/// centred on black, never scaled, its corner on an even row and column so that a mosaic keeps its
+/// colours; a larger one, a missing partner, an unreadable file, an empty folder or more than 200
+/// pairs is an error (one line of text). All pairs are read at once and stay in memory, 2 x width x
+/// height bytes each, and half of that again where there is a colour image.
 KORVEX_VIRTUAL_HEAD_API std::variant<std::shared_ptr<ImageSource>, std::string> MakeReplay(
     const HeadDescription& description);
 

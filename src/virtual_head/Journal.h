@@ -3,6 +3,7 @@
 #include <chrono>
 #include <cstdint>
 #include <deque>
+#include <map>
 #include <mutex>
 #include <string>
 #include <thread>
@@ -26,22 +27,29 @@ struct JournalEntry {
     KORVEX_VIRTUAL_HEAD_API std::string Text() const;
 };
 
-/// What happened to the head, in order. Bounded: the oldest entries go first and are counted.
-/// Thread-safe.
+/// What happened to the head, in order. A call that equals the latest one of its thread is counted
+/// there and makes no entry of its own, also when other threads made entries in between. Bounded:
+/// the oldest entries go first and are counted. Thread-safe.
 class KORVEX_VIRTUAL_HEAD_API Journal {
 public:
+    static constexpr std::size_t kMostEntries = 20000;
+
     void Add(std::string call, std::string arguments, std::string result);
     std::vector<JournalEntry> Entries() const;
     /// Texts of the entries whose call is one of `calls` (all entries when empty), in order.
     std::vector<std::string> Texts(const std::vector<std::string>& calls = {}) const;
+    /// Entries that went because the journal was full, since the head exists.
     std::uint64_t Dropped() const;
+    /// Forgets the entries; the sequence goes on.
     void Clear();
 
 private:
-    static constexpr std::size_t kMostEntries = 20000;
+    JournalEntry* LatestOfCaller();
+    void ForgetThreadsWithoutEntries();
 
     mutable std::mutex m_mutex;
     std::deque<JournalEntry> m_entries;
+    std::map<std::thread::id, std::uint64_t> m_latest;  // sequence of each thread's latest entry
     std::uint64_t m_next = 0;
     std::uint64_t m_dropped = 0;
 };

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 
 #include "virtual_head/Export.h"
@@ -10,7 +11,8 @@ namespace Korvex3Sync::virtual_head {
 /// four pixels of the first image (bytes 3, 2, 1, 0) and four of the second (bytes 7, 6, 5, 4).
 /// Byte 4 is the key. A colour frame carries the marker (bytes 0-1 0xAA, 2-3 0x55, 9 0xAA, 10-11
 /// 0x55) in the first image's place and the mosaic in the second's. Marker and key are pixels too:
-/// the key replaces pixel 3 of the second image.
+/// the key replaces pixel 3 of the second image. `pixels` is a multiple of 4 and at least 8. The
+/// functions neither allocate nor block.
 
 /// Packs a mono frame. One pixel of the first image is changed by one grey level where the images
 /// would happen to form the marker.
@@ -19,6 +21,9 @@ KORVEX_VIRTUAL_HEAD_API void PackMono(const std::uint8_t* first, const std::uint
 /// Packs a colour frame from its mosaic (RGGB) and writes the marker.
 KORVEX_VIRTUAL_HEAD_API void PackColor(const std::uint8_t* mosaic, std::size_t pixels,
                                        std::uint8_t* packed);
+/// Packs a colour frame whose mosaic is the first image of a packed mono frame.
+KORVEX_VIRTUAL_HEAD_API void PackColorFromMono(const std::uint8_t* packedMono, std::size_t pixels,
+                                               std::uint8_t* packed);
 KORVEX_VIRTUAL_HEAD_API void WriteKey(std::uint8_t key, std::uint8_t* packed);
 
 }  // namespace Korvex3Sync::virtual_head

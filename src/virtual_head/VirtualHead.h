@@ -6,6 +6,7 @@
 #include "virtual_head/Faults.h"
 #include "virtual_head/HeadDescription.h"
 #include "virtual_head/Journal.h"
+#include "virtual_head/SensorSettings.h"
 #include "virtual_head/TriggerClock.h"
 #include "virtual_head/VirtualBoard.h"
 
@@ -18,7 +19,9 @@ class ImageSource;
 /// it from under a call.
 class KORVEX_VIRTUAL_HEAD_API VirtualHead {
 public:
-    explicit VirtualHead(HeadDescription description, std::shared_ptr<ImageSource> images);
+    /// `images` is not null and fits the description. Throws std::runtime_error without a thread
+    /// for the trigger clock.
+    VirtualHead(HeadDescription description, std::shared_ptr<ImageSource> images);
     ~VirtualHead();
     VirtualHead(const VirtualHead&) = delete;
     VirtualHead& operator=(const VirtualHead&) = delete;
@@ -28,6 +31,7 @@ public:
     Faults& GetFaults() { return m_faults; }
     VirtualBoard& Board() { return m_board; }
     TriggerClock& Clock() { return m_clock; }
+    SensorSettings& Sensors() { return m_sensors; }
     ImageSource& Images() { return *m_images; }
 
 private:
@@ -35,6 +39,7 @@ private:
     std::shared_ptr<ImageSource> m_images;
     Journal m_journal;
     Faults m_faults;
+    SensorSettings m_sensors;
     TriggerClock m_clock;
     VirtualBoard m_board;
 };

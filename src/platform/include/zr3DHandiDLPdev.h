@@ -21,7 +21,9 @@ enum DISTANCEINDICATE : int {};
 /// failed open leaves `handle` null. A board may be open more than once in a process.
 KORVEX_PLATFORM_API bool zr3DInitHidDev(void*& handle, const char* vendorId, const char* productId,
                                         const char* pcbSerial);
-/// Closes the board and nulls `handle`. Safe while another thread is in a call on it.
+/// Closes the board and nulls `handle`. Safe while another thread is in a call on it, which it
+/// ends. False for a handle that is not open, which stays as it is, and when the board fails to
+/// close; it is closed all the same.
 KORVEX_PLATFORM_API bool zr3DExitHidDev(void*& handle);
 /// Firmware version of the board with this serial (empty: any); needs no open board.
 KORVEX_PLATFORM_API bool zr3DQueryFirmwareVersionFast(const char* pcbSerial, std::string& version);
@@ -63,9 +65,12 @@ KORVEX_PLATFORM_API bool zr3DQueryLedWorkTime(void* handle, bool withTexture, in
 KORVEX_PLATFORM_API bool zr3DSetWorkTime(void* handle, int selector, int time);
 KORVEX_PLATFORM_API bool zr3DQueryWorkTime(void* handle, int selector, int& time);
 KORVEX_PLATFORM_API bool zr3DSetDistanceIndicateState(void* handle, DISTANCEINDICATE state);
+/// Writes page `address` (0 to 15) of the user memory: `length` bytes (0 to 256), then zeros to the
+/// end of the page.
 KORVEX_PLATFORM_API bool zr3DWriteUserInfomation(void* handle, int address, const char* data,
                                                  int length);
-/// Writes exactly 256 bytes (one memory page, zero-filled) into the caller's buffer.
+/// Writes exactly 256 bytes (one memory page, zero-filled) into the caller's buffer; nothing when
+/// it fails.
 KORVEX_PLATFORM_API bool zr3DReadUserInfomation(void* handle, int address, char*& buffer);
 
 }  // namespace zr3DHandiDLPdev

@@ -26,9 +26,9 @@ bool Payload::PutBytes(std::span<const std::uint8_t> bytes) {
     return true;
 }
 
-std::optional<std::int32_t> Payload::ValueAt(std::size_t index) const {
+std::int32_t Payload::ValueAt(std::size_t index) const {
     if (index >= m_size / kValueSize) {
-        return std::nullopt;
+        return 0;
     }
     std::uint32_t bits = 0;
     for (std::size_t byte = kValueSize; byte-- > 0;) {

@@ -3,7 +3,6 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
-#include <optional>
 #include <span>
 
 namespace Korvex3Sync::board {
@@ -18,8 +17,8 @@ public:
     bool PutValue(std::int32_t value);
     bool PutBytes(std::span<const std::uint8_t> bytes);
 
-    /// The value at this place, counted in values from 0; nothing behind the end.
-    std::optional<std::int32_t> ValueAt(std::size_t index) const;
+    /// The value at this place, counted in values from 0; 0 behind the end.
+    std::int32_t ValueAt(std::size_t index) const;
     std::span<const std::uint8_t> Bytes() const { return {m_bytes.data(), m_size}; }
     /// What stands behind this many values; empty when there is nothing.
     std::span<const std::uint8_t> BytesBehind(std::size_t values) const;

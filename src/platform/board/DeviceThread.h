@@ -1,0 +1,58 @@
+#pragma once
+
+#include <chrono>
+#include <condition_variable>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <string>
+
+#include "platform/os/Thread.h"
+
+namespace Korvex3Sync::virtual_head {
+class VirtualHead;
+}
+
+namespace Korvex3Sync::board {
+
+/// Runs the virtual head's side of calls on a thread of its own, one at a time, so that a head that
+/// hangs never holds a caller beyond its limit. The thread lives from Start to End. Thread-safe but
+/// for Start and End, which belong to the owner. `m_mutex` guards everything but the thread and is
+/// never held while a task runs.
+class DeviceThread {
+public:
+    using Deadline = std::chrono::steady_clock::time_point;
+    using Task = std::function<void(virtual_head::VirtualHead&)>;
+
+    explicit DeviceThread(std::weak_ptr<virtual_head::VirtualHead> head);
+    /// Ends.
+    ~DeviceThread();
+    DeviceThread(const DeviceThread&) = delete;
+    DeviceThread& operator=(const DeviceThread&) = delete;
+
+    /// False when the system gives no thread.
+    bool Start();
+    /// Hands a task over when the one before has ended; false when that takes longer than until
+    /// the deadline, or when the thread ends. `call` is the platform function that the task serves.
+    /// A task is dropped when the head is gone.
+    bool Give(const std::string& call, Task task, Deadline deadline);
+    /// Waits until no task is left; false at the deadline.
+    bool WaitIdle(Deadline deadline);
+    /// Wakes who waits in Give, ends the hang of a task that hangs, waits for the thread. Blocks as
+    /// long as the running task is slowed. Any further call does nothing.
+    void End();
+
+private:
+    void Run();
+
+    const std::weak_ptr<virtual_head::VirtualHead> m_head;
+    std::mutex m_mutex;
+    std::condition_variable m_changed;
+    std::string m_call;
+    Task m_task;
+    bool m_busy = false;  // from the giving of a task to its end
+    bool m_end = false;
+    os::Thread m_thread;
+};
+
+}  // namespace Korvex3Sync::board

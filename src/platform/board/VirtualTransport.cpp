@@ -1,0 +1,137 @@
+#include "platform/board/VirtualTransport.h"
+
+#include <glog/logging.h>
+
+#include <atomic>
+#include <string>
+#include <utility>
+#include <variant>
+
+#include "platform/board/BoardLink.h"
+#include "platform/board/protocol/Codec.h"
+#include "platform/board/protocol/Identity.h"
+#include "platform/os/Clock.h"
+#include "virtual_head/Request.h"
+#include "virtual_head/VirtualHead.h"
+
+namespace Korvex3Sync::board {
+namespace {
+
+using virtual_head::VirtualHead;
+
+std::chrono::steady_clock::time_point ReplyDeadline() {
+    return std::chrono::steady_clock::now() + os::Scaled(kReplyLimit);
+}
+
+// A call that is no report: the head meets the faults ordered for it and enters it in the journal.
+// False when it fails or takes longer than the reply limit.
+bool Announce(const std::shared_ptr<VirtualHead>& head, const std::string& call,
+              const std::string& arguments, bool possible) {
+    bool done = false;
+    DeviceThread device(head);
+    const bool given =
+        device.Start() && device.Give(
+                              call,
+                              [&](VirtualHead& met) {
+                                  done = !met.GetFaults().Meet(call) && possible;
+                                  met.GetJournal().Add(call, arguments, done ? "true" : "false");
+                              },
+                              ReplyDeadline());
+    const bool inTime = given && device.WaitIdle(ReplyDeadline());
+    device.End();
+    return inTime && done;
+}
+
+void SayAbsentOnce() {
+    static std::atomic_flag said;
+    if (!said.test_and_set()) {
+        LOG(WARNING) << "No synchronization board: none is attached and no virtual head was "
+                        "requested. Set KORVEX_VIRTUAL_HEAD to \"default\" or to a head file to "
+                        "work with a simulated one.";
+    }
+}
+
+std::string FunctionOf(const Report& report) {
+    const auto decoded = DecodeCommand(report);
+    const auto* const message = std::get_if<CommandMessage>(&decoded);
+    const CommandInfo* const info = message ? FindCommand(message->command) : nullptr;
+    return info ? info->function : "";
+}
+
+}  // namespace
+
+std::unique_ptr<ByteTransport> VirtualTransport::Open(const BoardSelection& selection,
+                                                      Purpose purpose) {
+    const auto head = virtual_head::RequestedVirtualHead();
+    if (!head) {
+        SayAbsentOnce();
+        return nullptr;
+    }
+    const bool meant = Selects(selection, kVendorId, kProductId, head->Description().boardSerial);
+    if (purpose == Purpose::Use) {
+        if (!Announce(head, "zr3DInitHidDev", SelectionText(selection), meant)) {
+            return nullptr;
+        }
+    } else if (!meant) {
+        Announce(head, FindCommand(Command::QueryFirmwareVersionFast)->function, selection.serial,
+                 false);
+        return nullptr;
+    }
+    std::unique_ptr<VirtualTransport> transport(new VirtualTransport(head, purpose));
+    return transport->m_device.Start() ? std::move(transport) : nullptr;
+}
+
+VirtualTransport::VirtualTransport(const std::shared_ptr<VirtualHead>& head, Purpose purpose)
+    : m_head(head), m_purpose(purpose), m_device(head) {}
+
+VirtualTransport::~VirtualTransport() {
+    VirtualTransport::Close();
+}
+
+bool VirtualTransport::Send(const Report& report, Deadline deadline) {
+    const auto head = m_head.lock();
+    if (Closed() || !head || virtual_head::RequestedVirtualHead() != head) {
+        return false;
+    }
+    return m_device.Give(
+        FunctionOf(report),
+        [this, report](VirtualHead& met) {
+            if (const auto reply = met.Board().Execute(report)) {
+                std::lock_guard lock(m_mutex);
+                m_replies.push_back(*reply);
+                m_changed.notify_all();
+            }
+        },
+        deadline);
+}
+
+std::optional<ReceivedBytes> VirtualTransport::Receive(Deadline deadline) {
+    std::unique_lock lock(m_mutex);
+    m_changed.wait_until(lock, deadline, [this] { return !m_replies.empty() || m_closed; });
+    if (m_replies.empty() || m_closed) {
+        return std::nullopt;
+    }
+    const ReceivedBytes received{m_replies.front(), kReportSize};
+    m_replies.pop_front();
+    return received;
+}
+
+bool VirtualTransport::Close() {
+    {
+        std::lock_guard lock(m_mutex);
+        if (std::exchange(m_closed, true)) {
+            return true;
+        }
+        m_changed.notify_all();
+    }
+    m_device.End();
+    const auto head = m_head.lock();
+    return !head || m_purpose != Purpose::Use || Announce(head, "zr3DExitHidDev", "", true);
+}
+
+bool VirtualTransport::Closed() const {
+    std::lock_guard lock(m_mutex);
+    return m_closed;
+}
+
+}  // namespace Korvex3Sync::board

@@ -1,0 +1,51 @@
+#pragma once
+
+#include <condition_variable>
+#include <deque>
+#include <memory>
+#include <mutex>
+
+#include "platform/board/BoardSelection.h"
+#include "platform/board/ByteTransport.h"
+#include "platform/board/DeviceThread.h"
+
+namespace Korvex3Sync::board {
+
+/// What a board is opened for.
+enum class Purpose {
+    Use,            // opening and closing are calls of their own to the board
+    FirmwareQuery,  // one short look at the firmware version
+};
+
+/// The way to the board of the virtual head that was requested for this process. It ends with that
+/// head: after another request nothing passes any more. `m_mutex` guards the replies and the closed
+/// state and is not held during a call to the head.
+class VirtualTransport final : public ByteTransport {
+public:
+    /// Null when no head is requested, when the head's board is not the one that is meant, or when
+    /// opening it fails. Blocks for the reply limit at most.
+    static std::unique_ptr<ByteTransport> Open(const BoardSelection& selection, Purpose purpose);
+
+    ~VirtualTransport() override;
+    VirtualTransport(const VirtualTransport&) = delete;
+    VirtualTransport& operator=(const VirtualTransport&) = delete;
+
+    bool Send(const Report& report, Deadline deadline) override;
+    std::optional<ReceivedBytes> Receive(Deadline deadline) override;
+    /// Blocks for the reply limit at most, or as long as the running command is slowed.
+    bool Close() override;
+    bool Closed() const override;
+
+private:
+    VirtualTransport(const std::shared_ptr<virtual_head::VirtualHead>& head, Purpose purpose);
+
+    const std::weak_ptr<virtual_head::VirtualHead> m_head;
+    const Purpose m_purpose;
+    mutable std::mutex m_mutex;
+    std::condition_variable m_changed;
+    std::deque<Report> m_replies;
+    bool m_closed = false;
+    DeviceThread m_device;
+};
+
+}  // namespace Korvex3Sync::board

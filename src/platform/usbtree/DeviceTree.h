@@ -1,0 +1,36 @@
+#pragma once
+
+#include <cstdint>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace Korvex3Sync::usbtree {
+
+/// One device on the bus.
+struct Device {
+    std::uint16_t vendor = 0;
+    std::uint16_t product = 0;
+    std::string path;
+};
+
+/// The path of a device that negotiated this speed: hubs and ports, then `UPT[speed]-DEV`. That
+/// text stands nowhere else in a path.
+std::string DevicePath(int speed);
+
+/// The devices of the last enumeration. Thread-safe.
+class DeviceTree {
+public:
+    void Replace(std::vector<Device> devices);
+    void Erase();
+    /// Appends the paths of the devices with these identifiers. False when there is none, or no
+    /// tree.
+    bool Find(unsigned long vendor, unsigned long product, std::vector<std::string>& paths) const;
+
+private:
+    mutable std::mutex m_mutex;
+    std::optional<std::vector<Device>> m_devices;  // nothing: not enumerated
+};
+
+}  // namespace Korvex3Sync::usbtree

@@ -1,0 +1,95 @@
+#include "platform/include/USBTREE.h"
+
+#include <glog/logging.h>
+
+#include <atomic>
+#include <memory>
+
+#include "platform/board/protocol/Identity.h"
+#include "platform/usbtree/DeviceTree.h"
+#include "virtual_head/Request.h"
+#include "virtual_head/VirtualHead.h"
+
+namespace USBTREE {
+namespace {
+
+using namespace Korvex3Sync;
+using virtual_head::VirtualHead;
+
+usbtree::DeviceTree& Tree() {
+    // Never destroyed: other threads may still be in a call while the process ends.
+    static auto* const tree = new usbtree::DeviceTree;
+    return *tree;
+}
+
+std::vector<usbtree::Device> Devices(const VirtualHead& head) {
+    return {
+        {board::kVendorId, board::kProductId, usbtree::DevicePath(head.Description().usbSpeed)}};
+}
+
+void SayEmptyOnce() {
+    static std::atomic_flag said;
+    if (!said.test_and_set()) {
+        LOG(WARNING) << "The USB tree is empty: no virtual head was requested. Set "
+                        "KORVEX_VIRTUAL_HEAD to \"default\" or to a head file to work with a "
+                        "simulated one.";
+    }
+}
+
+// Runs a call for the requested head, which meets the faults ordered for it and enters it in its
+// journal. `work` gets a null head when none is requested.
+template <typename Work>
+bool Run(const char* call, const std::string& arguments, Work work) {
+    const std::shared_ptr<VirtualHead> head = virtual_head::RequestedVirtualHead();
+    if (!head) {
+        return work(nullptr);
+    }
+    const bool done = !head->GetFaults().Meet(call) && work(head.get());
+    head->GetJournal().Add(call, arguments, done ? "true" : "false");
+    return done;
+}
+
+// Nothing may be thrown across the interface: what could be (no memory) is a failed call.
+template <typename Call>
+bool Guarded(Call call) {
+    try {
+        return call();
+    } catch (...) {
+        return false;
+    }
+}
+
+}  // namespace
+
+bool EnumAllHCD() {
+    return Guarded([] {
+        Tree().Erase();
+        return Run("EnumAllHCD", "", [](VirtualHead* head) {
+            if (!head) {
+                SayEmptyOnce();
+            }
+            Tree().Replace(head ? Devices(*head) : std::vector<usbtree::Device>{});
+            return true;
+        });
+    });
+}
+
+bool GetSpecifyDeviceTreePath(unsigned long vendorId, unsigned long productId,
+                              std::vector<std::string>& paths) {
+    return Guarded([&] {
+        return Run("GetSpecifyDeviceTreePath",
+                   std::to_string(vendorId) + ", " + std::to_string(productId),
+                   [&](VirtualHead*) { return Tree().Find(vendorId, productId, paths); });
+    });
+}
+
+void EraseList() {
+    Guarded([] {
+        return Run("EraseList", "", [](VirtualHead*) {
+            Tree().Erase();
+            return true;
+        });
+    });
+}
+
+}  // namespace USBTREE

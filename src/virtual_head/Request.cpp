@@ -1,0 +1,129 @@
+#include "virtual_head/Request.h"
+
+#include <cstdlib>
+#include <exception>
+#include <iostream>
+#include <mutex>
+#include <utility>
+#include <variant>
+
+#include "virtual_head/HeadFile.h"
+#include "virtual_head/HeadRules.h"
+#include "virtual_head/ImageSource.h"
+#include "virtual_head/VirtualHead.h"
+
+namespace Korvex3Sync::virtual_head {
+namespace {
+
+constexpr const char* kVariable = "KORVEX_VIRTUAL_HEAD";
+
+struct Requests {
+    std::mutex mutex;
+    bool decided = false;  // a request was made, or the environment was looked at
+    std::shared_ptr<VirtualHead> head;
+};
+
+/// Never destroyed: threads of the application may still ask while the process ends.
+Requests& TheRequests() {
+    static auto* const requests = new Requests;
+    return *requests;
+}
+
+/// The clock of the last head ends with the process in an orderly way.
+struct WithdrawAtExit {
+    WithdrawAtExit() = default;
+    ~WithdrawAtExit() { WithdrawVirtualHead(); }
+    WithdrawAtExit(const WithdrawAtExit&) = delete;
+    WithdrawAtExit& operator=(const WithdrawAtExit&) = delete;
+};
+const WithdrawAtExit g_withdrawAtExit;
+
+std::shared_ptr<VirtualHead> MakeHead(const HeadDescription& description, std::string& error) {
+    try {
+        if (const auto broken = Check(description)) {
+            error = broken->message;
+            return nullptr;
+        }
+        if (description.replayFolder.empty()) {
+            return std::make_shared<VirtualHead>(description, MakeTestPattern(description));
+        }
+        auto replay = MakeReplay(description);
+        if (auto* refused = std::get_if<std::string>(&replay)) {
+            error = std::move(*refused);
+            return nullptr;
+        }
+        return std::make_shared<VirtualHead>(
+            description, std::get<std::shared_ptr<ImageSource>>(std::move(replay)));
+    } catch (const std::exception& failure) {
+        error = std::string("the virtual head cannot be made: ") + failure.what();
+        return nullptr;
+    }
+}
+
+std::shared_ptr<VirtualHead> MakeHead(const std::string& request, std::string& error) {
+    if (request == "default") {
+        return MakeHead(HeadDescription{}, error);
+    }
+    const auto read = ReadHeadFile(request);
+    if (const auto* refused = std::get_if<HeadFileError>(&read)) {
+        error = refused->message;
+        return nullptr;
+    }
+    return MakeHead(std::get<HeadDescription>(read), error);
+}
+
+/// Puts a head, or none, in the place of the one before; calls that hang in that one end.
+void Replace(std::shared_ptr<VirtualHead> head) {
+    Requests& requests = TheRequests();
+    {
+        std::lock_guard lock(requests.mutex);
+        requests.decided = true;
+        requests.head.swap(head);
+    }
+    if (head) {
+        head->GetFaults().ReleaseHangs();
+    }
+}
+
+}  // namespace
+
+bool RequestVirtualHead(const std::string& request, std::string& error) {
+    auto head = MakeHead(request, error);
+    if (!head) {
+        return false;
+    }
+    Replace(std::move(head));
+    return true;
+}
+
+bool RequestVirtualHead(const HeadDescription& description, std::string& error) {
+    auto head = MakeHead(description, error);
+    if (!head) {
+        return false;
+    }
+    Replace(std::move(head));
+    return true;
+}
+
+void WithdrawVirtualHead() {
+    Replace(nullptr);
+}
+
+std::shared_ptr<VirtualHead> RequestedVirtualHead() {
+    Requests& requests = TheRequests();
+    std::lock_guard lock(requests.mutex);
+    if (!requests.decided) {
+        requests.decided = true;
+        const char* const request = std::getenv(kVariable);
+        if (request != nullptr && *request != '\0') {
+            std::string error;
+            requests.head = MakeHead(std::string(request), error);
+            if (!requests.head) {
+                std::cerr << kVariable << ": " << error << '\n';
+            }
+        }
+    }
+    return requests.head;
+}
+
+}  // namespace Korvex3Sync::virtual_head

@@ -1,0 +1,27 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include "platform/include/zr3DHandiDLPdev.h"
+
+namespace Korvex3Sync::board::test {
+
+/// An open board of the requested head; closes at its end, unless that was done.
+class OpenedBoard {
+public:
+    explicit OpenedBoard(const char* serial = "") {
+        EXPECT_TRUE(zr3DHandiDLPdev::zr3DInitHidDev(handle, "3267", "5752", serial));
+        EXPECT_NE(handle, nullptr);
+    }
+    ~OpenedBoard() {
+        if (handle) {
+            EXPECT_TRUE(zr3DHandiDLPdev::zr3DExitHidDev(handle));
+        }
+    }
+    OpenedBoard(const OpenedBoard&) = delete;
+    OpenedBoard& operator=(const OpenedBoard&) = delete;
+
+    void* handle = nullptr;
+};
+
+}  // namespace Korvex3Sync::board::test
