@@ -2,6 +2,9 @@
 
 #include <gmock/gmock.h>
 
+#include <fstream>
+#include <iterator>
+
 #include "virtual_head/TestFiles.h"
 
 namespace Korvex3Sync::virtual_head {
@@ -120,6 +123,30 @@ folder = "pairs"
     memory[15 * 256] = 255;
     memory[15 * 256 + 2] = 1;
     EXPECT_EQ(head.userMemory, memory);
+}
+
+TEST_F(HeadFileTest, ExampleOfTheDocumentationIsTakenAndShowsTheDefaults) {
+    std::ifstream stream(KORVEX_SOURCE_DIR "/docs/virtual-head.md");
+    const std::string page{std::istreambuf_iterator<char>(stream), {}};
+    const std::string opening = "```toml\n";
+    const std::size_t begin = page.find(opening);
+    ASSERT_NE(begin, std::string::npos);
+    const std::size_t text = begin + opening.size();
+    const HeadDescription shown = Good(page.substr(text, page.find("```", text) - text));
+    const HeadDescription defaults;
+    EXPECT_EQ(shown.cameraType, defaults.cameraType);
+    EXPECT_EQ(shown.cameraSerial, defaults.cameraSerial);
+    EXPECT_EQ(shown.width, defaults.width);
+    EXPECT_EQ(shown.height, defaults.height);
+    EXPECT_EQ(shown.color, defaults.color);
+    EXPECT_EQ(shown.gainLow, defaults.gainLow);
+    EXPECT_EQ(shown.gainHigh, defaults.gainHigh);
+    EXPECT_EQ(shown.cameraBuffers, defaults.cameraBuffers);
+    EXPECT_EQ(shown.boardSerial, defaults.boardSerial);
+    EXPECT_EQ(shown.firmware, defaults.firmware);
+    EXPECT_EQ(shown.usbSpeed, defaults.usbSpeed);
+    EXPECT_EQ(shown.userMemory[15 * 256], 0xFF);
+    EXPECT_EQ(shown.replayFolder, m_folder.Path() / "pairs");
 }
 
 TEST_F(HeadFileTest, AbsoluteReplayFolderStaysAsItIs) {

@@ -1,5 +1,7 @@
 #include "platform/include/zr3DCamera.h"
 
+#include <utility>
+
 #include "platform/cameras/CameraRegistry.h"
 #include "platform/cameras/Drivers.h"
 
