@@ -70,8 +70,11 @@ std::string MissingPartner(const path& folder, const char* kind, const std::set<
                            const char* partnerKind, const std::set<std::string>& partners) {
     for (const std::string& name : names) {
         if (!partners.contains(name)) {
-            return (folder / (kind + name + ".png")).string() + ": its partner " + partnerKind +
-                   name + ".png is missing";
+            return (folder / (kind + name + ".png"))
+                .string()
+                .append(": its partner ")
+                .append(partnerKind + name)
+                .append(".png is missing");
         }
     }
     return {};
