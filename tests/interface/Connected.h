@@ -1,0 +1,27 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include "Korvex3Sync/Korvex3Sync.h"
+#include "recorder/Recorder.h"
+
+namespace Korvex3Sync {
+
+/// Direct mode over the recorded head; ends what a test connected.
+class Connected : public testing::Test {
+protected:
+    Connected() { recorder::Recorder::Get().Reset(); }
+    ~Connected() override {
+        SwitchOnDeviceService(false);
+        DisConnectDevice(m_handle);
+    }
+    RETSTATUS Connect() {
+        std::string serial = "KV00R1";
+        return ConnectDevice("any", "BOARD", {serial.data(), serial.data()}, {8, 8}, {4, 4},
+                             m_handle);
+    }
+
+    void* m_handle = nullptr;
+};
+
+}  // namespace Korvex3Sync

@@ -1,0 +1,86 @@
+#include <gtest/gtest.h>
+
+#include "interface/Connected.h"
+#include "support/LogCapture.h"
+
+namespace Korvex3Sync {
+namespace {
+
+using recorder::Recorder;
+
+class DiscoveryExports : public Connected {
+protected:
+    ~DiscoveryExports() override {
+        for (char* serial : m_serials) {
+            delete[] serial;
+        }
+    }
+    RETSTATUS Read(const char* type) {
+        return GetCamerasInformation(type, m_serials, m_widths, m_heights, m_isColor, m_count);
+    }
+
+    support::LogCapture m_log;
+    std::vector<char*> m_serials;
+    std::vector<int> m_widths;
+    std::vector<int> m_heights;
+    std::vector<bool> m_isColor;
+    int m_count = -1;
+};
+
+TEST_F(DiscoveryExports, ListsEveryCameraAndLogsTheVersion) {
+    EXPECT_EQ(Read("KV00"), STATUS_SUCCESS);
+    EXPECT_EQ(m_count, 2);
+    EXPECT_STREQ(m_serials[0], "KV00R1");
+    EXPECT_STREQ(m_serials[1], "KV00R1");
+    EXPECT_TRUE(m_log.Has("KorvexSyncControl: zr3DHandiSync version: 1.2.0.1"));
+    EXPECT_TRUE(m_log.Has("KorvexSyncControl: SerialsCount:2cameraCount:2"));
+}
+
+TEST_F(DiscoveryExports, AppendsWithoutClearing) {
+    EXPECT_EQ(Read("KV00"), STATUS_SUCCESS);
+    EXPECT_EQ(Read("KV00"), STATUS_SUCCESS);
+    EXPECT_EQ(m_count, 2);
+    EXPECT_EQ(m_serials.size(), 4u);
+    EXPECT_EQ(m_isColor.size(), 4u);
+    EXPECT_TRUE(m_log.Has("KorvexSyncControl: SerialsCount:4cameraCount:2"));
+}
+
+TEST_F(DiscoveryExports, SucceedsWithNothingFoundAndForANullType) {
+    Recorder::Get().FailAlways("CreateCamera");
+    for (const char* type : {"ZQ", "", static_cast<const char*>(nullptr)}) {
+        EXPECT_EQ(Read(type), STATUS_SUCCESS);
+        EXPECT_EQ(m_count, 0);
+        int count = 9;
+        EXPECT_EQ(GetCameraCount(type, count), STATUS_SUCCESS);
+        EXPECT_EQ(count, 0) << "also when no instance can be made";
+    }
+    EXPECT_TRUE(m_serials.empty());
+    EXPECT_TRUE(m_log.Has("KorvexSyncControl: GetCameraCount enter"));
+    EXPECT_TRUE(m_log.Has("KorvexSyncControl: GetCameraCount leave"));
+}
+
+TEST_F(DiscoveryExports, NeedsAClientInServiceMode) {
+    SwitchOnDeviceService(true);
+    EXPECT_EQ(Read("KV00"), STATUS_NOT_CONNECTED);
+    EXPECT_EQ(m_count, -1);
+    EXPECT_TRUE(Recorder::Get().Calls().empty());
+}
+
+TEST_F(DiscoveryExports, TheUsbCheckIsTheSameInEitherMode) {
+    bool onU3 = false;
+    for (bool service : {false, true}) {
+        SwitchOnDeviceService(service);
+        EXPECT_EQ(IsConnectedOnU3("ignored", onU3), STATUS_FAILED);
+        EXPECT_TRUE(m_log.Has("KorvexSyncControl: IsConnectedOnU3 enter"));
+    }
+    Recorder::Get().SetValue("boards", 1);
+    Recorder::Get().SetValue("speed0", 4);
+    EXPECT_EQ(IsConnectedOnU3(nullptr, onU3), STATUS_SUCCESS);
+    EXPECT_TRUE(onU3);
+    Recorder::Get().SetValue("speed0", 3);
+    EXPECT_EQ(IsConnectedOnU3(nullptr, onU3), STATUS_SUCCESS);
+    EXPECT_FALSE(onU3);
+}
+
+}  // namespace
+}  // namespace Korvex3Sync

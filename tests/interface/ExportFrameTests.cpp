@@ -1,0 +1,103 @@
+#include <gtest/gtest.h>
+
+#include "interface/Connected.h"
+#include "interface/EveryExport.h"
+#include "support/LogCapture.h"
+
+namespace Korvex3Sync {
+namespace {
+
+using recorder::Recorder;
+
+class ExportFrame : public Connected, public testing::WithParamInterface<Export> {
+protected:
+    std::string EnterRecord() const {
+        return std::string("KorvexSyncControl: ") + GetParam().name + " enter";
+    }
+    bool Retired() const { return GetParam().kind == Kind::Retired; }
+};
+
+TEST_P(ExportFrame, ANullHandleIsNotConnectedInEitherMode) {
+    void* const null = nullptr;
+    const RETSTATUS expected = Retired() ? STATUS_NOT_SUPPORTED : STATUS_NOT_CONNECTED;
+    for (bool service : {false, true}) {
+        SwitchOnDeviceService(service);
+        support::LogCapture log;
+        EXPECT_EQ(GetParam().call(null), expected);
+        EXPECT_EQ(log.Has(EnterRecord()), !Retired());
+    }
+    EXPECT_TRUE(Recorder::Get().Calls().empty());
+}
+
+TEST_P(ExportFrame, InDirectModeTheManagerAnswers) {
+    ASSERT_EQ(Connect(), STATUS_SUCCESS);
+    support::LogCapture log;
+    const bool answersFive = Retired() || !GetParam().inThisVersion;
+    const auto calls = Recorder::Get().Calls();
+    EXPECT_EQ(GetParam().call(m_handle), answersFive ? STATUS_NOT_SUPPORTED : STATUS_SUCCESS);
+    EXPECT_EQ(log.Has(EnterRecord()), !Retired());
+    if (answersFive) {
+        EXPECT_EQ(Recorder::Get().Calls(), calls);
+    }
+}
+
+TEST_P(ExportFrame, InServiceModeWithoutAClientNothingReachesTheDevices) {
+    ASSERT_EQ(Connect(), STATUS_SUCCESS);
+    const auto calls = Recorder::Get().Calls();
+    SwitchOnDeviceService(true);
+    const RETSTATUS status = GetParam().call(m_handle);
+    switch (GetParam().kind) {
+        case Kind::Standard:
+            EXPECT_EQ(status, STATUS_NOT_CONNECTED);
+            break;
+        case Kind::DirectOnly:
+            EXPECT_EQ(status, STATUS_SYNCHRONISM_TYPE);
+            break;
+        case Kind::AlwaysDirect:  // the one of them answers 5 in this version
+        case Kind::Retired:
+            EXPECT_EQ(status, STATUS_NOT_SUPPORTED);
+            break;
+    }
+    EXPECT_EQ(Recorder::Get().Calls(), calls);
+}
+
+INSTANTIATE_TEST_SUITE_P(All, ExportFrame, testing::ValuesIn(EveryExport()),
+                         [](const auto& row) { return std::string(row.param.name); });
+
+TEST_F(Connected, RetiredGettersTouchNothing) {
+    int gain = 77;
+    double exposure = 7.5;
+    EXPECT_EQ(GetCameraGain(nullptr, 0, gain), STATUS_NOT_SUPPORTED);
+    EXPECT_EQ(GetCameraExposure(nullptr, 0, exposure), STATUS_NOT_SUPPORTED);
+    EXPECT_EQ(gain, 77);
+    EXPECT_EQ(exposure, 7.5);
+}
+
+TEST_F(Connected, AWorkTimeInServiceModeIsRefusedAndSendsNothing) {
+    ASSERT_EQ(Connect(), STATUS_SUCCESS);
+    SwitchOnDeviceService(true);
+    EXPECT_EQ(SetStrobeWorkTime(m_handle, 1, 2), STATUS_SYNCHRONISM_TYPE);
+    EXPECT_EQ(SetStrobeWorkTime(nullptr, 1, 2), STATUS_NOT_CONNECTED);
+    EXPECT_EQ(Recorder::Get().Count("zr3DSetLedWorkTime"), 0u);
+}
+
+TEST_F(Connected, TheDistanceLedsAreLoggedOnTheirWayOutToo) {
+    ASSERT_EQ(Connect(), STATUS_SUCCESS);
+    support::LogCapture log;
+    EXPECT_EQ(SetDistanceIndicate(m_handle, DISTANCE_STATUS_2), STATUS_SUCCESS);
+    EXPECT_TRUE(log.Has("KorvexSyncControl: SetDistanceIndicate leave"));
+    EXPECT_EQ(Recorder::Get().Calls().back(), "zr3DSetDistanceIndicateState(B1, 3)");
+}
+
+TEST_F(Connected, TheModeSwitchGoesBackAndForth) {
+    EXPECT_EQ(SwitchOnDeviceService(false), STATUS_SUCCESS);
+    EXPECT_EQ(SwitchOnDeviceService(true), STATUS_NOT_SUPPORTED) << "no client in this version";
+    int count = 5;
+    EXPECT_EQ(GetCameraCount("KV00", count), STATUS_NOT_CONNECTED);
+    EXPECT_EQ(SwitchOnDeviceService(false), STATUS_SUCCESS);
+    EXPECT_EQ(GetCameraCount("KV00", count), STATUS_SUCCESS);
+    EXPECT_EQ(count, 2);
+}
+
+}  // namespace
+}  // namespace Korvex3Sync

@@ -1,0 +1,112 @@
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <string>
+#include <vector>
+
+namespace {
+
+std::vector<std::string> Lines(const std::filesystem::path& file) {
+    std::ifstream in(file);
+    std::vector<std::string> lines;
+    for (std::string line; std::getline(in, line);) {
+        lines.push_back(line);
+    }
+    return lines;
+}
+
+const std::vector<std::string> kExpected{
+    "zr3DQueryFirmwareVersionFast(SN)",
+    "EnumAllHCD()",
+    "GetSpecifyDeviceTreePath(12903, 22354)",
+    "EraseList()",
+    "CreateCamera(KV00)",  // the count; never released
+    "GetDeviceTotal(C1)",
+    "CreateCamera(KV00)",
+    "GetDeviceTotal(C2)",
+    "CreateCamera(KV00)",
+    "OpenCamera(C2, 0, 0, 0)",
+    "GetSerialNo(C2)",
+    "GetColorMode(C2)",
+    "GetGainRange(C2)",
+    "OpenCamera(C3, 1, 0, 0)",
+    "GetSerialNo(C3)",
+    "GetColorMode(C3)",
+    "GetGainRange(C3)",
+    "CloseCamera(C2)",
+    "ReleaseCamera(C2)",
+    "CloseCamera(C3)",
+    "ReleaseCamera(C3)",
+    "zr3DInitHidDev(null, 3267, 5752, SN)",
+    "CreateCamera(KV00R1)",
+    "GetDeviceTotal(C4)",
+    "OpenCamera(C4, KV00R1, 8, 4)",
+    "GetColorMode(C4)",
+    "StartCamera(C4, 0)",
+    "zr3DQueryCurrentStatus(B1)",
+    "zr3DQueryProjectorFirewareVersion(B1)",
+    "zr3DOpenOrCloseStrobeFlicker(B1, 2, 1)",
+    "zr3DSetLaserEnable(B1, 1, 1)",
+    "zr3DSetIRLaserEnable(B1, 1)",
+    "zr3DSetIRLaserLevel(B1, 4)",
+    "zr3DProject(B1, 1)",
+    "zr3DSetProjectorBrightness(B1, 70)",
+    "zr3DQueryProjectorBrightness(B1)",
+    "zr3DSetLedDutioRatio(B1, 41, 100, 30, 100)",
+    "zr3DQueryLedDutioRatio(B1, 48)",
+    "zr3DSetDutioRatio(B1, 49, 41)",
+    "zr3DQueryDutioRatio(B1, 50)",
+    "zr3DSetDutioRatio(B1, 51, 42)",
+    "zr3DQueryDutioRatio(B1, 52)",
+    "zr3DSetDutioRatio(B1, 53, 43)",
+    "zr3DQueryDutioRatio(B1, 54)",
+    "zr3DSetLedWorkTime(B1, 1, 501)",
+    "zr3DSetLedWorkTime(B1, 0, 502)",
+    "zr3DQueryLedWorkTime(B1, 1)",
+    "zr3DQueryLedWorkTime(B1, 0)",
+    "zr3DSetWorkTime(B1, 82, 503)",
+    "zr3DQueryWorkTime(B1, 83)",
+    "zr3DSetWorkTime(B1, 84, 504)",
+    "zr3DQueryWorkTime(B1, 85)",
+    "zr3DSetWorkTime(B1, 86, 505)",
+    "zr3DQueryWorkTime(B1, 87)",
+    "zr3DSetDistanceIndicateState(B1, 3)",
+    "zr3DWriteUserInfomation(B1, 3, abc, 3)",
+    "zr3DReadUserInfomation(B1, 3)",
+    "zr3DEnableHeartbeat(B1, 1)",
+    "zr3DSetVideoTriggerPeriod(B1, 8)",
+    "zr3DQueryTriggerPeriod(B1)",
+    "zr3DSetVideoTrigleMode(B1, 6)",
+    "zr3DSetVideoTrigleMode(B1, 5)",
+    "zr3DResetFPGA(B1)",
+    "UnlockOthers(C4)",
+    "CloseCamera(C4)",
+    "ReleaseCamera(C4)",
+    "zr3DEnableHeartbeat(B1, 0)",
+    "zr3DProject(B1, 0)",
+    "zr3DExitHidDev(B1)",
+};
+
+TEST(PreloadedRecorder, ReceivesExactlyTheCallsOfTheLibraryInOrder) {
+    const auto log = std::filesystem::temp_directory_path() /
+                     ("korvex-recorder-" + std::to_string(::getpid()) + ".log");
+    std::filesystem::remove(log);
+    // The sanitizers' run time libraries come second then, which they have to be told to accept.
+    const std::string command =
+        "ASAN_OPTIONS=verify_asan_link_order=0:$ASAN_OPTIONS LD_PRELOAD='" RECORDER_PRELOAD
+        "' KORVEX_RECORDER_LOG='" +
+        log.string() + "' '" RECORDED_SCAN "' >/dev/null 2>&1";
+    const int status = std::system(command.c_str());
+    const auto calls = Lines(log);
+    std::filesystem::remove(log);
+    ASSERT_TRUE(WIFEXITED(status));
+    EXPECT_EQ(WEXITSTATUS(status), 0);
+    EXPECT_EQ(calls, kExpected);
+}
+
+}  // namespace
