@@ -28,8 +28,7 @@ double Arch(int position, int count) {
 /// A curved surface, softly lit, under a set of bright lines.
 class LineImage {
 public:
-    LineImage(int width, int height)
-        : m_width(width), m_height(height), m_spacing(std::max(16, width / 10)) {
+    LineImage(int width, int height) : m_height(height), m_spacing(std::max(16, width / 10)) {
         for (int x = 0; x < width; ++x) {
             m_shadeX.push_back(static_cast<unsigned>(256 * Arch(x, width)));
         }
@@ -72,7 +71,6 @@ private:
         return static_cast<int>(periods * period) % period;
     }
 
-    const int m_width;
     const int m_height;
     const int m_spacing;
     std::vector<unsigned> m_shadeX;
