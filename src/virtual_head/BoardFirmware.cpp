@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cstddef>
 #include <initializer_list>
-#include <span>
 #include <string>
 
 #include "platform/board/protocol/Commands.h"
@@ -55,8 +54,8 @@ Status ReadUserMemory(const UserMemory& memory, const Payload& request, Payload&
         offset > board::kUserPageSize - board::kUserPart) {
         return Status::BadValue;
     }
-    const auto place = static_cast<std::size_t>(page * board::kUserPageSize + offset);
-    reply.PutBytes(std::span(memory).subspan(place, board::kUserPart));
+    const auto begin = memory.begin() + std::ptrdiff_t{page} * board::kUserPageSize + offset;
+    reply.PutBytes({begin, begin + board::kUserPart});
     return Status::Ok;
 }
 

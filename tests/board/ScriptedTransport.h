@@ -5,6 +5,7 @@
 #include <functional>
 #include <mutex>
 #include <optional>
+#include <thread>
 #include <utility>
 #include <vector>
 
@@ -26,13 +27,10 @@ public:
     explicit ScriptedTransport(Script script) : m_script(std::move(script)) {}
 
     bool Send(const Report& report, Deadline) override {
-        std::lock_guard lock(m_mutex);
-        m_sent.push_back(report);
-        const auto replies = m_closed ? std::nullopt : m_script(report);
-        if (replies) {
-            m_replies.insert(m_replies.end(), replies->begin(), replies->end());
-        }
-        return replies.has_value();
+        const bool taken = Take(report);
+        // A device takes time, in which another caller could come between.
+        std::this_thread::yield();
+        return taken;
     }
 
     std::optional<ReceivedBytes> Receive(Deadline deadline) override {
@@ -77,6 +75,16 @@ public:
     }
 
 private:
+    bool Take(const Report& report) {
+        std::lock_guard lock(m_mutex);
+        m_sent.push_back(report);
+        const auto replies = m_closed ? std::nullopt : m_script(report);
+        if (replies) {
+            m_replies.insert(m_replies.end(), replies->begin(), replies->end());
+        }
+        return replies.has_value();
+    }
+
     const Script m_script;
     std::function<void()> m_onClose;
     mutable std::mutex m_mutex;
