@@ -26,7 +26,12 @@ INSTANTIATE_TEST_SUITE_P(All, ColorModes,
                          testing::Values(Row{1, 1, 1, false}, Row{2, 2, 2, false},
                                          Row{16, 1, 1, true}, Row{17, 3, 3, true},
                                          Row{18, 1, 6, true}, Row{0, 1, 1, false},
-                                         Row{-7, 1, 1, false}, Row{99, 1, 1, false}));
+                                         Row{-7, 1, 1, false}, Row{99, 1, 1, false}),
+                         [](const auto& row) {
+                             const int mode = row.param.mode;
+                             return "Mode" + std::string(mode < 0 ? "Minus" : "") +
+                                    std::to_string(std::abs(mode));
+                         });
 
 TEST(SplitChannels, FollowTheFormat) {
     EXPECT_EQ(SplitChannels(1), 1);

@@ -40,7 +40,8 @@ INSTANTIATE_TEST_SUITE_P(All, ScanModes,
                          testing::Values(ModeRow{TRIGGER_LASER_LINES, 2},
                                          ModeRow{TRIGGER_PATTERN, 2},
                                          ModeRow{TRIGGER_PATTERN_COLOR, 3},
-                                         ModeRow{TRIGGER_LASER_LINES_COLOR, 3}));
+                                         ModeRow{TRIGGER_LASER_LINES_COLOR, 3}),
+                         [](const auto& row) { return "Mode" + std::to_string(row.param.mode); });
 
 TEST_F(Scan, DeliversTheVeryPixelsThatTheSensorsSaw) {
     Request(SmallHead());
