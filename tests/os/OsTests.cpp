@@ -14,21 +14,29 @@ namespace {
 
 using namespace std::chrono_literals;
 
+// The compiler's analysis knows no re-entrance.
+void EnterAgain(CriticalSection& section) KORVEX_NO_THREAD_SAFETY_ANALYSIS {
+    section.Enter();
+}
+void LeaveOnce(CriticalSection& section) KORVEX_NO_THREAD_SAFETY_ANALYSIS {
+    section.Leave();
+}
+
 TEST(CriticalSection, KnowsItsOwnerAndIsReentrant) {
     CriticalSection section;
     EXPECT_FALSE(section.OwnedByCaller());
-    section.Enter();
-    section.Enter();
-    section.Leave();
+    EnterAgain(section);
+    EnterAgain(section);
+    LeaveOnce(section);
     EXPECT_TRUE(section.OwnedByCaller());
     std::thread([&] { EXPECT_FALSE(section.OwnedByCaller()); }).join();
-    section.Leave();
+    LeaveOnce(section);
     EXPECT_FALSE(section.OwnedByCaller());
 }
 
 TEST(CriticalSection, LeaveIfOwnerNeverReleasesTheHoldOfAnother) {
     CriticalSection section;
-    section.Enter();
+    EnterAgain(section);
     std::thread([&] { section.LeaveIfOwner(); }).join();
     EXPECT_TRUE(section.OwnedByCaller());
     section.LeaveIfOwner();
