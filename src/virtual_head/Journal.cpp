@@ -8,6 +8,12 @@ namespace {
 
 // Threads that are remembered before those without an entry are looked for.
 constexpr std::size_t kManyThreads = 256;
+// Different calls of a stream that are told apart: each by its result.
+constexpr std::size_t kMostOpen = 8;
+
+bool BelongsToStream(const std::string& call) {
+    return call == "SnapShot" || call == "GetResolution";
+}
 
 }  // namespace
 
@@ -16,43 +22,55 @@ std::string JournalEntry::Text() const {
 }
 
 void Journal::Add(std::string call, std::string arguments, std::string result) {
-    std::lock_guard lock(m_mutex);
-    JournalEntry* latest = LatestOfCaller();
-    if (latest != nullptr && latest->call == call && latest->arguments == arguments &&
-        latest->result == result) {
-        ++latest->count;
-        return;
-    }
     JournalEntry entry;
-    entry.sequence = m_next++;
     entry.call = std::move(call);
     entry.arguments = std::move(arguments);
     entry.result = std::move(result);
     entry.thread = std::this_thread::get_id();
     entry.time = std::chrono::steady_clock::now();
-    m_latest[entry.thread] = entry.sequence;
+
+    std::lock_guard lock(m_mutex);
+    Open& open = m_open[entry.thread];
+    if (JournalEntry* const equal = FindEqual(open, entry)) {
+        ++equal->count;
+        return;
+    }
+    entry.sequence = m_next++;
+    if (!BelongsToStream(entry.call) || open.size() >= kMostOpen) {
+        open.clear();
+    }
+    open.push_back(entry.sequence);
     m_entries.push_back(std::move(entry));
     if (m_entries.size() > kMostEntries) {
         m_entries.pop_front();
         ++m_dropped;
     }
-    if (m_latest.size() > kManyThreads) {
+    if (m_open.size() > kManyThreads) {
         ForgetThreadsWithoutEntries();
     }
 }
 
-JournalEntry* Journal::LatestOfCaller() {
-    const auto found = m_latest.find(std::this_thread::get_id());
-    if (found == m_latest.end() || m_entries.empty() ||
-        found->second < m_entries.front().sequence) {
-        return nullptr;
+JournalEntry* Journal::FindEqual(const Open& open, const JournalEntry& entry) {
+    const bool stream = BelongsToStream(entry.call);
+    for (auto sequence = open.rbegin(); sequence != open.rend(); ++sequence) {
+        if (m_entries.empty() || *sequence < m_entries.front().sequence) {
+            break;
+        }
+        JournalEntry& candidate = m_entries[*sequence - m_entries.front().sequence];
+        if (candidate.call == entry.call && candidate.arguments == entry.arguments &&
+            candidate.result == entry.result) {
+            return &candidate;
+        }
+        if (!stream) {
+            break;
+        }
     }
-    return &m_entries[found->second - m_entries.front().sequence];
+    return nullptr;
 }
 
 void Journal::ForgetThreadsWithoutEntries() {
     const std::uint64_t oldest = m_entries.front().sequence;
-    std::erase_if(m_latest, [oldest](const auto& latest) { return latest.second < oldest; });
+    std::erase_if(m_open, [oldest](const auto& thread) { return thread.second.back() < oldest; });
 }
 
 std::vector<JournalEntry> Journal::Entries() const {
@@ -79,7 +97,7 @@ std::uint64_t Journal::Dropped() const {
 void Journal::Clear() {
     std::lock_guard lock(m_mutex);
     m_entries.clear();
-    m_latest.clear();
+    m_open.clear();
 }
 
 }  // namespace Korvex3Sync::virtual_head

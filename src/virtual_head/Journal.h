@@ -28,8 +28,10 @@ struct JournalEntry {
 };
 
 /// What happened to the head, in order. A call that equals the latest one of its thread is counted
-/// there and makes no entry of its own, also when other threads made entries in between. Bounded:
-/// the oldest entries go first and are counted. Thread-safe.
+/// there and makes no entry of its own, also when other threads made entries in between. The calls
+/// that a running stream makes for each frame (SnapShot, GetResolution) are counted at any equal
+/// one since the thread's latest other call, so that a long scan does not push the rest out.
+/// Bounded: the oldest entries go first and are counted. Thread-safe.
 class KORVEX_VIRTUAL_HEAD_API Journal {
 public:
     static constexpr std::size_t kMostEntries = 20000;
@@ -44,12 +46,15 @@ public:
     void Clear();
 
 private:
-    JournalEntry* LatestOfCaller();
+    /// Sequences of a thread's entries that an equal call is counted at, oldest first.
+    using Open = std::vector<std::uint64_t>;
+
+    JournalEntry* FindEqual(const Open& open, const JournalEntry& entry);
     void ForgetThreadsWithoutEntries();
 
     mutable std::mutex m_mutex;
     std::deque<JournalEntry> m_entries;
-    std::map<std::thread::id, std::uint64_t> m_latest;  // sequence of each thread's latest entry
+    std::map<std::thread::id, Open> m_open;
     std::uint64_t m_next = 0;
     std::uint64_t m_dropped = 0;
 };

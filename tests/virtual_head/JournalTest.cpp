@@ -63,6 +63,27 @@ TEST(Journal, CallBetweenTwoEqualOnesOfAThreadKeepsThemApart) {
     EXPECT_THAT(journal.Texts(), ElementsAre("A() = 0", "B() = 0", "A() = 0"));
 }
 
+TEST(Journal, CountsTheCallsOfAStreamInOneEntryEachUntilAnotherCall) {
+    Journal journal;
+    for (int frame = 0; frame < 100; ++frame) {
+        journal.Add("SnapShot", "", frame == 50 ? "-1" : "0");
+        journal.Add("GetResolution", "", "0");
+    }
+    journal.Add("CloseCamera", "", "0");
+    journal.Add("SnapShot", "", "0");
+    const auto entries = journal.Entries();
+    ASSERT_EQ(entries.size(), 5u);
+    EXPECT_EQ(entries[0].Text(), "SnapShot() = 0");
+    EXPECT_EQ(entries[0].count, 99u);
+    EXPECT_EQ(entries[1].Text(), "GetResolution() = 0");
+    EXPECT_EQ(entries[1].count, 100u);
+    EXPECT_EQ(entries[2].Text(), "SnapShot() = -1");
+    EXPECT_EQ(entries[2].count, 1u);
+    EXPECT_EQ(entries[3].Text(), "CloseCamera() = 0");
+    EXPECT_EQ(entries[4].Text(), "SnapShot() = 0");
+    EXPECT_EQ(entries[4].count, 1u);
+}
+
 TEST(Journal, TextsOfSomeCallsLeaveTheOthersOut) {
     Journal journal;
     journal.Add("A", "", "0");
