@@ -27,6 +27,7 @@ KORVEX3SYNC_API RETSTATUS SwitchOnDeviceService(bool on);
 /// `cameraNames` holds the camera serials, `cameraParamA` and `cameraParamB` the image width and
 /// height in pixels of each, as GetCamerasInformation gives them. Equal serials that stand next to
 /// each other share one camera, and only frames of a shared camera are paired into image sets.
+/// A camera opened with 0 x 0 takes its native size, but no sets are made of its frames.
 /// `deviceType` must not be null and is otherwise unused.
 ///
 /// Returns 7 with the new handle in `handle`. Otherwise `handle` keeps its value: 3 for a null

@@ -54,8 +54,9 @@ enum DISTANCESTATUS : int {
 /// to the library and are valid during the call only: copy what is to be kept, free nothing.
 ///
 /// Called on the grab thread of a camera, which can take no other frame meanwhile: return promptly.
-/// The callback must not throw, must not call an operation on the same handle (docs/threads.md says
-/// why), and is never called again once SetScanCallBackFunction has replaced it and returned.
+/// The callback must not throw (what it throws is logged and dropped), must not call an operation
+/// on the same handle (docs/threads.md says why), and is never called again once
+/// SetScanCallBackFunction has replaced it and returned.
 using ScanCallBackFunction = void (*)(const void* const& context,
                                       std::vector<unsigned char*>& images, const int& width,
                                       const int& height, std::vector<int>& imageInfo);

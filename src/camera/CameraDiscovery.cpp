@@ -1,6 +1,7 @@
 #include "camera/CameraDiscovery.h"
 
 #include <cstring>
+#include <memory>
 #include <string>
 
 #include "camera/ColorMode.h"
@@ -18,9 +19,9 @@ void PrintCreateFailed(const char* cameraType) {
 }
 
 /// A 260-byte buffer of the caller's; a serial that does not fit is cut.
-char* CopySerial(const std::string& serial) {
-    char* const buffer = new char[kSerialBuffer]();
-    std::strncpy(buffer, serial.c_str(), kSerialBuffer - 1);
+std::unique_ptr<char[]> CopySerial(const std::string& serial) {
+    auto buffer = std::make_unique<char[]>(kSerialBuffer);
+    std::strncpy(buffer.get(), serial.c_str(), kSerialBuffer - 1);
     return buffer;
 }
 
@@ -76,9 +77,10 @@ int GetAllSpecifyTypeCameraInformation(const char* const& cameraType, std::vecto
         int width = 0;
         int height = 0;
         zr3DCamera::GetResolution(camera, width, height);
+        auto text = CopySerial(serial);
         widths.push_back(width);
         heights.push_back(height);
-        serials.push_back(CopySerial(serial));
+        serials.push_back(text.release());
         zr3DCamera::ZR_IMG_FORMAT mode{1};
         zr3DCamera::GetColorMode(camera, mode);
         const bool color = IsColorCamera(mode);

@@ -66,8 +66,8 @@ bool CPhysicalCameraThread::SnapOnce(zr3DCamera::ZR_IMG_FORMAT mode) {
     }
     m_lastSnapGood = false;
     if (result != 0 && m_image != nullptr) {
-        KORVEX_LOG(kLog) << "Camera " << m_cameraID << " Snap Failed and data not null. ";
-        KORVEX_LOG(kLog) << "ret=" << result;
+        KORVEX_LOG(kLog) << "Camera " << m_cameraID << " Snap Failed and data not null. "
+                         << "ret=" << result;
     }
     m_image = nullptr;
     if (m_printSnapFailures) {

@@ -1,5 +1,8 @@
 #include "camera/PhysicalCameraThread.h"
 
+#include <climits>
+#include <cstdint>
+
 #include "camera/ColorMode.h"
 #include "platform/os/Log.h"
 
@@ -7,6 +10,13 @@ namespace Korvex3Sync {
 namespace {
 
 constexpr auto& kLog = kPhysicalCameraThreadLog;
+
+/// Bytes of a frame; 0 where a size is no size, or too large to be one.
+int FrameSize(int width, int height, int bytesPerPixel) {
+    const std::int64_t pixels = std::int64_t{width} * height;
+    const bool fits = width > 0 && height > 0 && pixels <= INT_MAX / bytesPerPixel;
+    return fits ? static_cast<int>(pixels) * bytesPerPixel : 0;
+}
 
 }  // namespace
 
@@ -69,7 +79,7 @@ bool CPhysicalCameraThread::OpenCamera(const char* const& serial, const int& wid
     }
     zr3DCamera::ZR_IMG_FORMAT mode{};
     const bool modeKnown = zr3DCamera::GetColorMode(m_camera, mode) == 0;
-    m_frameSize = modeKnown ? width * height * BytesPerPixel(mode) : 0;
+    m_frameSize = modeKnown ? FrameSize(width, height, BytesPerPixel(mode)) : 0;
     m_bOpen = true;
     m_serial = serial != nullptr ? serial : "";
     m_width = width;

@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "platform/include/USBTREE.h"
+#include "platform/os/CriticalSection.h"
 #include "platform/os/Log.h"
 
 namespace Korvex3Sync {
@@ -14,13 +15,21 @@ constexpr char kLog[] = "KorvexSyncControl";
 constexpr unsigned long kVendorId = 0x3267;
 constexpr unsigned long kProductId = 0x5752;
 
+/// The library has one tree for the whole process: one caller at a time builds and frees it.
+std::vector<std::string> BoardPaths() {
+    static os::Mutex oneAtATime;
+    os::MutexGuard lock(oneAtATime);
+    std::vector<std::string> paths;
+    USBTREE::EnumAllHCD();
+    USBTREE::GetSpecifyDeviceTreePath(kVendorId, kProductId, paths);
+    USBTREE::EraseList();
+    return paths;
+}
+
 }  // namespace
 
 bool FindBoardUsbSpeed(bool& superSpeed) {
-    USBTREE::EnumAllHCD();
-    std::vector<std::string> paths;
-    USBTREE::GetSpecifyDeviceTreePath(kVendorId, kProductId, paths);
-    USBTREE::EraseList();
+    const std::vector<std::string> paths = BoardPaths();
     if (paths.empty()) {
         KORVEX_LOG(kLog) << "IsConnectedOnU3 Fail!";
         return false;

@@ -6,8 +6,8 @@ void LogEnter(const char* name) {
     KORVEX_LOG(kInterfaceLog) << name << " enter";
 }
 
-void LogException(const std::exception& error) {
-    KORVEX_LOG(kInterfaceLog) << "operation failed: " << error.what();
+void LogException(const char* what) {
+    KORVEX_LOG(kInterfaceLog) << "operation failed: " << what;
 }
 
 RETSTATUS ServiceCall() {

@@ -21,7 +21,7 @@ inline constexpr char kInterfaceLog[] = "KorvexSyncControl";
 /// Records "<name> enter".
 void LogEnter(const char* name);
 /// Records why an export answers 0 though no device refused.
-void LogException(const std::exception& error);
+void LogException(const char* what);
 
 /// Runs a call; an exception becomes 0.
 template <class Call>
@@ -29,9 +29,11 @@ RETSTATUS NoThrow(Call&& call) {
     try {
         return std::forward<Call>(call)();
     } catch (const std::exception& error) {
-        LogException(error);
-        return STATUS_FAILED;
+        LogException(error.what());
+    } catch (...) {
+        LogException("unknown exception");
     }
+    return STATUS_FAILED;
 }
 
 inline IManagerSync& ManagerOf(void* handle) {

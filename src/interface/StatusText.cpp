@@ -1,5 +1,5 @@
 #include <array>
-#include <cstring>
+#include <new>
 #include <string_view>
 
 #include "Korvex3Sync/Status.h"
@@ -29,9 +29,11 @@ void GetStatusDescriptionString(const RETSTATUS& status, char*& text) {
     const std::string_view description = number >= 0 && number < static_cast<int>(kTexts.size())
                                              ? kTexts[static_cast<std::size_t>(number)]
                                              : std::string_view{};
-    char* const buffer = new char[description.size() + 1]();
-    std::memcpy(buffer, description.data(), description.size());
-    text = buffer;
+    char* const buffer = new (std::nothrow) char[description.size() + 1]();
+    if (buffer != nullptr) {
+        description.copy(buffer, description.size());
+        text = buffer;
+    }
 }
 
 }  // namespace Korvex3Sync

@@ -23,6 +23,7 @@ RETSTATUS IManagerSync::GetFirewareVersion(const char* pcbSerial, std::string& v
     if (open != STATUS_SUCCESS) {
         return open;
     }
+    CheckNotInScanCallback(this);
     os::CriticalSectionGuard device(m_csDevice);
     return board::zr3DQueryProjectorFirewareVersion(m_hDevice, version) ? STATUS_SUCCESS
                                                                         : STATUS_FAILED;
@@ -40,6 +41,11 @@ RETSTATUS IManagerSync::ResetBoard(bool resetFPGA, bool resetDevice) {
     const bool reset =
         resetDevice ? board::zr3DResetDevice(m_hDevice) : board::zr3DResetFPGA(m_hDevice);
     return reset ? STATUS_SUCCESS : STATUS_FAILED;
+}
+
+RememberedSettings IManagerSync::SettingsToRestore() {
+    os::CriticalSectionGuard device(m_csDevice);
+    return m_remembered;
 }
 
 RETSTATUS IManagerSync::SetStrobeControlledByTrigger(const CONTROLROUTE& route,

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <vector>
 
@@ -20,6 +21,11 @@ constexpr int ChannelGroup(int code) {
 }
 constexpr int ChannelIndex(int code) {
     return (code & 0xff00) >> 8;
+}
+
+/// One bit for each entry of the serial list (not for each camera).
+constexpr unsigned AllCamerasMask(std::size_t entries) {
+    return (1U << (entries & 31U)) - 1U;
 }
 
 /// What a serial list comes to.

@@ -31,10 +31,13 @@ std::shared_ptr<os::Event> ColorCatch::CaughtEvent() const {
     return m_hSnapColorEvent;
 }
 
-void ColorCatch::Catch(unsigned char* image) {
+bool ColorCatch::Catch(unsigned char* image) {
     unsigned char* replaced = nullptr;
     {
         os::MutexGuard lock(m_mutex);
+        if (!m_bSingleSnapColor) {
+            return false;
+        }
         auto slot = std::find(m_pSnapColorImages.begin(), m_pSnapColorImages.end(), nullptr);
         if (slot == m_pSnapColorImages.end()) {
             --slot;
@@ -50,6 +53,7 @@ void ColorCatch::Catch(unsigned char* image) {
     if (replaced != nullptr) {
         m_release(replaced);
     }
+    return true;
 }
 
 std::array<unsigned char*, ColorCatch::kSlots> ColorCatch::TakeAll() {

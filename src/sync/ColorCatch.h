@@ -33,10 +33,12 @@ public:
     /// The event of the running snapshot; null when none runs.
     std::shared_ptr<os::Event> CaughtEvent() const;
 
-    /// Puts the image into the first empty slot, or into the last one when the others are taken;
-    /// disarms when all slots are full; signals the event. The image is the catch's from then on.
-    void Catch(unsigned char* image);
-    /// Empties the slots; their images are the caller's.
+    /// Where frames are wanted: puts the image into the first empty slot, or into the last one when
+    /// the others are taken; disarms when all slots are full; signals the event. The image is the
+    /// catch's from then on. Otherwise false, and the image stays the caller's.
+    bool Catch(unsigned char* image);
+    /// Empties the slots; their images are the caller's, who also takes them off whatever pool they
+    /// came from.
     std::array<unsigned char*, kSlots> TakeAll();
     /// Releases what the slots hold.
     void ReleaseAll();

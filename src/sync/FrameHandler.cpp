@@ -30,8 +30,12 @@ public:
         m_manager.m_callbackInfo.assign(channels.begin(), channels.end());
         const void* const context = m_manager.m_pScanContext;
         InScanCallback mark(&m_manager);
-        m_manager.m_pScanCallBack(context, m_manager.m_callbackImages, width, height,
-                                  m_manager.m_callbackInfo);
+        try {
+            m_manager.m_pScanCallBack(context, m_manager.m_callbackImages, width, height,
+                                      m_manager.m_callbackInfo);
+        } catch (...) {
+            LOG(ERROR) << "a scan callback threw; its set is lost";
+        }
     }
     void Release(unsigned char* image) override KORVEX_NO_THREAD_SAFETY_ANALYSIS {
         m_manager.m_imagePool.Release(image);
@@ -44,20 +48,23 @@ private:
 void IManagerSync::OnFrame(const void* const& context, const int& cameraId,
                            unsigned char* const& image, const int& width, const int&, const int&) {
     auto* const manager = static_cast<IManagerSync*>(const_cast<void*>(context));
-    if (manager != nullptr && image != nullptr) {
-        manager->HandleFrame(cameraId, image, width);
+    if (manager == nullptr || image == nullptr) {
+        return;
+    }
+    if (manager->HandleFrame(cameraId, image, width) == Routed::Caught) {
+        KORVEX_LOG(kLog) << "end m_bSingleSnapColor=" << manager->m_colorCatch.Armed();
     }
 }
 
-void IManagerSync::HandleFrame(int cameraId, const unsigned char* raw, int width) {
+Routed IManagerSync::HandleFrame(int cameraId, const unsigned char* raw, int width) {
     os::CriticalSectionGuard frame(m_csFrame);
     const auto id = static_cast<std::size_t>(cameraId);
     if (id >= m_cameraChannels.size()) {
-        return;
+        return Routed::Paired;
     }
     const auto slot = static_cast<std::size_t>(ChannelGroup(m_cameraChannels[id]));
     if (slot >= m_cameras.size() || m_cameras[slot]->CameraComplexInfo() < kFewestShares) {
-        return;
+        return Routed::Paired;
     }
     DecodedFrame& decoded = m_decoded;
     decoded.images.clear();
@@ -66,29 +73,13 @@ void IManagerSync::HandleFrame(int cameraId, const unsigned char* raw, int width
     decoded.channels.clear();
     if (!m_cameras[slot]->SplitPackedFrame(decoded.images, decoded.widths, decoded.heights,
                                            decoded.channels, raw, m_imagePool)) {
-        return;
+        return Routed::Paired;
     }
     decoded.key = raw[kKeyByte];
     decoded.width = width;
 
     SetSink sink(*this);
-    if (decoded.images.size() != 1) {
-        m_pairing.TakeMono(decoded, sink);
-    } else if (m_colorCatch.Armed()) {
-        CatchColor(decoded.images.front());
-        return;
-    } else {
-        m_pairing.TakeColor(decoded, sink);
-    }
-    if (const std::size_t size = m_pairing.EnforceBound(sink); size > 0) {
-        KORVEX_LOG(kLog) << "error drop data pThis->_mapVideoItems.size()=" << size;
-    }
-}
-
-void IManagerSync::CatchColor(unsigned char* image) {
-    KORVEX_LOG(kLog) << "m_bSingleSnapColor=" << m_colorCatch.Armed();
-    m_colorCatch.Catch(image);
-    KORVEX_LOG(kLog) << "end m_bSingleSnapColor=" << m_colorCatch.Armed();
+    return RouteFrame(decoded, m_pairing, m_colorCatch, sink);
 }
 
 RETSTATUS IManagerSync::SetScanCallBackFunction(ScanCallBackFunction callback, void* context) {

@@ -78,15 +78,6 @@ void FramePairing::Store(unsigned int key, const VideoItem& item) {
     _mapVideoItems.emplace(key, item);
 }
 
-std::size_t FramePairing::EnforceBound(Sink& sink) {
-    const std::size_t size = Size();
-    if (size <= kMostItems) {
-        return 0;
-    }
-    DropFirst(sink);
-    return size;
-}
-
 void FramePairing::DropFirst(Sink& sink) {
     const auto first = _mapVideoItems.begin();
     const VideoItem& item = first->second;

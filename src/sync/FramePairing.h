@@ -55,9 +55,8 @@ public:
     void TakeMono(const DecodedFrame& frame, Sink& sink);
     /// Puts an item under a key that is free.
     void Store(unsigned int key, const VideoItem& item);
-    /// With more than kMostItems items, releases the one with the smallest key and gives how many
-    /// there were; otherwise does nothing and gives 0.
-    std::size_t EnforceBound(Sink& sink);
+    /// Releases the item with the smallest key; there must be one.
+    void DropFirst(Sink& sink);
     /// Releases everything, delivers nothing.
     void Clear(Sink& sink);
 
@@ -67,7 +66,6 @@ private:
     using Items = std::map<unsigned int, VideoItem>;
 
     void Flush(const DecodedFrame& newer, Sink& sink);
-    void DropFirst(Sink& sink);
     static void ReleaseSet(const std::vector<unsigned char*>& images, Sink& sink);
 
     Items _mapVideoItems;

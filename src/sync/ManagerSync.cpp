@@ -29,6 +29,7 @@ IManagerSync::IManagerSync()
 }
 
 IManagerSync::~IManagerSync() {
+    CheckNotInScanCallback(this);
     for (auto& camera : m_cameras) {
         camera->ResetStatusToInitialize();
         camera->StopThread();
@@ -55,6 +56,10 @@ IManagerSync::~IManagerSync() {
     }
     m_colorCatch.ReleaseAll();
     ReleasePendingFrames();
+    // No holder may be inside a section when what it guards goes.
+    for (os::CriticalSection* section : {&m_csFrame, &m_csStatus, &m_csDevice}) {
+        os::CriticalSectionGuard holder(*section);
+    }
 }
 
 void IManagerSync::OnThreadNotify(int, int) {}
@@ -115,10 +120,12 @@ RETSTATUS IManagerSync::InitProjector(const char* pcbSerial) {
         return STATUS_PARAMETER;
     }
     KORVEX_LOG(kLog) << " InitProjector pcbSerial=" << pcbSerial;
+    CheckNotInScanCallback(this);
     os::CriticalSectionGuard device(m_csDevice);
     void* handle = m_hDevice;
     const bool opened = zr3DHandiDLPdev::zr3DInitHidDev(handle, kVendorId, kProductId, pcbSerial);
-    m_hDevice = handle;
+    // What a failed open may have left is no board.
+    m_hDevice = opened ? handle : nullptr;
     return opened ? STATUS_SUCCESS : STATUS_PROJECTOR;
 }
 

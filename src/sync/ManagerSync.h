@@ -16,6 +16,7 @@
 #include "platform/os/Thread.h"
 #include "sync/ColorCatch.h"
 #include "sync/FramePairing.h"
+#include "sync/FrameRouting.h"
 #include "sync/RememberedSettings.h"
 #include "sync/ScanCallbackRule.h"
 
@@ -89,6 +90,9 @@ public:
     RETSTATUS SetIRLaserWorkTime(const int& time);
     RETSTATUS GetIRLaserWorkTime(int& time);
 
+    /// What a reconnection would write to the board now.
+    RememberedSettings SettingsToRestore();
+
     // Frames (FrameHandler.cpp).
 
     RETSTATUS SetScanCallBackFunction(ScanCallBackFunction callback, void* context);
@@ -129,8 +133,7 @@ private:
     static void OnFrame(const void* const& context, const int& cameraId,
                         unsigned char* const& image, const int& width, const int& height,
                         const int& channels);
-    void HandleFrame(int cameraId, const unsigned char* raw, int width);
-    void CatchColor(unsigned char* image) KORVEX_REQUIRES(m_csFrame);
+    Routed HandleFrame(int cameraId, const unsigned char* raw, int width);
     void ReleasePendingFrames();
 
     RETSTATUS QueryCurrentStatus(unsigned char& first, unsigned char& second);
@@ -192,7 +195,12 @@ RETSTATUS IManagerSync::BoardOperation(DeviceLost lost, Remember remember, Call 
     if (lost == DeviceLost::Refuses && m_bDeviceLost) {
         return STATUS_FAILED;
     }
-    return call(m_hDevice.load()) ? STATUS_SUCCESS : STATUS_FAILED;
+    // The board may have been closed while this thread waited for the lock.
+    void* const handle = m_hDevice;
+    if (handle == nullptr) {
+        return STATUS_NOT_CONNECTED;
+    }
+    return call(handle) ? STATUS_SUCCESS : STATUS_FAILED;
 }
 
 template <class Call>

@@ -55,7 +55,6 @@ int IManagerSync::OpenCameras(const std::vector<char*>& camSerials, const std::v
         return kCameraFailure;
     }
     if (!CheckCameraTotals()) {
-        m_cameras.clear();
         std::printf("Check Camera Total Failed\n");
         KORVEX_LOG(kLog) << "Check Camera Total Failed";
         return kCameraFailure;
@@ -112,15 +111,17 @@ bool IManagerSync::CreateCameras(const std::vector<char*>& camSerials,
 }
 
 bool IManagerSync::CheckCameraTotals() {
+    const std::size_t count = m_cameras.size();
     std::size_t k = 0;
-    for (; k < m_cameras.size(); ++k) {
+    for (; k < count; ++k) {
         int total = 0;
         if (!m_cameras[k]->GetDeviceTotal(total) || total < 1) {
+            m_cameras.clear();
             break;
         }
     }
-    KORVEX_LOG(kLog) << "index=" << k << "index=" << m_cameras.size();
-    return k == m_cameras.size();
+    KORVEX_LOG(kLog) << "index=" << k << "index=" << count;
+    return k == count;
 }
 
 bool IManagerSync::OpenAndStartCameras() {
@@ -148,7 +149,7 @@ void IManagerSync::StartGrabbing(std::size_t serialCount) {
         camera->StartThread();
     }
     m_serialSlots.resize(m_serialSlots.size() + serialCount, nullptr);
-    m_allCamerasMask = (1U << (serialCount & 31U)) - 1U;
+    m_allCamerasMask = AllCamerasMask(serialCount);
 }
 
 }  // namespace Korvex3Sync

@@ -38,6 +38,7 @@ RETSTATUS IManagerSync::SetStatusCallBackFunction(StatusCallBackFunction callbac
         return STATUS_SUCCESS;
     }
     {
+        CheckNotInScanCallback(this);
         os::CriticalSectionGuard device(m_csDevice);
         const StatusCallBackFunction previous = store();
         m_bContinueStatusThread = true;
@@ -117,7 +118,11 @@ void IManagerSync::PollStatus() {
         return;
     }
     const void* const context = m_pStatusContext;
-    m_pStatusCallBack(context, second, first);
+    try {
+        m_pStatusCallBack(context, second, first);
+    } catch (...) {
+        LOG(ERROR) << "a status callback threw";
+    }
 }
 
 }  // namespace Korvex3Sync

@@ -2,6 +2,7 @@
 
 #include <cstring>
 #include <memory>
+#include <thread>
 
 #include "camera/CameraDiscovery.h"
 #include "camera/Usb3Check.h"
@@ -59,9 +60,10 @@ TEST_F(Discovery, ReadsEveryCameraInItsOrderOfCalls) {
     EXPECT_EQ(
         Recorder::Get().Calls(),
         (Calls{"CreateCamera(KV00)", "GetDeviceTotal(C1)", "CreateCamera(KV00)",
-               "OpenCamera(C1, 0, 0, 0)", "GetSerialNo(C1)", "GetColorMode(C1)", "GetGainRange(C1)",
-               "OpenCamera(C2, 1, 0, 0)", "GetSerialNo(C2)", "GetColorMode(C2)", "GetGainRange(C2)",
-               "CloseCamera(C1)", "ReleaseCamera(C1)", "CloseCamera(C2)", "ReleaseCamera(C2)"}));
+               "OpenCamera(C1, 0, 0, 0)", "GetSerialNo(C1)", "GetResolution(C1)",
+               "GetColorMode(C1)", "GetGainRange(C1)", "OpenCamera(C2, 1, 0, 0)", "GetSerialNo(C2)",
+               "GetResolution(C2)", "GetColorMode(C2)", "GetGainRange(C2)", "CloseCamera(C1)",
+               "ReleaseCamera(C1)", "CloseCamera(C2)", "ReleaseCamera(C2)"}));
     EXPECT_TRUE(m_log.Has("PhysicalCameraThread: GetAllSpecifyTypeCameraInformation 0"));
     EXPECT_TRUE(
         m_log.Has("PhysicalCameraThread: GetAllSpecifyTypeCameraInformation tmpRealCount=2"));
@@ -157,20 +159,54 @@ TEST_F(Discovery, TheCountIsTheLibrarysTotal) {
 }
 
 TEST_F(Discovery, TheFirstBoardDecidesTheUsbSpeed) {
-    Recorder::Get().SetValue("boards", 2);
-    Recorder::Get().SetValue("speed0", 4);
-    Recorder::Get().SetValue("speed1", 3);
+    const std::string fast = "HCD[0]-HUB-UPT[4]-DEV";
+    const std::string slow = "HCD[0]-HUB-UPT[3]-DEV";
     bool superSpeed = false;
+    Recorder::Get().SetUsbPaths({fast, slow});
     EXPECT_TRUE(FindBoardUsbSpeed(superSpeed));
     EXPECT_TRUE(superSpeed);
-    Recorder::Get().SetValue("speed0", 3);
-    Recorder::Get().SetValue("speed1", 4);
+    Recorder::Get().SetUsbPaths({slow, fast});
     EXPECT_TRUE(FindBoardUsbSpeed(superSpeed));
     EXPECT_FALSE(superSpeed);
-    EXPECT_TRUE(m_log.Has("KorvexSyncControl: HCD[0]-HUB-UPT[3]-DEV"));
+    EXPECT_TRUE(m_log.Has("KorvexSyncControl: " + slow));
     EXPECT_EQ(Recorder::Get().Calls(),
               (Calls{"EnumAllHCD()", "GetSpecifyDeviceTreePath(12903, 22354)", "EraseList()",
                      "EnumAllHCD()", "GetSpecifyDeviceTreePath(12903, 22354)", "EraseList()"}));
+}
+
+TEST_F(Discovery, TheSpeedMayStandAnywhereInThePath) {
+    for (const char* path : {"UPT[4]-DEV", "UPT[4]-DEV-more", "HCD-UPT[4]-DEV-HUB-UPT[3]"}) {
+        Recorder::Get().SetUsbPaths({path});
+        bool superSpeed = false;
+        EXPECT_TRUE(FindBoardUsbSpeed(superSpeed));
+        EXPECT_TRUE(superSpeed) << path;
+    }
+    for (const char* path : {"", "UPT[4]", "UPT[5]-DEV", "upt[4]-dev"}) {
+        Recorder::Get().SetUsbPaths({path});
+        bool superSpeed = true;
+        EXPECT_TRUE(FindBoardUsbSpeed(superSpeed));
+        EXPECT_FALSE(superSpeed) << path;
+    }
+}
+
+TEST_F(Discovery, OneCallersUsbTreeIsNeverErasedByAnother) {
+    Recorder::Get().SetUsbPaths({"UPT[4]-DEV"});
+    const auto ask = [] {
+        for (int i = 0; i < 200; ++i) {
+            bool superSpeed = false;
+            FindBoardUsbSpeed(superSpeed);
+        }
+    };
+    std::thread other(ask);
+    ask();
+    other.join();
+    // Whoever asks builds, looks up and frees before the next begins.
+    std::vector<std::string> calls = Recorder::Get().CallsInOrder();
+    ASSERT_EQ(calls.size(), 1200u);
+    for (std::size_t i = 0; i < calls.size(); i += 3) {
+        ASSERT_EQ(calls[i], "EnumAllHCD()");
+        ASSERT_EQ(calls[i + 2], "EraseList()");
+    }
 }
 
 TEST_F(Discovery, WithoutABoardTheUsbAnswerIsUntouched) {

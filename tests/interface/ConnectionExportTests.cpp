@@ -173,5 +173,18 @@ TEST_F(ConnectionExports, AFirmwareQueryThroughAHandleKeepsTheConnectionWhenItSu
     EXPECT_EQ(Recorder::Get().Count("zr3DExitHidDev"), 0u);
 }
 
+TEST_F(ConnectionExports, AFailedFirmwareQueryThroughAHandleEndsTheConnection) {
+    ASSERT_EQ(Connect(), STATUS_SUCCESS);
+    void* const stale = std::exchange(m_handle, nullptr);  // must not be used again
+    Recorder::Get().FailAlways("zr3DQueryProjectorFirewareVersion");
+    std::string version;
+    EXPECT_EQ(GetFirewareVersion(stale, nullptr, nullptr, version), STATUS_FAILED);
+    EXPECT_EQ(Recorder::Get().Calls().back(), "zr3DExitHidDev(B1)");
+    EXPECT_TRUE(m_log.Has("KorvexSyncControl: Get FWVersion Failed"));
+    EXPECT_TRUE(m_log.Has("KorvexSyncControl: DisConnectDevice hSync=" + Pointer(stale)));
+    EXPECT_TRUE(m_log.Has(kEndRecord));
+    EXPECT_TRUE(m_log.Has("KorvexSyncControl: GetFirewareVersion leave"));
+}
+
 }  // namespace
 }  // namespace Korvex3Sync

@@ -73,11 +73,10 @@ TEST_F(DiscoveryExports, TheUsbCheckIsTheSameInEitherMode) {
         EXPECT_EQ(IsConnectedOnU3("ignored", onU3), STATUS_FAILED);
         EXPECT_TRUE(m_log.Has("KorvexSyncControl: IsConnectedOnU3 enter"));
     }
-    Recorder::Get().SetValue("boards", 1);
-    Recorder::Get().SetValue("speed0", 4);
+    Recorder::Get().SetUsbPaths({"HCD[0]-UPT[4]-DEV"});
     EXPECT_EQ(IsConnectedOnU3(nullptr, onU3), STATUS_SUCCESS);
     EXPECT_TRUE(onU3);
-    Recorder::Get().SetValue("speed0", 3);
+    Recorder::Get().SetUsbPaths({"HCD[0]-UPT[3]-DEV"});
     EXPECT_EQ(IsConnectedOnU3(nullptr, onU3), STATUS_SUCCESS);
     EXPECT_FALSE(onU3);
 }

@@ -16,16 +16,14 @@ TEST(StatusText, ANullPointerGetsNothing) {
 
 TEST(StatusText, EveryStatusHasItsText) {
     const char* const texts[] = {
-        "Operate failed",
-        "Connect projector failed or projector is not connected",
+        "Operate failed", "Connect projector failed or projector is not connected",
         "Connect camera(s) failed or camera(s) is(are) not connected",
         "Parameter which you input, for example, NULL pointer, error size of array or error value",
         "The synchronism type which you input is not supported",
         // clang-format off
         "The operation is not be supported by the current device or operation not be support in current function",
         // clang-format on
-        "You have not connected the device, so please connect device first",
-        "Operate success"};
+        "You have not connected the device, so please connect device first", "Operate success"};
     for (int status = 0; status < 8; ++status) {
         char before[] = "mine";
         char* text = before;

@@ -23,7 +23,7 @@ int V(const char* name) {
 bool zr3DInitHidDev(void*& handle, const char* vendorId, const char* productId,
                     const char* pcbSerial) {
     const bool ok = R().Record("zr3DInitHidDev", N(handle), vendorId, productId, pcbSerial);
-    if (ok) {
+    if (ok || R().LeavesHandlesOnFailure()) {
         handle = R().NewHandle("B");
     }
     return ok;

@@ -17,9 +17,9 @@ bool EnumAllHCD() {
 bool GetSpecifyDeviceTreePath(unsigned long vendorId, unsigned long productId,
                               std::vector<std::string>& paths) {
     const bool ok = R().Record("GetSpecifyDeviceTreePath", vendorId, productId);
-    for (int board = 0; ok && board < R().Value("boards"); ++board) {
-        const int speed = R().Value("speed" + std::to_string(board));
-        paths.push_back("HCD[0]-HUB-UPT[" + std::to_string(speed) + "]-DEV");
+    if (ok) {
+        const auto found = R().UsbPaths();
+        paths.insert(paths.end(), found.begin(), found.end());
     }
     return ok;
 }

@@ -7,8 +7,8 @@ namespace recorder {
 namespace {
 
 constexpr std::chrono::seconds kDeadline{30};
-/// Made by the grab threads, at times of their own.
-const std::set<std::string> kGrabCalls{"SnapShot", "GetResolution"};
+/// A thread that makes it is a grab thread: from then on its calls come at times of their own.
+constexpr char kSnap[] = "SnapShot";
 
 /// Where a preloaded recorder writes the calls of the thread that called first.
 void WriteToFile(const std::string& text) {
@@ -34,6 +34,10 @@ void Recorder::Reset() {
     m_values.clear();
     m_snaps.clear();
     m_snapsTaken = 0;
+    m_callsAtLastSnap = 0;
+    m_grabThreads.clear();
+    m_usbPaths.clear();
+    m_leaveHandles = false;
     m_names.clear();
     m_nextOfKind.clear();
     m_cameras = {Camera{"KV00R1"}, Camera{"KV00R1"}};
@@ -74,9 +78,24 @@ void Recorder::PushSnap(Snap snap) {
     m_changed.notify_all();
 }
 
-std::uint64_t Recorder::SnapsTaken() const {
+void Recorder::SetUsbPaths(std::vector<std::string> paths) {
     std::lock_guard lock(m_mutex);
-    return m_snapsTaken;
+    m_usbPaths = std::move(paths);
+}
+
+std::vector<std::string> Recorder::UsbPaths() const {
+    std::lock_guard lock(m_mutex);
+    return m_usbPaths;
+}
+
+void Recorder::LeaveHandlesOnFailure() {
+    std::lock_guard lock(m_mutex);
+    m_leaveHandles = true;
+}
+
+bool Recorder::LeavesHandlesOnFailure() const {
+    std::lock_guard lock(m_mutex);
+    return m_leaveHandles;
 }
 
 void Recorder::SetValue(const std::string& name, int value) {
@@ -106,6 +125,10 @@ std::vector<std::string> Recorder::Calls() const {
     return Select([](std::thread::id thread) { return thread == std::this_thread::get_id(); });
 }
 
+std::vector<std::string> Recorder::CallsInOrder() const {
+    return Select([](std::thread::id) { return true; });
+}
+
 std::vector<std::string> Recorder::CallsOfOthers() const {
     return Select([](std::thread::id thread) { return thread != std::this_thread::get_id(); });
 }
@@ -124,6 +147,15 @@ bool Recorder::WaitForCount(const std::string& name, std::uint64_t times) const 
     });
 }
 
+bool Recorder::WaitForHandled(std::uint64_t snaps) const {
+    std::unique_lock lock(m_mutex);
+    return m_changed.wait_for(lock, kDeadline, [&] {
+        const auto calls = m_counts.find(kSnap);
+        return m_snapsTaken >= snaps && calls != m_counts.end() &&
+               calls->second > m_callsAtLastSnap;
+    });
+}
+
 bool Recorder::Add(const std::string& name, const std::string& arguments) {
     std::function<void()> action;
     bool succeeds = true;
@@ -131,9 +163,13 @@ bool Recorder::Add(const std::string& name, const std::string& arguments) {
         std::lock_guard lock(m_mutex);
         const std::string text = name + "(" + arguments + ")";
         const std::uint64_t number = ++m_counts[name];
-        if (kGrabCalls.count(name) == 0) {
-            m_calls.push_back({std::this_thread::get_id(), text});
-            if (m_calls.back().thread == m_calls.front().thread) {
+        const auto thread = std::this_thread::get_id();
+        if (name == kSnap) {
+            m_grabThreads.insert(thread);
+        }
+        if (m_grabThreads.count(thread) == 0) {
+            m_calls.push_back({thread, text});
+            if (thread == m_calls.front().thread) {
                 WriteToFile(text);
             }
         }
@@ -180,6 +216,7 @@ bool Recorder::TakeSnap(Snap& snap) {
     snap = std::move(m_snaps.front());
     m_snaps.pop_front();
     ++m_snapsTaken;
+    m_callsAtLastSnap = m_counts[kSnap];
     m_changed.notify_all();
     return true;
 }

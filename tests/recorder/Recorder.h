@@ -51,8 +51,12 @@ public:
     /// Run inside each call of this name, before it answers, on the calling thread.
     void OnCall(const std::string& call, std::function<void()> action);
     void PushSnap(Snap snap);
-    /// Snaps that were fetched.
-    std::uint64_t SnapsTaken() const;
+    /// The tree paths of the boards that the USB tree finds.
+    void SetUsbPaths(std::vector<std::string> paths);
+    std::vector<std::string> UsbPaths() const;
+    /// A failed open leaves something in the handle.
+    void LeaveHandlesOnFailure();
+    bool LeavesHandlesOnFailure() const;
     /// The number that queries of this name give (both status bytes: "first", "second").
     void SetValue(const std::string& name, int value);
     int Value(const std::string& name) const;
@@ -61,11 +65,16 @@ public:
 
     /// The calls that the calling thread made, in order.
     std::vector<std::string> Calls() const;
-    /// The calls that other threads made, in order, but for snaps and what goes with each.
+    /// The calls of all threads, in order, with the same exception as below.
+    std::vector<std::string> CallsInOrder() const;
+    /// The calls that other threads made, in order, but for snaps and what grab threads ask after.
     std::vector<std::string> CallsOfOthers() const;
     std::uint64_t Count(const std::string& name) const;
     /// Waits until a call of this name was made `times` times since Reset.
     bool WaitForCount(const std::string& name, std::uint64_t times) const;
+    /// Waits until `snaps` snaps were fetched since Reset and the grab thread has come back from
+    /// handling the last of them.
+    bool WaitForHandled(std::uint64_t snaps) const;
 
     // For the recording libraries.
 
@@ -104,6 +113,10 @@ private:
     std::vector<Camera> m_cameras;
     std::deque<Snap> m_snaps;
     std::uint64_t m_snapsTaken = 0;
+    std::uint64_t m_callsAtLastSnap = 0;
+    std::set<std::thread::id> m_grabThreads;
+    std::vector<std::string> m_usbPaths;
+    bool m_leaveHandles = false;
     std::map<void*, std::string> m_names;
     std::map<std::string, int> m_nextOfKind;
     std::uintptr_t m_nextHandle = 0x1000;

@@ -176,6 +176,72 @@ TEST_F(BoardOperations, AStrobeDutyAskedForWhileTheBoardIsLostIsRemembered) {
     EXPECT_EQ(Last(), "zr3DSetLedDutioRatio(B1, 41, 1, 2, 3)");
 }
 
+TEST_F(BoardOperations, ALaserLineWorkTimeIsRememberedAsTheInfraredLasers) {
+    Open();
+    EXPECT_EQ(m_manager.SetLaserLineWorkTime(500), STATUS_SUCCESS);
+    EXPECT_EQ(m_manager.SettingsToRestore().irLaserWorkTime, 500);
+    EXPECT_EQ(m_manager.SettingsToRestore().laserLineWorkTime, 1000);
+    EXPECT_EQ(m_manager.SetIRLaserWorkTime(600), STATUS_SUCCESS);
+    EXPECT_EQ(m_manager.SettingsToRestore().irLaserWorkTime, 600);
+}
+
+TEST_F(BoardOperations, EverySetterRemembersWhatItWasAskedForAlsoWhenTheLibraryRefuses) {
+    Open();
+    for (const Operation& operation : kOperations) {
+        Recorder::Get().FailAlways(CallName(operation.libraryCall));
+        operation.run(m_manager);
+    }
+    const RememberedSettings settings = m_manager.SettingsToRestore();
+    EXPECT_EQ(int{settings.strobeRoute}, 1);
+    EXPECT_EQ(int{settings.strobeState}, 4);
+    EXPECT_TRUE(settings.blueLaserEnable);
+    EXPECT_EQ(int{settings.blueLaserMode}, 3);
+    EXPECT_TRUE(settings.irLaserEnable);
+    EXPECT_EQ(settings.irLaserLevel, 7);
+    EXPECT_EQ(settings.triggerPeriod, 25);
+    EXPECT_EQ(settings.projectorBrightness, 80);
+    EXPECT_EQ(int{settings.triggerMode}, 6);
+    EXPECT_EQ(int{settings.projectType}, 2);
+    EXPECT_EQ(settings.strobeDuty, (std::array<int, 3>{1, 2, 3}));
+    EXPECT_EQ(settings.laserLineDuty, 60);
+    EXPECT_EQ(settings.projectorDuty, 61);
+    EXPECT_EQ(settings.irLaserDuty, 62);
+    EXPECT_EQ(int{settings.distanceState}, 2);
+    EXPECT_EQ(settings.strobeWorkTime, (std::array<int, 2>{300, 400}));
+    EXPECT_EQ(settings.projectorWorkTime, 501);
+    EXPECT_EQ(settings.irLaserWorkTime, 502);
+}
+
+TEST_F(BoardOperations, AFreshManagerRemembersTheInitialState) {
+    const RememberedSettings settings = m_manager.SettingsToRestore();
+    EXPECT_EQ(int{settings.strobeRoute}, 2);
+    EXPECT_EQ(int{settings.strobeState}, 1);
+    EXPECT_FALSE(settings.blueLaserEnable);
+    EXPECT_EQ(int{settings.blueLaserMode}, 0);
+    EXPECT_FALSE(settings.irLaserEnable);
+    EXPECT_EQ(settings.irLaserLevel, 1);
+    EXPECT_EQ(settings.triggerPeriod, 10);
+    EXPECT_EQ(settings.projectorBrightness, 10);
+    EXPECT_EQ(int{settings.triggerMode}, 5);
+    EXPECT_EQ(int{settings.projectType}, 0);
+    EXPECT_EQ(settings.strobeDuty, (std::array<int, 3>{100, 100, 100}));
+    EXPECT_EQ(settings.laserLineDuty, 100);
+    EXPECT_EQ(settings.projectorDuty, 100);
+    EXPECT_EQ(settings.irLaserDuty, 100);
+    EXPECT_EQ(int{settings.distanceState}, 0);
+    EXPECT_EQ(settings.strobeWorkTime, (std::array<int, 2>{1000, 1000}));
+    EXPECT_EQ(settings.projectorWorkTime, 1000);
+    EXPECT_EQ(settings.laserLineWorkTime, 1000);
+    EXPECT_EQ(settings.irLaserWorkTime, 1000);
+}
+
+TEST_F(BoardOperations, AHandleThatAFailedOpenLeftIsNoBoard) {
+    Recorder::Get().LeaveHandlesOnFailure();
+    Recorder::Get().FailAlways("zr3DInitHidDev");
+    EXPECT_EQ(m_manager.InitProjector(""), STATUS_PROJECTOR);
+    EXPECT_EQ(m_manager.Project(PROJECT_PATTERN_1), STATUS_NOT_CONNECTED);
+}
+
 TEST_F(BoardOperations, TriggerModesAreTranslated) {
     Open();
     EXPECT_EQ(m_manager.EnableVideoTrigger(CAMERA_TRIGGER_MODE{4}, true), STATUS_SUCCESS);

@@ -57,6 +57,13 @@ TEST(ChannelCodes, NullCountsAsEmpty) {
     EXPECT_EQ(assignment.codes, (std::vector<int>{0x000, 0x101}));
 }
 
+TEST(ChannelCodes, TheMaskHasOneBitForEachEntryOfTheList) {
+    EXPECT_EQ(AllCamerasMask(3), 7u);
+    EXPECT_EQ(AllCamerasMask(1), 1u);
+    EXPECT_EQ(AllCamerasMask(31), 0x7FFFFFFFu);
+    EXPECT_EQ(AllCamerasMask(32), 0u) << "counted modulo 32";
+}
+
 TEST(ChannelCodes, NoSerialsGiveNoCodes) {
     EXPECT_TRUE(AssignChannels({}).codes.empty());
 }

@@ -32,11 +32,22 @@ TEST_F(ColorCatchTest, ThreeFramesFillTheSlotsInOrderAndDisarm) {
     EXPECT_TRUE(m_released.empty());
 }
 
+TEST_F(ColorCatchTest, AFrameThatNobodyWaitsForIsNotTaken) {
+    EXPECT_FALSE(m_catch.Catch(&m_pixels[0]));
+    EXPECT_EQ(m_catch.TakeAll(), Slots{});
+    m_catch.Arm();
+    m_catch.Disarm();
+    EXPECT_FALSE(m_catch.Catch(&m_pixels[0]));
+    EXPECT_TRUE(m_released.empty()) << "it stays the caller's";
+}
+
 TEST_F(ColorCatchTest, AFrameThatFindsNoRoomReplacesTheLastAndFreesIt) {
     m_catch.Arm();
-    for (int i = 0; i < 4; ++i) {
-        m_catch.Catch(&m_pixels[i]);
+    for (int i = 0; i < 3; ++i) {
+        EXPECT_TRUE(m_catch.Catch(&m_pixels[i]));
     }
+    m_catch.Arm();  // the slots of the snapshot before are still full
+    EXPECT_TRUE(m_catch.Catch(&m_pixels[3]));
     EXPECT_EQ(m_released, std::vector<unsigned char*>{&m_pixels[2]});
     EXPECT_EQ(m_catch.TakeAll(), (Slots{&m_pixels[0], &m_pixels[1], &m_pixels[3]}));
 }

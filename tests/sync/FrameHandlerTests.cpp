@@ -74,9 +74,7 @@ protected:
         Recorder::Get().PushSnap({0, false, support::ColorFrame(kPixels, value, key)});
     }
     /// Waits until the frames that were pushed have been handled.
-    static bool Handled(std::uint64_t frames) {
-        return Recorder::Get().WaitForCount("SnapShot", frames + 1);
-    }
+    static bool Handled(std::uint64_t frames) { return Recorder::Get().WaitForHandled(frames); }
 
     Sets m_sets;
     support::LogCapture m_log;
@@ -180,6 +178,21 @@ TEST_F(FrameHandler, NoCallComesOnceTheSetterHasReturned) {
         ASSERT_EQ(m_sets.Seen().size(), seen);
         m_manager.SetScanCallBackFunction(&Sets::Receive, &m_sets);
     }
+}
+
+TEST_F(FrameHandler, ACallbackThatThrowsLosesItsSetAndNothingElse) {
+    m_sets.action = [thrown = false](auto&, auto&) mutable {
+        if (!std::exchange(thrown, true)) {
+            throw std::runtime_error("the application's own mistake");
+        }
+    };
+    Scan();
+    for (unsigned char key = 0; key < 2; ++key) {
+        Mono(10, key);
+        Color(30, key);
+    }
+    EXPECT_TRUE(m_sets.WaitFor(2));
+    EXPECT_EQ(m_log.Errors(), 1);
 }
 
 TEST_F(FrameHandler, DestructionWhileFramesWaitFreesThem) {

@@ -1,5 +1,7 @@
 #include "sync/FramePairing.h"
 
+#include "sync/Ledger.h"
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -10,41 +12,6 @@
 
 namespace Korvex3Sync {
 namespace {
-
-/// Images are numbers in disguise; every one must be released exactly once.
-class Ledger : public FramePairing::Sink {
-public:
-    unsigned char* Make() {
-        auto* const image = reinterpret_cast<unsigned char*>(++m_next);
-        m_live.insert(image);
-        return image;
-    }
-    void Deliver(const std::vector<unsigned char*>& images, int width, int height,
-                 const std::vector<int>& channels) override {
-        std::string set;
-        for (unsigned char* image : images) {
-            EXPECT_TRUE(m_live.count(image)) << "delivered after its release";
-            set += std::to_string(reinterpret_cast<std::uintptr_t>(image)) + " ";
-        }
-        set += std::to_string(width) + "x" + std::to_string(height);
-        for (int channel : channels) {
-            set += " c" + std::to_string(channel);
-        }
-        delivered.push_back(set);
-    }
-    void Release(unsigned char* image) override {
-        EXPECT_EQ(m_live.erase(image), 1u) << "released twice, or never made";
-        released.push_back(reinterpret_cast<std::uintptr_t>(image));
-    }
-    std::size_t Live() const { return m_live.size(); }
-
-    std::vector<std::string> delivered;
-    std::vector<std::uintptr_t> released;
-
-private:
-    std::uintptr_t m_next = 0;
-    std::set<unsigned char*> m_live;
-};
 
 class Pairing : public testing::Test {
 protected:
@@ -164,21 +131,18 @@ TEST_F(Pairing, AnItemWithEverythingIsFlushedAsThreeImages) {
     EXPECT_EQ(m_ledger.delivered, Sets{"1 2 3 8x4 c1 c1 c3"});
 }
 
-TEST_F(Pairing, MoreThanFourItemsLoseTheSmallestKeyOneForEachFrame) {
-    for (unsigned key : {70u, 30u, 60u, 40u, 20u, 50u}) {
+TEST_F(Pairing, DroppingTakesTheSmallestKeyColourFirst) {
+    for (unsigned key : {70u, 20u, 50u}) {
         VideoItem item;
         item.pMonoImage0 = m_ledger.Make();
         item.pMonoImage1 = m_ledger.Make();
         item.pColorImage = m_ledger.Make();
         m_pairing.Store(key, item);
     }
-    EXPECT_EQ(m_pairing.EnforceBound(m_ledger), 6u);
-    // Key 20 holds images 13, 14, 15: colour goes first, then the monos.
-    EXPECT_EQ(m_ledger.released, (std::vector<std::uintptr_t>{15, 13, 14}));
-    EXPECT_EQ(m_pairing.Size(), 5u);
-    EXPECT_EQ(m_pairing.EnforceBound(m_ledger), 5u);
-    EXPECT_EQ(m_pairing.EnforceBound(m_ledger), 0u) << "four may stay";
-    EXPECT_EQ(m_pairing.Size(), 4u);
+    m_pairing.DropFirst(m_ledger);
+    // Key 20 holds images 4, 5, 6: colour goes first, then the monos.
+    EXPECT_EQ(m_ledger.released, (std::vector<std::uintptr_t>{6, 4, 5}));
+    EXPECT_EQ(m_pairing.Size(), 2u);
     EXPECT_TRUE(m_ledger.delivered.empty());
 }
 

@@ -1,0 +1,36 @@
+#include "sync/FrameRouting.h"
+
+#include "platform/os/Log.h"
+
+namespace Korvex3Sync {
+namespace {
+
+constexpr char kLog[] = "sync/ManagerSync";
+
+bool CatchForSnapshot(unsigned char* image, ColorCatch& colorCatch) {
+    if (!colorCatch.Armed()) {
+        return false;
+    }
+    KORVEX_LOG(kLog) << "m_bSingleSnapColor=" << true;
+    return colorCatch.Catch(image);
+}
+
+}  // namespace
+
+Routed RouteFrame(const DecodedFrame& frame, FramePairing& pairing, ColorCatch& colorCatch,
+                  FramePairing::Sink& sink) {
+    if (frame.images.size() != 1) {
+        pairing.TakeMono(frame, sink);
+    } else if (CatchForSnapshot(frame.images.front(), colorCatch)) {
+        return Routed::Caught;
+    } else {
+        pairing.TakeColor(frame, sink);
+    }
+    if (pairing.Size() > FramePairing::kMostItems) {
+        KORVEX_LOG(kLog) << "error drop data pThis->_mapVideoItems.size()=" << pairing.Size();
+        pairing.DropFirst(sink);
+    }
+    return Routed::Paired;
+}
+
+}  // namespace Korvex3Sync
