@@ -1,0 +1,33 @@
+#pragma once
+
+#include <string>
+
+#include "korvexctl/Commands.h"
+
+namespace Korvex3Sync::korvexctl {
+
+/// What the person asked for.
+struct CommandLine {
+    enum class Command { List, Info, Scan };
+
+    Command command = Command::List;
+    std::string virtualHead;  // as for RequestVirtualHead; empty: not asked for
+    std::string logFile;      // empty: none
+    bool verbose = false;
+    bool json = false;
+    HeadChoice head;
+    ScanOptions scan;
+};
+
+/// How reading the command line ended.
+struct CommandLineResult {
+    CommandLine commandLine;
+    bool run = false;  // false: `text` is all there is to do
+    std::string text;  // help or version for standard output, or what is wrong
+    bool badUsage = false;
+};
+
+/// Reads the command line. Never throws for what a person can type.
+CommandLineResult ReadCommandLine(int count, const char* const* arguments);
+
+}  // namespace Korvex3Sync::korvexctl

@@ -1,0 +1,40 @@
+#include "korvexctl/ExitCodes.h"
+
+#include <array>
+#include <iomanip>
+#include <sstream>
+#include <string_view>
+#include <utility>
+
+namespace Korvex3Sync::korvexctl {
+
+namespace {
+
+using Row = std::pair<ExitCode, std::string_view>;
+
+constexpr std::array kTable{
+    Row{ExitCode::Done, "done; a scan: all sets asked for arrived"},
+    Row{ExitCode::Unexpected, "an error that should not happen"},
+    Row{ExitCode::Usage, "unknown option, missing or bad value"},
+    Row{ExitCode::NoCamera, "no camera found"},
+    Row{ExitCode::NotConnected, "the head could not be connected"},
+    Row{ExitCode::SetsMissing, "a scan: no set came within the timeout"},
+    Row{ExitCode::NotWritable, "the output cannot be written"},
+    Row{ExitCode::DiskFull, "the disk is full"},
+    Row{ExitCode::HeadRefused, "the head file of --virtual was refused"},
+    Row{ExitCode::DeviceRefused, "the connected head refused an operation"},
+    Row{ExitCode::Interrupted, "interrupted (Ctrl-C, SIGTERM); a scan was ended cleanly"},
+};
+
+}  // namespace
+
+std::string ExitCodeTable() {
+    std::ostringstream text;
+    text << "Exit codes:\n";
+    for (const auto& [code, meaning] : kTable) {
+        text << std::setw(5) << static_cast<int>(code) << "  " << meaning << '\n';
+    }
+    return text.str();
+}
+
+}  // namespace Korvex3Sync::korvexctl

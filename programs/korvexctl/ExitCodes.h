@@ -1,0 +1,37 @@
+#pragma once
+
+#include <stdexcept>
+#include <string>
+
+namespace Korvex3Sync::korvexctl {
+
+/// How the program ends. The numbers are part of its interface: scripts compare them.
+enum class ExitCode : int {
+    Done = 0,
+    Unexpected = 1,
+    Usage = 2,
+    NoCamera = 3,
+    NotConnected = 4,
+    SetsMissing = 5,
+    NotWritable = 6,
+    DiskFull = 7,
+    HeadRefused = 8,
+    DeviceRefused = 9,
+    Interrupted = 130
+};
+
+/// The table of exit codes as text, one line each, for the help.
+std::string ExitCodeTable();
+
+/// Ends a command: the message goes to the person, the code to the system.
+class CommandError : public std::runtime_error {
+public:
+    CommandError(ExitCode code, const std::string& message)
+        : std::runtime_error(message), m_code(code) {}
+    ExitCode Code() const { return m_code; }
+
+private:
+    ExitCode m_code;
+};
+
+}  // namespace Korvex3Sync::korvexctl

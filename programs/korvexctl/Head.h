@@ -1,0 +1,24 @@
+#pragma once
+
+#include <nlohmann/json_fwd.hpp>
+#include <optional>
+#include <string>
+
+namespace Korvex3Sync::korvexctl {
+
+class Output;
+
+/// What can be asked of a head without a connection; what it does not tell stays empty.
+struct Head {
+    std::optional<std::string> firmware;
+    std::optional<bool> usb3;
+};
+
+/// Asks the board with the serial `board`, "" for any. To be called before a session is made.
+Head AskHead(const std::string& board);
+
+/// Adds "firmware" and "usb3", null where unknown.
+void AddToJson(const Head& head, nlohmann::json& figures);
+void Print(const Head& head, Output& output);
+
+}  // namespace Korvex3Sync::korvexctl

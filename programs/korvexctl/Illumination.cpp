@@ -1,0 +1,69 @@
+#include "korvexctl/Illumination.h"
+
+#include <Korvex3Sync/Light.h>
+
+#include <algorithm>
+
+#include "korvexctl/ExitCodes.h"
+#include "korvexctl/Session.h"
+#include "korvexctl/TriggerModes.h"
+
+namespace Korvex3Sync::korvexctl {
+
+namespace {
+
+bool ShowsPattern(CAMERA_TRIGGER_MODE mode) {
+    return std::any_of(kTriggerModes.begin(), kTriggerModes.end(),
+                       [mode](const TriggerMode& m) { return m.mode == mode && m.pattern; });
+}
+
+}  // namespace
+
+Illumination::Illumination(const Session& session, const LightOptions& light)
+    : m_session(session), m_light(light) {
+    try {
+        SwitchOn();
+    } catch (const CommandError&) {
+        SwitchOff();
+        throw;
+    }
+}
+
+Illumination::~Illumination() {
+    SwitchOff();
+}
+
+void Illumination::SwitchOn() const {
+    void* const& head = m_session.Handle();
+    Require(SetVideoTriggerPeriod(head, m_light.periodMs), "set the trigger period");
+    Require(SetStrobeControlledByTrigger(head, CONTROL_ROUTE_2, STROBE_STATE_1),
+            "couple the strobe to the trigger");
+    const int strobe = m_light.strobeDutyPercent;
+    Require(SetStrobeDutioRatio(head, strobe, strobe, strobe), "set the strobe duty ratio");
+    if (ShowsPattern(m_light.mode)) {
+        Require(SetProjectorBrightness(head, m_light.brightnessPercent),
+                "set the projector brightness");
+        Require(SetProjectDutioRatio(head, m_light.projectorDutyPercent),
+                "set the projector duty ratio");
+        Require(Project(head, PROJECT_PATTERN_1), "project the pattern");
+    } else {
+        Require(SetLaserLineDutioRatio(head, m_light.laserDutyPercent),
+                "set the laser line duty ratio");
+        Require(EnableBlueLaser(head, static_cast<LASERWORKMODE>(m_light.laserMode), true),
+                "switch the laser lines on");
+    }
+    if (m_light.irLevel > 0) {
+        Require(SetIRLaserBrightnessLevel(head, m_light.irLevel), "set the infrared laser level");
+        Require(EnableIRLaser(head, true), "switch the infrared laser on");
+    }
+}
+
+// Whatever a board that is going away answers: the session ends next, and there is no one to tell.
+void Illumination::SwitchOff() const {
+    void* const& head = m_session.Handle();
+    EnableBlueLaser(head, static_cast<LASERWORKMODE>(m_light.laserMode), false);
+    EnableIRLaser(head, false);
+    Project(head, PROJECT_OFF);
+}
+
+}  // namespace Korvex3Sync::korvexctl

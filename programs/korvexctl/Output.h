@@ -1,0 +1,39 @@
+#pragma once
+
+#include <nlohmann/json.hpp>
+#include <string>
+#include <string_view>
+
+#include "korvexctl/ExitCodes.h"
+
+namespace Korvex3Sync::korvexctl {
+
+class StandardOutput;
+
+/// What a command gives back: the figures for programs, and how it ended. The message says what is
+/// wrong, in one line; it is empty when all is well.
+struct Outcome {
+    nlohmann::json figures = nlohmann::json::object();
+    ExitCode code = ExitCode::Done;
+    std::string message;
+
+    /// The one JSON document of the command: the figures and, when it failed, "error" with
+    /// "exit_code" and "message".
+    std::string Document() const;
+};
+
+/// What a command says to a person. With --json it says nothing: standard output belongs to the
+/// document.
+class Output {
+public:
+    Output(StandardOutput& standardOutput, bool json)
+        : m_standardOutput(standardOutput), m_json(json) {}
+    /// Writes one line at once. Throws CommandError when it cannot be written.
+    void Line(std::string_view text);
+
+private:
+    StandardOutput& m_standardOutput;
+    const bool m_json;
+};
+
+}  // namespace Korvex3Sync::korvexctl

@@ -1,0 +1,23 @@
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+namespace Korvex3Sync::korvexctl {
+
+/// 8 bits a channel, row after row, without padding.
+struct Picture {
+    int width = 0;
+    int height = 0;
+    int channels = 1;  // 1: grey, 3: red, green, blue
+    std::vector<std::uint8_t> bytes;
+};
+
+/// Makes a colour picture of an RGGB Bayer mosaic of width x height bytes (2 each, at least):
+/// bilinear, mirrored at the edges.
+Picture Demosaic(const std::uint8_t* mosaic, int width, int height);
+
+/// The picture as a PNG file. Throws std::runtime_error when it cannot be encoded.
+std::vector<unsigned char> EncodePng(const Picture& picture);
+
+}  // namespace Korvex3Sync::korvexctl

@@ -1,0 +1,104 @@
+#include "korvexctl/Program.h"
+
+#include <cstdio>
+#include <exception>
+#include <nlohmann/json.hpp>
+#include <string>
+
+#include "korvexctl/CommandLine.h"
+#include "korvexctl/Logging.h"
+#include "korvexctl/system/Descriptors.h"
+#include "korvexctl/system/Signals.h"
+#include "virtual_head/Request.h"
+
+namespace Korvex3Sync::korvexctl {
+
+namespace {
+
+void SayWrong(const std::string& message) {
+    std::fprintf(stderr, "korvexctl: %s\n", message.c_str());
+}
+
+Outcome RunCommand(const CommandLine& line, Output& output) {
+    if (!line.virtualHead.empty()) {
+        std::string error;
+        if (!virtual_head::RequestVirtualHead(line.virtualHead, error)) {
+            throw CommandError(ExitCode::HeadRefused, error);
+        }
+    }
+    switch (line.command) {
+        case CommandLine::Command::List:
+            return RunList(line.head, output);
+        case CommandLine::Command::Info:
+            return RunInfo(line.head, output);
+        case CommandLine::Command::Scan:
+            return RunScan(line.head, line.scan, output);
+    }
+    return {};
+}
+
+/// Runs something that gives an outcome; an error becomes the outcome.
+template <typename Call>
+Outcome Caught(const Call& call) {
+    Outcome outcome;
+    try {
+        return call();
+    } catch (const CommandError& error) {
+        outcome.code = error.Code();
+        outcome.message = error.what();
+    } catch (const std::exception& error) {
+        outcome.code = ExitCode::Unexpected;
+        outcome.message = error.what();
+    }
+    return outcome;
+}
+
+Outcome RunLogged(CommandLine line, StandardOutput& standardOutput) {
+    const bool logFile = !line.logFile.empty();
+    if (logFile) {
+        standardOutput.LogTo(line.logFile);
+    }
+    // Among the library's own lines a bar would only be in the way.
+    line.scan.showProgress = ErrorOutputIsTerminal() && !line.verbose;
+    const Logging logging("korvexctl", standardOutput, line.verbose, logFile);
+    Output output(standardOutput, line.json);
+    return RunCommand(line, output);
+}
+
+Outcome Run(const CommandLineResult& asked) {
+    const CommandLine& line = asked.commandLine;
+    StandardOutput standardOutput(line.verbose);
+    if (!asked.run && !asked.badUsage) {
+        standardOutput.Write(asked.text);
+        return {};
+    }
+    Outcome outcome = Caught([&] {
+        if (asked.badUsage) {
+            throw CommandError(ExitCode::Usage, asked.text);
+        }
+        return RunLogged(line, standardOutput);
+    });
+    if (line.json) {
+        standardOutput.Write(outcome.Document());
+    }
+    return outcome;
+}
+
+}  // namespace
+
+int RunProgram(int count, const char* const* arguments) noexcept {
+    try {
+        TurnWriteSignalsIntoErrors();
+        const Outcome outcome = Caught([&] { return Run(ReadCommandLine(count, arguments)); });
+        if (outcome.code != ExitCode::Done) {
+            SayWrong(outcome.message);
+        }
+        return static_cast<int>(outcome.code);
+    } catch (...) {
+        // Not even room for a message.
+        std::fputs("korvexctl: unexpected error\n", stderr);
+        return static_cast<int>(ExitCode::Unexpected);
+    }
+}
+
+}  // namespace Korvex3Sync::korvexctl

@@ -1,0 +1,126 @@
+#include <algorithm>
+#include <atomic>
+#include <chrono>
+#include <cmath>
+#include <functional>
+#include <nlohmann/json.hpp>
+
+#include "korvexctl/AtomicFile.h"
+#include "korvexctl/BoardWatch.h"
+#include "korvexctl/Commands.h"
+#include "korvexctl/Head.h"
+#include "korvexctl/Illumination.h"
+#include "korvexctl/PictureWriter.h"
+#include "korvexctl/ProgressBar.h"
+#include "korvexctl/ScanRecorder.h"
+#include "korvexctl/ScanReport.h"
+#include "korvexctl/Session.h"
+#include "korvexctl/Trigger.h"
+#include "korvexctl/system/Signals.h"
+
+namespace Korvex3Sync::korvexctl {
+
+namespace {
+
+using std::chrono::milliseconds;
+
+constexpr milliseconds kProgressStep{100};
+
+/// How long no set may come. A mono set waits in the library for the next trigger, so two trigger
+/// periods are always granted.
+milliseconds Patience(const ScanOptions& options) {
+    return milliseconds(std::llround(options.timeoutSeconds * 1000)) +
+           milliseconds(2 * options.light.periodMs);
+}
+
+/// Waits for the end of the scan. False when no set came for too long.
+bool WaitForSets(ScanRecorder& recorder, const ScanOptions& options) {
+    ProgressBar bar(options.showProgress);
+    const auto start = ScanRecorder::Clock::now();
+    while (true) {
+        const ScanRecorder::Counts counts = recorder.Wait(kProgressStep);
+        bar.Show(counts.delivered, options.sets);
+        if (counts.stopped || counts.delivered == options.sets) {
+            return true;
+        }
+        const auto last = std::max(start, counts.last);
+        if (ScanRecorder::Clock::now() - last > Patience(options)) {
+            return false;
+        }
+    }
+}
+
+/// Connects, sets the light, scans and disconnects.
+bool Scan(const HeadChoice& choice, ScanReport& report, ScanRecorder& recorder,
+          const std::function<void(const KeptSet&)>& onKept, Output& output) {
+    const ScanOptions& options = report.options;
+    report.cameras = FindCameras(choice.cameraType);
+    report.head = AskHead(choice.board);
+    BoardWatch boardWatch;
+    const Session session(choice.cameraType, choice.board, report.cameras);
+    Print(report.cameras, output);
+    Print(report.head, output);
+    recorder.Prepare(report.cameras.front().width, report.cameras.front().height, onKept);
+    boardWatch.Watch(session);
+    const Illumination illumination(session, options.light);
+    const Trigger trigger(session, recorder, options.light.mode);
+    const bool inTime = WaitForSets(recorder, options);
+    report.boardLost = boardWatch.Lost();
+    return inTime;
+}
+
+std::string MissingMessage(const ScanReport& report) {
+    return "no set came within the timeout: " + std::to_string(report.counts.delivered) + " of " +
+           std::to_string(report.options.sets) + " sets arrived" +
+           (report.boardLost ? "; the board does not answer" : "");
+}
+
+}  // namespace
+
+Outcome RunScan(const HeadChoice& choice, const ScanOptions& options, Output& output) {
+    const bool writes = !options.folder.empty();
+    if (writes) {
+        PrepareFolder(options.folder);
+    }
+
+    ScanRecorder recorder(options.sets, writes ? options.keep : 0);
+    std::atomic<bool> interrupted{false};
+    const InterruptWatch interruptWatch([&] {
+        interrupted = true;
+        recorder.Stop();
+    });
+    PictureWriter writer(options.folder, [&recorder] { recorder.Stop(); });
+
+    ScanReport report;
+    report.options = options;
+    const bool inTime = Scan(
+        choice, report, recorder, [&writer](const KeptSet& set) { writer.Add(set); }, output);
+    writer.Finish();
+    report.files = writer.Files();
+    report.counts = recorder.Wait(milliseconds(0));
+    report.interrupted = interrupted;
+
+    Outcome outcome;
+    if (report.interrupted) {
+        outcome.code = ExitCode::Interrupted;
+        outcome.message = "interrupted: " + std::to_string(report.counts.delivered) + " of " +
+                          std::to_string(options.sets) + " sets arrived";
+    } else if (!inTime) {
+        outcome.code = ExitCode::SetsMissing;
+        outcome.message = MissingMessage(report);
+    }
+    outcome.figures = ToJson(report);
+    try {
+        writer.ThrowFailure();
+        if (writes) {
+            WriteFile(options.folder / "scan.json", outcome.Document());
+        }
+    } catch (const CommandError& error) {
+        outcome.code = error.Code();
+        outcome.message = error.what();
+    }
+    Print(report, output);
+    return outcome;
+}
+
+}  // namespace Korvex3Sync::korvexctl

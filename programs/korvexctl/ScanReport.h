@@ -1,0 +1,31 @@
+#pragma once
+
+#include <nlohmann/json_fwd.hpp>
+#include <string>
+#include <vector>
+
+#include "korvexctl/Cameras.h"
+#include "korvexctl/Head.h"
+#include "korvexctl/ScanOptions.h"
+#include "korvexctl/ScanRecorder.h"
+
+namespace Korvex3Sync::korvexctl {
+
+class Output;
+
+/// Everything that a scan tells: printed for a person, and as the figures of scan.json.
+struct ScanReport {
+    ScanOptions options;
+    std::vector<Camera> cameras;
+    Head head;
+    ScanRecorder::Counts counts;
+    bool interrupted = false;
+    bool boardLost = false;
+    std::vector<std::string> files;  // pictures, in the order in which they were written
+};
+
+nlohmann::json ToJson(const ScanReport& report);
+/// The sets and the rate; cameras and head are printed as soon as they are known.
+void Print(const ScanReport& report, Output& output);
+
+}  // namespace Korvex3Sync::korvexctl

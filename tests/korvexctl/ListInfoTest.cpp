@@ -1,0 +1,125 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "korvexctl/Korvexctl.h"
+#include "virtual_head/TestFiles.h"
+
+namespace Korvex3Sync::tests {
+
+namespace {
+
+using ::testing::AllOf;
+using ::testing::HasSubstr;
+using ::testing::IsEmpty;
+
+constexpr int kNoCamera = 3;
+
+TEST(KorvexctlList, ShowsBothSensorsOfTheVirtualHead) {
+    const ChildResult result = RunKorvexctl({"--virtual", "list"});
+    EXPECT_EQ(result.exitCode, 0);
+    EXPECT_EQ(result.output,
+              "camera KV00A1001  1280 x 1024  colour\ncamera KV00A1001  1280 x 1024  colour\n");
+    EXPECT_THAT(result.error, IsEmpty());
+}
+
+TEST(KorvexctlList, JsonIsOneDocumentWithTheCameras) {
+    const nlohmann::json document = ParseJson(RunKorvexctl({"list", "--virtual", "--json"}).output);
+    ASSERT_EQ(document["cameras"].size(), 2U);
+    EXPECT_EQ(document["cameras"][0],
+              (nlohmann::json{
+                  {"serial", "KV00A1001"}, {"width", 1280}, {"height", 1024}, {"color", true}}));
+    EXPECT_FALSE(document.contains("error"));
+}
+
+TEST(KorvexctlList, ShowsTheHeadOfAHeadFile) {
+    const TemporaryFolder folder;
+    const auto file =
+        WriteSmallHead(folder.Path(), "serial = \"KV77B2\"\ntype = \"KV77\"\ncolor = false\n");
+    const ChildResult result =
+        RunKorvexctl({"list", "--virtual=" + file.string(), "--type", "KV77"});
+    EXPECT_EQ(result.exitCode, 0);
+    EXPECT_THAT(result.output, HasSubstr("camera KV77B2  64 x 48  mono\n"));
+}
+
+TEST(KorvexctlList, TheEnvironmentAsksForAHeadToo) {
+    const TemporaryFolder folder;
+    ChildOptions options;
+    options.environment = {{"KORVEX_VIRTUAL_HEAD", WriteSmallHead(folder.Path()).string()}};
+    const ChildResult result = RunChild(KorvexctlCommand({"list"}), options);
+    EXPECT_EQ(result.exitCode, 0);
+    EXPECT_THAT(result.output, HasSubstr("64 x 48"));
+}
+
+TEST(KorvexctlList, WithoutAHeadNothingIsSimulated) {
+    const ChildResult result = RunKorvexctl({"list"});
+    EXPECT_EQ(result.exitCode, kNoCamera);
+    EXPECT_THAT(result.output, IsEmpty());
+    EXPECT_THAT(result.error, HasSubstr("korvexctl: no camera found"));
+}
+
+TEST(KorvexctlList, AnUnknownTypeFindsNoCamera) {
+    for (const std::string& type : {std::string("ZZ00"), std::string(), std::string(10'000, 'K')}) {
+        const ChildResult result = RunKorvexctl({"--virtual", "list", "--json", "--type", type});
+        EXPECT_EQ(result.exitCode, kNoCamera);
+        const nlohmann::json document = ParseJson(result.output);
+        EXPECT_THAT(document["cameras"], IsEmpty());
+        EXPECT_EQ(document["error"]["exit_code"], kNoCamera);
+    }
+}
+
+TEST(KorvexctlInfo, ShowsCamerasFirmwareAndSettings) {
+    const ChildResult result = RunKorvexctl({"--virtual", "info"});
+    EXPECT_EQ(result.exitCode, 0);
+    EXPECT_THAT(result.output, AllOf(HasSubstr("camera KV00A1001"), HasSubstr("firmware 1.4.0\n"),
+                                     HasSubstr("USB 3 yes\n"), HasSubstr("trigger period 10 ms\n"),
+                                     HasSubstr("laser line work time 1000 us\n")));
+}
+
+TEST(KorvexctlInfo, JsonTellsWhatTheHeadFileSays) {
+    const TemporaryFolder folder;
+    const auto file =
+        WriteSmallHead(folder.Path(), "[board]\nfirmware = \"9.8.7\"\nusb_speed = 3\n");
+    const ChildResult result = RunKorvexctl({"info", "--json", "--virtual=" + file.string()});
+    EXPECT_EQ(result.exitCode, 0);
+    const nlohmann::json document = ParseJson(result.output);
+    EXPECT_EQ(document["firmware"], "9.8.7");
+    EXPECT_EQ(document["usb3"], false);
+    EXPECT_EQ(document["cameras"].size(), 2U);
+    EXPECT_EQ(document["board"]["trigger_period_ms"], 10);
+    EXPECT_EQ(document["board"]["strobe_plain_duty_percent"], 100);
+}
+
+TEST(KorvexctlInfo, WithoutAHeadThereIsNoCamera) {
+    const ChildResult result = RunKorvexctl({"info", "--json"});
+    EXPECT_EQ(result.exitCode, kNoCamera);
+    EXPECT_EQ(ParseJson(result.output)["error"]["exit_code"], kNoCamera);
+}
+
+TEST(KorvexctlInfo, AnotherBoardThanTheOneAskedForIsNotConnected) {
+    const ChildResult result = RunKorvexctl({"--virtual", "info", "--board", "NO-SUCH-BOARD"});
+    EXPECT_EQ(result.exitCode, 4);
+    EXPECT_THAT(result.error, HasSubstr("cannot connect: Connect projector failed"));
+}
+
+TEST(KorvexctlOutput, VerboseShowsTheLibraryOnStandardErrorOnly) {
+    const ChildResult result = RunKorvexctl({"--virtual", "list", "--json", "-v"});
+    EXPECT_EQ(result.exitCode, 0);
+    EXPECT_EQ(ParseJson(result.output)["cameras"].size(), 2U);
+    // Once as a log line, once printed.
+    EXPECT_THAT(result.error, HasSubstr("GetAllSpecifyTypeCameraInformation tmpRealCount=2"));
+    EXPECT_THAT(result.error, HasSubstr("Camera 0 gain range 0 - 16"));
+}
+
+TEST(KorvexctlOutput, TheLogFileKeepsWhatTheLibraryLogsAndPrints) {
+    const TemporaryFolder folder;
+    const auto log = folder.Path() / "korvex.log";
+    const ChildResult result = RunKorvexctl({"--virtual", "list", "--log", log.string()});
+    EXPECT_EQ(result.exitCode, 0);
+    EXPECT_THAT(result.error, IsEmpty());
+    EXPECT_THAT(ReadText(log), AllOf(HasSubstr("GetAllSpecifyTypeCameraInformation tmpRealCount=2"),
+                                     HasSubstr("Camera 0 gain range 0 - 16")));
+}
+
+}  // namespace
+
+}  // namespace Korvex3Sync::tests

@@ -1,0 +1,180 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <csignal>
+#include <thread>
+
+#include "korvexctl/Commands.h"
+#include "korvexctl/system/Descriptors.h"
+#include "platform/os/Clock.h"
+#include "support/RequestedHead.h"
+
+namespace Korvex3Sync::tests {
+
+namespace {
+
+using korvexctl::ExitCode;
+using korvexctl::Outcome;
+using ::testing::AllOf;
+using ::testing::ElementsAre;
+using ::testing::HasSubstr;
+using ::testing::IsEmpty;
+using ::testing::StartsWith;
+
+/// Runs the scan command in this process, over a virtual head whose journal and faults are at hand.
+class ScanOverHead : public ::testing::Test {
+protected:
+    ScanOverHead() {
+        m_options.sets = 5;
+        m_options.timeoutSeconds = 0.5;
+    }
+
+    static virtual_head::HeadDescription SmallHead() {
+        virtual_head::HeadDescription description;
+        description.width = 64;
+        description.height = 48;
+        return description;
+    }
+
+    Outcome Scan() {
+        korvexctl::StandardOutput standardOutput(false);
+        korvexctl::Output output(standardOutput, true);
+        try {
+            return korvexctl::RunScan({}, m_options, output);
+        } catch (const korvexctl::CommandError& error) {
+            Outcome outcome;
+            outcome.code = error.Code();
+            outcome.message = error.what();
+            return outcome;
+        }
+    }
+
+    /// No frame comes through, at a camera's own pace; more of these faults than a test can meet.
+    void LoseEveryFrame() {
+        EXPECT_TRUE(m_head->GetFaults().Slow("SnapShot", std::chrono::milliseconds(20), 1'000'000));
+        EXPECT_TRUE(m_head->GetFaults().Fail("SnapShot", 1'000'000));
+    }
+
+    void WaitForTriggers(std::uint64_t triggers) {
+        const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(60);
+        while (m_head->Clock().Triggers() < triggers && std::chrono::steady_clock::now() < end) {
+            os::SleepFor(std::chrono::milliseconds(5));
+        }
+        EXPECT_GE(m_head->Clock().Triggers(), triggers);
+    }
+
+    std::vector<std::string> Commands(const std::vector<std::string>& calls) {
+        return m_head->GetJournal().Texts(calls);
+    }
+
+    void ExpectHeadLeftDark() {
+        const auto triggers = Commands({"zr3DSetVideoTrigleMode"});
+        const auto lasers = Commands({"zr3DSetLaserEnable"});
+        ASSERT_FALSE(triggers.empty());
+        ASSERT_FALSE(lasers.empty());
+        EXPECT_EQ(triggers.back(), "zr3DSetVideoTrigleMode(5) = true");
+        EXPECT_THAT(lasers.back(), StartsWith("zr3DSetLaserEnable(0"));
+        EXPECT_THAT(Commands({"zr3DExitHidDev"}).back(), StartsWith("zr3DExitHidDev"));
+    }
+
+    test::RequestedHead m_head{SmallHead()};
+    korvexctl::ScanOptions m_options;
+};
+
+TEST_F(ScanOverHead, SetsLightThenTriggerAndSwitchesBothOff) {
+    m_options.light.periodMs = 20;
+    m_options.light.laserDutyPercent = 40;
+    m_options.light.irLevel = 3;
+    EXPECT_EQ(Scan().code, ExitCode::Done);
+    EXPECT_THAT(Commands({"zr3DSetVideoTriggerPeriod", "zr3DSetDutioRatio", "zr3DSetLaserEnable",
+                          "zr3DSetIRLaserLevel", "zr3DSetIRLaserEnable", "zr3DSetVideoTrigleMode"}),
+                ElementsAre("zr3DSetVideoTriggerPeriod(20) = true",
+                            AllOf(StartsWith("zr3DSetDutioRatio("), HasSubstr("40) = true")),
+                            "zr3DSetLaserEnable(1, 1) = true", "zr3DSetIRLaserLevel(3) = true",
+                            "zr3DSetIRLaserEnable(1) = true", "zr3DSetVideoTrigleMode(6) = true",
+                            "zr3DSetVideoTrigleMode(5) = true", "zr3DSetLaserEnable(0, 1) = true",
+                            "zr3DSetIRLaserEnable(0) = true"));
+    ExpectHeadLeftDark();
+}
+
+TEST_F(ScanOverHead, PatternModesProjectInsteadOfTheLaserLines) {
+    m_options.light.mode = TRIGGER_PATTERN_COLOR;
+    m_options.light.brightnessPercent = 35;
+    EXPECT_EQ(Scan().code, ExitCode::Done);
+    EXPECT_THAT(Commands({"zr3DSetProjectorBrightness"}),
+                ElementsAre("zr3DSetProjectorBrightness(35) = true"));
+    const auto shown = Commands({"zr3DProject"});
+    ASSERT_GE(shown.size(), 2U);
+    EXPECT_EQ(shown.front(), "zr3DProject(1) = true");
+    EXPECT_EQ(shown.back(), "zr3DProject(0) = true");
+    for (const std::string& laser : Commands({"zr3DSetLaserEnable"})) {
+        EXPECT_THAT(laser, StartsWith("zr3DSetLaserEnable(0"));
+    }
+}
+
+TEST_F(ScanOverHead, NoSetInTimeEndsTheScan) {
+    LoseEveryFrame();
+    const Outcome outcome = Scan();
+    m_head->GetFaults().Clear();
+    EXPECT_EQ(outcome.code, ExitCode::SetsMissing);
+    EXPECT_THAT(outcome.message, HasSubstr("0 of 5 sets arrived"));
+    EXPECT_EQ(outcome.figures["sets"]["delivered"], 0);
+    EXPECT_TRUE(outcome.figures["sets_per_second"].is_null());
+    ExpectHeadLeftDark();
+}
+
+TEST_F(ScanOverHead, ABoardThatStopsAnsweringIsNamed) {
+    // The status is silent for its first polls; by then the scan is under way.
+    m_options.timeoutSeconds = 3;
+    LoseEveryFrame();
+    std::thread board([this] {
+        WaitForTriggers(1);
+        EXPECT_TRUE(m_head->GetFaults().Fail("zr3DQueryCurrentStatus", 1'000'000));
+    });
+    const Outcome outcome = Scan();
+    board.join();
+    m_head->GetFaults().Clear();
+    EXPECT_EQ(outcome.code, ExitCode::SetsMissing);
+    EXPECT_THAT(outcome.message, HasSubstr("the board does not answer"));
+    EXPECT_EQ(outcome.figures["board_lost"], true);
+}
+
+TEST_F(ScanOverHead, ARefusedSettingIsNamedAndNothingIsTriggered) {
+    ASSERT_TRUE(m_head->GetFaults().Fail("zr3DSetLaserEnable", 1));
+    const Outcome outcome = Scan();
+    EXPECT_EQ(outcome.code, ExitCode::DeviceRefused);
+    EXPECT_THAT(outcome.message, StartsWith("switch the laser lines on: Operate failed"));
+    EXPECT_THAT(Commands({"zr3DSetVideoTrigleMode"}), IsEmpty());
+}
+
+TEST_F(ScanOverHead, ATriggerThatIsRefusedLeavesTheHeadDark) {
+    ASSERT_TRUE(m_head->GetFaults().Fail("zr3DSetVideoTrigleMode", 1));
+    EXPECT_EQ(Scan().code, ExitCode::DeviceRefused);
+    ExpectHeadLeftDark();
+}
+
+TEST_F(ScanOverHead, ABoardThatDoesNotOpenIsNotConnected) {
+    ASSERT_TRUE(m_head->GetFaults().Fail("zr3DInitHidDev", 1));
+    const Outcome outcome = Scan();
+    EXPECT_EQ(outcome.code, ExitCode::NotConnected);
+    EXPECT_THAT(outcome.message, HasSubstr("cannot connect: Connect projector failed"));
+    EXPECT_THAT(Commands({"zr3DSetVideoTrigleMode"}), IsEmpty());
+}
+
+TEST_F(ScanOverHead, AnInterruptLeavesTheHeadDark) {
+    m_options.sets = 1'000'000;
+    std::thread person([this] {
+        WaitForTriggers(5);
+        std::raise(SIGINT);
+    });
+    const Outcome outcome = Scan();
+    person.join();
+    EXPECT_EQ(outcome.code, ExitCode::Interrupted);
+    EXPECT_EQ(outcome.figures["interrupted"], true);
+    ExpectHeadLeftDark();
+}
+
+}  // namespace
+
+}  // namespace Korvex3Sync::tests

@@ -1,0 +1,158 @@
+#include "korvexctl/ScanRecorder.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <thread>
+
+namespace Korvex3Sync::tests {
+
+namespace {
+
+using korvexctl::KeptSet;
+using korvexctl::ScanRecorder;
+using std::chrono::milliseconds;
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+constexpr int kWidth = 4;
+constexpr int kHeight = 2;
+constexpr milliseconds kLong{60'000};
+
+/// Delivers sets as the library does.
+class Library {
+public:
+    void Deliver(ScanRecorder& recorder, std::uint8_t value, std::size_t images = 3,
+                 int width = kWidth) {
+        std::vector<unsigned char*> pointers;
+        for (std::size_t i = 0; i < images; ++i) {
+            std::fill(m_images[i].begin(), m_images[i].end(),
+                      static_cast<unsigned char>(value + i));
+            pointers.push_back(m_images[i].data());
+        }
+        DeliverImages(recorder, pointers, width);
+    }
+
+    static void DeliverImages(ScanRecorder& recorder, std::vector<unsigned char*> pointers,
+                              int width) {
+        std::vector<int> channels(pointers.size(), 1);
+        const void* const context = recorder.Context();
+        ScanRecorder::OnSet(context, pointers, width, kHeight, channels);
+    }
+
+private:
+    std::array<std::array<unsigned char, kWidth * kHeight>, 4> m_images{};
+};
+
+class ScanRecorderTest : public ::testing::Test {
+protected:
+    void Prepare(ScanRecorder& recorder) {
+        recorder.Prepare(kWidth, kHeight, [this](const KeptSet& set) { m_kept.push_back(&set); });
+    }
+
+    Library m_library;
+    std::vector<const KeptSet*> m_kept;
+};
+
+TEST_F(ScanRecorderTest, CountsSetsWithAndWithoutColor) {
+    ScanRecorder recorder(10, 0);
+    Prepare(recorder);
+    m_library.Deliver(recorder, 1);
+    m_library.Deliver(recorder, 2, 2);
+    m_library.Deliver(recorder, 3);
+    const auto counts = recorder.Wait(milliseconds(0));
+    EXPECT_EQ(counts.delivered, 3);
+    EXPECT_EQ(counts.withColor, 2);
+    EXPECT_EQ(counts.odd, 0);
+    EXPECT_THAT(m_kept, IsEmpty());
+}
+
+TEST_F(ScanRecorderTest, KeepsCopiesSpreadOverTheScan) {
+    ScanRecorder recorder(6, 3);
+    Prepare(recorder);
+    for (std::uint8_t i = 0; i < 6; ++i) {
+        m_library.Deliver(recorder, static_cast<std::uint8_t>(10 * i), i == 2 ? 2 : 3);
+    }
+    ASSERT_EQ(m_kept.size(), 3U);
+    for (std::size_t i = 0; i < 3; ++i) {
+        EXPECT_EQ(m_kept[i]->number, static_cast<int>(2 * i));
+        EXPECT_EQ(m_kept[i]->color, i != 1);
+        EXPECT_EQ(m_kept[i]->images[0],
+                  std::vector<std::uint8_t>(8, static_cast<std::uint8_t>(20 * i)));
+        EXPECT_EQ(m_kept[i]->images[1],
+                  std::vector<std::uint8_t>(8, static_cast<std::uint8_t>(20 * i + 1)));
+    }
+    EXPECT_EQ(m_kept[2]->images[2], std::vector<std::uint8_t>(8, 42));
+}
+
+TEST_F(ScanRecorderTest, MoreToKeepThanSetsKeepsEachOnce) {
+    ScanRecorder recorder(3, 100);
+    Prepare(recorder);
+    for (std::uint8_t i = 0; i < 3; ++i) {
+        m_library.Deliver(recorder, i);
+    }
+    ASSERT_EQ(m_kept.size(), 3U);
+    EXPECT_EQ(m_kept[2]->number, 2);
+}
+
+TEST_F(ScanRecorderTest, SetsAfterTheLastOneAreLeftOut) {
+    ScanRecorder recorder(2, 2);
+    Prepare(recorder);
+    for (std::uint8_t i = 0; i < 5; ++i) {
+        m_library.Deliver(recorder, i);
+    }
+    EXPECT_EQ(recorder.Wait(kLong).delivered, 2);
+    EXPECT_EQ(m_kept.size(), 2U);
+}
+
+TEST_F(ScanRecorderTest, OddSetsAreCountedAndNotDelivered) {
+    ScanRecorder recorder(5, 5);
+    Prepare(recorder);
+    std::array<unsigned char, kWidth * kHeight> image{};
+    m_library.Deliver(recorder, 1, 1);
+    m_library.Deliver(recorder, 1, 4);
+    m_library.Deliver(recorder, 1, 2, kWidth / 2);
+    Library::DeliverImages(recorder, {}, kWidth);
+    Library::DeliverImages(recorder, {image.data(), nullptr}, kWidth);
+    const auto counts = recorder.Wait(milliseconds(0));
+    EXPECT_EQ(counts.odd, 5);
+    EXPECT_EQ(counts.delivered, 0);
+    EXPECT_THAT(m_kept, IsEmpty());
+}
+
+TEST_F(ScanRecorderTest, WaitEndsWithTheLastSet) {
+    ScanRecorder recorder(1, 0);
+    Prepare(recorder);
+    std::thread camera([&] { m_library.Deliver(recorder, 1); });
+    EXPECT_EQ(recorder.Wait(kLong).delivered, 1);
+    camera.join();
+}
+
+TEST_F(ScanRecorderTest, StopEndsTheWaitAlsoBeforeTheScan) {
+    ScanRecorder recorder(1, 0);
+    std::thread person([&] { recorder.Stop(); });
+    EXPECT_TRUE(recorder.Wait(kLong).stopped);
+    person.join();
+    Prepare(recorder);
+    m_library.Deliver(recorder, 1);
+    EXPECT_EQ(recorder.Wait(kLong).delivered, 0);
+}
+
+TEST(ScanRate, IsMeasuredFromTheFirstToTheLastSet) {
+    ScanRecorder::Counts counts;
+    counts.delivered = 11;
+    counts.first = ScanRecorder::Clock::time_point(std::chrono::seconds(100));
+    counts.last = counts.first + std::chrono::seconds(2);
+    EXPECT_EQ(ScanRecorder::Rate(counts), 5.0);
+}
+
+TEST(ScanRate, NeedsTwoSets) {
+    ScanRecorder::Counts counts;
+    EXPECT_EQ(ScanRecorder::Rate(counts), std::nullopt);
+    counts.delivered = 1;
+    EXPECT_EQ(ScanRecorder::Rate(counts), std::nullopt);
+}
+
+}  // namespace
+
+}  // namespace Korvex3Sync::tests

@@ -1,0 +1,192 @@
+#include "project/IncludeRules.h"
+
+#include <algorithm>
+#include <cctype>
+#include <filesystem>
+#include <functional>
+#include <optional>
+#include <sstream>
+
+namespace Korvex3Sync::tests {
+
+namespace {
+
+using Strings = std::vector<std::string>;
+
+/// A room may include its own files and the targets, each the beginning of a path. The first entry
+/// whose beginning fits a file is the file's room.
+struct Arrows {
+    std::string room;
+    Strings targets;
+};
+
+const std::string kPublic = "include/Korvex3Sync/";
+const std::string kOs = "src/platform/os/";
+const std::string kHeaders = "src/platform/include/";
+const std::string kBoardHeader = "src/platform/include/zr3DHandiDLPdev.h";
+const std::string kHead = "src/virtual_head/";
+
+const std::vector<Arrows> kArrows{
+    {kPublic, {}},
+    {"src/interface/", {kPublic, "src/sync/", "src/service/", "src/camera/", kBoardHeader, kOs}},
+    {"src/sync/", {kPublic, "src/camera/", kBoardHeader, kOs}},
+    {"src/camera/",
+     {kPublic, "src/platform/include/zr3DCamera.h", "src/platform/include/USBTREE.h", kOs}},
+    {"src/service/",
+     {kPublic, "src/platform/include/SyncInterface.h", "src/platform/include/QtTunnel.h", kOs}},
+    {kHeaders, {}},
+    {kOs, {}},
+    // Report format and command codes: shared by the board's two ends, so free of both.
+    {"src/platform/board/protocol/", {kHeaders, kOs}},
+    {"src/platform/board/", {kHeaders, kOs, kHead}},
+    {"src/platform/cameras/", {kHeaders, kOs, kHead}},
+    // The board's USB identity is known in one place.
+    {"src/platform/usbtree/", {kHeaders, kOs, kHead, "src/platform/board/protocol/Identity.h"}},
+    {"src/platform/link/", {kHeaders, kOs, kPublic}},
+    {"src/platform/tunnel/", {kHeaders, kOs}},
+    {kHead, {"src/platform/board/protocol/", kHeaders, kOs}},
+    {"programs/korvexctl/", {kPublic, "src/virtual_head/Request.h"}},
+    {"programs/device_service/", {kPublic, "src/platform/link/", "src/platform/tunnel/", kOs}},
+    {"programs/hub/", {kPublic, "src/platform/link/", "src/platform/tunnel/", kOs}},
+    {"examples/", {kPublic}},
+    {"tests/", {"include/", "src/", "programs/", "tests/"}},
+    {"bench/", {"include/", "src/", "programs/", "tests/"}},
+};
+
+/// Where the compiler looks for headers of the project.
+const Strings kRoots{"src/", "include/", "programs/", "tests/", kHeaders};
+
+/// Rooms whose files may depend on the system.
+bool MayAskForPlatform(const std::string& file) {
+    return file.starts_with(kOs) || file.ends_with("Export.h");
+}
+
+void ForEachLine(const std::string& text,
+                 const std::function<void(int number, const std::string& line)>& call) {
+    std::istringstream lines(text);
+    std::string line;
+    for (int number = 1; std::getline(lines, line); ++number) {
+        call(number, line);
+    }
+}
+
+/// What a preprocessor directive says: its word and the rest; empty for any other line.
+struct Directive {
+    std::string word;
+    std::string rest;
+};
+
+Directive DirectiveOf(const std::string& line) {
+    std::istringstream words(line);
+    Directive directive;
+    char mark = 0;
+    if (words >> mark && mark == '#') {
+        words >> std::ws;
+        while (std::isalpha(words.peek()) != 0) {
+            directive.word.push_back(static_cast<char>(words.get()));
+        }
+        words >> std::ws;
+        std::getline(words, directive.rest);
+    }
+    return directive;
+}
+
+struct Include {
+    std::string name;
+    bool quoted = false;
+};
+
+std::optional<Include> IncludeOf(const std::string& line) {
+    const auto [word, rest] = DirectiveOf(line);
+    if (word != "include" || rest.empty() || (rest.front() != '"' && rest.front() != '<')) {
+        return std::nullopt;
+    }
+    const bool quoted = rest.front() == '"';
+    return Include{rest.substr(1, rest.find(quoted ? '"' : '>', 1) - 1), quoted};
+}
+
+bool AsksForPlatform(const std::string& line) {
+    static const Strings kConditions{"if", "ifdef", "ifndef", "elif"};
+    static const Strings kPlatforms{"_WIN32",   "_WIN64",  "__linux__", "__unix__",  "__APPLE__",
+                                    "_MSC_VER", "__MINGW", "__GNUC__",  "__clang__", "Q_OS_"};
+    const auto [word, rest] = DirectiveOf(line);
+    return std::find(kConditions.begin(), kConditions.end(), word) != kConditions.end() &&
+           std::any_of(kPlatforms.begin(), kPlatforms.end(), [&rest = rest](const std::string& p) {
+               return rest.find(p) != std::string::npos;
+           });
+}
+
+/// The file of the project that an include names, or nothing: then it is not ours.
+std::optional<std::string> Resolve(const SourceTree& tree, const std::string& file,
+                                   const Include& include) {
+    Strings roots = kRoots;
+    if (include.quoted) {
+        roots.insert(roots.begin(), file.substr(0, file.rfind('/') + 1));
+    }
+    for (const std::string& root : roots) {
+        const std::string path =
+            std::filesystem::path(root + include.name).lexically_normal().string();
+        if (tree.contains(path)) {
+            return path;
+        }
+    }
+    return std::nullopt;
+}
+
+/// Whether the header belongs to the C++ standard library: these have neither folder nor ending.
+bool IsStandard(const std::string& name) {
+    return name.find_first_of("/.") == std::string::npos;
+}
+
+bool MayInclude(const Arrows& arrows, const std::string& target) {
+    return target.starts_with(arrows.room) ||
+           std::any_of(arrows.targets.begin(), arrows.targets.end(),
+                       [&target](const std::string& t) { return target.starts_with(t); });
+}
+
+bool Allowed(const SourceTree& tree, const std::string& file, const Include& include) {
+    const auto arrows = std::find_if(kArrows.begin(), kArrows.end(),
+                                     [&file](const Arrows& a) { return file.starts_with(a.room); });
+    const auto target = Resolve(tree, file, include);
+    if (arrows == kArrows.end()) {
+        return !target;
+    }
+    if (!target) {
+        // What the public headers need has to be on every machine of a consumer.
+        return arrows->room != kPublic || (!include.quoted && IsStandard(include.name));
+    }
+    return MayInclude(*arrows, *target);
+}
+
+}  // namespace
+
+std::vector<std::string> ForbiddenIncludes(const SourceTree& tree) {
+    std::vector<std::string> found;
+    for (const auto& [file, text] : tree) {
+        ForEachLine(text, [&, &file = file](int number, const std::string& line) {
+            const std::optional<Include> include = IncludeOf(line);
+            if (include && !Allowed(tree, file, *include)) {
+                found.push_back(file + ":" + std::to_string(number) + ": must not include " +
+                                include->name);
+            }
+        });
+    }
+    return found;
+}
+
+std::vector<std::string> PlatformConditions(const SourceTree& tree) {
+    std::vector<std::string> found;
+    for (const auto& [file, text] : tree) {
+        if (MayAskForPlatform(file)) {
+            continue;
+        }
+        ForEachLine(text, [&, &file = file](int number, const std::string& line) {
+            if (AsksForPlatform(line)) {
+                found.push_back(file + ":" + std::to_string(number) + ": " + line);
+            }
+        });
+    }
+    return found;
+}
+
+}  // namespace Korvex3Sync::tests

@@ -1,0 +1,18 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "project/SourceTree.h"
+
+namespace Korvex3Sync::tests {
+
+/// Every include of the tree that the arrows between the rooms do not allow, as
+/// "FILE:LINE: must not include TARGET".
+std::vector<std::string> ForbiddenIncludes(const SourceTree& tree);
+
+/// Every preprocessor condition on an operating system or compiler outside the rooms that may have
+/// one, as "FILE:LINE: the condition".
+std::vector<std::string> PlatformConditions(const SourceTree& tree);
+
+}  // namespace Korvex3Sync::tests

@@ -1,0 +1,160 @@
+#include "project/IncludeRules.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <ostream>
+
+namespace Korvex3Sync::tests {
+
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+using ::testing::SizeIs;
+
+/// A tree in which every room has a header, and one more file.
+SourceTree TreeWith(const std::string& file, const std::string& text) {
+    SourceTree tree;
+    for (const char* header :
+         {"include/Korvex3Sync/Status.h", "src/interface/Frame.h", "src/sync/Manager.h",
+          "src/camera/Grab.h", "src/platform/include/zr3DHandiDLPdev.h",
+          "src/platform/include/zr3DCamera.h", "src/platform/include/USBTREE.h",
+          "src/platform/os/Event.h", "src/platform/board/Link.h",
+          "src/platform/board/protocol/Report.h", "src/platform/cameras/Camera.h",
+          "src/platform/usbtree/Tree.h", "src/virtual_head/Request.h",
+          "src/virtual_head/VirtualHead.h", "programs/korvexctl/Session.h",
+          "tests/support/Child.h"}) {
+        tree[header] = "#pragma once\n";
+    }
+    tree[file] = text;
+    return tree;
+}
+
+SourceTree Including(const std::string& file, const std::string& header) {
+    return TreeWith(file, "#include <vector>\n#include \"" + header + "\"\n");
+}
+
+struct Case {
+    const char* file;
+    const char* header;
+};
+
+void PrintTo(const Case& c, std::ostream* out) {
+    *out << c.file << " includes " << c.header;
+}
+
+class ForbiddenInclude : public ::testing::TestWithParam<Case> {};
+class AllowedInclude : public ::testing::TestWithParam<Case> {};
+
+TEST_P(ForbiddenInclude, IsFoundWithFileAndLine) {
+    const auto& [file, header] = GetParam();
+    EXPECT_THAT(ForbiddenIncludes(Including(file, header)),
+                ElementsAre(std::string(file) + ":2: must not include " + header));
+}
+
+TEST_P(AllowedInclude, IsNotFound) {
+    const auto& [file, header] = GetParam();
+    EXPECT_THAT(ForbiddenIncludes(Including(file, header)), IsEmpty());
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Rooms, ForbiddenInclude,
+    ::testing::Values(Case{"include/Korvex3Sync/A.h", "sync/Manager.h"},
+                      Case{"include/Korvex3Sync/A.h", "glog/logging.h"},
+                      Case{"src/interface/A.cpp", "virtual_head/VirtualHead.h"},
+                      Case{"src/interface/A.cpp", "platform/include/zr3DCamera.h"},
+                      Case{"src/interface/A.cpp", "platform/board/Link.h"},
+                      Case{"src/sync/A.cpp", "interface/Frame.h"},
+                      Case{"src/sync/A.cpp", "virtual_head/Request.h"},
+                      Case{"src/sync/A.cpp", "platform/include/zr3DCamera.h"},
+                      Case{"src/camera/A.cpp", "sync/Manager.h"},
+                      Case{"src/camera/A.cpp", "platform/include/zr3DHandiDLPdev.h"},
+                      Case{"src/camera/A.cpp", "virtual_head/VirtualHead.h"},
+                      Case{"src/platform/board/A.cpp", "platform/cameras/Camera.h"},
+                      Case{"src/platform/board/A.cpp", "Korvex3Sync/Status.h"},
+                      Case{"src/platform/board/protocol/A.cpp", "virtual_head/VirtualHead.h"},
+                      Case{"src/platform/board/protocol/A.cpp", "platform/board/Link.h"},
+                      Case{"src/platform/cameras/A.cpp", "sync/Manager.h"},
+                      Case{"src/platform/cameras/A.cpp", "../board/Link.h"},
+                      Case{"src/platform/usbtree/A.cpp", "camera/Grab.h"},
+                      Case{"src/platform/usbtree/A.cpp", "platform/board/Link.h"},
+                      Case{"src/platform/os/A.cpp", "platform/include/USBTREE.h"},
+                      Case{"src/platform/include/A.h", "platform/os/Event.h"},
+                      Case{"src/virtual_head/A.cpp", "platform/board/Link.h"},
+                      Case{"src/virtual_head/A.cpp", "Korvex3Sync/Status.h"},
+                      Case{"programs/korvexctl/A.cpp", "virtual_head/VirtualHead.h"},
+                      Case{"programs/korvexctl/A.cpp", "platform/os/Event.h"},
+                      Case{"programs/korvexctl/A.cpp", "support/Child.h"},
+                      Case{"examples/a.cpp", "virtual_head/Request.h"},
+                      Case{"src/unknown_room/A.cpp", "sync/Manager.h"}));
+
+INSTANTIATE_TEST_SUITE_P(
+    Rooms, AllowedInclude,
+    ::testing::Values(Case{"include/Korvex3Sync/A.h", "Korvex3Sync/Status.h"},
+                      Case{"src/interface/A.cpp", "sync/Manager.h"},
+                      Case{"src/interface/A.cpp", "platform/include/zr3DHandiDLPdev.h"},
+                      Case{"src/interface/A.cpp", "Frame.h"},
+                      Case{"src/sync/A.cpp", "camera/Grab.h"},
+                      Case{"src/sync/A.cpp", "Korvex3Sync/Status.h"},
+                      Case{"src/camera/A.cpp", "platform/include/USBTREE.h"},
+                      Case{"src/camera/A.cpp", "glog/logging.h"},
+                      Case{"src/platform/board/A.cpp", "virtual_head/VirtualHead.h"},
+                      Case{"src/platform/board/A.cpp", "platform/board/protocol/Report.h"},
+                      Case{"src/platform/cameras/A.cpp", "platform/os/Event.h"},
+                      Case{"src/virtual_head/A.cpp", "platform/board/protocol/Report.h"},
+                      Case{"programs/korvexctl/A.cpp", "virtual_head/Request.h"},
+                      Case{"programs/korvexctl/A.cpp", "korvexctl/Session.h"},
+                      Case{"examples/a.cpp", "Korvex3Sync/Status.h"},
+                      Case{"tests/a/A.cpp", "virtual_head/VirtualHead.h"},
+                      Case{"tests/a/A.cpp", "support/Child.h"}));
+
+TEST(IncludeRules, AngleBracketsAndSpacesHideNothing) {
+    EXPECT_THAT(ForbiddenIncludes(TreeWith("src/sync/A.cpp",
+                                           "#include <virtual_head/Request.h>\n"
+                                           "  #  include\t\"interface/Frame.h\"")),
+                SizeIs(2));
+}
+
+TEST(IncludeRules, AnIncludeInACommentIsNone) {
+    EXPECT_THAT(
+        ForbiddenIncludes(TreeWith("src/sync/A.cpp", "// #include \"virtual_head/Request.h\"\n")),
+        IsEmpty());
+}
+
+TEST(IncludeRules, APublicHeaderNeedsTheStandardLibraryOnly) {
+    EXPECT_THAT(ForbiddenIncludes(TreeWith("include/Korvex3Sync/A.h", "#include <vector>\n")),
+                IsEmpty());
+    EXPECT_THAT(
+        ForbiddenIncludes(TreeWith("include/Korvex3Sync/A.h", "#include <glog/logging.h>\n")),
+        SizeIs(1));
+}
+
+TEST(IncludeRules, HoldInTheWholeProject) {
+    const SourceTree tree =
+        ReadSourceTree({"include", "src", "programs", "tests", "examples", "bench"});
+    ASSERT_TRUE(tree.contains("src/virtual_head/Request.h"));
+    ASSERT_TRUE(tree.contains("programs/korvexctl/main.cpp"));
+    EXPECT_THAT(ForbiddenIncludes(tree), IsEmpty());
+}
+
+TEST(PlatformConditions, AreFoundOutsideTheirRooms) {
+    EXPECT_THAT(PlatformConditions({{"src/sync/A.cpp", "int a;\n#if defined(_WIN32)\n#endif\n"}}),
+                ElementsAre("src/sync/A.cpp:2: #if defined(_WIN32)"));
+    EXPECT_THAT(PlatformConditions({{"programs/hub/A.cpp", "#ifdef __linux__\n#endif\n"},
+                                    {"src/platform/board/A.cpp", "# ifndef __unix__\n"}}),
+                SizeIs(2));
+    EXPECT_THAT(PlatformConditions({{"src/platform/os/A.cpp", "#ifdef _WIN32\n"},
+                                    {"include/Korvex3Sync/Export.h", "#if defined(_WIN32)\n"},
+                                    {"src/sync/A.cpp", "#ifdef KORVEX_CHECKS\n"}}),
+                IsEmpty());
+}
+
+TEST(PlatformConditions, StandInTheirRoomsOnly) {
+    EXPECT_THAT(PlatformConditions(ReadSourceTree({"include", "src", "programs", "examples"})),
+                IsEmpty());
+}
+
+}  // namespace
+
+}  // namespace Korvex3Sync::tests

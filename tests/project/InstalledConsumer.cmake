@@ -1,0 +1,45 @@
+# Installs into a folder of its own, then builds and runs the first program against what lies there,
+# found through the CMake package (WAY=cmake) or through pkg-config (WAY=pkg-config).
+
+cmake_minimum_required(VERSION 3.25)
+
+function(run)
+    execute_process(COMMAND ${ARGN} RESULT_VARIABLE result)
+    if(NOT result EQUAL 0)
+        message(FATAL_ERROR "failed (${result}): ${ARGN}")
+    endif()
+endfunction()
+
+file(REMOVE_RECURSE ${WORK_DIR})
+set(prefix ${WORK_DIR}/installed)
+# Away from the project's own tree, so that nothing of it is found by accident.
+file(COPY ${EXAMPLES_DIR}/ DESTINATION ${WORK_DIR}/source)
+
+run(${CMAKE_COMMAND} --install ${BUILD_DIR} --prefix ${prefix})
+
+if(WAY STREQUAL "cmake")
+    run(${CMAKE_COMMAND} -S ${WORK_DIR}/source -B ${WORK_DIR}/build -G ${GENERATOR}
+        -DCMAKE_CXX_COMPILER=${CXX} -DCMAKE_CXX_FLAGS=${FLAGS} -DCMAKE_PREFIX_PATH=${prefix}
+        -DCMAKE_FIND_USE_PACKAGE_REGISTRY=OFF)
+    run(${CMAKE_COMMAND} --build ${WORK_DIR}/build)
+    set(program ${WORK_DIR}/build/first_scan)
+    set(environment)
+else()
+    set(ENV{PKG_CONFIG_PATH} ${prefix}/${LIB_DIR}/pkgconfig)
+    execute_process(COMMAND pkg-config --cflags --libs korvex3sync OUTPUT_VARIABLE options
+        OUTPUT_STRIP_TRAILING_WHITESPACE COMMAND_ERROR_IS_FATAL ANY)
+    separate_arguments(options UNIX_COMMAND "${options}")
+    separate_arguments(flags UNIX_COMMAND "${FLAGS}")
+    file(MAKE_DIRECTORY ${WORK_DIR}/build)
+    set(program ${WORK_DIR}/build/first_scan)
+    run(${CXX} -std=c++20 ${flags} ${WORK_DIR}/source/first_scan.cpp ${options} -o ${program})
+    set(environment LD_LIBRARY_PATH=${prefix}/${LIB_DIR})
+endif()
+
+execute_process(
+    COMMAND ${CMAKE_COMMAND} -E env KORVEX_VIRTUAL_HEAD=default ${environment} ${program}
+    RESULT_VARIABLE result OUTPUT_VARIABLE output ERROR_VARIABLE errors TIMEOUT 120)
+message("${output}${errors}")
+if(NOT result EQUAL 0 OR NOT output MATCHES "20 image sets")
+    message(FATAL_ERROR "the first program ended with ${result}")
+endif()

@@ -1,0 +1,64 @@
+#pragma once
+
+#include <sys/types.h>
+
+#include <chrono>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace Korvex3Sync::tests {
+
+/// How a child is started, beside its command.
+struct ChildOptions {
+    /// Set in the child's environment; an empty value removes the variable.
+    std::vector<std::pair<std::string, std::string>> environment;
+    /// The child can make no file larger than this.
+    std::optional<unsigned long> fileSizeLimit;
+    /// Where standard output goes; empty: it is collected.
+    std::string outputFile;
+    /// It is killed, and the test fails, when it runs longer.
+    std::chrono::seconds deadline{120};
+};
+
+struct ChildResult {
+    int exitCode = -1;  // -1 when a signal ended it
+    int signal = 0;
+    std::string output;
+    std::string error;
+};
+
+/// One child process, whose output is collected while it is waited for. The destructor kills it, by
+/// its id, if it still runs.
+class ChildProcess {
+public:
+    explicit ChildProcess(const std::vector<std::string>& command, ChildOptions options = {});
+    ~ChildProcess();
+    ChildProcess(const ChildProcess&) = delete;
+    ChildProcess& operator=(const ChildProcess&) = delete;
+
+    void Signal(int signal) const;
+    /// Waits until standard output contains the text; false when the child ends or the deadline
+    /// passes without it.
+    bool WaitForOutput(const std::string& text);
+    /// Waits for the end.
+    ChildResult Wait();
+
+private:
+    /// Reads what there is; false once both ends are closed, or at the deadline.
+    bool ReadSome();
+    void Reap();
+
+    const ChildOptions m_options;
+    const std::chrono::steady_clock::time_point m_end;
+    pid_t m_pid = -1;
+    int m_output = -1;
+    int m_error = -1;
+    ChildResult m_result;
+};
+
+/// Starts a program, by path or by name, and waits for its end.
+ChildResult RunChild(const std::vector<std::string>& command, ChildOptions options = {});
+
+}  // namespace Korvex3Sync::tests
