@@ -42,9 +42,10 @@ KORVEX3SYNC_API RETSTATUS ConnectDevice(const char* const& deviceType,
 /// Ends a connection: stops its threads, closes cameras and board, frees everything, sets `handle`
 /// to null. No callback runs once it has returned.
 ///
-/// Returns 7; 6 for a null handle. Blocks for a running callback and at most one snap (100 ms) per
-/// camera. Never from a callback of the same connection, and not beside another operation on the
-/// handle.
+/// Returns 7; 6 for a null handle. Blocks for a running callback, at most one snap (100 ms) per
+/// camera, and the board's answers when it is switched off and closed. Never from a callback, and
+/// not beside another operation on the handle. While it runs, a status callback may still come once
+/// with 255 and 255.
 KORVEX3SYNC_API RETSTATUS DisConnectDevice(void*& handle);
 
 /// Closes and releases the cameras but keeps the connection.
@@ -61,13 +62,15 @@ KORVEX3SYNC_API RETSTATUS ReconnectDevice(void* const& handle);
 /// true, else nothing (7 without a command to the board). Cameras are not touched. Runs in direct
 /// mode always. A null handle takes any board, opened for this call only.
 ///
-/// Returns 7 when the board accepted the reset, 0 when it did not, 1 when no board opens.
+/// Returns 7 when the board accepted the reset, 0 when it did not, 1 when no board opens. Any
+/// thread, but not from a callback; blocks for the board's answer.
 KORVEX3SYNC_API RETSTATUS ReconnectDevice(void* const& handle, const bool& first,
                                           const bool& second);
 
 /// Firmware version of the board with serial `projectorId` ("" takes any), without a connection.
 ///
-/// Returns 7 with the text in `version`, 3 for a null serial, 0 when the board does not answer.
+/// Returns 7 with the text in `version`, 3 for a null serial, 0 when the board does not answer. Any
+/// thread, but not from a callback; blocks for the board's answer.
 KORVEX3SYNC_API RETSTATUS GetFirewareVersion(const char* projectorId, std::string& version);
 
 /// Firmware version through a connection, or, with a null `handle` and a non-null `deviceType`,
@@ -78,26 +81,30 @@ KORVEX3SYNC_API RETSTATUS GetFirewareVersion(const char* projectorId, std::strin
 /// answer.
 ///
 /// **A query through a handle that fails ends the connection**, as DisConnectDevice does: the
-/// handle must not be used again, not even to disconnect.
+/// handle must not be used again, not even to disconnect. So it runs beside no other operation on
+/// the handle, and not from a callback. Blocks for the board's answer.
 KORVEX3SYNC_API RETSTATUS GetFirewareVersion(void* handle, const char* deviceType,
                                              const char* projectorId, std::string& version);
 
 /// Writes `length` bytes of `data` into the board's user memory. Address and length go to the board
 /// as they are; our board takes a page number 0..15 and 0..256 bytes.
 ///
-/// Returns 7; 6 not connected; 0 when the board is lost or refuses. Blocks for the board's answers.
+/// Returns 7; 6 not connected; 0 when the board is lost or refuses. Any thread, also from a status
+/// callback, but not from a scan callback; blocks for the board's answers.
 KORVEX3SYNC_API RETSTATUS WriteUserInfomation(void* const& handle, const int& address,
                                               const char* data, const int& length);
 
 /// Reads one page (256 bytes) of the board's user memory into the buffer that `data` points to. The
 /// buffer is the caller's and must hold at least 256 bytes.
 ///
-/// Returns 7; 6 not connected; 0 when the board is lost or refuses.
+/// Returns 7; 6 not connected; 0 when the board is lost or refuses. Thread and blocking as for
+/// WriteUserInfomation.
 KORVEX3SYNC_API RETSTATUS ReadUserInfomation(void* const& handle, const int& address, char*& data);
 
 /// Switches the board's heartbeat. `enable` is only read.
 ///
-/// Returns 7; 6 not connected; 0 when the board refuses.
+/// Returns 7; 6 not connected; 0 when the board refuses. Thread and blocking as for
+/// WriteUserInfomation.
 KORVEX3SYNC_API RETSTATUS EnableHeartbeat(void* const& handle, bool& enable);
 
 }  // namespace Korvex3Sync

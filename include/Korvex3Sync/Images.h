@@ -18,10 +18,11 @@ KORVEX3SYNC_API RETSTATUS SetScanCallBackFunction(void* const& handle,
 /// Sets the status callback. The first call starts the status thread and switches the board's
 /// heartbeat on; later calls switch it off when `callback` or `context` is null, else on. After
 /// each call the next four polls (about 0.8 s) are silent. The thread polls the board only while a
-/// callback is set: only then is a lost board noticed, and a board that came back taken up again.
+/// callback is set: only then is a lost board noticed, and one that answers again taken up.
 ///
 /// Returns 7; 6 for a null handle; 0 when the thread cannot be started. The first call for a handle
-/// must not run beside another. Blocks while a status callback runs.
+/// must not run beside another. Any thread, also from a status callback, but not from a scan
+/// callback. Blocks while a status callback runs and for the board's answer.
 KORVEX3SYNC_API RETSTATUS SetStatusCallBackFunction(void* const& handle,
                                                     StatusCallBackFunction callback, void* context);
 

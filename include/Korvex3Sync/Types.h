@@ -64,8 +64,9 @@ using ScanCallBackFunction = void (*)(const void* const& context,
 /// Receives the two status bytes of the board, about every 200 ms; 255 and 255 when the board did
 /// not answer. `statusA` is the second byte of the board's answer and `statusB` the first.
 ///
-/// Called on the status thread of the connection. Board operations on the same handle may be called
-/// in it; waiting for another thread that does one may not. Must not throw.
+/// Called on the status thread of the connection, with its board lock held: return promptly, other
+/// threads' board operations wait meanwhile. Board operations on the same handle may be called in
+/// it; waiting for another thread that does one may not (docs/threads.md). Must not throw.
 using StatusCallBackFunction = void (*)(const void* const& context, const unsigned char& statusA,
                                         const unsigned char& statusB);
 

@@ -166,6 +166,16 @@ TEST_F(StatusThread, ACallbackMayCallBoardOperations) {
     EXPECT_GE(Recorder::Get().Count("zr3DQueryTriggerPeriod"), 2u);
 }
 
+TEST_F(StatusThread, ACallbackMayPutAnotherInItsPlace) {
+    Open();
+    Reports other;
+    m_reports.action = [&] { EXPECT_EQ(Set(&Reports::Receive, &other), STATUS_SUCCESS); };
+    Report();
+    ASSERT_TRUE(other.WaitFor(2));
+    EXPECT_EQ(m_reports.Seen().size(), 1u);
+    Set(nullptr, nullptr);
+}
+
 TEST_F(StatusThread, TheHeartbeatNeedsABoard) {
     EXPECT_EQ(m_manager.EnableHeartbeat(true), STATUS_NOT_CONNECTED);
     Open();
