@@ -32,9 +32,8 @@ KORVEX3SYNC_API RETSTATUS GetCameraCount(const char* const& cameraType, int& cou
 /// Tells whether the board sits on a USB 3 port at USB 3 speed. The first argument is ignored.
 ///
 /// Returns 7 and writes `onU3` when a board is found (the first one decides), else 0 with `onU3`
-/// untouched. The same in both modes. Any thread, but not beside another call of this function:
-/// there is one USB tree in a process, and one call can erase it under the other, which then gives
-/// 0. Blocks while the USB tree is read.
+/// untouched. The same in both modes. Any thread; blocks while the USB tree is read, which callers
+/// do one after the other.
 KORVEX3SYNC_API RETSTATUS IsConnectedOnU3(const char* unused, bool& onU3);
 
 }  // namespace Korvex3Sync
