@@ -26,7 +26,8 @@ public:
     bool Hang(const std::string& call);
     /// Ends every hang that blocks now; hangs that no call has met yet stay ordered.
     void ReleaseHangs();
-    /// The same for the hangs of one call only.
+    /// The same for the hangs of one call only. Closing a board whose call hangs does this, for
+    /// every handle of that board.
     void ReleaseHangs(const std::string& call);
     /// Waits until a call hangs here; false when the real-time limit passes first.
     bool WaitForHang(const std::string& call, std::chrono::milliseconds limit);

@@ -173,7 +173,7 @@ std::variant<HeadDescription, HeadFileError> ReadHeadFile(const std::filesystem:
         }
         return Parse(file, std::get<std::string>(bytes));
     } catch (const std::exception& error) {
-        return HeadFileError{{}, 0, error.what()};
+        return Refuse(file, 0, error.what());
     }
 }
 

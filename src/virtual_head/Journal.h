@@ -19,7 +19,7 @@ struct JournalEntry {
     std::string call;            // the platform function's name, for example "zr3DSetLaserEnable"
     std::string arguments;       // as text, separated by ", ", without the handle: "1, 2"
     std::string result;          // "true", "false" or the int as text
-    std::thread::id thread;
+    std::thread::id thread;      // of the caller; for the board the thread that answers its link
     std::chrono::steady_clock::time_point time;  // of the first of the folded calls
     std::uint64_t count = 1;  // equal calls of one thread in a row are folded into one entry
 

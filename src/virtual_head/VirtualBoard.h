@@ -28,7 +28,7 @@ public:
                  TriggerChanged triggerChanged);
 
     /// Executes one command report and gives the reply report; nothing when the board does not
-    /// answer (a report that it cannot read, or a hang that was ordered).
+    /// answer (a report that it cannot read).
     /// Blocks as long as a fault that was ordered for the command lets it. The journal gets one
     /// entry for each call of a platform function, also when it takes several reports.
     std::optional<board::Report> Execute(const board::Report& command);

@@ -11,8 +11,18 @@ using testing::ElementsAre;
 
 class VirtualCameraTest : public tests::HeadFixture {};
 
+TEST_F(VirtualCameraTest, AnotherTypeOfTheMakerHasNoCameras) {
+    for (const char* type : {"KV99", "KV00A", "KV00A10012"}) {
+        void* handle = Create(type);
+        int total = -1;
+        ASSERT_EQ(GetDeviceTotal(handle, total), 0);
+        EXPECT_EQ(total, 0) << type;
+        ReleaseCamera(handle);
+    }
+}
+
 TEST_F(VirtualCameraTest, DiscoveryFindsTwoSensorsBehindOneSerial) {
-    for (const char* type : {"KV", "KV00", "KV00A1001", "KV99"}) {
+    for (const char* type : {"KV", "KV0", "KV00", "KV00A1001"}) {
         void* first = Create(type);
         int total = 0;
         ASSERT_EQ(GetDeviceTotal(first, total), 0);

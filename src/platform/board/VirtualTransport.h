@@ -23,7 +23,7 @@ enum class Purpose {
 class VirtualTransport final : public ByteTransport {
 public:
     /// Null when no head is requested, when the head's board is not the one that is meant, or when
-    /// opening it fails. Blocks for the reply limit at most.
+    /// opening it fails. Waits for the head's answer for the reply limit, and then for its end.
     static std::unique_ptr<ByteTransport> Open(const BoardSelection& selection, Purpose purpose);
 
     ~VirtualTransport() override;

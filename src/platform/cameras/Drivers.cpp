@@ -33,7 +33,7 @@ std::shared_ptr<Camera> MakeVirtualCamera(std::string_view typeOrSerial) {
     const bool fails = head->GetFaults().Meet("CreateCamera");
     head->GetJournal().Add("CreateCamera", std::string(typeOrSerial.substr(0, kLongestArgument)),
                            std::to_string(fails ? kFailed : kOk));
-    return fails ? nullptr : std::make_shared<VirtualCamera>(head);
+    return fails ? nullptr : std::make_shared<VirtualCamera>(head, std::string(typeOrSerial));
 }
 
 }  // namespace

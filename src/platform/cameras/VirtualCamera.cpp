@@ -34,7 +34,8 @@ std::string Arguments(const Values&... values) {
 
 }  // namespace
 
-VirtualCamera::VirtualCamera(const std::shared_ptr<Head>& head) : m_head(head) {}
+VirtualCamera::VirtualCamera(const std::shared_ptr<Head>& head, std::string typeOrSerial)
+    : m_head(head), m_typeOrSerial(std::move(typeOrSerial)) {}
 
 VirtualCamera::~VirtualCamera() {
     EndStream();
@@ -107,8 +108,11 @@ int VirtualCamera::Release() {
 }
 
 int VirtualCamera::DeviceTotal(int& total) {
-    return Call("GetDeviceTotal", "", kFailed, [&total](Head&) {
-        total = kSensors;
+    return Call("GetDeviceTotal", "", kFailed, [&](Head& head) {
+        const auto& description = head.Description();
+        const bool meant = description.cameraType.starts_with(m_typeOrSerial) ||
+                           description.cameraSerial == m_typeOrSerial;
+        total = meant ? kSensors : 0;
         return kOk;
     });
 }

@@ -23,7 +23,9 @@ namespace Korvex3Sync::cameras {
 /// fails. Every call first meets the head's faults and then goes into its journal.
 class VirtualCamera : public Camera {
 public:
-    explicit VirtualCamera(const std::shared_ptr<virtual_head::VirtualHead>& head);
+    /// `typeOrSerial` is what the instance was created for: the cameras of the head are counted
+    /// when it is the beginning of the head's type, or its serial.
+    VirtualCamera(const std::shared_ptr<virtual_head::VirtualHead>& head, std::string typeOrSerial);
     ~VirtualCamera() override;
 
     int Release() override;
@@ -72,6 +74,7 @@ private:
     void EndStream();
 
     const std::weak_ptr<Head> m_head;
+    const std::string m_typeOrSerial;
     mutable std::mutex m_mutex;
     std::shared_ptr<Stream> m_stream;  // null: not open
     bool m_gone = false;               // released

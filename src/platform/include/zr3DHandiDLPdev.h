@@ -6,7 +6,8 @@
 
 /// The synchronization board. Every function returns true for success and may be called from any
 /// thread; a null, unknown or closed handle gives false. A call blocks for the board's answer, at
-/// most for the reply limit of docs/board-protocol.md. Nothing is thrown.
+/// most for the reply limit of docs/board-protocol.md (a call on the user memory takes several
+/// answers), and for other callers of the same handle. Nothing is thrown.
 namespace zr3DHandiDLPdev {
 
 // Only the numbers of these enumerations matter; a number without a name is a legal value.
