@@ -1,47 +1,52 @@
 #include "camera/ColorMode.h"
 
+#include <algorithm>
+#include <array>
+
 namespace Korvex3Sync {
+namespace {
+
+struct Meaning {
+    int mode;
+    int callbackChannels;
+    int bytesPerPixel;
+    bool color;
+};
+
+constexpr std::array<Meaning, 5> kMeanings{{
+    {1, 1, 1, false},
+    {2, 2, 2, false},
+    {16, 1, 1, true},
+    {17, 3, 3, true},
+    {18, 1, 6, true},
+}};
+constexpr Meaning kAnythingElse{0, 1, 1, false};
+
+constexpr Meaning MeaningOf(int mode) {
+    const auto* const found =
+        std::find_if(kMeanings.begin(), kMeanings.end(),
+                     [mode](const Meaning& meaning) { return meaning.mode == mode; });
+    return found != kMeanings.end() ? *found : kAnythingElse;
+}
+
+}  // namespace
 
 int CallbackChannels(zr3DCamera::ZR_IMG_FORMAT mode) {
-    switch (static_cast<int>(mode)) {
-        case 2:
-            return 2;
-        case 17:
-            return 3;
-        default:
-            return 1;
-    }
+    return MeaningOf(mode).callbackChannels;
 }
 
 int BytesPerPixel(zr3DCamera::ZR_IMG_FORMAT mode) {
-    switch (static_cast<int>(mode)) {
-        case 2:
-            return 2;
-        case 17:
-            return 3;
-        case 18:
-            return 6;
-        default:
-            return 1;
-    }
+    return MeaningOf(mode).bytesPerPixel;
 }
 
 bool IsColorCamera(zr3DCamera::ZR_IMG_FORMAT mode) {
-    const int number = static_cast<int>(mode);
-    return number >= 16 && number <= 18;
+    return MeaningOf(mode).color;
 }
 
 int SplitChannels(int format) {
-    switch (format) {
-        case 2:
-            return 2;
-        case 17:
-            return 3;
-        case 18:
-            return 6;
-        default:
-            return 1;
-    }
+    // A split image counts a channel for each byte of a pixel, also where the callback is told
+    // less.
+    return MeaningOf(format).bytesPerPixel;
 }
 
 }  // namespace Korvex3Sync
