@@ -86,10 +86,10 @@ TEST_F(StatusThread, EveryChangeOfTheCallbackSkipsFourPollsAgain) {
     Report();
     ASSERT_TRUE(m_reports.WaitFor(1));
     Reports other;
-    EXPECT_EQ(Set(&Reports::Receive, &other), STATUS_SUCCESS);
     const auto polls = Recorder::Get().Count("zr3DQueryCurrentStatus");
+    EXPECT_EQ(Set(&Reports::Receive, &other), STATUS_SUCCESS);
     ASSERT_TRUE(other.WaitFor(1));
-    // A poll may have been under way at the change: it counts as the first of the four, or not.
+    // The poll that was under way at the change may be the first of the four.
     EXPECT_GE(other.pollsAtFirst, polls + 4);
     EXPECT_TRUE(m_log.Has("ManagerSync: SetStatusCallBackFunction EnableHeartbeat 1."));
     Set(nullptr, nullptr);
