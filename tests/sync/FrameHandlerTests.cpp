@@ -3,6 +3,8 @@
 #include <condition_variable>
 #include <functional>
 #include <mutex>
+#include <stdexcept>
+#include <utility>
 
 #include "support/LogCapture.h"
 #include "support/PackedFrames.h"

@@ -2,6 +2,8 @@
 
 #include <condition_variable>
 #include <mutex>
+#include <stdexcept>
+#include <utility>
 
 #include "platform/os/Clock.h"
 #include "platform/os/TimeScale.h"
@@ -174,6 +176,18 @@ TEST_F(StatusThread, ACallbackMayPutAnotherInItsPlace) {
     ASSERT_TRUE(other.WaitFor(2));
     EXPECT_EQ(m_reports.Seen().size(), 1u);
     Set(nullptr, nullptr);
+}
+
+TEST_F(StatusThread, ACallbackThatThrowsLosesItsReportAndThePollsGoOn) {
+    Open();
+    m_reports.action = [thrown = false]() mutable {
+        if (!std::exchange(thrown, true)) {
+            throw std::runtime_error("the application's own mistake");
+        }
+    };
+    Report();
+    EXPECT_TRUE(m_reports.WaitFor(2));
+    EXPECT_EQ(m_log.Errors(), 1);
 }
 
 TEST_F(StatusThread, TheHeartbeatNeedsABoard) {
