@@ -19,7 +19,6 @@ using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 using ::testing::Not;
 
-constexpr int kSetsMissing = 5;
 constexpr int kNotWritable = 6;
 constexpr int kDiskFull = 7;
 constexpr int kInterrupted = 130;
