@@ -40,7 +40,7 @@ IManagerSync::~IManagerSync() {
     if (m_hDevice != nullptr) {
         SetScanCallBackFunction(nullptr, nullptr);
         os::CriticalSectionGuard device(m_csDevice);
-        if (m_bHeartbeatEnabled) {
+        if (m_remembered.heartbeatEnabled) {
             EnableHeartbeat(false);
         }
         void* handle = m_hDevice;

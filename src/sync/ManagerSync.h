@@ -163,7 +163,6 @@ private:
     void* m_pStatusContext KORVEX_GUARDED_BY(m_csStatus) = nullptr;
     int m_nStatusSkipCount KORVEX_GUARDED_BY(m_csStatus) = 0;
     bool m_bDeviceLost KORVEX_GUARDED_BY(m_csDevice) = false;
-    bool m_bHeartbeatEnabled KORVEX_GUARDED_BY(m_csDevice) = false;
 
     std::atomic<bool> m_bWorkerRun{true};
     os::Event m_workerEvent;

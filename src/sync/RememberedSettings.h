@@ -28,6 +28,7 @@ struct RememberedSettings {
     int projectorWorkTime = 1000;
     int laserLineWorkTime = 1000;
     int irLaserWorkTime = 1000;
+    bool heartbeatEnabled = false;
 };
 
 }  // namespace Korvex3Sync

@@ -55,13 +55,9 @@ RETSTATUS IManagerSync::SetStatusCallBackFunction(StatusCallBackFunction callbac
 }
 
 RETSTATUS IManagerSync::EnableHeartbeat(bool enable) {
-    if (m_hDevice == nullptr) {
-        return STATUS_NOT_CONNECTED;
-    }
-    CheckNotInScanCallback(this);
-    os::CriticalSectionGuard device(m_csDevice);
-    m_bHeartbeatEnabled = enable;
-    return zr3DHandiDLPdev::zr3DEnableHeartbeat(m_hDevice, enable) ? STATUS_SUCCESS : STATUS_FAILED;
+    return BoardOperation(
+        DeviceLost::Ignored, [&](RememberedSettings& r) { r.heartbeatEnabled = enable; },
+        [&](void* h) { return zr3DHandiDLPdev::zr3DEnableHeartbeat(h, enable); });
 }
 
 RETSTATUS IManagerSync::QueryCurrentStatus(unsigned char& first, unsigned char& second) {
