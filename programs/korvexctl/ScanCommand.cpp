@@ -1,3 +1,5 @@
+#include "korvexctl/ScanCommand.h"
+
 #include <algorithm>
 #include <atomic>
 #include <chrono>
@@ -7,7 +9,6 @@
 
 #include "korvexctl/AtomicFile.h"
 #include "korvexctl/BoardWatch.h"
-#include "korvexctl/Commands.h"
 #include "korvexctl/Head.h"
 #include "korvexctl/Illumination.h"
 #include "korvexctl/PictureWriter.h"
@@ -34,8 +35,8 @@ milliseconds Patience(const ScanOptions& options) {
 }
 
 /// Waits for the end of the scan. False when no set came for too long.
-bool WaitForSets(ScanRecorder& recorder, const ScanOptions& options) {
-    ProgressBar bar(options.showProgress);
+bool WaitForSets(ScanRecorder& recorder, const ScanOptions& options, const Output& output) {
+    ProgressBar bar(output.ShowsProgress());
     const auto start = ScanRecorder::Clock::now();
     while (true) {
         const ScanRecorder::Counts counts = recorder.Wait(kProgressStep);
@@ -64,7 +65,7 @@ bool Scan(const HeadChoice& choice, ScanReport& report, ScanRecorder& recorder,
     boardWatch.Watch(session);
     const Illumination illumination(session, options.light);
     const Trigger trigger(session, recorder, options.light.mode);
-    const bool inTime = WaitForSets(recorder, options);
+    const bool inTime = WaitForSets(recorder, options, output);
     report.boardLost = boardWatch.Lost();
     return inTime;
 }

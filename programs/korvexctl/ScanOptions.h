@@ -26,7 +26,6 @@ struct ScanOptions {
     double timeoutSeconds = 5;
     std::filesystem::path folder;  // empty: nothing is written
     LightOptions light;
-    bool showProgress = false;
 };
 
 /// The word for a trigger mode that the command line takes ("laser-color").

@@ -5,7 +5,7 @@
 #include <csignal>
 #include <thread>
 
-#include "korvexctl/Commands.h"
+#include "korvexctl/ScanCommand.h"
 #include "korvexctl/system/Descriptors.h"
 #include "platform/os/Clock.h"
 #include "support/RequestedHead.h"
