@@ -163,9 +163,8 @@ nlohmann::json RangeToJson(std::span<const Field> fields) {
 }
 
 bool SameValue(const SettingValue& a, const SettingValue& b) {
-    return std::equal(a.begin(), a.end(), b.begin(), b.end(), [](double x, double y) {
-        return std::abs(x - y) < kTolerance;
-    });
+    return std::equal(a.begin(), a.end(), b.begin(), b.end(),
+                      [](double x, double y) { return std::abs(x - y) < kTolerance; });
 }
 
 }  // namespace Korvex3Sync::korvexctl

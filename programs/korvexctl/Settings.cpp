@@ -140,8 +140,7 @@ std::vector<Setting> BoardSettings() {
              }),
         StrobeDuty(),
         StrobeWorkTime(),
-        Told("strobe",
-             {{"route", FieldKind::Whole, 0, 2}, {"state", FieldKind::Whole, 1, 4}},
+        Told("strobe", {{"route", FieldKind::Whole, 0, 2}, {"state", FieldKind::Whole, 1, 4}},
              "which strobe output follows the trigger, and how",
              [](void* const& handle, const SettingValue& value) {
                  return SetStrobeControlledByTrigger(handle,
@@ -222,15 +221,15 @@ std::vector<Setting> MakeSettings() {
         all.push_back(Exposure(order));
         all.push_back(Gain(order));
     }
-    all.push_back(Number("trigger-period", "ms", 1, kLongestPeriodMs, "time from trigger to trigger",
-                         GetVideoTriggerPeriod, SetVideoTriggerPeriod));
-    all.push_back(Told("trigger-mode", {{"", FieldKind::Word, 0, 0, kTriggerWords}},
-                       "what each trigger gives",
-                       [](void* const& handle, const SettingValue& value) {
-                           return EnableVideoTrigger(
-                               handle, static_cast<CAMERA_TRIGGER_MODE>(Whole(value)),
-                               Whole(value) != kTriggerOff);
-                       }));
+    all.push_back(Number("trigger-period", "ms", 1, kLongestPeriodMs,
+                         "time from trigger to trigger", GetVideoTriggerPeriod,
+                         SetVideoTriggerPeriod));
+    all.push_back(
+        Told("trigger-mode", {{"", FieldKind::Word, 0, 0, kTriggerWords}},
+             "what each trigger gives", [](void* const& handle, const SettingValue& value) {
+                 return EnableVideoTrigger(handle, static_cast<CAMERA_TRIGGER_MODE>(Whole(value)),
+                                           Whole(value) != kTriggerOff);
+             }));
     return all;
 }
 
