@@ -2,6 +2,7 @@
 
 option(KORVEX_CHECKS "Check rules of use at run time (development and test builds)" OFF)
 option(KORVEX_THREAD_SAFETY "Treat clang's thread-safety findings as errors" OFF)
+option(KORVEX_PRECOMPILE_TESTS "Precompile the headers that every test includes" OFF)
 set(KORVEX_SANITIZE "" CACHE STRING "Sanitizers, as for -fsanitize= (for example address,undefined)")
 
 set(CMAKE_CXX_STANDARD 20)
