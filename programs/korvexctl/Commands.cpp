@@ -10,6 +10,7 @@ constexpr std::array kCommands{
     Command{"list", "List the attached cameras", AddList},
     Command{"info", "Connect, and show cameras, firmware and settings", AddInfo},
     Command{"scan", "Connect, set light and trigger, take image sets", AddScan},
+    Command{"virtual", "Describe a virtual head of your own", AddVirtual},
 };
 
 }  // namespace

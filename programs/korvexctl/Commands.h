@@ -32,5 +32,6 @@ std::span<const Command> Commands();
 RunCommand AddList(CLI::App& command);
 RunCommand AddInfo(CLI::App& command);
 RunCommand AddScan(CLI::App& command);
+RunCommand AddVirtual(CLI::App& command);
 
 }  // namespace Korvex3Sync::korvexctl
