@@ -23,6 +23,7 @@ constexpr std::array kCommands{
     Command{"user-info", "Read or write the board's user memory", AddUserInfo},
     Command{"distance", "Set the distance lights", AddDistance},
     Command{"usb", "Tell whether the head has a USB 3 connection", AddUsb},
+    Command{"virtual", "Describe a virtual head of your own", AddVirtual},
 };
 
 }  // namespace

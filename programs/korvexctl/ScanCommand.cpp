@@ -78,19 +78,29 @@ std::string MissingMessage(const ScanReport& report) {
 
 }  // namespace
 
-Outcome RunScan(const HeadChoice& choice, const ScanOptions& options, Output& output) {
+void StoreWhole(const std::filesystem::path& file, std::span<const unsigned char> bytes) {
+    WriteFile(file, bytes);
+}
+
+Outcome RunScan(const HeadChoice& choice, const ScanOptions& options, Output& output,
+                const StoreFile& store) {
     const bool writes = !options.folder.empty();
     if (writes) {
         PrepareFolder(options.folder);
     }
 
-    ScanRecorder recorder(options.sets, writes ? options.keep : 0);
+    ScanRecorder recorder(
+        options.sets,
+        writes ? ChooseSets(options.sets, options.keep, kSheetRows) : std::vector<ChosenSet>(),
+        options.buffers);
     std::atomic<bool> interrupted{false};
     const InterruptWatch interruptWatch([&] {
         interrupted = true;
         recorder.Stop();
     });
-    PictureWriter writer(options.folder, [&recorder] { recorder.Stop(); });
+    PictureWriter writer(options.folder, store,
+                         {[&recorder](const KeptSet& set) { recorder.GiveBack(set); },
+                          [&recorder] { recorder.Stop(); }});
 
     ScanReport report;
     report.options = options;

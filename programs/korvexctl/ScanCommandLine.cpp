@@ -12,7 +12,8 @@ namespace Korvex3Sync::korvexctl {
 namespace {
 
 constexpr int kMostSets = 1'000'000;
-constexpr int kMostKept = 200;
+constexpr int kMostKept = 10'000;
+constexpr int kMostBuffers = 256;
 constexpr double kShortestTimeoutSeconds = 0.1;
 constexpr double kLongestTimeoutSeconds = 3600;
 constexpr int kLongestPeriodMs = 10'000;
@@ -53,12 +54,14 @@ void AddScanOptions(CLI::App& command, ScanOptions& scan) {
     AddNumber(command, "--sets", scan.sets, "N", 1, kMostSets, "Image sets to take, a count");
     command
         .add_option("--out", scan.folder,
-                    "Folder for the pictures and scan.json; made when it is missing (without it: "
+                    "Folder for the pictures, contact-sheet.png and scan.json; made when it is missing (without it: "
                     "nothing is written)")
         ->type_name("DIR");
     AddNumber(command, "--keep", scan.keep, "K", 0, kMostKept,
-              "Image sets to write as PNG, a count, spread over the scan; each takes up to 4 MB of "
-              "memory");
+              "Image sets to write as PNG, a count, spread over the scan");
+    AddNumber(command, "--buffers", scan.buffers, "N", 1, kMostBuffers,
+              "Image sets that may wait to be written, a count, 4 MB of memory each; a set that "
+              "finds no room is not written");
     AddNumber(command, "--timeout", scan.timeoutSeconds, "S", kShortestTimeoutSeconds,
               kLongestTimeoutSeconds, "Give up when no set has come for so many seconds");
     AddLightOptions(command, scan.light);
