@@ -1,6 +1,7 @@
 #include "korvexctl/NearNames.h"
 
 #include <algorithm>
+#include <cctype>
 #include <numeric>
 #include <utility>
 
@@ -43,7 +44,10 @@ bool HasAllParts(std::string_view typed, std::string_view name) {
 }  // namespace
 
 std::vector<std::string> NearNames(std::string_view typed, const std::vector<std::string>& names) {
-    if (typed.empty() || typed.size() > kLongestTyped) {
+    const bool hasLetter = std::any_of(typed.begin(), typed.end(), [](char c) {
+        return std::isalpha(static_cast<unsigned char>(c)) != 0;
+    });
+    if (!hasLetter || typed.size() > kLongestTyped) {
         return {};
     }
     std::vector<std::pair<std::size_t, std::string>> near;

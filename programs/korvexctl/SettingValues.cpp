@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <charconv>
 #include <cmath>
+#include <cstdint>
+#include <iomanip>
 #include <nlohmann/json.hpp>
 #include <sstream>
 
@@ -10,13 +12,15 @@ namespace Korvex3Sync::korvexctl {
 
 namespace {
 
+constexpr int kDigits = 10;
 constexpr double kStepsInOne = 10;
 // Far above the rounding of a decimal number, far below a step.
 constexpr double kTolerance = 1e-6;
 
 std::string NumberText(double value) {
     std::ostringstream text;
-    text << value;
+    // Enough that every whole number of a range is written out.
+    text << std::setprecision(kDigits) << value;
     return text.str();
 }
 

@@ -147,7 +147,7 @@ std::vector<Setting> BoardSettings() {
                                                      static_cast<CONTROLROUTE>(Whole(value, 0)),
                                                      static_cast<STROBE_STATE>(Whole(value, 1)));
              }),
-        Told("blue-laser", {{"mode", FieldKind::Whole, 0, 3}, {"on", FieldKind::Switch}},
+        Told("blue-laser", {{"mode", FieldKind::Whole, 0, 3}, {"enable", FieldKind::Switch}},
              "work mode of the laser lines, and whether they are on",
              [](void* const& handle, const SettingValue& value) {
                  return EnableBlueLaser(handle, static_cast<LASERWORKMODE>(Whole(value, 0)),

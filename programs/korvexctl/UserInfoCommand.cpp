@@ -34,8 +34,9 @@ std::string ReadPage(const ConnectedHead& head, int page) {
 
 Outcome Show(const Asked& asked, const std::string& page, Output& output) {
     const std::optional<std::string> text = PageText(page);
-    output.Line("page " + std::to_string(asked.page) + ": " +
-                (text && !asked.hex ? *text : ToHex(WithoutPadding(page))));
+    const std::string_view data = WithoutPadding(page);
+    const std::string shown = text && !asked.hex ? *text : ToHex(data);
+    output.Line("page " + std::to_string(asked.page) + (data.empty() ? " is empty" : ": " + shown));
     Outcome outcome;
     outcome.figures = {{"page", asked.page}, {"hex", ToHex(page)}, {"text", nullptr}};
     if (text) {
