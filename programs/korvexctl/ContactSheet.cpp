@@ -57,9 +57,8 @@ void ContactSheet::Add(const KeptSet& set, const std::vector<Picture>& pictures)
 Picture ContactSheet::Compose() const {
     const int cellWidth = m_rows.front().cells.front().width;
     const int cellHeight = m_rows.front().cells.front().height;
-    const bool color = std::any_of(m_rows.begin(), m_rows.end(), [](const Row& row) {
-        return row.cells.size() > kMonoImages;
-    });
+    const bool color = std::any_of(m_rows.begin(), m_rows.end(),
+                                   [](const Row& row) { return row.cells.size() > kMonoImages; });
     const std::size_t columns = color ? kColumns.size() : kMonoImages;
     const int scale = cellWidth >= kLargeCell ? 2 : 1;
     const int line = kLetterHeight * scale + 2 * kGap;
@@ -67,10 +66,12 @@ Picture ContactSheet::Compose() const {
     const int rowStep = line + cellHeight;
 
     Picture sheet{kGap + static_cast<int>(columns) * columnStep,
-                  line + static_cast<int>(m_rows.size()) * rowStep + kGap, 3, {}};
-    sheet.bytes.assign(static_cast<std::size_t>(sheet.width) *
-                           static_cast<std::size_t>(sheet.height) * 3,
-                       kGround);
+                  line + static_cast<int>(m_rows.size()) * rowStep + kGap,
+                  3,
+                  {}};
+    sheet.bytes.assign(
+        static_cast<std::size_t>(sheet.width) * static_cast<std::size_t>(sheet.height) * 3,
+        kGround);
     for (std::size_t column = 0; column < columns; ++column) {
         DrawText(sheet, kGap + static_cast<int>(column) * columnStep, kGap, kColumns[column], scale,
                  kHeading);

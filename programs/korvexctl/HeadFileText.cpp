@@ -7,7 +7,8 @@ namespace Korvex3Sync::korvexctl {
 
 namespace {
 
-// The file as it is written, table by table. Prose begins with "# ", an example without default with
+// The file as it is written, table by table. Prose begins with "# ", an example without default
+// with
 // "#" alone.
 
 constexpr std::string_view kIntroduction = R"(# A virtual head for Korvex3Sync. Use it with
@@ -28,7 +29,7 @@ width = 1280
 height = 1024
 # Whether the head makes colour frames. true or false.
 color = true
-# Gain range of the sensors. Steps without unit, 0 to 63 each; the low end is not above the high one.
+# Gain range of the sensors. Steps without unit, 0 to 63 each; low is not above high.
 gain_low = 0
 gain_high = 16
 # Frames that wait in each opened camera; one that finds no room is lost. A count, 1 to 4096.

@@ -22,8 +22,8 @@ using StoreFile =
 
 /// Writes kept sets on a thread of its own, beside the scan: set_000_left.png, set_000_right.png
 /// and, with colour, set_000_color.png for those chosen for pictures, and at the end
-/// contact-sheet.png of those chosen for it. Owns its thread; the destructor joins it after the file
-/// that is being written.
+/// contact-sheet.png of those chosen for it. Owns its thread; the destructor joins it after the
+/// file that is being written.
 class PictureWriter {
 public:
     /// What the writer tells, on its own thread.

@@ -66,6 +66,7 @@ bool Scan(const HeadChoice& choice, ScanReport& report, ScanRecorder& recorder,
     const Illumination illumination(session, options.light);
     const Trigger trigger(session, recorder, options.light.mode);
     const bool inTime = WaitForSets(recorder, options, output);
+    report.losses.Ask(session);
     report.boardLost = boardWatch.Lost();
     return inTime;
 }
@@ -109,6 +110,7 @@ Outcome RunScan(const HeadChoice& choice, const ScanOptions& options, Output& ou
     writer.Finish();
     report.files = writer.Files();
     report.counts = recorder.Wait(milliseconds(0));
+    report.losses.notKept = static_cast<std::uint64_t>(report.counts.notKept);
     report.interrupted = interrupted;
 
     Outcome outcome;

@@ -54,7 +54,8 @@ void AddScanOptions(CLI::App& command, ScanOptions& scan) {
     AddNumber(command, "--sets", scan.sets, "N", 1, kMostSets, "Image sets to take, a count");
     command
         .add_option("--out", scan.folder,
-                    "Folder for the pictures, contact-sheet.png and scan.json; made when it is missing (without it: "
+                    "Folder for the pictures, contact-sheet.png and scan.json; made when it is "
+                    "missing (without it: "
                     "nothing is written)")
         ->type_name("DIR");
     AddNumber(command, "--keep", scan.keep, "K", 0, kMostKept,

@@ -88,8 +88,7 @@ void ScanRecorder::Take(const std::vector<unsigned char*>& images, int width, in
 }
 
 KeptSet* ScanRecorder::BufferForNext() {
-    if (m_nextChosen == m_chosen.size() ||
-        m_chosen[m_nextChosen].number != m_counts.delivered) {
+    if (m_nextChosen == m_chosen.size() || m_chosen[m_nextChosen].number != m_counts.delivered) {
         return nullptr;
     }
     const ChosenSet& chosen = m_chosen[m_nextChosen++];

@@ -15,9 +15,9 @@ namespace Korvex3Sync::korvexctl {
 
 /// Counts the sets of a scan and copies the chosen ones into a bounded number of buffers. Whoever
 /// writes a copy gives its buffer back; a chosen set that finds no free buffer is counted and not
-/// kept, so that writing, however slow, never holds up the scan. Take runs on a grab thread and does
-/// nothing but count and copy into buffers made before; everything else is called by the program's
-/// own threads. Thread-safe.
+/// kept, so that writing, however slow, never holds up the scan. Take runs on a grab thread and
+/// does nothing but count and copy into buffers made before; everything else is called by the
+/// program's own threads. Thread-safe.
 class ScanRecorder {
 public:
     using Clock = std::chrono::steady_clock;

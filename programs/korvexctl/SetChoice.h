@@ -11,8 +11,8 @@ struct ChosenSet {
     bool sheet = false;     // as a row of the contact sheet
 };
 
-/// Chooses `keep` sets for pictures and `rows` for the contact sheet, each evenly spread over a scan
-/// of `sets` and none more than once; in the order of their numbers.
+/// Chooses `keep` sets for pictures and `rows` for the contact sheet, each evenly spread over a
+/// scan of `sets` and none more than once; in the order of their numbers.
 std::vector<ChosenSet> ChooseSets(int sets, int keep, int rows);
 
 }  // namespace Korvex3Sync::korvexctl

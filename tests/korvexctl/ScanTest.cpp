@@ -84,9 +84,8 @@ TEST_F(KorvexctlScan, KeptSetsAreSpreadOverTheScan) {
 TEST_F(KorvexctlScan, TheContactSheetHasARowForEachOfAtMostEightSets) {
     const std::vector<std::pair<int, int>> setsAndRows{{3, 3}, {40, 8}};
     for (const auto& [sets, rows] : setsAndRows) {
-        const ChildResult result =
-            Scan({"--sets", std::to_string(sets), "--keep", "0", "--mode", "laser", "--json",
-                  "--out", m_out.string()});
+        const ChildResult result = Scan({"--sets", std::to_string(sets), "--keep", "0", "--mode",
+                                         "laser", "--json", "--out", m_out.string()});
         ASSERT_EQ(result.exitCode, 0) << result.error;
         EXPECT_THAT(ParseJson(result.output)["files"], ElementsAre("contact-sheet.png"));
         const DecodedPng sheet = DecodePng(ReadText(m_out / "contact-sheet.png"));

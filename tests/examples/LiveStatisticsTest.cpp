@@ -1,0 +1,62 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <csignal>
+#include <string>
+#include <vector>
+
+#include "support/ChildProcess.h"
+
+namespace Korvex3Sync::tests {
+
+namespace {
+
+using ::testing::AllOf;
+using ::testing::HasSubstr;
+using ::testing::Not;
+
+ChildOptions WithHead(const std::string& head) {
+    ChildOptions options;
+    options.environment.emplace_back("KORVEX_VIRTUAL_HEAD", head);
+    return options;
+}
+
+ChildResult LiveStatistics(std::vector<std::string> arguments, const std::string& head) {
+    arguments.insert(arguments.begin(), KORVEX_LIVE_STATISTICS);
+    return RunChild(arguments, WithHead(head));
+}
+
+TEST(LiveStatistics, EndsByItselfAndShowsItsFigures) {
+    const ChildResult result = LiveStatistics({"--seconds", "1", "--plain"}, "default");
+    EXPECT_EQ(result.exitCode, 0) << result.error;
+    EXPECT_THAT(result.output, AllOf(HasSubstr("\nrate      "), HasSubstr(" sets/s\n"),
+                                     HasSubstr("\ncallback  "), HasSubstr("\nlost      ")));
+    EXPECT_THAT(result.output, Not(HasSubstr("\033")));
+}
+
+TEST(LiveStatistics, CtrlCEndsItCleanly) {
+    ChildProcess program({KORVEX_LIVE_STATISTICS}, WithHead("default"));
+    ASSERT_TRUE(program.WaitForOutput("sets/s"));
+    program.Signal(SIGINT);
+    const ChildResult result = program.Wait();
+    EXPECT_EQ(result.signal, 0);
+    EXPECT_THAT(result.output, AllOf(HasSubstr("\033[H\033[2J"), HasSubstr("End Disconnect")));
+}
+
+TEST(LiveStatistics, WithoutAHeadItSaysSo) {
+    const ChildResult result = LiveStatistics({"--seconds", "1"}, "");
+    EXPECT_EQ(result.exitCode, 1);
+    EXPECT_THAT(result.error, HasSubstr("no head"));
+}
+
+TEST(LiveStatistics, RefusesWhatItDoesNotKnow) {
+    for (const char* argument : {"--seconds", "--fast"}) {
+        const ChildResult result = LiveStatistics({argument}, "default");
+        EXPECT_EQ(result.exitCode, 2) << argument;
+        EXPECT_THAT(result.error, HasSubstr("usage"));
+    }
+}
+
+}  // namespace
+
+}  // namespace Korvex3Sync::tests
