@@ -9,6 +9,7 @@
 #include "korvexctl/Commands.h"
 #include "korvexctl/ConnectedHead.h"
 #include "korvexctl/NumberOption.h"
+#include "korvexctl/ScanLosses.h"
 #include "korvexctl/StatusReport.h"
 #include "korvexctl/StatusWatch.h"
 #include "korvexctl/TriggerModes.h"
@@ -55,8 +56,20 @@ private:
     const CAMERA_TRIGGER_MODE m_mode;
 };
 
-nlohmann::json AskLosses(const Session&) {
-    return nullptr;
+/// The losses that the library counts, by place; null when it does not tell.
+nlohmann::json AskLosses(const Session& session) {
+    ScanLosses losses;
+    losses.Ask(session);
+    if (!losses.library) {
+        return nullptr;
+    }
+    nlohmann::json figures;
+    AddToJson(losses, figures);
+    nlohmann::json& places = figures["losses"];
+    // A camera that waits for a trigger fails snaps all the time, and nothing is written here.
+    places.erase("failed_snaps");
+    places.erase("not_kept_disk");
+    return places;
 }
 
 Outcome RunStatus(const Asked& asked, Output& output) {
