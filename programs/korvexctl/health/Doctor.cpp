@@ -1,4 +1,5 @@
 #include "korvexctl/health/Doctor.h"
+#include "korvexctl/ExitCodes.h"
 
 #include <Korvex3Sync/Connection.h>
 #include <Korvex3Sync/Discovery.h>
@@ -21,9 +22,6 @@ namespace {
 constexpr std::chrono::seconds kShortLimit{10};
 constexpr std::chrono::seconds kLongLimit{30};
 constexpr std::chrono::seconds kPollLimit{5};
-// 1.5 s at the period of a scan.
-constexpr int kTrialSets = 150;
-constexpr std::chrono::milliseconds kTrialLimit{3000};
 
 constexpr const char* kHeadCheck = "head";
 constexpr const char* kPlugIn =
@@ -42,12 +40,11 @@ constexpr const char* kRestart =
 
 /// What the checks know of the machine, beside the head.
 struct Patient : Examined {
-    explicit Patient(const DoctorOptions& options)
-        : Examined(options.head), machine(options.machine) {}
+    explicit Patient(const DoctorOptions& options_) : Examined(options_.head), options(options_) {}
 
     bool Board() const { return onUsb3.has_value() || !plugged.empty(); }
 
-    const UsbMachine machine;
+    const DoctorOptions options;
     bool simulated = false;
     std::optional<bool> onUsb3;     // nothing: the library finds no board
     std::vector<UsbBoard> plugged;  // as the system sees them
@@ -71,7 +68,7 @@ Finding CheckBoard(Patient& patient) {
         return patient.onUsb3 ? Finding{Verdict::Ok, "found; it is simulated"}
                               : Finding{Verdict::Fault, "not found on USB", kPlugIn};
     }
-    patient.plugged = FindUsbBoards(patient.machine);
+    patient.plugged = FindUsbBoards(patient.options.machine);
     std::string where;
     for (const UsbBoard& board : patient.plugged) {
         where += (where.empty() ? "" : "; ") + board.Where();
@@ -204,7 +201,7 @@ Finding CheckAnswer(Patient& patient) {
     return {Verdict::Ok, "the board answers its status poll"};
 }
 
-Finding JudgeTrial(const TrialResult& trial) {
+Finding JudgeTrial(const TrialResult& trial, int asked) {
     std::ostringstream text;
     text << trial.counts.sets << " sets";
     if (const auto rate = trial.counts.Rate()) {
@@ -228,9 +225,8 @@ Finding JudgeTrial(const TrialResult& trial) {
         return {Verdict::Warning, text.str() + "; lost: " + trial.LossText(), trial.Cure(),
                 figures};
     }
-    if (trial.counts.sets < kTrialSets) {
-        return {Verdict::Warning,
-                text.str() + "; " + std::to_string(kTrialSets) + " should have come",
+    if (trial.counts.sets < asked) {
+        return {Verdict::Warning, text.str() + "; " + std::to_string(asked) + " should have come",
                 "end other programs, and try a computer that is faster", figures};
     }
     return {Verdict::Ok, text.str() + (trial.lost ? ", nothing lost" : ""), "", figures};
@@ -241,13 +237,13 @@ Finding CheckTrial(const Patient& patient) {
         return {Verdict::NotRun, patient.head ? "the board does not answer" : "not connected"};
     }
     TrialOptions options;
-    options.sets = kTrialSets;
-    options.limit = kTrialLimit;
+    options.sets = patient.options.trialSets;
+    options.limit = patient.options.trialLimit;
     options.light.mode = GivesColor(*patient.head, TRIGGER_LASER_LINES_COLOR)
                              ? TRIGGER_LASER_LINES_COLOR
                              : TRIGGER_LASER_LINES;
     try {
-        return JudgeTrial(RunTrial(*patient.head, options));
+        return JudgeTrial(RunTrial(*patient.head, options), options.sets);
     } catch (const CommandError& error) {
         return {Verdict::Fault, error.what(), kRestart};
     }

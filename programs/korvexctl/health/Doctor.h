@@ -15,6 +15,9 @@ inline constexpr VerdictWords kDoctorWords{"ok", "warning", "FAULT", "not checke
 struct DoctorOptions {
     HeadChoice head;
     UsbMachine machine = UsbMachine::This();
+    // The trial scan: 1.5 s at the period of a scan.
+    int trialSets = 150;
+    std::chrono::milliseconds trialLimit{3000};
 };
 
 /// The checks of one machine and one head, in order. What a check needs and an earlier one did not

@@ -17,17 +17,17 @@ constexpr std::chrono::seconds kLimit{20};
 constexpr std::chrono::seconds kReconnectLimit{60};
 constexpr std::chrono::seconds kPollLimit{20};
 constexpr std::chrono::seconds kSnapshotLimit{30};
-constexpr int kSets = 20;
 
 constexpr double kSnapshotExposureMs = 5;
 constexpr std::size_t kSnapshotImages = 2;
 constexpr std::size_t kInfraredImages = 3;
 
 /// A scan of a few sets; each as its mode promises it, none lost.
-Finding TestScan(const Examined& examined, CAMERA_TRIGGER_MODE mode) {
+Finding TestScan(const Examined& examined, CAMERA_TRIGGER_MODE mode, const SelftestOptions& asked) {
     TrialOptions options;
     options.light.mode = mode;
-    options.sets = kSets;
+    options.light.periodMs = asked.periodMs;
+    options.sets = asked.sets;
     const TrialResult trial = RunTrial(*examined.head, options);
     const SetCheck::Counts& counts = trial.counts;
     const bool color = GivesColor(*examined.head, mode);
@@ -36,8 +36,8 @@ Finding TestScan(const Examined& examined, CAMERA_TRIGGER_MODE mode) {
     const auto add = [&wrong](const std::string& text) {
         wrong += (wrong.empty() ? "" : "; ") + text;
     };
-    if (counts.sets < kSets) {
-        add(std::to_string(counts.sets) + " of " + std::to_string(kSets) + " sets came");
+    if (counts.sets < options.sets) {
+        add(std::to_string(counts.sets) + " of " + std::to_string(options.sets) + " sets came");
     }
     if (counts.odd > 0) {
         add(std::to_string(counts.odd) + " sets with other images than promised");
@@ -105,21 +105,24 @@ Finding TestSnapshot(const Examined& examined, bool infrared) {
 
 }  // namespace
 
-std::vector<Step> ScanSteps(const std::shared_ptr<Examined>& examined) {
+std::vector<Step> ScanSteps(const std::shared_ptr<Examined>& examined,
+                            const SelftestOptions& options) {
     std::vector<Step> steps;
     for (const TriggerMode& known : kTriggerModes) {
-        steps.push_back(
-            HeadStep(examined, std::string("scan ") + known.name, kLimit,
-                     [mode = known.mode](const Examined& head) { return TestScan(head, mode); }));
+        steps.push_back(HeadStep(examined, std::string("scan ") + known.name, kLimit,
+                                 [mode = known.mode, options](const Examined& head) {
+                                     return TestScan(head, mode, options);
+                                 }));
     }
     return steps;
 }
 
-std::vector<Step> ReconnectSteps(const std::shared_ptr<Examined>& examined) {
+std::vector<Step> ReconnectSteps(const std::shared_ptr<Examined>& examined,
+                                 const SelftestOptions& options) {
     return {HeadStep(examined, "reset of nothing", kLimit, TestNoReset),
             HeadStep(examined, "reconnect", kReconnectLimit, TestReconnect),
-            HeadStep(examined, "scan after reconnect", kLimit, [](const Examined& head) {
-                return TestScan(head, TRIGGER_LASER_LINES_COLOR);
+            HeadStep(examined, "scan after reconnect", kLimit, [options](const Examined& head) {
+                return TestScan(head, TRIGGER_LASER_LINES_COLOR, options);
             })};
 }
 

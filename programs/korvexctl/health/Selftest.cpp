@@ -46,10 +46,11 @@ std::vector<Step> SettingSteps(const std::shared_ptr<Examined>& examined) {
 std::vector<Step> SelftestSteps(const SelftestOptions& options) {
     const auto examined = std::make_shared<Examined>(options.head);
     std::vector<Step> all = ConnectionSteps(examined);
-    for (auto& some : {SettingSteps(examined), ScanSteps(examined),
-                       UserMemorySteps(examined, options.writeUserMemory), ReconnectSteps(examined),
-                       // Last, because it cannot be ended when no frame comes.
-                       SnapshotSteps(examined)}) {
+    for (auto& some :
+         {SettingSteps(examined), ScanSteps(examined, options),
+          UserMemorySteps(examined, options.writeUserMemory), ReconnectSteps(examined, options),
+          // Last, because it cannot be ended when no frame comes.
+          SnapshotSteps(examined)}) {
         all.insert(all.end(), some.begin(), some.end());
     }
     all.push_back(PutBackStep(examined, Verdict::Fault));

@@ -17,6 +17,8 @@ inline constexpr VerdictWords kSelftestWords{"passed", "failed", "FAILED", "not 
 struct SelftestOptions {
     HeadChoice head;
     bool writeUserMemory = false;  // its last page is written and put back
+    int sets = 20;                 // of each scan
+    int periodMs = 10;             // from trigger to trigger
 };
 
 /// The same for every head, virtual or real. They own the connection that they make, and close it
@@ -38,10 +40,12 @@ std::vector<Step> ConnectionSteps(const std::shared_ptr<Examined>& examined);
 /// One for each setting but the trigger mode, which the scans try.
 std::vector<Step> SettingSteps(const std::shared_ptr<Examined>& examined);
 /// One for each trigger mode that gives sets.
-std::vector<Step> ScanSteps(const std::shared_ptr<Examined>& examined);
+std::vector<Step> ScanSteps(const std::shared_ptr<Examined>& examined,
+                            const SelftestOptions& options);
 std::vector<Step> UserMemorySteps(const std::shared_ptr<Examined>& examined, bool write);
 /// The reset that resets nothing, the reconnection, and a scan after it.
-std::vector<Step> ReconnectSteps(const std::shared_ptr<Examined>& examined);
+std::vector<Step> ReconnectSteps(const std::shared_ptr<Examined>& examined,
+                                 const SelftestOptions& options);
 std::vector<Step> SnapshotSteps(const std::shared_ptr<Examined>& examined);
 
 }  // namespace Korvex3Sync::korvexctl

@@ -1,8 +1,12 @@
 #include "korvexctl/health/SettingTest.h"
 
 #include <algorithm>
+#include <iterator>
+#include <optional>
+#include <string>
 #include <vector>
 
+#include "korvexctl/ExitCodes.h"
 #include "korvexctl/Session.h"
 #include "korvexctl/SettingsAccess.h"
 
@@ -10,7 +14,7 @@ namespace Korvex3Sync::korvexctl {
 
 namespace {
 
-double Step(const Field& field) {
+double StepOf(const Field& field) {
     constexpr double kTenth = 0.1;
     return field.kind == FieldKind::Tenths ? kTenth : 1;
 }
@@ -18,7 +22,7 @@ double Step(const Field& field) {
 /// The value moved by so many steps in each field; nothing when that leaves the range.
 std::optional<SettingValue> Moved(const Setting& setting, SettingValue value, double steps) {
     for (std::size_t i = 0; i < setting.fields.size(); ++i) {
-        value[i] += steps * Step(setting.fields[i]);
+        value[i] += steps * StepOf(setting.fields[i]);
         if (CheckValue(setting.fields[i], value[i])) {
             return std::nullopt;
         }
@@ -52,17 +56,19 @@ std::string SetAndRead(void* const& handle, const Setting& setting, const Settin
     return {};
 }
 
-/// Several values are tried in turn where one that the head takes is enough.
+/// A camera may refuse one of its neighbours; any other setting takes the first that is in range.
 std::string SetAnother(void* const& handle, const Setting& setting, const SettingValue& found,
                        std::string& tried) {
     std::string wrong = "there is no other value";
     for (const double steps : {1.0, -1.0}) {
-        if (const auto other = Moved(setting, found, steps)) {
-            wrong = SetAndRead(handle, setting, *other);
-            if (wrong.empty()) {
-                tried = ValueText(setting.fields, *other);
-                return {};
-            }
+        const auto other = Moved(setting, found, steps);
+        if (!other) {
+            continue;
+        }
+        tried = ValueText(setting.fields, *other);
+        wrong = SetAndRead(handle, setting, *other);
+        if (wrong.empty() || setting.part == CameraPart::None) {
+            break;
         }
     }
     return wrong;

@@ -2,6 +2,7 @@
 
 #include <string>
 
+#include "korvexctl/ExitCodes.h"
 #include "korvexctl/UserInfoText.h"
 #include "korvexctl/health/Examined.h"
 #include "korvexctl/health/Selftest.h"
