@@ -118,8 +118,11 @@ std::vector<Step> ConnectionSteps(const std::shared_ptr<Examined>& examined) {
             {"firmware", kLimit, [examined] { return TestFirmware(*examined); }},
             {"connect", kConnectLimit, [examined] { return Connect(*examined); }},
             HeadStep(examined, "read settings", kConnectLimit, KeepSettings),
-            HeadStep(examined, "camera information", kLimit, TestCameraInformation),
-            HeadStep(examined, "status", kLimit, TestStatus)};
+            HeadStep(examined, "camera information", kLimit, TestCameraInformation)};
+}
+
+Step StatusStep(const std::shared_ptr<Examined>& examined) {
+    return HeadStep(examined, "status", kLimit, TestStatus);
 }
 
 }  // namespace Korvex3Sync::korvexctl

@@ -47,8 +47,9 @@ std::vector<Step> SelftestSteps(const SelftestOptions& options) {
     const auto examined = std::make_shared<Examined>(options.head);
     std::vector<Step> all = ConnectionSteps(examined);
     for (auto& some :
-         {SettingSteps(examined), ScanSteps(examined, options),
-          UserMemorySteps(examined, options.writeUserMemory), ReconnectSteps(examined, options),
+         {SettingSteps(examined), std::vector<Step>{StatusStep(examined)},
+          ScanSteps(examined, options), UserMemorySteps(examined, options.writeUserMemory),
+          ReconnectSteps(examined, options),
           // Last, because it cannot be ended when no frame comes.
           SnapshotSteps(examined)}) {
         all.insert(all.end(), some.begin(), some.end());

@@ -39,6 +39,8 @@ Step HeadStep(const std::shared_ptr<Examined>& examined, std::string name,
 std::vector<Step> ConnectionSteps(const std::shared_ptr<Examined>& examined);
 /// One for each setting but the trigger mode, which the scans try.
 std::vector<Step> SettingSteps(const std::shared_ptr<Examined>& examined);
+/// Watches the status from here on, which switches the heartbeat on: after the settings.
+Step StatusStep(const std::shared_ptr<Examined>& examined);
 /// One for each trigger mode that gives sets.
 std::vector<Step> ScanSteps(const std::shared_ptr<Examined>& examined,
                             const SelftestOptions& options);
