@@ -122,6 +122,10 @@ TEST_F(ReconnectedHead, AScanGoesOnThroughManyOfThem) {
         ASSERT_EQ(ReconnectDevice(m_handle), STATUS_SUCCESS);
         ASSERT_TRUE(ScanGoesOn()) << round;
     }
+    ScanStatistics statistics;
+    ASSERT_EQ(GetScanStatistics(m_handle, statistics), STATUS_SUCCESS);
+    EXPECT_EQ(statistics.missingKeys, 0u) << "what came while the cameras were closed is no loss";
+    EXPECT_EQ(statistics.repeatedKeys, 0u);
     const int reports = m_reports;
     while (m_reports == reports) {
         std::this_thread::yield();  // the polls go on too; the test's own limit ends this

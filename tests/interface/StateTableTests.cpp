@@ -126,6 +126,7 @@ std::vector<Row> Cameras() {
     return {
         Camera("CloseDeviceCamera", {"ReleaseCamera(C1)"}, {"ReleaseCamera(C2)"}, {}),
         Camera("GetConnectCameraCount", {}, {}, {}),
+        Camera("GetScanStatistics", {}, {}, {}),
         Camera("GetCameraSerialNumber", {"GetSerialNo(C1)"}, {"GetSerialNo(C2)"},
                {"GetSerialNo(null)"}),
         Camera("GetCameraResolution", {"GetResolution(C1)"}, {"GetResolution(C2)"}, {}),
