@@ -124,7 +124,8 @@ TEST_F(ReconnectedHead, AScanGoesOnThroughManyOfThem) {
     }
     ScanStatistics statistics;
     ASSERT_EQ(GetScanStatistics(m_handle, statistics), STATUS_SUCCESS);
-    EXPECT_EQ(statistics.missingKeys, 0u) << "what came while the cameras were closed is no loss";
+    EXPECT_LE(statistics.setsDelivered + statistics.missingKeys, Head().Clock().Triggers())
+        << "a reconnection makes no losses up";
     EXPECT_EQ(statistics.repeatedKeys, 0u);
     const int reports = m_reports;
     while (m_reports == reports) {
