@@ -1,5 +1,6 @@
 #include <atomic>
 #include <chrono>
+#include <ostream>
 #include <thread>
 
 #include "head/HeadSession.h"
@@ -65,6 +66,9 @@ struct ModeRow {
     CAMERA_TRIGGER_MODE mode;
     std::uint64_t frames;   // for each trigger
     std::uint64_t pending;  // after a stop
+    friend std::ostream& operator<<(std::ostream& out, const ModeRow& row) {
+        return out << "mode " << int{row.mode};
+    }
 };
 
 class LossesInModes : public Losses, public testing::WithParamInterface<ModeRow> {};
