@@ -9,7 +9,7 @@ namespace Korvex3Sync::virtual_head::scene {
 namespace {
 
 // Powers at full brightness, with the exposure, duty ratio and work time of power-on.
-constexpr double kStrobeInColor = 1.15;
+constexpr double kStrobeInColor = 1.3;
 constexpr double kStrobeInMono = 0.4;
 constexpr double kLines = 1.6;
 constexpr double kProjector = 2.2;
