@@ -29,20 +29,6 @@ RETSTATUS IManagerSync::GetFirewareVersion(const char* pcbSerial, std::string& v
                                                                         : STATUS_FAILED;
 }
 
-RETSTATUS IManagerSync::ResetBoard(bool resetFPGA, bool resetDevice) {
-    constexpr char kAnyBoard[] = "";
-    const RETSTATUS open = EnsureBoardOpen(kAnyBoard);
-    if (open != STATUS_SUCCESS) {
-        return open;
-    }
-    if (!resetDevice && !resetFPGA) {
-        return STATUS_SUCCESS;
-    }
-    const bool reset =
-        resetDevice ? board::zr3DResetDevice(m_hDevice) : board::zr3DResetFPGA(m_hDevice);
-    return reset ? STATUS_SUCCESS : STATUS_FAILED;
-}
-
 RememberedSettings IManagerSync::SettingsToRestore() {
     os::CriticalSectionGuard device(m_csDevice);
     return m_remembered;
@@ -113,7 +99,7 @@ RETSTATUS IManagerSync::EnableVideoTrigger(const CAMERA_TRIGGER_MODE& mode, cons
     const board::MASK_TRIGGER_MODE boardMode = ToBoard(mode, enable);
     return BoardOperation(
         DeviceLost::Refuses, [&](Remembered& r) { r.triggerMode = boardMode; },
-        [&](void* h) { return board::zr3DSetVideoTrigleMode(h, boardMode); });
+        [&](void* h) { return WriteTriggerMode(h, boardMode); });
 }
 
 RETSTATUS IManagerSync::Project(const PROJECTWORKTYPES& type) {

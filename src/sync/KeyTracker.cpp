@@ -1,0 +1,49 @@
+#include "sync/KeyTracker.h"
+
+#include <algorithm>
+
+namespace Korvex3Sync {
+namespace {
+
+constexpr unsigned kKeyMask = 0xFF;
+constexpr unsigned kLastKey = 0xFF;
+/// One round of keys after a start every frame is of the new run.
+constexpr int kUnsettledKeys = 256;
+/// Fewer where the new run may have begun with key 0 already: a gap of its own across the next wrap
+/// must not look like a beginning.
+constexpr int kUnsettledAfterWrap = 128;
+
+}  // namespace
+
+KeyStep KeyTracker::Take(unsigned key, std::uint64_t starts) {
+    if (starts != m_starts) {
+        m_starts = starts;
+        m_unsettled = kUnsettledKeys;
+    }
+    const KeyStep step = Judge(key);
+    m_last = key;
+    return step;
+}
+
+KeyStep KeyTracker::Judge(unsigned key) {
+    if (!m_last) {
+        const bool newRun = m_unsettled > 0;
+        m_unsettled = 0;
+        return {newRun ? key : 0, false};
+    }
+    const bool repeated = key == *m_last;
+    const unsigned missing = repeated ? 0 : (key - *m_last - 1) & kKeyMask;
+    if (m_unsettled > 0) {
+        if (*m_last == kLastKey) {
+            // Both readings miss the same, and only the next keys can tell which one holds.
+            m_unsettled = std::min(m_unsettled, kUnsettledAfterWrap);
+        } else if (key <= missing) {
+            m_unsettled = 0;
+            return {key, false};
+        }
+        m_unsettled -= static_cast<int>(missing) + 1;
+    }
+    return {missing, repeated};
+}
+
+}  // namespace Korvex3Sync
