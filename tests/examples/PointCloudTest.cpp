@@ -11,8 +11,8 @@
 #include <vector>
 
 #include "support/ChildProcess.h"
-#include "virtual_head/HeadDescription.h"
 #include "virtual_head/TestFiles.h"
+#include "virtual_head/scene/SceneDescription.h"
 
 namespace Korvex3Sync::tests {
 
