@@ -93,12 +93,12 @@ bool Watch(void* const& head, Clock::time_point end, bool plain) {
 }  // namespace
 
 int main(int count, char** arguments) {
-    auto end = Clock::time_point::max();
+    int seconds = 0;  // 0: until Ctrl-C
     bool plain = false;
     for (int i = 1; i < count; ++i) {
         const std::string argument = arguments[i];
         if (argument == "--seconds" && i + 1 < count && std::atoi(arguments[i + 1]) > 0) {
-            end = Clock::now() + std::chrono::seconds(std::atoi(arguments[++i]));
+            seconds = std::atoi(arguments[++i]);
         } else if (argument == "--plain") {
             plain = true;
         } else {
@@ -120,7 +120,10 @@ int main(int count, char** arguments) {
         SetScanCallBackFunction(head, OnSet, nullptr);
         EnableBlueLaser(head, LASER_WORK_MODE_1, true);
         EnableVideoTrigger(head, TRIGGER_LASER_LINES_COLOR, true);
-        good = Watch(head, end, plain);
+        good = Watch(
+            head,
+            seconds > 0 ? Clock::now() + std::chrono::seconds(seconds) : Clock::time_point::max(),
+            plain);
         EnableVideoTrigger(head, TRIGGER_LASER_LINES_COLOR, false);
         EnableBlueLaser(head, LASER_WORK_MODE_1, false);
         DisConnectDevice(head);

@@ -59,7 +59,51 @@ constexpr std::string_view kReplay = R"(# Real images in place of the ones that 
 #folder = "pairs"
 )";
 
-constexpr std::array kTables{kIntroduction, kCamera, kBoard, kReplay};
+constexpr std::string_view kScene = R"([scene]
+# What the sensors see where no images are replayed: a plate with a sphere and a box on it, under
+# the light of the board. x runs to the right, y down, z away from the head.
+
+# Focal length of the sensors. Pixels of an image of 1280 x 1024, 200 to 10000.
+focal_length = 1500
+# Space between the two sensors. Millimetres, 10 to 500.
+baseline = 150
+# Angle by which each sensor is turned towards the other. Degrees, 0 to 45.
+toe_in = 13
+# From the middle between the sensors to the plate. Millimetres, 100 to 1000.
+distance = 320
+
+# Middle of the sphere, seen from the middle of the plate: x, y, z. Millimetres, -500 to 500 each.
+sphere_center = [-34, -14, -18]
+# Radius of the sphere. Millimetres, 1 to 200.
+sphere_radius = 40
+# Middle of the box, seen from the middle of the plate: x, y, z. Millimetres, -500 to 500 each.
+box_center = [50, 30, -16]
+# Edges of the box along x, y and z. Millimetres, 1 to 400 each.
+box_size = [64, 44, 32]
+# Angle by which the box is turned on the plate. Degrees, -180 to 180.
+box_turn = 20
+
+# Where laser lines, patterns and infrared light come from, seen from the middle between the
+# sensors: x, y, z. Millimetres, -300 to 300 each.
+projector = [0, -70, 0]
+# Lines of each of the two sets of laser lines. A count, 1 to 25.
+laser_lines = 9
+# Space between two lines at the plate. Millimetres, 2 to 100.
+laser_spacing = 22
+# Width of a line at half of its peak, at the plate. Millimetres, 0.1 to 5.
+laser_width = 0.8
+# Angle of the lines from the vertical, one set to each side. Degrees, 0 to 60.
+laser_angle = 20
+
+# Steps of the closed path on which the object moves on, one for each trigger. A count, 1 to 8.
+poses = 4
+# How far the path leads from its middle. Millimetres, 0 to 30.
+motion = 6
+# How far the object turns on it. Degrees, 0 to 15.
+swing = 4
+)";
+
+constexpr std::array kTables{kIntroduction, kCamera, kBoard, kScene, kReplay};
 
 }  // namespace
 

@@ -81,8 +81,8 @@ Outcome DiffProfile(const Asked& asked, Output& output) {
             different += equal ? 0 : 1;
         }
         if (!equal) {
-            output.Line(setting->name + ": file " + ValueText(setting->fields, value) + ", head " +
-                        reading.Text());
+            const Reading inFile{setting, STATUS_SUCCESS, value};
+            output.Line(setting->name + ": file " + inFile.Text() + ", head " + reading.Text());
         }
     }
     outcome.figures = {

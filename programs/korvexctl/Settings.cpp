@@ -180,7 +180,7 @@ RETSTATUS ReadCamera(void* const& handle, int order, double& exposure, int& gain
     exposure = -1;
     gain = -1;
     const RETSTATUS status = GetCameraExposureAndGain(handle, order, exposure, gain);
-    return status == STATUS_SUCCESS && (exposure < 0 || gain < 0) ? STATUS_CAMERA : status;
+    return status == STATUS_SUCCESS && (exposure <= 0 || gain < 0) ? STATUS_CAMERA : status;
 }
 
 Setting Exposure(int order) {

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "support/ChildProcess.h"
+#include "virtual_head/TestFiles.h"
 
 namespace Korvex3Sync::tests {
 
@@ -26,8 +27,16 @@ ChildResult LiveStatistics(std::vector<std::string> arguments, const std::string
     return RunChild(arguments, WithHead(head));
 }
 
+/// Small images, so that the test costs little.
+std::string SmallHead(const TemporaryFolder& folder) {
+    const auto file = folder.Path() / "head.toml";
+    WriteText(file, "[camera]\nwidth = 64\nheight = 48\n");
+    return file.string();
+}
+
 TEST(LiveStatistics, EndsByItselfAndShowsItsFigures) {
-    const ChildResult result = LiveStatistics({"--seconds", "1", "--plain"}, "default");
+    const TemporaryFolder folder;
+    const ChildResult result = LiveStatistics({"--seconds", "1", "--plain"}, SmallHead(folder));
     EXPECT_EQ(result.exitCode, 0) << result.error;
     EXPECT_THAT(result.output, AllOf(HasSubstr("\nrate      "), HasSubstr(" sets/s\n"),
                                      HasSubstr("\ncallback  "), HasSubstr("\nlost      ")));
@@ -35,7 +44,8 @@ TEST(LiveStatistics, EndsByItselfAndShowsItsFigures) {
 }
 
 TEST(LiveStatistics, CtrlCEndsItCleanly) {
-    ChildProcess program({KORVEX_LIVE_STATISTICS}, WithHead("default"));
+    const TemporaryFolder folder;
+    ChildProcess program({KORVEX_LIVE_STATISTICS}, WithHead(SmallHead(folder)));
     ASSERT_TRUE(program.WaitForOutput("sets/s"));
     program.Signal(SIGINT);
     const ChildResult result = program.Wait();

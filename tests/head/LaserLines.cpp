@@ -6,10 +6,13 @@
 namespace Korvex3Sync::tests {
 namespace {
 
-constexpr int kHalf = 6;          // pixels to either side of a peak that belong to it
-constexpr int kHighEnough = 40;   // grey levels above what surrounds it
-constexpr double kNearest = 200;  // depths between which a point is looked for
-constexpr double kFarthest = 400;
+constexpr int kHalf = 6;         // pixels to either side of a peak that belong to it
+constexpr int kHighEnough = 40;  // grey levels above what surrounds it
+// What is not symmetric is a line that an edge of the object cuts.
+constexpr double kMostOff = 0.75;
+constexpr double kMostSlant = 1.5;  // pixels from row to row
+constexpr double kNearest = 245;    // depths between which a point is looked for
+constexpr double kFarthest = 350;
 
 std::vector<double> Crossings(const unsigned char* row, int width) {
     std::vector<double> crossings;
@@ -27,7 +30,9 @@ std::vector<double> Crossings(const unsigned char* row, int width) {
             sum += over;
             moment += over * i;
         }
-        crossings.push_back(x + moment / sum);
+        if (std::abs(moment / sum) <= kMostOff) {
+            crossings.push_back(x + moment / sum);
+        }
     }
     return crossings;
 }
@@ -67,7 +72,7 @@ std::optional<double> LaserLines::Near(const Pixel& place, double limit) const {
         return std::nullopt;
     }
     const auto first = NearInRow(above, place.x, limit);
-    const auto second = first ? NearInRow(above + 1, *first, 3) : std::nullopt;
+    const auto second = first ? NearInRow(above + 1, *first, kMostSlant) : std::nullopt;
     if (!second) {
         return std::nullopt;
     }
@@ -76,7 +81,7 @@ std::optional<double> LaserLines::Near(const Pixel& place, double limit) const {
 
 std::vector<Point> PointsOnFirstSet(const virtual_head::HeadDescription& head,
                                     const LaserLines& left, const LaserLines& right) {
-    constexpr double kLimit = 3;  // pixels
+    constexpr double kLimit = 0.6;  // pixels
     const Sensor leftSensor(head, Sensor::Left);
     const Sensor rightSensor(head, Sensor::Right);
     std::vector<Point> points;

@@ -80,7 +80,7 @@ TEST_F(Triangulation, EverySetOfLinesGivesTheObjectBack) {
         const Fit fit = Compare(m_description.scene, pose,
                                 tests::PointsOnFirstSet(m_description, Left(pose), Right(pose)));
         EXPECT_GE(fit.points, 3000u) << pose;
-        EXPECT_GE(fit.within, 0.995) << "pose " << pose << ": " << fit;
+        EXPECT_GE(fit.within, 0.999) << "pose " << pose << ": " << fit;
         EXPECT_LE(fit.median, 0.1) << "pose " << pose << ": " << fit;
     }
 }
@@ -89,15 +89,17 @@ TEST_F(Triangulation, OnlyImagesOfOneTriggerFitTogether) {
     ASSERT_NO_FATAL_FAILURE(Scan(LASER_WORK_MODE_3));
     for (int left = 0; left < Poses(); ++left) {
         for (int right = 0; right < Poses(); ++right) {
-            const Fit fit =
-                Compare(m_description.scene, left,
-                        tests::PointsOnSingleLine(m_description, Left(left), Right(right)));
+            const auto points = tests::PointsOnSingleLine(m_description, Left(left), Right(right));
+            const Fit fit = Compare(m_description.scene, left, points);
             if (left == right) {
-                EXPECT_GE(fit.points, 300u) << left;
-                EXPECT_GE(fit.within, 0.99) << "pose " << left << ": " << fit;
+                // But for some points at edges of the object, where a line is seen in part only.
+                EXPECT_GE(fit.points, 500u) << left;
+                EXPECT_GE(fit.within, 0.985) << "pose " << left << ": " << fit;
             } else {
-                EXPECT_LE(fit.within, 0.5)
-                    << "left of pose " << left << ", right of pose " << right << ": " << fit;
+                EXPECT_GE(fit.points, 500u) << left << right;
+                EXPECT_LE(fit.within, 0.25) << "left " << left << ", right " << right << fit;
+                EXPECT_LE(Compare(m_description.scene, right, points).within, 0.25)
+                    << "left " << left << ", right " << right;
             }
         }
     }

@@ -58,6 +58,14 @@ TEST_F(BoardCommands, ARefusedResetIsTold) {
     EXPECT_THAT(result.message, StartsWith("reset the device: "));
 }
 
+TEST_F(BoardCommands, ReconnectEndsWithABoardThatAnswers) {
+    const CommandResult result = RunHere({"reconnect"});
+    EXPECT_EQ(result.code, ExitCode::Done) << result.message;
+    EXPECT_EQ(result.figures["answers"], true);
+    EXPECT_THAT(result.output, StartsWith("reconnected, and the board answers, after "));
+    EXPECT_EQ(m_head->GetJournal().Texts({"zr3DInitHidDev"}).size(), 2U);
+}
+
 TEST_F(BoardCommands, UserInfoKeepsText) {
     const CommandResult written = RunHere({"user-info", "write", "3", "bench 7"});
     EXPECT_EQ(written.code, ExitCode::Done) << written.message;

@@ -10,6 +10,7 @@
 #include "virtual_head/HeadFile.h"
 #include "virtual_head/HeadRules.h"
 #include "virtual_head/TestFiles.h"
+#include "virtual_head/scene/SceneRules.h"
 
 namespace Korvex3Sync::tests {
 
@@ -66,6 +67,12 @@ TEST(HeadFileText, IsTheDefaultHead) {
     for (const auto& rule : virtual_head::TextRules()) {
         EXPECT_EQ(read.*rule.member, defaults.*rule.member) << rule.where.key;
     }
+    for (const auto& rule : virtual_head::SceneRules()) {
+        for (std::size_t i = 0; i < rule.count; ++i) {
+            EXPECT_EQ(SceneValue(read.scene, rule, i), SceneValue(defaults.scene, rule, i))
+                << rule.key;
+        }
+    }
     EXPECT_EQ(read.color, defaults.color);
     EXPECT_EQ(read.userMemory, defaults.userMemory);
     EXPECT_EQ(read.replayFolder, defaults.replayFolder);
@@ -78,6 +85,31 @@ TEST(HeadFileText, NamesEveryKeyThatHasADefault) {
     }
     for (const auto& rule : virtual_head::TextRules()) {
         EXPECT_THAT(text, HasSubstr(std::string("\n") + rule.where.key + " = "));
+    }
+}
+
+/// The lines that explain a key: those of prose right above it.
+std::string ExplanationOf(const std::string& key) {
+    std::string explanation;
+    for (const std::string& line : LinesOf(korvexctl::HeadFileText())) {
+        if (line.starts_with(key + " = ")) {
+            return explanation;
+        }
+        explanation = IsProse(line) ? explanation + line : "";
+    }
+    return "";
+}
+
+std::string RangeText(double lowest, double highest) {
+    std::ostringstream text;
+    text << lowest << " to " << highest;
+    return text.str();
+}
+
+TEST(HeadFileText, NamesEveryKeyOfTheSceneWithItsRange) {
+    for (const auto& rule : virtual_head::SceneRules()) {
+        EXPECT_THAT(ExplanationOf(rule.key), HasSubstr(", " + RangeText(rule.lowest, rule.highest)))
+            << rule.key;
     }
 }
 

@@ -173,6 +173,32 @@ TEST_F(SettingsOverHead, ACameraThatTheHeadDoesNotHaveIsRefusedBeforeAnythingIsS
     EXPECT_EQ(RunHere({"get", "gain.3"}).code, ExitCode::DeviceRefused);
 }
 
+TEST_F(SettingsOverHead, ExposureAndGainGoInOneWord) {
+    const CommandResult result =
+        RunHere({"set", "exposure.1", "8.5", "project", "1", "gain.1", "3"});
+    EXPECT_EQ(result.code, ExitCode::Done) << result.message;
+    EXPECT_EQ(result.output, "exposure.1 8.5 ms\nproject set to 1, not readable\ngain.1 3\n");
+    EXPECT_EQ(result.figures["settings"]["exposure.1"]["value"], 8.5);
+    const std::vector<std::string> words = m_head->GetJournal().Texts({"SetCameraIntParam"});
+    EXPECT_THAT(words, ::testing::Contains(HasSubstr(", 3413) = true")));
+}
+
+TEST_F(SettingsOverHead, TheHalfThatIsNotGivenStays) {
+    ASSERT_EQ(RunHere({"set", "exposure.0", "8.5", "gain.0", "3"}).code, ExitCode::Done);
+    EXPECT_EQ(RunHere({"set", "exposure.0", "2.1"}).code, ExitCode::Done);
+    EXPECT_EQ(RunHere({"get", "exposure.0", "gain.0"}).output, "exposure.0 2.1 ms\ngain.0 3\n");
+    EXPECT_EQ(RunHere({"set", "gain.0", "7"}).code, ExitCode::Done);
+    EXPECT_EQ(RunHere({"get", "exposure.0", "gain.0"}).output, "exposure.0 2.1 ms\ngain.0 7\n");
+}
+
+TEST_F(SettingsOverHead, AGainThatTheCameraRefusesIsFoundWhenItIsReadBack) {
+    const CommandResult result = RunHere({"set", "exposure.0", "5", "gain.0", "40"});
+    EXPECT_EQ(result.code, ExitCode::DeviceRefused);
+    EXPECT_EQ(result.message, "gain.0 was set to 40 and reads back as 0");
+    EXPECT_EQ(result.figures["settings"]["gain.0"]["set"], 40);
+    EXPECT_EQ(result.figures["settings"]["gain.0"]["value"], 0);
+}
+
 TEST_F(SettingsOverHead, DistanceSetsTheLights) {
     const CommandResult result = RunHere({"distance", "1"});
     EXPECT_EQ(result.code, ExitCode::Done);

@@ -9,7 +9,7 @@ namespace Korvex3Sync::virtual_head::scene {
 namespace {
 
 // Powers at full brightness, with the exposure, duty ratio and work time of power-on.
-constexpr double kStrobeInColor = 1.15;
+constexpr double kStrobeInColor = 1.3;
 constexpr double kStrobeInMono = 0.4;
 constexpr double kLines = 1.6;
 constexpr double kProjector = 2.2;
@@ -43,7 +43,8 @@ double Part(int value, int most) {
     return static_cast<double>(std::clamp(value, 0, most)) / most;
 }
 
-/// How long a light is lit, in parts of a second's pulse cycles: duty in percent, work time in us.
+/// How much of a light's full power its pulses give: duty ratio in percent, work time in
+/// microseconds.
 double LitPart(int duty, int workTime) {
     return Part(duty, 100) * std::clamp(workTime / kPulseCycle, 0.0, 1.0);
 }

@@ -38,6 +38,8 @@ struct SceneDescription {
     int poses = 4;
     double motion = 6;
     double swing = 4;
+
+    bool operator==(const SceneDescription&) const = default;
 };
 
 }  // namespace Korvex3Sync::virtual_head
