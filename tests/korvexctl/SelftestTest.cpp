@@ -90,7 +90,7 @@ TEST_F(KorvexctlSelftest, ASmallHeadPassesAndKeepsItsUserMemory) {
     const auto written = head->GetJournal().Texts({"zr3DWriteUserInfomation"});
     EXPECT_THAT(written, AllOf(::testing::SizeIs(2), Each(HasSubstr("(15, "))));
     const CommandResult page = RunHere({"user-info", "read", "15", "--hex"});
-    EXPECT_EQ(page.output, "00000000000000a5\n");
+    EXPECT_EQ(page.output, "page 15: 00000000000000a5\n");
 }
 
 TEST_F(KorvexctlSelftest, FaultsFailExactlyTheirSteps) {
