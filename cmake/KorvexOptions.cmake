@@ -2,6 +2,9 @@
 
 option(KORVEX_CHECKS "Check rules of use at run time (development and test builds)" OFF)
 option(KORVEX_THREAD_SAFETY "Treat clang's thread-safety findings as errors" OFF)
+option(KORVEX_FUZZ "Build the fuzz targets (clang only)" OFF)
+option(KORVEX_COVERAGE "Count the lines that run (g++)" OFF)
+option(KORVEX_PRECOMPILE_TESTS "Precompile the headers that every test includes" OFF)
 set(KORVEX_SANITIZE "" CACHE STRING "Sanitizers, as for -fsanitize= (for example address,undefined)")
 
 set(CMAKE_CXX_STANDARD 20)
@@ -34,4 +37,12 @@ if(KORVEX_SANITIZE)
     target_compile_options(korvex_options INTERFACE -fsanitize=${KORVEX_SANITIZE}
         -fno-sanitize-recover=all -fno-omit-frame-pointer)
     target_link_options(korvex_options INTERFACE -fsanitize=${KORVEX_SANITIZE})
+endif()
+if(KORVEX_FUZZ)
+    # Coverage feedback in everything that a fuzz target reaches.
+    target_compile_options(korvex_options INTERFACE -fsanitize=fuzzer-no-link)
+endif()
+if(KORVEX_COVERAGE)
+    target_compile_options(korvex_options INTERFACE --coverage -fprofile-update=atomic)
+    target_link_options(korvex_options INTERFACE --coverage)
 endif()

@@ -164,11 +164,13 @@ HeadFileError Refuse(const std::filesystem::path& file, int line, std::string wh
     return {file, line, file.string() + place + ": " + what};
 }
 
-std::variant<HeadDescription, HeadFileError> Parse(const std::filesystem::path& file,
-                                                   const std::string& text) {
+}  // namespace
+
+std::variant<HeadDescription, HeadFileError> ParseHeadFile(std::string_view text,
+                                                           const std::filesystem::path& file) {
     try {
         Reader reader(file.parent_path());
-        reader.Read(toml::parse(std::string_view(text), file.string()));
+        reader.Read(toml::parse(text, file.string()));
         if (auto finding = reader.FirstFinding()) {
             return Refuse(file, finding->first, std::move(finding->second));
         }
@@ -176,10 +178,10 @@ std::variant<HeadDescription, HeadFileError> Parse(const std::filesystem::path& 
     } catch (const toml::parse_error& error) {
         return Refuse(file, static_cast<int>(error.source().begin.line),
                       std::string(error.description()));
+    } catch (const std::exception& error) {
+        return Refuse(file, 0, error.what());
     }
 }
-
-}  // namespace
 
 std::variant<HeadDescription, HeadFileError> ReadHeadFile(const std::filesystem::path& file) {
     try {
@@ -187,7 +189,7 @@ std::variant<HeadDescription, HeadFileError> ReadHeadFile(const std::filesystem:
         if (const auto* wrong = std::get_if<const char*>(&bytes)) {
             return Refuse(file, 0, *wrong);
         }
-        return Parse(file, std::get<std::string>(bytes));
+        return ParseHeadFile(std::get<std::string>(bytes), file);
     } catch (const std::exception& error) {
         return Refuse(file, 0, error.what());
     }

@@ -2,6 +2,7 @@
 
 #include <filesystem>
 #include <string>
+#include <string_view>
 #include <variant>
 
 #include "virtual_head/Export.h"
@@ -21,5 +22,9 @@ struct HeadFileError {
 /// folder of the file. Never throws.
 KORVEX_VIRTUAL_HEAD_API std::variant<HeadDescription, HeadFileError> ReadHeadFile(
     const std::filesystem::path& file);
+
+/// The same with the text of a file, which `file` names in errors and whose folder it gives.
+KORVEX_VIRTUAL_HEAD_API std::variant<HeadDescription, HeadFileError> ParseHeadFile(
+    std::string_view text, const std::filesystem::path& file);
 
 }  // namespace Korvex3Sync::virtual_head
