@@ -94,7 +94,7 @@ inline constexpr std::int64_t kLatestFaultTrigger = 1'000'000'000;
 /// The name of a kind: "lose-mono".
 KORVEX_VIRTUAL_HEAD_API const char* Name(FaultKind kind);
 KORVEX_VIRTUAL_HEAD_API std::optional<FaultKind> FaultKindNamed(std::string_view name);
-bool Takes(FaultKind kind, FaultParameter parameter);
+KORVEX_VIRTUAL_HEAD_API bool Takes(FaultKind kind, FaultParameter parameter);
 /// Whether one of its numbers has to be given: the kind is nothing without it.
 bool Needs(FaultKind kind, FaultParameter parameter);
 
@@ -105,8 +105,8 @@ std::optional<std::string> CheckCall(const FaultOrder& order);
 std::optional<std::string> Check(const TimedFault& fault);
 
 /// "slow SnapShot, times 3, extra_ms 20"
-std::string Text(const FaultOrder& order);
+KORVEX_VIRTUAL_HEAD_API std::string Text(const FaultOrder& order);
 /// The same with its time: "lose-mono, times 1, at_trigger 100"
-std::string Text(const TimedFault& fault);
+KORVEX_VIRTUAL_HEAD_API std::string Text(const TimedFault& fault);
 
 }  // namespace Korvex3Sync::virtual_head

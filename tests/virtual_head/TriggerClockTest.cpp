@@ -18,7 +18,9 @@ constexpr int kOff = 5;
 
 class TriggerClockTest : public testing::Test {
 protected:
-    explicit TriggerClockTest(bool color = true) : m_clock(color, m_faults) { m_clock.Attach(m_queue); }
+    explicit TriggerClockTest(bool color = true) : m_clock(color, m_faults) {
+        m_clock.Attach(m_queue);
+    }
 
     void Write(int mode, int period = 1) {
         BoardState board;
