@@ -1,5 +1,8 @@
 #include <gmock/gmock.h>
 
+#include <fstream>
+#include <iterator>
+
 #include "virtual_head/HeadFile.h"
 #include "virtual_head/Request.h"
 #include "virtual_head/TestFiles.h"
@@ -100,6 +103,27 @@ TEST_F(FaultKeysTest, EveryNameIsTaken) {
         const HeadDescription head = Good(text);
         ASSERT_EQ(head.faults.size(), 1U) << text;
         EXPECT_EQ(head.faults[0].order.kind, kind);
+    }
+}
+
+TEST_F(FaultKeysTest, ExampleOfTheDocumentationIsTaken) {
+    std::ifstream stream(KORVEX_SOURCE_DIR "/docs/virtual-head.md");
+    const std::string page{std::istreambuf_iterator<char>(stream), {}};
+    const std::string opening = "```toml\n";
+    const std::size_t begin = page.rfind(opening);
+    ASSERT_NE(begin, std::string::npos);
+    const std::size_t text = begin + opening.size();
+    const HeadDescription head = Good(page.substr(text, page.find("```", text) - text));
+    EXPECT_EQ(head.faultSeed, 7U);
+    EXPECT_EQ(head.faults.size(), 5U);
+}
+
+TEST_F(FaultKeysTest, EveryNameStandsInTheDocumentation) {
+    std::ifstream stream(KORVEX_SOURCE_DIR "/docs/virtual-head.md");
+    const std::string page{std::istreambuf_iterator<char>(stream), {}};
+    for (int kind = 0; kind <= static_cast<int>(FaultKind::SkipKeys); ++kind) {
+        EXPECT_THAT(
+            page, testing::HasSubstr("`" + std::string(Name(static_cast<FaultKind>(kind))) + "`"));
     }
 }
 
