@@ -14,9 +14,9 @@ void ExposureOutput::Attach(const std::shared_ptr<ExposureQueue>& queue) {
 
 void ExposureOutput::Detach(const std::shared_ptr<ExposureQueue>& queue) {
     if (std::erase(m_queues, queue) > 0) {
-        queue->Clear();
-        Add(m_counts, *queue);
-        m_lostDetached += queue->Lost();
+        const ExposureQueue::Counts settled = queue->Settle();
+        Add(m_counts, settled);
+        m_lostDetached += settled.lost;
     }
 }
 
@@ -60,7 +60,7 @@ void ExposureOutput::ReleaseHeld() {
 HeadCounts ExposureOutput::Counts() const {
     HeadCounts counts = m_counts;
     for (const auto& queue : m_queues) {
-        Add(counts, *queue);
+        Add(counts, queue->Counted());
     }
     return counts;
 }
@@ -128,8 +128,7 @@ void ExposureOutput::Hand(Exposure exposure) {
     }
 }
 
-void ExposureOutput::Add(HeadCounts& counts, const ExposureQueue& queue) {
-    const ExposureQueue::Counts counted = queue.Counted();
+void ExposureOutput::Add(HeadCounts& counts, const ExposureQueue::Counts& counted) {
     counts.mono.fetched += counted.fetched[0];
     counts.color.fetched += counted.fetched[1];
     counts.mono.dropped += counted.dropped[0];

@@ -47,7 +47,7 @@ private:
     void HandDue(std::uint64_t given);
     void Hand(Exposure exposure);
     FrameCounts& Of(bool color) { return color ? m_counts.color : m_counts.mono; }
-    static void Add(HeadCounts& counts, const ExposureQueue& queue);
+    static void Add(HeadCounts& counts, const ExposureQueue::Counts& counted);
 
     FrameFaults& m_faults;
     std::vector<std::shared_ptr<ExposureQueue>> m_queues;

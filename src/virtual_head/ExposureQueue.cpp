@@ -1,5 +1,7 @@
 #include "virtual_head/ExposureQueue.h"
 
+#include <utility>
+
 #include "platform/os/Clock.h"
 
 namespace Korvex3Sync::virtual_head {
@@ -10,7 +12,7 @@ ExposureQueue::Pushed ExposureQueue::Push(const Exposure& exposure) {
         return Pushed::Closed;
     }
     if (m_waiting.size() >= m_most) {
-        ++m_lost;
+        ++m_counts.lost;
         return Pushed::NoRoom;
     }
     m_waiting.push_back(exposure);
@@ -47,12 +49,18 @@ void ExposureQueue::Close() {
 
 std::uint64_t ExposureQueue::Lost() const {
     std::lock_guard lock(m_mutex);
-    return m_lost;
+    return m_counts.lost;
 }
 
 ExposureQueue::Counts ExposureQueue::Counted() const {
     std::lock_guard lock(m_mutex);
     return m_counts;
+}
+
+ExposureQueue::Counts ExposureQueue::Settle() {
+    std::lock_guard lock(m_mutex);
+    Drop();
+    return std::exchange(m_counts, {});
 }
 
 void ExposureQueue::Drop() {

@@ -33,6 +33,7 @@ public:
     struct Counts {
         std::array<std::uint64_t, 2> fetched{};
         std::array<std::uint64_t, 2> dropped{};
+        std::uint64_t lost = 0;  // found no room; all of them
     };
 
     explicit ExposureQueue(std::size_t most) : m_most(most) {}
@@ -47,6 +48,8 @@ public:
     /// Exposures that found no room.
     std::uint64_t Lost() const;
     Counts Counted() const;
+    /// Drops what waits, gives the counts and begins them anew.
+    Counts Settle();
 
 private:
     void Drop();
@@ -55,7 +58,6 @@ private:
     mutable std::mutex m_mutex;
     std::condition_variable m_changed;
     std::deque<Exposure> m_waiting;
-    std::uint64_t m_lost = 0;
     Counts m_counts;
     bool m_closed = false;
 };

@@ -39,7 +39,7 @@ public:
     void SetPower(bool on);
     /// From now on the queue gets each exposure. Attaching it twice changes nothing.
     void Attach(const std::shared_ptr<ExposureQueue>& queue);
-    /// Drops what waits in the queue, for good: it is not attached again.
+    /// Drops what waits in the queue.
     void Detach(const std::shared_ptr<ExposureQueue>& queue);
     void DetachAll();
     /// Gives no more triggers and waits for the one that is being given.

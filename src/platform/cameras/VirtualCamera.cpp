@@ -1,39 +1,17 @@
 #include "platform/cameras/VirtualCamera.h"
 
 #include <algorithm>
-#include <locale>
-#include <sstream>
 #include <utility>
 
+#include "platform/cameras/VirtualCameraCall.h"
 #include "virtual_head/ImageSource.h"
 #include "virtual_head/Request.h"
-#include "virtual_head/VirtualHead.h"
 
 namespace Korvex3Sync::cameras {
 namespace {
 
 constexpr int kSensors = 2;
-constexpr int kPresentType = 1;
-// More than any image has.
-constexpr int kImpossibleSize = 5000;
 constexpr std::size_t kLongestArgument = 80;
-
-std::string Text(bool result) {
-    return result ? "true" : "false";
-}
-std::string Text(int result) {
-    return std::to_string(result);
-}
-
-/// The arguments as the journal shows them.
-template <class... Values>
-std::string Arguments(const Values&... values) {
-    std::ostringstream text;
-    text.imbue(std::locale::classic());
-    const char* separator = "";
-    ((text << std::exchange(separator, ", ") << values), ...);
-    return text.str();
-}
 
 }  // namespace
 
@@ -47,34 +25,6 @@ VirtualCamera::~VirtualCamera() {
 std::shared_ptr<virtual_head::VirtualHead> VirtualCamera::PresentHead() const {
     std::shared_ptr<Head> head = m_head.lock();
     return head == virtual_head::RequestedVirtualHead() ? head : nullptr;
-}
-
-/// `work` gets the head and gives the result; `gone` is the result without the head.
-template <class Result, class Work>
-Result VirtualCamera::Call(const char* name, const std::string& arguments, Result failed, Work work,
-                           std::type_identity_t<Result> gone) {
-    const std::shared_ptr<Head> head = PresentHead();
-    if (!head) {
-        return gone;
-    }
-    const Result result = head->GetFaults().Meet(name) ? failed : work(*head);
-    head->GetJournal().Add(name, arguments, Text(result));
-    return result;
-}
-
-template <class Result, class Work>
-Result VirtualCamera::Call(const char* name, const std::string& arguments, Result failed,
-                           Work work) {
-    return Call(name, arguments, failed, work, failed);
-}
-
-/// The same for what needs an open camera.
-template <class Result, class Work>
-Result VirtualCamera::CallOpen(const char* name, const std::string& arguments, Result failed,
-                               Work work) {
-    return Call(name, arguments, failed, [&](Head& head) {
-        return OpenStream() && Reaches(head, name) ? work(head) : failed;
-    });
 }
 
 std::shared_ptr<VirtualCamera::Stream> VirtualCamera::OpenStream() const {
@@ -223,96 +173,6 @@ int VirtualCamera::Fetch(Head& head, unsigned char*& image) {
     }
     image = stream->buffer.data();
     return exposure->torn ? kFailed : kOk;
-}
-
-int VirtualCamera::Serial(std::string& serial) {
-    return CallOpen("GetSerialNo", "", kFailed, [&serial](Head& head) {
-        serial = head.Description().cameraSerial;
-        return kOk;
-    });
-}
-
-int VirtualCamera::Resolution(int& width, int& height) {
-    return CallOpen("GetResolution", "", kFailed, [&](Head& head) {
-        const std::shared_ptr<Stream> stream = OpenStream();
-        const bool misSized = stream && stream->misSized;
-        width = misSized ? kImpossibleSize : head.Description().width;
-        height = misSized ? kImpossibleSize : head.Description().height;
-        return kOk;
-    });
-}
-
-int VirtualCamera::ColorMode(int& mode) {
-    return CallOpen("GetColorMode", "", kFailed, [&mode](Head& head) {
-        mode = head.Description().color ? kColorMode : kMonoMode;
-        return kOk;
-    });
-}
-
-int VirtualCamera::GainRange(int& low, int& high) {
-    return CallOpen("GetGainRange", "", kFailed, [&](Head& head) {
-        low = head.Description().gainLow;
-        high = head.Description().gainHigh;
-        return kOk;
-    });
-}
-
-int VirtualCamera::SetExposure(long microseconds) {
-    return CallOpen("SetExposureTime", Arguments(microseconds), kFailed, [=](Head& head) {
-        return head.Sensors().SetExposure(microseconds) ? kOk : kFailed;
-    });
-}
-
-int VirtualCamera::Exposure(long& microseconds) {
-    return CallOpen("GetExposureTime", "", kFailed, [&microseconds](Head& head) {
-        microseconds = head.Sensors().Exposure();
-        return kOk;
-    });
-}
-
-int VirtualCamera::SetGain(int gain) {
-    return CallOpen("SetGain", Arguments(gain), kFailed,
-                    [gain](Head& head) { return head.Sensors().SetGain(gain) ? kOk : kFailed; });
-}
-
-int VirtualCamera::Gain(int& gain) {
-    return CallOpen("GetGain", "", kFailed, [&gain](Head& head) {
-        gain = head.Sensors().Gain();
-        return kOk;
-    });
-}
-
-bool VirtualCamera::SetIntParameter(int parameter, int value) {
-    return CallOpen("SetCameraIntParam", Arguments(parameter, value), false, [=](Head& head) {
-        return parameter == kOrderParameter && head.Sensors().ApplyWord(value);
-    });
-}
-
-bool VirtualCamera::DeviceType(int& type) {
-    return Call("GetDeviceType", "", false, [this, &type](Head& head) {
-        if (!Reaches(head, "GetDeviceType")) {
-            return false;
-        }
-        type = kPresentType;
-        return true;
-    });
-}
-
-bool VirtualCamera::ResetState() {
-    return Call("ResetCameraState", "", false, [this](Head& head) {
-        const std::shared_ptr<Stream> stream = OpenStream();
-        if (!stream || !head.GetFaults().ReachCamera(stream->plug, "ResetCameraState")) {
-            return false;
-        }
-        stream->queue->Clear();
-        return true;
-    });
-}
-
-bool VirtualCamera::UnlockOthers() {
-    // Instances of the virtual head never lock each other out.
-    return Call("UnlockOthers", "", false,
-                [this](Head& head) { return Reaches(head, "UnlockOthers"); });
 }
 
 }  // namespace Korvex3Sync::cameras
