@@ -19,9 +19,10 @@ struct SceneRule {
 };
 
 /// All keys of [scene].
-std::span<const SceneRule> SceneRules();
+KORVEX_VIRTUAL_HEAD_API std::span<const SceneRule> SceneRules();
 /// The `index`-th value of the rule's member.
-double SceneValue(const SceneDescription& scene, const SceneRule& rule, std::size_t index);
+KORVEX_VIRTUAL_HEAD_API double SceneValue(const SceneDescription& scene, const SceneRule& rule,
+                                          std::size_t index);
 void SetSceneValue(SceneDescription& scene, const SceneRule& rule, std::size_t index, double value);
 
 /// What one value does against its rule; NaN is out of range.
