@@ -103,7 +103,50 @@ motion = 6
 swing = 4
 )";
 
-constexpr std::array kTables{kIntroduction, kCamera, kBoard, kScene, kReplay};
+constexpr std::string_view kFaults = R"([faults]
+# Seed of the draws of all faults that have a chance. A whole number, 0 or more.
+seed = 1
+
+# Faults that begin by themselves: one entry each.
+#[[fault]]
+# What happens: fail, slow, hang, board-vanish, board-return, board-mute, board-answer, board-late,
+# camera-vanish, camera-return, camera-stop, lose-mono, lose-color, lose-both, tear-mono,
+# tear-color, mis-size-mono, mis-size-color, repeat-mono, repeat-color, delay or skip-keys.
+#what = "lose-color"
+# How often it happens. A count, 1 to 1000000.
+#times = 2
+# When it begins: with this trigger, counted from 0, 0 to 1000000000 ...
+#at_trigger = 100
+# ... or with this chance at each trigger, above 0, at most 1.
+#chance = 0.01
+
+#[[fault]]
+#what = "slow"
+# fail, slow and hang only: the platform function that meets it.
+#call = "zr3DQueryCurrentStatus"
+#times = 3
+# slow and board-late only: how much longer it takes. Milliseconds, 1 to 600000.
+#extra_ms = 200
+# When it begins after the head was asked for. Milliseconds, 0 to 86400000.
+#at_ms = 10000
+
+#[[fault]]
+#what = "board-mute"
+#at_ms = 20000
+# board-vanish, board-mute, camera-vanish and hang only: it ends by itself after this time.
+# Milliseconds, 1 to 86400000.
+#for_ms = 2000
+# board-mute only: how many further opens stay without an answer. A count, 1 to 1000.
+#opens = 1
+
+#[[fault]]
+#what = "delay"
+#at_trigger = 500
+# delay only: how many triggers later the frames come. A count, 1 to 10000.
+#by_triggers = 2
+)";
+
+constexpr std::array kTables{kIntroduction, kCamera, kBoard, kScene, kReplay, kFaults};
 
 }  // namespace
 

@@ -4,7 +4,9 @@
 #include <cstdint>
 #include <filesystem>
 #include <string>
+#include <vector>
 
+#include "virtual_head/FaultOrder.h"
 #include "virtual_head/scene/SceneDescription.h"
 
 namespace Korvex3Sync::virtual_head {
@@ -37,6 +39,9 @@ struct HeadDescription {
     std::filesystem::path replayFolder;
     /// What the sensors see where no images are replayed.
     SceneDescription scene;
+    /// Faults that begin by themselves, and the seed of their draws.
+    std::vector<TimedFault> faults;
+    std::uint64_t faultSeed = 1;
 };
 
 }  // namespace Korvex3Sync::virtual_head

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 
+#include "virtual_head/FaultOrder.h"
 #include "virtual_head/scene/SceneRules.h"
 
 namespace Korvex3Sync::virtual_head {
@@ -92,6 +93,11 @@ std::optional<BrokenRule> Check(const HeadDescription& description) {
     }
     if (auto broken = Check(description.scene)) {
         return broken;
+    }
+    for (const TimedFault& fault : description.faults) {
+        if (auto wrong = Check(fault)) {
+            return BrokenRule{{"fault", "what"}, "[[fault]] " + *wrong};
+        }
     }
     return CheckTogether(description);
 }

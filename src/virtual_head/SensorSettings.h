@@ -37,6 +37,8 @@ public:
     int SelectedOrder() const;
     /// Of the two sensors: order 0 is the left one, order 1 the right one.
     std::array<SensorSetting, 2> Sensors() const;
+    /// Everything is as it was at first.
+    void PowerOff();
 
 private:
     bool GainInRange(int gain) const { return gain >= m_gainLow && gain <= m_gainHigh; }

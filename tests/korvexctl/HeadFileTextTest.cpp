@@ -73,6 +73,8 @@ TEST(HeadFileText, IsTheDefaultHead) {
                 << rule.key;
         }
     }
+    EXPECT_EQ(read.faultSeed, defaults.faultSeed);
+    EXPECT_TRUE(read.faults.empty());
     EXPECT_EQ(read.color, defaults.color);
     EXPECT_EQ(read.userMemory, defaults.userMemory);
     EXPECT_EQ(read.replayFolder, defaults.replayFolder);
@@ -129,6 +131,7 @@ TEST(HeadFileText, TheExamplesReadOnceTheirMarkIsTakenAway) {
     EXPECT_EQ(std::string(read.userMemory.begin(), read.userMemory.begin() + 8),
               std::string("bench 7") + '\0');
     EXPECT_EQ(read.replayFolder.filename(), "pairs");
+    EXPECT_EQ(read.faults.size(), 4U);
 }
 
 TEST(HeadFileText, EveryKeyIsExplained) {

@@ -117,6 +117,20 @@ TEST(UsbTree, MeetsFaults) {
     EraseList();
 }
 
+TEST(UsbTree, ABoardThatVanishedIsNotInIt) {
+    const RequestedHead head;
+    Korvex3Sync::virtual_head::FaultOrder order;
+    order.kind = Korvex3Sync::virtual_head::FaultKind::BoardVanish;
+    ASSERT_TRUE(head->GetFaults().Order(order));
+    std::vector<std::string> paths;
+    EXPECT_TRUE(EnumAllHCD());
+    EXPECT_FALSE(GetSpecifyDeviceTreePath(kVendor, kProduct, paths));
+    order.kind = Korvex3Sync::virtual_head::FaultKind::BoardReturn;
+    ASSERT_TRUE(head->GetFaults().Order(order));
+    EXPECT_TRUE(EnumAllHCD());
+    EXPECT_TRUE(GetSpecifyDeviceTreePath(kVendor, kProduct, paths));
+}
+
 TEST(UsbTree, AFailedEnumerationLeavesNoTreeOfTheOneBefore) {
     const RequestedHead head;
     std::vector<std::string> paths;

@@ -1,36 +1,17 @@
 #include "platform/cameras/VirtualCamera.h"
 
-#include <locale>
-#include <sstream>
+#include <algorithm>
 #include <utility>
 
+#include "platform/cameras/VirtualCameraCall.h"
 #include "virtual_head/ImageSource.h"
 #include "virtual_head/Request.h"
-#include "virtual_head/VirtualHead.h"
 
 namespace Korvex3Sync::cameras {
 namespace {
 
 constexpr int kSensors = 2;
-constexpr int kPresentType = 1;
 constexpr std::size_t kLongestArgument = 80;
-
-std::string Text(bool result) {
-    return result ? "true" : "false";
-}
-std::string Text(int result) {
-    return std::to_string(result);
-}
-
-/// The arguments as the journal shows them.
-template <class... Values>
-std::string Arguments(const Values&... values) {
-    std::ostringstream text;
-    text.imbue(std::locale::classic());
-    const char* separator = "";
-    ((text << std::exchange(separator, ", ") << values), ...);
-    return text.str();
-}
 
 }  // namespace
 
@@ -46,36 +27,15 @@ std::shared_ptr<virtual_head::VirtualHead> VirtualCamera::PresentHead() const {
     return head == virtual_head::RequestedVirtualHead() ? head : nullptr;
 }
 
-/// `work` gets the head and gives the result; `gone` is the result without the head.
-template <class Result, class Work>
-Result VirtualCamera::Call(const char* name, const std::string& arguments, Result failed, Work work,
-                           std::type_identity_t<Result> gone) {
-    const std::shared_ptr<Head> head = PresentHead();
-    if (!head) {
-        return gone;
-    }
-    const Result result = head->GetFaults().Meet(name) ? failed : work(*head);
-    head->GetJournal().Add(name, arguments, Text(result));
-    return result;
-}
-
-template <class Result, class Work>
-Result VirtualCamera::Call(const char* name, const std::string& arguments, Result failed,
-                           Work work) {
-    return Call(name, arguments, failed, work, failed);
-}
-
-/// The same for what needs an open camera.
-template <class Result, class Work>
-Result VirtualCamera::CallOpen(const char* name, const std::string& arguments, Result failed,
-                               Work work) {
-    return Call(name, arguments, failed,
-                [&](Head& head) { return OpenStream() ? work(head) : failed; });
-}
-
 std::shared_ptr<VirtualCamera::Stream> VirtualCamera::OpenStream() const {
     std::lock_guard lock(m_mutex);
     return m_stream;
+}
+
+bool VirtualCamera::Reaches(Head& head, const char* call) const {
+    const std::shared_ptr<Stream> stream = OpenStream();
+    virtual_head::Faults& faults = head.GetFaults();
+    return stream ? faults.ReachCamera(stream->plug, call) : faults.ReachCamera(call);
 }
 
 void VirtualCamera::EndStream() {
@@ -112,7 +72,7 @@ int VirtualCamera::DeviceTotal(int& total) {
         const auto& description = head.Description();
         const bool meant = description.cameraType.starts_with(m_typeOrSerial) ||
                            description.cameraSerial == m_typeOrSerial;
-        total = meant ? kSensors : 0;
+        total = meant && head.GetFaults().ReachCamera("GetDeviceTotal") ? kSensors : 0;
         return kOk;
     });
 }
@@ -134,10 +94,12 @@ int VirtualCamera::Open(Head& head, bool found, int width, int height) {
     const virtual_head::HeadDescription& description = head.Description();
     const bool native =
         (width == 0 && height == 0) || (width == description.width && height == description.height);
-    if (!found || !native) {
+    const std::uint64_t plug = head.GetFaults().Camera().Plug();
+    if (!head.GetFaults().ReachCamera(plug, "OpenCamera") || !found || !native) {
         return kFailed;
     }
     auto stream = std::make_shared<Stream>();
+    stream->plug = plug;
     stream->queue = std::make_shared<virtual_head::ExposureQueue>(
         static_cast<std::size_t>(description.cameraBuffers));
     stream->buffer.resize(std::size_t{2} * static_cast<std::size_t>(description.width) *
@@ -169,6 +131,12 @@ int VirtualCamera::Start(double value) {
             return kFailed;
         }
         head.Clock().Attach(m_stream->queue);
+        // Looked at behind the attaching: the unplugging itself detaches what was attached before.
+        if (!head.GetFaults().ReachCamera(m_stream->plug, "StartCamera")) {
+            head.Clock().Detach(m_stream->queue);
+            return kFailed;
+        }
+        head.GetFaults().Frames().CameraStarted();
         return kOk;
     });
 }
@@ -184,10 +152,11 @@ int VirtualCamera::Snap(unsigned char*& image) {
 
 int VirtualCamera::Fetch(Head& head, unsigned char*& image) {
     const std::shared_ptr<Stream> stream = OpenStream();
-    if (!stream) {
+    if (!stream || !head.GetFaults().ReachCamera(stream->plug, "SnapShot")) {
         m_released.Wait(kSnapLimit);
         return kFailed;
     }
+    stream->misSized = false;
     const std::optional<virtual_head::Exposure> exposure = stream->queue->Pop(kSnapLimit);
     if (!exposure) {
         return kFailed;
@@ -195,97 +164,18 @@ int VirtualCamera::Fetch(Head& head, unsigned char*& image) {
     {
         std::lock_guard writing(stream->writing);
         head.Images().WritePacked(*exposure, stream->buffer.data());
+        if (exposure->torn) {
+            const auto half = static_cast<std::ptrdiff_t>(stream->buffer.size() / 2);
+            std::fill(stream->buffer.begin() + half, stream->buffer.end(), std::uint8_t{0});
+        }
+        stream->misSized = exposure->misSized;
     }
     // Closed meanwhile: nothing keeps the buffer alive for the caller.
     if (OpenStream() != stream) {
         return kFailed;
     }
     image = stream->buffer.data();
-    return kOk;
-}
-
-int VirtualCamera::Serial(std::string& serial) {
-    return CallOpen("GetSerialNo", "", kFailed, [&serial](Head& head) {
-        serial = head.Description().cameraSerial;
-        return kOk;
-    });
-}
-
-int VirtualCamera::Resolution(int& width, int& height) {
-    return CallOpen("GetResolution", "", kFailed, [&](Head& head) {
-        width = head.Description().width;
-        height = head.Description().height;
-        return kOk;
-    });
-}
-
-int VirtualCamera::ColorMode(int& mode) {
-    return CallOpen("GetColorMode", "", kFailed, [&mode](Head& head) {
-        mode = head.Description().color ? kColorMode : kMonoMode;
-        return kOk;
-    });
-}
-
-int VirtualCamera::GainRange(int& low, int& high) {
-    return CallOpen("GetGainRange", "", kFailed, [&](Head& head) {
-        low = head.Description().gainLow;
-        high = head.Description().gainHigh;
-        return kOk;
-    });
-}
-
-int VirtualCamera::SetExposure(long microseconds) {
-    return CallOpen("SetExposureTime", Arguments(microseconds), kFailed, [=](Head& head) {
-        return head.Sensors().SetExposure(microseconds) ? kOk : kFailed;
-    });
-}
-
-int VirtualCamera::Exposure(long& microseconds) {
-    return CallOpen("GetExposureTime", "", kFailed, [&microseconds](Head& head) {
-        microseconds = head.Sensors().Exposure();
-        return kOk;
-    });
-}
-
-int VirtualCamera::SetGain(int gain) {
-    return CallOpen("SetGain", Arguments(gain), kFailed,
-                    [gain](Head& head) { return head.Sensors().SetGain(gain) ? kOk : kFailed; });
-}
-
-int VirtualCamera::Gain(int& gain) {
-    return CallOpen("GetGain", "", kFailed, [&gain](Head& head) {
-        gain = head.Sensors().Gain();
-        return kOk;
-    });
-}
-
-bool VirtualCamera::SetIntParameter(int parameter, int value) {
-    return CallOpen("SetCameraIntParam", Arguments(parameter, value), false, [=](Head& head) {
-        return parameter == kOrderParameter && head.Sensors().ApplyWord(value);
-    });
-}
-
-bool VirtualCamera::DeviceType(int& type) {
-    return Call("GetDeviceType", "", false, [&type](Head&) {
-        type = kPresentType;
-        return true;
-    });
-}
-
-bool VirtualCamera::ResetState() {
-    return Call("ResetCameraState", "", false, [this](Head&) {
-        const std::shared_ptr<Stream> stream = OpenStream();
-        if (!stream) {
-            return false;
-        }
-        stream->queue->Clear();
-        return true;
-    });
-}
-
-bool VirtualCamera::UnlockOthers() {
-    // Instances of the virtual head never lock each other out.
-    return Call("UnlockOthers", "", false, [](Head&) { return true; });
+    return exposure->torn ? kFailed : kOk;
 }
 
 }  // namespace Korvex3Sync::cameras

@@ -70,7 +70,8 @@ std::vector<std::uint8_t> Speckle() {
         level = even * even;  // more dark than bright
     }
     const auto at = [&grid](int x, int y) {
-        return grid[static_cast<std::size_t>(y % kGrid * kGrid + x % kGrid)];
+        const auto column = static_cast<std::size_t>(x % kGrid);
+        return grid[static_cast<std::size_t>(y % kGrid) * kGrid + column];
     };
     for (int y = 0; y < kTile; ++y) {
         for (int x = 0; x < kTile; ++x) {
@@ -99,6 +100,12 @@ std::vector<std::uint8_t> Stripes() {
     return tile;
 }
 
+template <std::vector<std::uint8_t> (*Make)()>
+const std::vector<std::uint8_t>& Once() {
+    static const auto* const tile = new std::vector<std::uint8_t>(Make());
+    return *tile;
+}
+
 /// The tile repeats; `perCell`: places of the tile for a slope of 1.
 float Look(const std::vector<std::uint8_t>& tile, float u, float v, float perCell) {
     const int x = Floor(u * perCell);
@@ -117,9 +124,9 @@ Patterns::Patterns(const SceneDescription& scene, float pixelSize)
       m_perSigma(m_reach / std::max(static_cast<float>(scene.laserWidth) / kWidthToSigma,
                                     kThinnest * pixelSize)),
       m_lines(scene.laserLines),
-      m_dots(Dots()),
-      m_stripes(Stripes()),
-      m_speckle(Speckle()) {}
+      m_dots(Once<Dots>()),
+      m_stripes(Once<Stripes>()),
+      m_speckle(Once<Speckle>()) {}
 
 LineLight Patterns::Lines(float u, float v, float sine, LineSet set) const {
     const float across = u * m_cosine + v * sine;

@@ -47,9 +47,10 @@ private:
     float m_perSpacing;
     float m_perSigma;  // standard deviations in a slope of 1
     int m_lines;
-    Tile m_dots;
-    Tile m_stripes;
-    Tile m_speckle;
+    // The same for every scene: made once and never destroyed.
+    const Tile& m_dots;
+    const Tile& m_stripes;
+    const Tile& m_speckle;
 };
 
 }  // namespace Korvex3Sync::virtual_head::scene
