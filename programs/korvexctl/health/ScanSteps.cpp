@@ -108,6 +108,7 @@ Finding TestSnapshot(const Examined& examined, bool infrared) {
 std::vector<Step> ScanSteps(const std::shared_ptr<Examined>& examined,
                             const SelftestOptions& options) {
     std::vector<Step> steps;
+    steps.reserve(kTriggerModes.size());
     for (const TriggerMode& known : kTriggerModes) {
         steps.push_back(HeadStep(examined, std::string("scan ") + known.name, kLimit,
                                  [mode = known.mode, options](const Examined& head) {

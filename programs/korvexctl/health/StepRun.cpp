@@ -33,14 +33,14 @@ std::chrono::milliseconds Since(Clock::time_point begin) {
 }  // namespace
 
 StepRun::StepRun(std::vector<Step> steps) : m_limits(LimitsOf(steps)) {
-    m_thread = std::thread([this, work = std::move(steps)]() mutable { Work(std::move(work)); });
+    m_thread = std::thread([this, work = std::move(steps)] { Work(work); });
 }
 
 StepRun::~StepRun() {
     m_thread.join();
 }
 
-void StepRun::Work(std::vector<Step> steps) {
+void StepRun::Work(const std::vector<Step>& steps) {
     for (const Step& step : steps) {
         const auto begin = Clock::now();
         Finding finding = RunStep(step);

@@ -31,7 +31,7 @@ public:
     bool Hangs() const;
 
 private:
-    void Work(std::vector<Step> steps);
+    void Work(const std::vector<Step>& steps);
     Finding RunStep(const Step& step);
 
     const std::vector<std::pair<std::string, std::chrono::milliseconds>> m_limits;
