@@ -8,5 +8,6 @@
 #include "Korvex3Sync/Export.h"
 #include "Korvex3Sync/Images.h"
 #include "Korvex3Sync/Light.h"
+#include "Korvex3Sync/Statistics.h"
 #include "Korvex3Sync/Status.h"
 #include "Korvex3Sync/Types.h"

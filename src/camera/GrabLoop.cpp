@@ -65,7 +65,9 @@ bool CPhysicalCameraThread::SnapOnce(zr3DCamera::ZR_IMG_FORMAT mode) {
         return true;
     }
     m_lastSnapGood = false;
+    ++m_counters->failedSnaps;
     if (result != 0 && m_image != nullptr) {
+        ++m_counters->refusedFrames;
         KORVEX_LOG(kLog) << "Camera " << m_cameraID << " Snap Failed and data not null. "
                          << "ret=" << result;
     }
@@ -80,9 +82,11 @@ void CPhysicalCameraThread::Dispatch(int width, int height, int channels) {
     const bool accepted = width > 0 && width < kSizeBound && height > 0 && height < kSizeBound &&
                           channels >= 1 && channels <= kMostChannels;
     if (!accepted) {
+        ++m_counters->rejectedGeometry;
         KORVEX_LOG(kLog) << "Snap image data failed, wrong image data!";
         return;
     }
+    ++m_counters->framesAccepted;
     if (m_callback != nullptr) {
         m_callback(m_callbackContext, m_cameraID, m_image, width, height, channels);
     }

@@ -1,9 +1,12 @@
 #pragma once
 
 #include <atomic>
+#include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
+#include "camera/GrabCounters.h"
 #include "camera/ImagePool.h"
 #include "camera/PauseLock.h"
 #include "camera/PhysicalCameraThreadListener.h"
@@ -59,6 +62,9 @@ public:
     /// starts.
     void SetCameraComplexInfo(int count) { m_complexInfo = count; }
     int CameraComplexInfo() const { return m_complexInfo; }
+    /// Where the grab thread counts, instead of an object of its own. To be set before the thread
+    /// starts; not null.
+    void CountInto(std::shared_ptr<GrabCounters> counters) { m_counters = std::move(counters); }
 
     // Parameters (CameraParameters.cpp). Units are the camera's: microseconds, gain steps.
 
@@ -117,6 +123,7 @@ private:
     CameraFrameCallback m_callback KORVEX_GUARDED_BY(m_csPause) = nullptr;
     const void* m_callbackContext KORVEX_GUARDED_BY(m_csPause) = nullptr;
     std::atomic<bool> m_lastSnapGood{false};
+    std::shared_ptr<GrabCounters> m_counters = std::make_shared<GrabCounters>();
     [[maybe_unused]] PhysicalCameraThreadListener* const m_listener;
 };
 

@@ -113,7 +113,7 @@ RETSTATUS IManagerSync::EnableVideoTrigger(const CAMERA_TRIGGER_MODE& mode, cons
     const board::MASK_TRIGGER_MODE boardMode = ToBoard(mode, enable);
     return BoardOperation(
         DeviceLost::Refuses, [&](Remembered& r) { r.triggerMode = boardMode; },
-        [&](void* h) { return board::zr3DSetVideoTrigleMode(h, boardMode); });
+        [&](void* h) { return WriteTriggerMode(h, boardMode); });
 }
 
 RETSTATUS IManagerSync::Project(const PROJECTWORKTYPES& type) {

@@ -22,13 +22,14 @@ void FramePairing::TakeColor(const DecodedFrame& frame, Sink& sink) {
     unsigned char* const color = frame.images.front();
     const auto found = _mapVideoItems.find(frame.key);
     if (found == _mapVideoItems.end() || !HasMono(found->second)) {
+        sink.Lose(PairingLoss::ColorWithoutMono);
         sink.Release(color);
         return;
     }
     const VideoItem item = found->second;
     m_set = {item.pMonoImage0, item.pMonoImage1, color};
     m_setChannels = {item.nMonoChannels, item.nMonoChannels, frame.channels.front()};
-    sink.Deliver(m_set, frame.width, frame.heights.front(), m_setChannels);
+    sink.Deliver(m_set, frame.width, frame.heights.front(), m_setChannels, false);
     _mapVideoItems.erase(found);
     ReleaseSet(m_set, sink);
     ReleaseImages({item.pColorImage}, sink);
@@ -42,7 +43,7 @@ void FramePairing::TakeMono(const DecodedFrame& frame, Sink& sink) {
         m_set.push_back(item.pColorImage);
         m_setChannels = frame.channels;
         m_setChannels.push_back(item.nColorChannels);
-        sink.Deliver(m_set, frame.width, frame.heights.front(), m_setChannels);
+        sink.Deliver(m_set, frame.width, frame.heights.front(), m_setChannels, false);
         _mapVideoItems.erase(found);
         ReleaseSet(m_set, sink);
         ReleaseImages({item.pMonoImage0, item.pMonoImage1}, sink);
@@ -55,6 +56,7 @@ void FramePairing::TakeMono(const DecodedFrame& frame, Sink& sink) {
     item.nMonoHeight = frame.heights.front();
     item.nMonoWidth = frame.width;
     item.nMonoChannels = frame.channels.front();
+    item.bColorExpected = frame.colorExpected;
     Store(frame.key, item);
 }
 
@@ -67,11 +69,19 @@ void FramePairing::Flush(const DecodedFrame& newer, Sink& sink) {
                 m_set.push_back(item.pColorImage);
                 m_setChannels.push_back(item.nColorChannels);
             }
-            sink.Deliver(m_set, newer.width, newer.heights.front(), m_setChannels);
+            sink.Deliver(m_set, newer.width, newer.heights.front(), m_setChannels,
+                         item.bColorExpected && item.pColorImage == nullptr);
         }
         ReleaseImages({item.pMonoImage0, item.pMonoImage1, item.pColorImage}, sink);
     }
     _mapVideoItems.clear();
+}
+
+void FramePairing::ForgoColor(unsigned int key) {
+    const auto found = _mapVideoItems.find(key);
+    if (found != _mapVideoItems.end()) {
+        found->second.bColorExpected = false;
+    }
 }
 
 void FramePairing::Store(unsigned int key, const VideoItem& item) {
@@ -81,6 +91,9 @@ void FramePairing::Store(unsigned int key, const VideoItem& item) {
 void FramePairing::DropFirst(Sink& sink) {
     const auto first = _mapVideoItems.begin();
     const VideoItem& item = first->second;
+    if (HasMono(item)) {
+        sink.Lose(PairingLoss::Set);
+    }
     ReleaseImages({item.pColorImage, item.pMonoImage0, item.pMonoImage1}, sink);
     _mapVideoItems.erase(first);
 }

@@ -14,6 +14,7 @@ struct DecodedFrame {
     std::vector<int> widths;
     std::vector<int> heights;
     std::vector<int> channels;
+    bool colorExpected = false;  // of a mono frame: a colour frame of the same key is to come
 };
 
 /// A pending image set.
@@ -25,7 +26,11 @@ struct VideoItem {
     int nMonoChannels = 0;
     int nMonoWidth = 0;
     int nMonoHeight = 0;
+    bool bColorExpected = false;
 };
+
+/// What the pairing lets go undelivered.
+enum class PairingLoss { ColorWithoutMono, Set };
 
 /// Pairs mono frames with the colour frames of the same key.
 ///
@@ -35,13 +40,16 @@ struct VideoItem {
 /// once, after any delivery. No threads, no locks: the owner's lock guards it.
 class FramePairing {
 public:
-    /// Where sets and images go.
+    /// Where sets, images and losses go.
     class Sink {
     public:
         virtual ~Sink() = default;
-        /// One complete set: the images, the size and the channels of each image.
+        /// One complete set: the images, the size and the channels of each image. `colorMissing`: a
+        /// colour frame was to come and did not.
         virtual void Deliver(const std::vector<unsigned char*>& images, int width, int height,
-                             const std::vector<int>& channels) = 0;
+                             const std::vector<int>& channels, bool colorMissing) = 0;
+        /// A colour frame that found no mono set, or a waiting mono set, is not delivered.
+        virtual void Lose(PairingLoss loss) = 0;
         /// The image is not needed any more.
         virtual void Release(unsigned char* image) = 0;
     };
@@ -53,6 +61,8 @@ public:
     void TakeColor(const DecodedFrame& frame, Sink& sink);
     /// Takes over the two images of a mono frame.
     void TakeMono(const DecodedFrame& frame, Sink& sink);
+    /// The colour frame of this key went elsewhere: a set that waits for it does not miss it.
+    void ForgoColor(unsigned int key);
     /// Puts an item under a key that is free.
     void Store(unsigned int key, const VideoItem& item);
     /// Releases the item with the smallest key; there must be one.

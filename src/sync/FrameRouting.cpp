@@ -22,6 +22,7 @@ Routed RouteFrame(const DecodedFrame& frame, FramePairing& pairing, ColorCatch& 
     if (frame.images.size() != 1) {
         pairing.TakeMono(frame, sink);
     } else if (CatchForSnapshot(frame.images.front(), colorCatch)) {
+        pairing.ForgoColor(frame.key);
         return Routed::Caught;
     } else {
         pairing.TakeColor(frame, sink);

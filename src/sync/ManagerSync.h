@@ -7,18 +7,24 @@
 #include <utility>
 #include <vector>
 
+#include "Korvex3Sync/Statistics.h"
 #include "Korvex3Sync/Status.h"
 #include "Korvex3Sync/Types.h"
+#include "camera/GrabCounters.h"
 #include "camera/ImagePool.h"
 #include "camera/PhysicalCameraThread.h"
 #include "platform/os/CriticalSection.h"
 #include "platform/os/Event.h"
 #include "platform/os/Thread.h"
+#include "sync/ChannelCodes.h"
 #include "sync/ColorCatch.h"
 #include "sync/FramePairing.h"
 #include "sync/FrameRouting.h"
+#include "sync/KeyTracker.h"
 #include "sync/RememberedSettings.h"
 #include "sync/ScanCallbackRule.h"
+#include "sync/ScanCounters.h"
+#include "sync/TriggerStarts.h"
 
 namespace Korvex3Sync {
 
@@ -97,6 +103,14 @@ public:
 
     RETSTATUS SetScanCallBackFunction(ScanCallBackFunction callback, void* context);
 
+    // Losses (Statistics.cpp).
+
+    /// Any thread; takes none of the locks above.
+    RETSTATUS GetScanStatistics(ScanStatistics& statistics) const;
+    /// For a reconnection, before the cameras give frames again: the next run of the trigger counts
+    /// as a start, whatever the board did meanwhile.
+    void StartKeysAnew();
+
     // Status and heartbeat (StatusThread.cpp).
 
     /// The first call must not run beside another.
@@ -133,6 +147,8 @@ private:
     static void OnFrame(const void* const& context, const int& cameraId,
                         unsigned char* const& image, const int& width, const int& height,
                         const int& channels);
+    /// Every write of the trigger mode, with the device lock held: what the keys start with.
+    bool WriteTriggerMode(void* handle, zr3DHandiDLPdev::MASK_TRIGGER_MODE mode);
     Routed HandleFrame(int cameraId, const unsigned char* raw, int width);
     void ReleasePendingFrames();
 
@@ -178,7 +194,13 @@ private:
     std::vector<int> m_callbackInfo KORVEX_GUARDED_BY(m_csFrame);
     ScanCallBackFunction m_pScanCallBack KORVEX_GUARDED_BY(m_csFrame) = nullptr;
     void* m_pScanContext KORVEX_GUARDED_BY(m_csFrame) = nullptr;
+    std::array<KeyTracker, kMostGroups> m_keys KORVEX_GUARDED_BY(m_csFrame);  // one per camera
     ColorCatch m_colorCatch;
+
+    // Losses; each guards itself.
+    TriggerStarts m_triggerStarts;
+    ScanCounters m_scanCounters;
+    const std::shared_ptr<GrabCounters> m_grabCounters = std::make_shared<GrabCounters>();
 };
 
 inline constexpr char kManagerSyncLog[] = "sync/ManagerSync";

@@ -102,6 +102,7 @@ bool IManagerSync::CreateCameras(const std::vector<char*>& camSerials,
         KORVEX_LOG(kLog) << "i=" << i << "camSerials[i] =" << camSerials[i]
                          << "tmpFlag[(tmpCH & 0xf0) >> 4]=" << shares;
         camera->SetCameraComplexInfo(shares);
+        camera->CountInto(m_grabCounters);
         m_cameras.push_back(std::move(camera));
         m_cameraParams.push_back(widths[i]);
         m_cameraParams.push_back(heights[i]);

@@ -11,6 +11,7 @@ char* g_buffer = g_memory;
 std::vector<unsigned char*> g_images;
 std::vector<double> g_exposures{1.0, 2.0};
 std::vector<int> g_gains{1, 2};
+ScanStatistics g_statistics;
 
 void OnSet(const void* const&, std::vector<unsigned char*>&, const int&, const int&,
            std::vector<int>&) {}
@@ -80,6 +81,7 @@ const std::vector<Export>& EveryExport() {
          [](H h) { return SetScanCallBackFunction(h, OnSet, &g_int); }},
         {"SetStatusCallBackFunction", S,
          [](H h) { return SetStatusCallBackFunction(h, OnStatus, &g_int); }},
+        {"GetScanStatistics", D, [](H h) { return GetScanStatistics(h, g_statistics); }},
         {"SnapColorImage", S,
          [](H h) {
              return SnapColorImage(h, g_images, g_int, g_int, 0, g_double, g_int, CONTROL_ROUTE_1);

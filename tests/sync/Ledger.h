@@ -20,7 +20,7 @@ public:
         return image;
     }
     void Deliver(const std::vector<unsigned char*>& images, int width, int height,
-                 const std::vector<int>& channels) override {
+                 const std::vector<int>& channels, bool colorMissing) override {
         std::string set;
         for (unsigned char* image : images) {
             EXPECT_TRUE(m_live.count(image)) << "delivered after its release";
@@ -31,6 +31,10 @@ public:
             set += " c" + std::to_string(channel);
         }
         delivered.push_back(set);
+        colorsMissing += colorMissing ? 1 : 0;
+    }
+    void Lose(PairingLoss loss) override {
+        (loss == PairingLoss::ColorWithoutMono ? colorsLost : setsLost) += 1;
     }
     void Release(unsigned char* image) override {
         EXPECT_EQ(m_live.erase(image), 1u) << "released twice, or never made";
@@ -40,6 +44,9 @@ public:
 
     std::vector<std::string> delivered;
     std::vector<std::uintptr_t> released;
+    int colorsMissing = 0;  // of the delivered sets
+    int colorsLost = 0;
+    int setsLost = 0;
 
 private:
     std::uintptr_t m_next = 0;

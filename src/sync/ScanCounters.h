@@ -1,0 +1,46 @@
+#pragma once
+
+#include <chrono>
+
+#include "Korvex3Sync/Statistics.h"
+#include "platform/os/CriticalSection.h"
+#include "sync/CallbackTimes.h"
+#include "sync/KeyTracker.h"
+
+namespace Korvex3Sync {
+
+/// Counts what the frame handler delivers and loses. Each method is one step of a frame or a set
+/// and changes all figures that belong to it at once, so that what is read adds up at any moment.
+/// Thread-safe; the lock is held for a few additions and, by a reader, for one pass over the times.
+class ScanCounters {
+public:
+    using Duration = std::chrono::steady_clock::duration;
+
+    // A frame.
+
+    void UnroutedFrame();
+    void UndecodableFrame();
+    /// A mono frame was taken over; its set is pending from here on.
+    void MonoArrived(const KeyStep& step);
+    void ColorWithoutMono();
+    void ColorForSnapshot();
+
+    // A pending set goes, one of these ways.
+
+    /// The callback returned. `colorMissing`: it has no colour image though one was to come.
+    void SetDelivered(Duration took, bool withColor, bool colorMissing);
+    /// The callback threw.
+    void SetThrown(Duration took);
+    void SetWithoutCallback();
+    void SetDropped();
+
+    /// Fills in everything but the figures of the grab threads.
+    void Read(ScanStatistics& statistics) const;
+
+private:
+    mutable os::Mutex m_mutex;
+    ScanStatistics m_counts KORVEX_GUARDED_BY(m_mutex);
+    CallbackTimes m_times KORVEX_GUARDED_BY(m_mutex);
+};
+
+}  // namespace Korvex3Sync
