@@ -1,0 +1,119 @@
+#include <gmock/gmock.h>
+
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+
+#include "project/SourceTree.h"
+#include "support/ChildProcess.h"
+
+namespace Korvex3Sync::tests {
+
+namespace {
+
+constexpr char kGuide[] = "docs/guide.md";
+constexpr char kSamples[] = "examples/guide";
+
+/// The lines without the blanks that they begin with: a sample in the guide stands at the margin.
+std::string WithoutIndentation(const std::string& text) {
+    std::istringstream lines(text);
+    std::string result;
+    for (std::string line; std::getline(lines, line);) {
+        const auto start = line.find_first_not_of(' ');
+        result += (start == std::string::npos ? "" : line.substr(start)) + '\n';
+    }
+    return result;
+}
+
+std::vector<std::string> CppBlocks(const std::string& text) {
+    const std::string open = "```cpp\n";
+    std::vector<std::string> blocks;
+    for (auto start = text.find(open); start != std::string::npos; start = text.find(open, start)) {
+        start += open.size();
+        const auto end = text.find("```", start);
+        blocks.push_back(text.substr(start, end - start));
+        start = end;
+    }
+    return blocks;
+}
+
+TEST(Guide, ShowsItsSamplesAsTheyAreBuilt) {
+    const auto blocks = CppBlocks(ReadProjectFile(kGuide));
+    EXPECT_GE(blocks.size(), 10u) << "the blocks were not found";
+    const SourceTree samples = ReadSourceTree({kSamples});
+    for (const std::string& block : blocks) {
+        const bool stands = std::any_of(samples.begin(), samples.end(), [&](const auto& sample) {
+            return WithoutIndentation(sample.second).find(WithoutIndentation(block)) !=
+                   std::string::npos;
+        });
+        EXPECT_TRUE(stands) << "in no file of " << kSamples << ":\n" << block;
+    }
+}
+
+TEST(Guide, NamesEverySampleFile) {
+    const std::string guide = ReadProjectFile(kGuide);
+    for (const auto& [path, text] : ReadSourceTree({kSamples})) {
+        const std::string file = path.substr(std::string(kSamples).size() + 1);
+        EXPECT_NE(guide.find('`' + file + '`'), std::string::npos) << file;
+    }
+}
+
+TEST(Guide, LinksLeadToFiles) {
+    const std::filesystem::path docs = std::filesystem::path(KORVEX_SOURCE_DIR) / "docs";
+    for (const char* page : {"guide.md", "troubleshooting.md", "threads.md"}) {
+        const std::string text = ReadProjectFile(std::string("docs/") + page);
+        for (auto start = text.find("]("); start != std::string::npos;
+             start = text.find("](", start + 1)) {
+            const std::string link = text.substr(start + 2, text.find(')', start) - start - 2);
+            const std::string file = link.substr(0, link.find('#'));
+            if (!link.starts_with("http") && !file.empty()) {
+                EXPECT_TRUE(std::filesystem::exists(docs / file)) << page << ": " << link;
+            }
+        }
+    }
+}
+
+struct SampleRow {
+    const char* name;
+    /// What its output holds when it has done its work over the virtual head.
+    std::vector<std::string> output;
+};
+
+class GuideSample : public testing::TestWithParam<SampleRow> {};
+
+TEST_P(GuideSample, DoesItsWorkOverTheVirtualHead) {
+    ChildOptions options;
+    options.environment = {{"KORVEX_VIRTUAL_HEAD", "default"}};
+    const auto result =
+        RunChild({std::string(KORVEX_GUIDE_SAMPLES "/guide_") + GetParam().name}, options);
+    EXPECT_EQ(result.exitCode, 0) << result.error;
+    for (const std::string& text : GetParam().output) {
+        EXPECT_THAT(result.output, testing::HasSubstr(text));
+    }
+}
+
+TEST_P(GuideSample, SaysThatThereIsNoHead) {
+    ChildOptions options;
+    options.environment = {{"KORVEX_VIRTUAL_HEAD", ""}};
+    const auto result =
+        RunChild({std::string(KORVEX_GUIDE_SAMPLES "/guide_") + GetParam().name}, options);
+    EXPECT_EQ(result.exitCode, 1);
+    EXPECT_THAT(result.error, testing::HasSubstr("no camera found\n"));
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    All, GuideSample,
+    testing::Values(
+        SampleRow{"find_cameras",
+                  {"camera KV00A1001, 1280 x 1024, colour\n", "at USB 3 speed", "firmware 1.4.0"}},
+        SampleRow{"light", {"laser lines 60 %, strobe 80 100 100 %, a trigger every 10 ms\n"}},
+        SampleRow{"scan", {"images of 1280 x 1024\n", " with colour\n", "sets dropped by this"}},
+        SampleRow{"exposure", {"exposure 8.5 ms, gain 3\n"}},
+        SampleRow{"snapshot", {"an image of 1310720 bytes\n"}},
+        SampleRow{"user_memory", {"calibrated by bench 7\n"}},
+        SampleRow{"reconnect", {"20 sets\nreconnected\n20 sets\n"}}),
+    [](const auto& row) { return row.param.name; });
+
+}  // namespace
+
+}  // namespace Korvex3Sync::tests
