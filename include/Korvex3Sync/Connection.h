@@ -48,14 +48,32 @@ KORVEX3SYNC_API RETSTATUS ConnectDevice(const char* const& deviceType,
 /// with 255 and 255.
 KORVEX3SYNC_API RETSTATUS DisConnectDevice(void*& handle);
 
-/// Closes and releases the cameras but keeps the connection.
+/// Closes and releases the cameras but keeps the connection: board operations go on as before, no
+/// frames come. ReconnectDevice brings the cameras back; DisConnectDevice ends the connection, from
+/// any thread.
 ///
-/// In this version the answer is 5 (6 for a null handle).
+/// Returns 7; 6 for a null handle. Any thread, but not from a callback; blocks for the running
+/// iteration of each camera (one snap of at most 100 ms and a running scan callback) and for
+/// operations of other threads.
 KORVEX3SYNC_API RETSTATUS CloseDeviceCamera(void* const& handle);
 
-/// Closes and opens board and cameras again and writes back every setting made before.
+/// Brings a head back whose board or cameras dropped out, or whose cameras were closed: closes and
+/// opens the board with the serial of ConnectDevice, reopens every camera, and writes back every
+/// light, trigger, exposure and gain setting that was made, also those that a lost board or a
+/// camera refused (but none that was answered 6). A board that opens and does not answer is
+/// restarted, and tried once more 7 s later. A running scan goes on; its callbacks stay set. The
+/// heartbeat is on afterwards.
 ///
-/// In this version the answer is 5 (6 for a null handle).
+/// A camera that does not open gives no frames and changes no result: compare what arrives with
+/// what was connected, and reconnect again. A board that was marked lost stays marked until the
+/// next good status poll, so board operations may answer 0 until then; that needs a status
+/// callback.
+///
+/// Returns 7; 6 for a null handle; 0 when the board does not open or does not answer. The
+/// connection stays then, without a board (operations answer 6) or with a silent one, and can be
+/// reconnected again. Any thread, but not from a callback. Blocks for the running iteration of each
+/// camera, for opening the devices and about twenty-five answers of the board, and for the 7 s of a
+/// restart; operations of other threads wait meanwhile.
 KORVEX3SYNC_API RETSTATUS ReconnectDevice(void* const& handle);
 
 /// Resets the board: the whole device when `second` is true, else only its FPGA when `first` is

@@ -26,20 +26,36 @@ KORVEX3SYNC_API RETSTATUS SetScanCallBackFunction(void* const& handle,
 KORVEX3SYNC_API RETSTATUS SetStatusCallBackFunction(void* const& handle,
                                                     StatusCallBackFunction callback, void* context);
 
-/// Takes two colour images outside the scan: one under strobe state 3, one under strobe state 1
-/// with the given exposure (milliseconds) and gain. The images are appended; they belong to the
-/// caller, who frees each with `delete[]`. The second may be null. `width` and `height` receive
-/// 1280 and 1024. Trigger and strobe stay as the snapshot left them.
+/// Takes two colour images outside the scan: the first with the strobe output `route` in state 3
+/// and the exposure that the camera has, the second in state 1 with `exposure` (milliseconds) and
+/// `gain` for `cameraIndex`, as SetCameraExposureAndGain takes them; both are only read. Colour
+/// frames that come meanwhile are taken for the snapshot; the trigger of a running scan is switched
+/// off.
 ///
-/// In this version the answer is 5 (6 for a null handle).
+/// The images are appended to `images` as `new[]` blocks that belong to the caller, who frees each
+/// with `delete[]`, also after DisConnectDevice. Each holds an 8-bit RGGB mosaic **of the size of
+/// the camera**, which GetCameraResolution gives: `width` and `height` receive 1280 and 1024
+/// whatever that is. The second image may be null.
+///
+/// Trigger and strobe stay as the snapshot left them (trigger mode TRIGGER_SINGLE_COLOR, strobe
+/// state 1), also after a failure: set them as they shall be. Exposure and gain stay too.
+///
+/// Returns 7; 6 for a null handle; 0 when a frame did not come: nothing is appended then. A board
+/// that is lost, not open or refuses, and cameras that were closed, are not told apart from frames
+/// that do not come. Any thread outside the callbacks; one snapshot at a time on a handle, and not
+/// beside DisConnectDevice. Blocks for the frames, **up to 100 s for each image**, and for
+/// operations of other threads.
 KORVEX3SYNC_API RETSTATUS SnapColorImage(void* const& handle, std::vector<unsigned char*>& images,
                                          int& width, int& height, const int& cameraIndex,
                                          double& exposure, int& gain, const CONTROLROUTE& route);
 
-/// As SnapColorImage, with a third image; `exposures` and `gains` hold two entries each, for the
-/// second and the third. Always runs in direct mode.
+/// As SnapColorImage, with a third image: that one with strobe output 1, whatever `route` is, in
+/// state 3, and the second `exposures` and `gains`. Both hold two entries, for the second and the
+/// third image. The second and the third image may be null. Trigger and strobe output 1 stay as the
+/// third image left them. Always runs in direct mode: never with a handle of service mode.
 ///
-/// In this version the answer is 5 (6 for a null handle).
+/// Returns as SnapColorImage does; 3 when `exposures` or `gains` does not hold two entries: nothing
+/// is done then.
 KORVEX3SYNC_API RETSTATUS SnapColorImageForIR(void* const& handle,
                                               std::vector<unsigned char*>& images, int& width,
                                               int& height, const int& cameraIndex,

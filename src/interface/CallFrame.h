@@ -65,9 +65,4 @@ RETSTATUS ExportCall(Variant variant, const char* name, void* handle, Operation 
         [&] { return std::invoke(operation, ManagerOf(handle), std::forward<Args>(args)...); });
 }
 
-/// The back end of an export that this version does not have yet.
-inline RETSTATUS NotInThisVersion(IManagerSync&) {
-    return STATUS_NOT_SUPPORTED;
-}
-
 }  // namespace Korvex3Sync

@@ -4,24 +4,32 @@
 
 namespace Korvex3Sync {
 
-RETSTATUS GetConnectCameraCount(void* const& handle, int&) {
-    return ExportCall(Variant::Standard, "GetConnectCameraCount", handle, NotInThisVersion);
+RETSTATUS GetConnectCameraCount(void* const& handle, int& count) {
+    return ExportCall(Variant::Standard, "GetConnectCameraCount", handle,
+                      &IManagerSync::GetConnectCameraCount, count);
 }
 
-RETSTATUS GetCameraSerialNumber(void* const& handle, const int&, char*&) {
-    return ExportCall(Variant::Standard, "GetCameraSerialNumber", handle, NotInThisVersion);
+RETSTATUS GetCameraSerialNumber(void* const& handle, const int& cameraIndex, char*& serial) {
+    return ExportCall(Variant::Standard, "GetCameraSerialNumber", handle,
+                      &IManagerSync::GetCameraSerialNumber, cameraIndex, serial);
 }
 
-RETSTATUS GetCameraResolution(void* const& handle, const int&, int&, int&) {
-    return ExportCall(Variant::Standard, "GetCameraResolution", handle, NotInThisVersion);
+RETSTATUS GetCameraResolution(void* const& handle, const int& cameraIndex, int& width,
+                              int& height) {
+    return ExportCall(Variant::Standard, "GetCameraResolution", handle,
+                      &IManagerSync::GetCameraResolution, cameraIndex, width, height);
 }
 
-RETSTATUS SetCameraExposureAndGain(void* const& handle, const int&, const double&, const int&) {
-    return ExportCall(Variant::Standard, "SetCameraExposureAndGain", handle, NotInThisVersion);
+RETSTATUS SetCameraExposureAndGain(void* const& handle, const int& cameraIndex,
+                                   const double& exposure, const int& gain) {
+    return ExportCall(Variant::Standard, "SetCameraExposureAndGain", handle,
+                      &IManagerSync::SetCameraExposureAndGain, cameraIndex, exposure, gain);
 }
 
-RETSTATUS GetCameraExposureAndGain(void* const& handle, const int&, double&, int&) {
-    return ExportCall(Variant::Standard, "GetCameraExposureAndGain", handle, NotInThisVersion);
+RETSTATUS GetCameraExposureAndGain(void* const& handle, const int& cameraIndex, double& exposure,
+                                   int& gain) {
+    return ExportCall(Variant::Standard, "GetCameraExposureAndGain", handle,
+                      &IManagerSync::GetCameraExposureAndGain, cameraIndex, exposure, gain);
 }
 
 RETSTATUS SetCameraExposure(void* const&, const int&, const double&) {

@@ -71,11 +71,13 @@ RETSTATUS DisConnectDevice(void*& handle) {
 }
 
 RETSTATUS CloseDeviceCamera(void* const& handle) {
-    return ExportCall(Variant::Standard, "CloseDeviceCamera", handle, NotInThisVersion);
+    return ExportCall(Variant::Standard, "CloseDeviceCamera", handle, &IManagerSync::ReleaseCamera);
 }
 
 RETSTATUS ReconnectDevice(void* const& handle) {
-    return ExportCall(Variant::Standard, "ReconnectDevice", handle, NotInThisVersion);
+    return ExportCall(Variant::Standard, "ReconnectDevice", handle, [](IManagerSync& manager) {
+        return manager.ReConnectDeviceEx() == 0 ? STATUS_SUCCESS : STATUS_FAILED;
+    });
 }
 
 RETSTATUS ReconnectDevice(void* const& handle, const bool& first, const bool& second) {

@@ -16,15 +16,19 @@ RETSTATUS SetStatusCallBackFunction(void* const& handle, StatusCallBackFunction 
                       &IManagerSync::SetStatusCallBackFunction, callback, context);
 }
 
-RETSTATUS SnapColorImage(void* const& handle, std::vector<unsigned char*>&, int&, int&, const int&,
-                         double&, int&, const CONTROLROUTE&) {
-    return ExportCall(Variant::Standard, "SnapColorImage", handle, NotInThisVersion);
+RETSTATUS SnapColorImage(void* const& handle, std::vector<unsigned char*>& images, int& width,
+                         int& height, const int& cameraIndex, double& exposure, int& gain,
+                         const CONTROLROUTE& route) {
+    return ExportCall(Variant::Standard, "SnapColorImage", handle, &IManagerSync::SnapColorImage,
+                      images, width, height, cameraIndex, exposure, gain, route);
 }
 
-RETSTATUS SnapColorImageForIR(void* const& handle, std::vector<unsigned char*>&, int&, int&,
-                              const int&, std::vector<double>&, std::vector<int>&,
-                              const CONTROLROUTE&) {
-    return ExportCall(Variant::AlwaysDirect, "SnapColorImageForIR", handle, NotInThisVersion);
+RETSTATUS SnapColorImageForIR(void* const& handle, std::vector<unsigned char*>& images, int& width,
+                              int& height, const int& cameraIndex, std::vector<double>& exposures,
+                              std::vector<int>& gains, const CONTROLROUTE& route) {
+    return ExportCall(Variant::AlwaysDirect, "SnapColorImageForIR", handle,
+                      &IManagerSync::SnapColorImageForIR, images, width, height, cameraIndex,
+                      exposures, gains, route);
 }
 
 }  // namespace Korvex3Sync

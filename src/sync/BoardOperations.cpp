@@ -29,20 +29,6 @@ RETSTATUS IManagerSync::GetFirewareVersion(const char* pcbSerial, std::string& v
                                                                         : STATUS_FAILED;
 }
 
-RETSTATUS IManagerSync::ResetBoard(bool resetFPGA, bool resetDevice) {
-    constexpr char kAnyBoard[] = "";
-    const RETSTATUS open = EnsureBoardOpen(kAnyBoard);
-    if (open != STATUS_SUCCESS) {
-        return open;
-    }
-    if (!resetDevice && !resetFPGA) {
-        return STATUS_SUCCESS;
-    }
-    const bool reset =
-        resetDevice ? board::zr3DResetDevice(m_hDevice) : board::zr3DResetFPGA(m_hDevice);
-    return reset ? STATUS_SUCCESS : STATUS_FAILED;
-}
-
 RememberedSettings IManagerSync::SettingsToRestore() {
     os::CriticalSectionGuard device(m_csDevice);
     return m_remembered;

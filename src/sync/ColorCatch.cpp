@@ -14,13 +14,17 @@ bool ColorCatch::Armed() const {
     return m_bSingleSnapColor;
 }
 
-void ColorCatch::Arm() {
+void ColorCatch::Begin() {
     os::MutexGuard lock(m_mutex);
     m_hSnapColorEvent = std::make_shared<os::Event>();
+}
+
+void ColorCatch::Arm() {
+    os::MutexGuard lock(m_mutex);
     m_bSingleSnapColor = true;
 }
 
-void ColorCatch::Disarm() {
+void ColorCatch::End() {
     os::MutexGuard lock(m_mutex);
     m_hSnapColorEvent.reset();
     m_bSingleSnapColor = false;
@@ -61,8 +65,20 @@ std::array<unsigned char*, ColorCatch::kSlots> ColorCatch::TakeAll() {
     return std::exchange(m_pSnapColorImages, {});
 }
 
-void ColorCatch::ReleaseAll() {
-    for (unsigned char* image : TakeAll()) {
+bool ColorCatch::HasFirst() const {
+    os::MutexGuard lock(m_mutex);
+    return m_pSnapColorImages.front() != nullptr;
+}
+
+void ColorCatch::ReleaseFirst(std::size_t count) {
+    std::array<unsigned char*, kSlots> images{};
+    {
+        os::MutexGuard lock(m_mutex);
+        for (std::size_t i = 0; i < count; ++i) {
+            std::swap(images[i], m_pSnapColorImages[i]);
+        }
+    }
+    for (unsigned char* image : images) {
         if (image != nullptr) {
             m_release(image);
         }

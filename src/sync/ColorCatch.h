@@ -26,10 +26,12 @@ public:
 
     /// Whether colour frames are wanted now.
     bool Armed() const;
-    /// Makes the event and wants colour frames from now on.
+    /// Makes the event of a snapshot. Frames are not wanted yet.
+    void Begin();
+    /// Wants colour frames from now on.
     void Arm();
     /// Wants none any more and closes the event.
-    void Disarm();
+    void End();
     /// The event of the running snapshot; null when none runs.
     std::shared_ptr<os::Event> CaughtEvent() const;
 
@@ -37,11 +39,15 @@ public:
     /// the others are taken; disarms when all slots are full; signals the event. The image is the
     /// catch's from then on. Otherwise false, and the image stays the caller's.
     bool Catch(unsigned char* image);
+    /// Whether the first slot holds an image.
+    bool HasFirst() const;
     /// Empties the slots; their images are the caller's, who also takes them off whatever pool they
     /// came from.
     std::array<unsigned char*, kSlots> TakeAll();
+    /// Releases what the first `count` slots hold.
+    void ReleaseFirst(std::size_t count);
     /// Releases what the slots hold.
-    void ReleaseAll();
+    void ReleaseAll() { ReleaseFirst(kSlots); }
 
 private:
     const Release m_release;

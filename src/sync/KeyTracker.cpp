@@ -34,7 +34,7 @@ KeyStep KeyTracker::Judge(unsigned key) {
     const bool repeated = key == *m_last;
     const unsigned missing = repeated ? 0 : (key - *m_last - 1) & kKeyMask;
     if (m_unsettled > 0) {
-        if (*m_last == kLastKey && !repeated) {
+        if (*m_last == kLastKey) {
             // Both readings miss the same, and only the next keys can tell which one holds.
             m_unsettled = std::min(m_unsettled, kUnsettledAfterWrap);
         } else if (key <= missing) {

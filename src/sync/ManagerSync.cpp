@@ -144,6 +144,11 @@ RETSTATUS IManagerSync::EnsureBoardOpen(const char* pcbSerial) {
     if (m_hDevice != nullptr) {
         return STATUS_SUCCESS;
     }
+    // A reconnection on another thread may be about to open it: a second open would lose a handle.
+    os::CriticalSectionGuard device(m_csDevice);
+    if (m_hDevice != nullptr) {
+        return STATUS_SUCCESS;
+    }
     const RETSTATUS opened = InitProjector(pcbSerial);
     if (opened != STATUS_SUCCESS) {
         ExitProjector();

@@ -51,6 +51,13 @@ public:
     /// Opens the cameras and starts their grab threads: 0 opened, 1 bad lists, 2 camera failure.
     virtual int OpenCameras(const std::vector<char*>& camSerials, const std::vector<int>& widths,
                             const std::vector<int>& heights);
+    /// With `release` pauses and releases every camera and makes new instances of them; without it
+    /// lets the grab threads run again. Waits for the running iteration of each grab thread.
+    virtual void ReInitializeCamera(bool release);
+    /// Closes and opens the board, then reopens the cameras and writes everything back: 0
+    /// reconnected, 1 the board did not open, 3 it did not answer. Holds the device lock
+    /// throughout.
+    virtual int ReConnectDevice();
 
     // Connection (ManagerSync.cpp).
 
@@ -62,10 +69,21 @@ public:
     /// Closes the board and ends the worker thread. Projection stays as it is.
     void ExitProjector();
 
-    // Board operations (BoardOperations.cpp). All but the first two share one frame.
+    // Reconnection (Reconnection.cpp).
+
+    /// The whole reconnection: parks the status thread, releases the cameras, reconnects, restarts
+    /// a board that does not answer and tries once more. Gives the last result of ReConnectDevice.
+    /// Blocks for 7 s where the board is restarted.
+    int ReConnectDeviceEx();
+    /// Releases the cameras and leaves their grab threads paused. Always 7.
+    RETSTATUS ReleaseCamera();
+    /// Resets the board alone, or only its FPGA; opens any board where none is open. Without the
+    /// device lock.
+    RETSTATUS ResetBoard(bool resetFPGA, bool resetDevice);
+
+    // Board operations (BoardOperations.cpp). All but the first share one frame.
 
     RETSTATUS GetFirewareVersion(const char* pcbSerial, std::string& version);
-    RETSTATUS ResetBoard(bool resetFPGA, bool resetDevice);
     RETSTATUS SetStrobeControlledByTrigger(const CONTROLROUTE& route, const STROBE_STATE& state);
     RETSTATUS EnableBlueLaser(const LASERWORKMODE& mode, const bool& enable);
     RETSTATUS EnableIRLaser(const bool& enable);
@@ -96,8 +114,37 @@ public:
     RETSTATUS SetIRLaserWorkTime(const int& time);
     RETSTATUS GetIRLaserWorkTime(int& time);
 
-    /// What a reconnection would write to the board now.
+    /// What a reconnection would write back now.
     RememberedSettings SettingsToRestore();
+
+    // Camera parameters (CameraParameters.cpp). All of them reach the first camera, whatever the
+    // order, and hold the device lock meanwhile, waits of 20 ms included. What the camera answers
+    // to a query is not reported; a setter tries twice and then answers 7. An order out of range is
+    // 6 where it is looked at, a connection without cameras 0. Exposures are in milliseconds.
+
+    RETSTATUS SetCameraExposureAndGain(const int& order, const double& exposure, const int& gain);
+    /// 7 without cameras too; the outputs stay as they are then.
+    RETSTATUS GetCameraExposureAndGain(const int& order, double& exposure, int& gain);
+    RETSTATUS SetExposureTime(const int& order, const double& exposure);
+    RETSTATUS GetExposureTime(const int& order, double& exposure);
+    RETSTATUS SetCameraGain(const int& order, const int& gain);
+    RETSTATUS GetCameraGain(const int& order, int& gain);
+    /// `serial` must be null and receives a `new[]` text that is the caller's.
+    RETSTATUS GetCameraSerialNumber(const int& index, char*& serial);
+    RETSTATUS GetCameraResolution(const int& index, int& width, int& height);
+    /// Without lock.
+    RETSTATUS GetConnectCameraCount(int& count) const;
+
+    // Colour snapshots (ColorSnapshot.cpp). One at a time; blocks for up to 100 s per image. The
+    // images are appended and are the caller's (`new[]` blocks); an image that is missing is null.
+
+    RETSTATUS SnapColorImage(std::vector<unsigned char*>& images, int& width, int& height,
+                             const int& camOrder, const double& exposure, const int& gain,
+                             const CONTROLROUTE& route);
+    /// Three images; `exposures` and `gains` hold two entries each, otherwise 3.
+    RETSTATUS SnapColorImageForIR(std::vector<unsigned char*>& images, int& width, int& height,
+                                  const int& camOrder, const std::vector<double>& exposures,
+                                  const std::vector<int>& gains, const CONTROLROUTE& route);
 
     // Frames (FrameHandler.cpp).
 
@@ -134,6 +181,9 @@ private:
     template <class Call>
     RETSTATUS BoardQuery(Call call);
 
+    /// One image of a snapshot after the first.
+    struct SnapPhase;
+
     /// Opens the board where it is not open; a failed open closes it again.
     RETSTATUS EnsureBoardOpen(const char* pcbSerial);
     void EndWorkerThread();
@@ -143,6 +193,26 @@ private:
     bool CheckCameraTotals();
     bool OpenAndStartCameras();
     void StartGrabbing(std::size_t serialCount);
+
+    /// Reconnects, a second time after a restart of a board that does not answer.
+    int ReConnectOrRestart();
+    void ReOpenCameras() KORVEX_REQUIRES(m_csDevice);
+    /// `record` is logged for each camera.
+    void PauseAndReleaseCameras(const char* record) KORVEX_REQUIRES(m_csDevice);
+
+    /// Null without cameras.
+    CPhysicalCameraThread* FirstCamera() const;
+    /// Channel codes: one for each entry of the serial list.
+    int ChannelCount() const;
+
+    void SwitchSnapTrigger(bool on);
+    /// Whether the frame came.
+    bool SnapFirst(const CONTROLROUTE& route);
+    bool SnapNext(const SnapPhase& phase);
+    bool WaitForColorFrame(const char* step);
+    void RestartCameras();
+    RETSTATUS HandOver(std::size_t count, std::vector<unsigned char*>& images, int& width,
+                       int& height);
 
     static void OnFrame(const void* const& context, const int& cameraId,
                         unsigned char* const& image, const int& width, const int& height,

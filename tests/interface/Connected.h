@@ -4,6 +4,8 @@
 
 #include "Korvex3Sync/Korvex3Sync.h"
 #include "recorder/Recorder.h"
+#include "recorder/SingleColor.h"
+#include "support/PackedFrames.h"
 
 namespace Korvex3Sync {
 
@@ -19,6 +21,13 @@ protected:
         std::string serial = "KV00R1";
         return ConnectDevice("any", "BOARD", {serial.data(), serial.data()}, {8, 8}, {4, 4},
                              m_handle);
+    }
+
+    /// Each single trigger gives a colour frame from now on.
+    static void GiveColorFrames() {
+        recorder::OnSingleColorTrigger([] {
+            recorder::Recorder::Get().PushSnap({0, false, support::ColorFrame(32, 7, 1)});
+        });
     }
 
     void* m_handle = nullptr;

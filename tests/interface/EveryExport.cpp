@@ -8,7 +8,6 @@ double g_double = 1.0;
 bool g_bool = true;
 char g_memory[256];
 char* g_buffer = g_memory;
-std::vector<unsigned char*> g_images;
 std::vector<double> g_exposures{1.0, 2.0};
 std::vector<int> g_gains{1, 2};
 ScanStatistics g_statistics;
@@ -18,6 +17,17 @@ void OnSet(const void* const&, std::vector<unsigned char*>&, const int&, const i
 void OnStatus(const void* const&, const unsigned char&, const unsigned char&) {}
 
 using H = void* const&;
+using Images = std::vector<unsigned char*>;
+
+/// Takes a snapshot and frees its images.
+RETSTATUS Snapped(const std::function<RETSTATUS(Images&)>& snap) {
+    Images images;
+    const RETSTATUS status = snap(images);
+    for (unsigned char* image : images) {
+        delete[] image;
+    }
+    return status;
+}
 
 }  // namespace
 
@@ -27,17 +37,17 @@ const std::vector<Export>& EveryExport() {
     constexpr auto A = Kind::AlwaysDirect;
     constexpr auto R = Kind::Retired;
     static const std::vector<Export> exports{
-        {"CloseDeviceCamera", S, [](H h) { return CloseDeviceCamera(h); }, false},
-        {"ReconnectDevice", S, [](H h) { return ReconnectDevice(h); }, false},
-        {"GetConnectCameraCount", S, [](H h) { return GetConnectCameraCount(h, g_int); }, false},
+        {"CloseDeviceCamera", S, [](H h) { return CloseDeviceCamera(h); }},
+        {"ReconnectDevice", S, [](H h) { return ReconnectDevice(h); }},
+        {"GetConnectCameraCount", S, [](H h) { return GetConnectCameraCount(h, g_int); }},
         {"GetCameraSerialNumber", S,
          [](H h) {
              char* serial = nullptr;
-             return GetCameraSerialNumber(h, 0, serial);
-         },
-         false},
-        {"GetCameraResolution", S, [](H h) { return GetCameraResolution(h, 0, g_int, g_int); },
-         false},
+             const RETSTATUS status = GetCameraSerialNumber(h, 0, serial);
+             delete[] serial;
+             return status;
+         }},
+        {"GetCameraResolution", S, [](H h) { return GetCameraResolution(h, 0, g_int, g_int); }},
         {"WriteUserInfomation", S, [](H h) { return WriteUserInfomation(h, 0, "a", 1); }},
         {"ReadUserInfomation", S, [](H h) { return ReadUserInfomation(h, 0, g_buffer); }},
         {"EnableHeartbeat", S, [](H h) { return EnableHeartbeat(h, g_bool); }},
@@ -73,10 +83,9 @@ const std::vector<Export>& EveryExport() {
         {"GetCameraExposure", R, [](H h) { return GetCameraExposure(h, 0, g_double); }},
         {"SetCameraGain", R, [](H h) { return SetCameraGain(h, 0, 1); }},
         {"GetCameraGain", R, [](H h) { return GetCameraGain(h, 0, g_int); }},
-        {"SetCameraExposureAndGain", S, [](H h) { return SetCameraExposureAndGain(h, 0, 1.0, 1); },
-         false},
+        {"SetCameraExposureAndGain", S, [](H h) { return SetCameraExposureAndGain(h, 0, 1.0, 1); }},
         {"GetCameraExposureAndGain", S,
-         [](H h) { return GetCameraExposureAndGain(h, 0, g_double, g_int); }, false},
+         [](H h) { return GetCameraExposureAndGain(h, 0, g_double, g_int); }},
         {"SetScanCallBackFunction", S,
          [](H h) { return SetScanCallBackFunction(h, OnSet, &g_int); }},
         {"SetStatusCallBackFunction", S,
@@ -84,15 +93,19 @@ const std::vector<Export>& EveryExport() {
         {"GetScanStatistics", D, [](H h) { return GetScanStatistics(h, g_statistics); }},
         {"SnapColorImage", S,
          [](H h) {
-             return SnapColorImage(h, g_images, g_int, g_int, 0, g_double, g_int, CONTROL_ROUTE_1);
-         },
-         false},
+             double exposure = 1.0;
+             int gain = 1;
+             return Snapped([&](Images& images) {
+                 return SnapColorImage(h, images, g_int, g_int, 0, exposure, gain, CONTROL_ROUTE_1);
+             });
+         }},
         {"SnapColorImageForIR", A,
          [](H h) {
-             return SnapColorImageForIR(h, g_images, g_int, g_int, 0, g_exposures, g_gains,
-                                        CONTROL_ROUTE_1);
-         },
-         false},
+             return Snapped([h](Images& images) {
+                 return SnapColorImageForIR(h, images, g_int, g_int, 0, g_exposures, g_gains,
+                                            CONTROL_ROUTE_1);
+             });
+         }},
     };
     return exports;
 }

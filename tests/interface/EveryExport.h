@@ -15,7 +15,6 @@ struct Export {
     const char* name;
     Kind kind;
     std::function<RETSTATUS(void* const& handle)> call;
-    bool inThisVersion = true;
 };
 
 /// Every export of the standard, direct-only, always-direct and retired kinds.

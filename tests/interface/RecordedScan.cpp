@@ -42,6 +42,20 @@ void ReadAndWriteLight(void* handle) {
     SetDistanceIndicate(handle, DISTANCE_STATUS_2);
 }
 
+void UseCameras(void* handle) {
+    int number = 0;
+    double exposure = 0.0;
+    char* serial = nullptr;
+    GetConnectCameraCount(handle, number);
+    GetCameraSerialNumber(handle, 0, serial);
+    delete[] serial;
+    GetCameraResolution(handle, 1, number, number);
+    SetCameraExposureAndGain(handle, 1, 8.5, 3);
+    GetCameraExposureAndGain(handle, 1, exposure, number);
+    CloseDeviceCamera(handle);
+    ReconnectDevice(handle);
+}
+
 }  // namespace
 
 int main() {
@@ -75,6 +89,7 @@ int main() {
     EnableVideoTrigger(handle, TRIGGER_LASER_LINES_COLOR, true);
     EnableVideoTrigger(handle, TRIGGER_LASER_LINES_COLOR, false);
     ReconnectDevice(handle, true, false);
+    UseCameras(handle);
     DisConnectDevice(handle);
     for (char* serial : serials) {
         delete[] serial;

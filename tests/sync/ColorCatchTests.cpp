@@ -18,6 +18,7 @@ protected:
 using Slots = std::array<unsigned char*, ColorCatch::kSlots>;
 
 TEST_F(ColorCatchTest, ThreeFramesFillTheSlotsInOrderAndDisarm) {
+    m_catch.Begin();
     m_catch.Arm();
     const auto event = m_catch.CaughtEvent();
     ASSERT_NE(event, nullptr);
@@ -35,13 +36,15 @@ TEST_F(ColorCatchTest, ThreeFramesFillTheSlotsInOrderAndDisarm) {
 TEST_F(ColorCatchTest, AFrameThatNobodyWaitsForIsNotTaken) {
     EXPECT_FALSE(m_catch.Catch(&m_pixels[0]));
     EXPECT_EQ(m_catch.TakeAll(), Slots{});
+    m_catch.Begin();
     m_catch.Arm();
-    m_catch.Disarm();
+    m_catch.End();
     EXPECT_FALSE(m_catch.Catch(&m_pixels[0]));
     EXPECT_TRUE(m_released.empty()) << "it stays the caller's";
 }
 
 TEST_F(ColorCatchTest, AFrameThatFindsNoRoomReplacesTheLastAndFreesIt) {
+    m_catch.Begin();
     m_catch.Arm();
     for (int i = 0; i < 3; ++i) {
         EXPECT_TRUE(m_catch.Catch(&m_pixels[i]));
@@ -53,6 +56,7 @@ TEST_F(ColorCatchTest, AFrameThatFindsNoRoomReplacesTheLastAndFreesIt) {
 }
 
 TEST_F(ColorCatchTest, TakenSlotsAreEmptyAndFillAgain) {
+    m_catch.Begin();
     m_catch.Arm();
     m_catch.Catch(&m_pixels[0]);
     m_catch.TakeAll();
@@ -60,10 +64,11 @@ TEST_F(ColorCatchTest, TakenSlotsAreEmptyAndFillAgain) {
     EXPECT_EQ(m_catch.TakeAll(), (Slots{&m_pixels[1], nullptr, nullptr}));
 }
 
-TEST_F(ColorCatchTest, DisarmClosesTheEventAndKeepsTheSlots) {
+TEST_F(ColorCatchTest, EndClosesTheEventAndKeepsTheSlots) {
+    m_catch.Begin();
     m_catch.Arm();
     m_catch.Catch(&m_pixels[0]);
-    m_catch.Disarm();
+    m_catch.End();
     EXPECT_FALSE(m_catch.Armed());
     EXPECT_EQ(m_catch.CaughtEvent(), nullptr);
     EXPECT_TRUE(m_released.empty());
@@ -72,6 +77,7 @@ TEST_F(ColorCatchTest, DisarmClosesTheEventAndKeepsTheSlots) {
 }
 
 TEST_F(ColorCatchTest, WakesTheCallerThatWaits) {
+    m_catch.Begin();
     m_catch.Arm();
     const auto event = m_catch.CaughtEvent();
     std::thread grab([&] { m_catch.Catch(&m_pixels[0]); });

@@ -37,6 +37,7 @@ protected:
 
 TEST_F(FrameRouting, AWaitingSnapshotTakesThreeColourFramesAndTheFourthGoesTheNormalWay) {
     EXPECT_EQ(Route(7, 2), Routed::Paired);
+    m_catch.Begin();
     m_catch.Arm();
     for (int i = 0; i < 3; ++i) {
         EXPECT_EQ(Route(7, 1), Routed::Caught);
@@ -51,6 +52,7 @@ TEST_F(FrameRouting, AWaitingSnapshotTakesThreeColourFramesAndTheFourthGoesTheNo
 }
 
 TEST_F(FrameRouting, MonoFramesPassASnapshotBy) {
+    m_catch.Begin();
     m_catch.Arm();
     EXPECT_EQ(Route(7, 2), Routed::Paired);
     EXPECT_EQ(m_pairing.Size(), 1u);
@@ -104,6 +106,7 @@ TEST_F(FrameRouting, TheBoundIsNotLookedAtOnTheWayToASnapshot) {
     for (unsigned key = 0; key < 6; ++key) {
         m_pairing.Store(key, {});
     }
+    m_catch.Begin();
     m_catch.Arm();
     Route(200, 1);
     EXPECT_EQ(m_pairing.Size(), 6u);

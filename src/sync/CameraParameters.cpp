@@ -1,0 +1,191 @@
+#include <algorithm>
+#include <chrono>
+
+#include "platform/os/Clock.h"
+#include "platform/os/Log.h"
+#include "sync/ExposureWord.h"
+#include "sync/ManagerSync.h"
+
+namespace Korvex3Sync {
+namespace {
+
+using std::chrono::milliseconds;
+
+constexpr auto& kLog = kManagerSyncLog;
+
+/// What a camera takes to change over to the order that was selected.
+constexpr milliseconds kSelectTime{20};
+constexpr double kMicrosecondsPerMillisecond = 1000.0;
+/// What a query gives where there is no camera.
+constexpr int kNoValue = -1;
+
+/// A setter's call. It is made once more when it fails, and then its result does not count.
+template <class Call>
+void TryTwice(const char* setter, milliseconds pause, Call call) {
+    if (call()) {
+        return;
+    }
+    KORVEX_LOG(kLog) << setter << " first time failed, try again.";
+    std::printf("IManagerSync::%s first time failed, try again.************", setter);
+    os::SleepFor(pause);
+    call();
+}
+
+double ReadExposure(CPhysicalCameraThread& camera) {
+    long time = 0;
+    camera.GetExposure(time);
+    return static_cast<double>(time) / kMicrosecondsPerMillisecond;
+}
+
+}  // namespace
+
+CPhysicalCameraThread* IManagerSync::FirstCamera() const {
+    return m_cameras.empty() ? nullptr : m_cameras.front().get();
+}
+
+int IManagerSync::ChannelCount() const {
+    return static_cast<int>(m_cameraChannels.size());
+}
+
+RETSTATUS IManagerSync::SetCameraExposureAndGain(const int& order, const double& exposure,
+                                                 const int& gain) {
+    CheckNotInScanCallback(this);
+    os::CriticalSectionGuard device(m_csDevice);
+    m_remembered.exposures[order] = exposure;
+    m_remembered.gains[order] = gain;
+    CPhysicalCameraThread* const camera = FirstCamera();
+    if (camera == nullptr) {
+        return STATUS_FAILED;
+    }
+    KORVEX_LOG(kLog) << "SetCameraExposureTime camOrder=" << order << " exposureTime=" << exposure
+                     << "gain=" << gain;
+    const int word = ExposureGainWord(order, exposure, gain);
+    TryTwice("SetCameraExposureAndGain", kSelectTime,
+             [&] { return camera->SetCameraParam5(word); });
+    return STATUS_SUCCESS;
+}
+
+RETSTATUS IManagerSync::GetCameraExposureAndGain(const int& order, double& exposure, int& gain) {
+    CheckNotInScanCallback(this);
+    os::CriticalSectionGuard device(m_csDevice);
+    CPhysicalCameraThread* const camera = FirstCamera();
+    if (camera == nullptr) {
+        return STATUS_SUCCESS;
+    }
+    camera->SetCameraParam5(SelectionWord(order));
+    os::SleepFor(kSelectTime);
+    exposure = ReadExposure(*camera);
+    camera->SetCameraParam5(SelectionWord(order));
+    os::SleepFor(kSelectTime);
+    camera->GetGain(gain);
+    return STATUS_SUCCESS;
+}
+
+RETSTATUS IManagerSync::SetExposureTime(const int& order, const double& exposure) {
+    CheckNotInScanCallback(this);
+    os::CriticalSectionGuard device(m_csDevice);
+    const int microseconds = ExposureMicroseconds(exposure);
+    // In microseconds, unlike the combined setter: intended.
+    m_remembered.exposures[order] = microseconds;
+    CPhysicalCameraThread* const camera = FirstCamera();
+    if (camera == nullptr) {
+        return STATUS_FAILED;
+    }
+    camera->SetCameraParam5(order);
+    os::SleepFor(kSelectTime);
+    KORVEX_LOG(kLog) << "SetCameraExposureTime camOrder=" << order << " exposureTime=" << exposure;
+    TryTwice("SetExposureTime", milliseconds{0}, [&] { return camera->SetExposure(microseconds); });
+    return STATUS_SUCCESS;
+}
+
+RETSTATUS IManagerSync::GetExposureTime(const int& order, double& exposure) {
+    CheckNotInScanCallback(this);
+    os::CriticalSectionGuard device(m_csDevice);
+    // An order equal to the count passes here and in SetCameraGain, and nowhere else: intended.
+    if (order < 0 || order > ChannelCount()) {
+        return STATUS_NOT_CONNECTED;
+    }
+    CPhysicalCameraThread* const camera = FirstCamera();
+    if (camera == nullptr) {
+        exposure = kNoValue;
+        return STATUS_FAILED;
+    }
+    camera->SetCameraParam5(order);
+    exposure = ReadExposure(*camera);
+    return STATUS_SUCCESS;
+}
+
+RETSTATUS IManagerSync::SetCameraGain(const int& order, const int& gain) {
+    CheckNotInScanCallback(this);
+    os::CriticalSectionGuard device(m_csDevice);
+    if (order < 0 || order > ChannelCount()) {
+        return STATUS_NOT_CONNECTED;
+    }
+    m_remembered.gains[order] = gain;
+    CPhysicalCameraThread* const camera = FirstCamera();
+    if (camera == nullptr) {
+        return STATUS_FAILED;
+    }
+    camera->SetCameraParam5(order);
+    os::SleepFor(kSelectTime);
+    KORVEX_LOG(kLog) << "SetCameraGain camOrder=" << order << " gain=" << gain;
+    TryTwice("SetCameraGain", milliseconds{0}, [&] { return camera->SetGain(gain); });
+    return STATUS_SUCCESS;
+}
+
+RETSTATUS IManagerSync::GetCameraGain(const int& order, int& gain) {
+    CheckNotInScanCallback(this);
+    os::CriticalSectionGuard device(m_csDevice);
+    if (order < 0 || order >= ChannelCount()) {
+        return STATUS_NOT_CONNECTED;
+    }
+    CPhysicalCameraThread* const camera = FirstCamera();
+    if (camera == nullptr) {
+        gain = kNoValue;
+        return STATUS_FAILED;
+    }
+    camera->SetCameraParam5(order);
+    os::SleepFor(kSelectTime);
+    camera->GetGain(gain);
+    return STATUS_SUCCESS;
+}
+
+RETSTATUS IManagerSync::GetCameraSerialNumber(const int& index, char*& serial) {
+    CheckNotInScanCallback(this);
+    os::CriticalSectionGuard device(m_csDevice);
+    if (index < 0 || index >= ChannelCount() || serial != nullptr) {
+        return STATUS_NOT_CONNECTED;
+    }
+    CPhysicalCameraThread* const camera = FirstCamera();
+    if (camera == nullptr) {
+        serial = nullptr;
+        return STATUS_FAILED;
+    }
+    const std::string text = camera->GetSerial();
+    serial = new char[text.size() + 1]{};
+    std::copy(text.begin(), text.end(), serial);
+    return STATUS_SUCCESS;
+}
+
+RETSTATUS IManagerSync::GetCameraResolution(const int& index, int& width, int& height) {
+    CheckNotInScanCallback(this);
+    os::CriticalSectionGuard device(m_csDevice);
+    if (index < 0 || index >= ChannelCount()) {
+        return STATUS_NOT_CONNECTED;
+    }
+    CPhysicalCameraThread* const camera = FirstCamera();
+    if (camera == nullptr) {
+        width = kNoValue;
+        height = kNoValue;
+        return STATUS_FAILED;
+    }
+    camera->GetResolution(width, height);
+    return STATUS_SUCCESS;
+}
+
+RETSTATUS IManagerSync::GetConnectCameraCount(int& count) const {
+    count = static_cast<int>(m_cameras.size());
+    return STATUS_SUCCESS;
+}
+
+}  // namespace Korvex3Sync

@@ -1,0 +1,170 @@
+#include <chrono>
+
+#include "platform/os/Clock.h"
+#include "platform/os/Log.h"
+#include "sync/ManagerSync.h"
+
+namespace Korvex3Sync {
+namespace {
+
+using std::chrono::milliseconds;
+
+constexpr auto& kLog = kManagerSyncLog;
+
+/// What is still on its way when the trigger is switched off.
+constexpr milliseconds kDrainTime{80};
+constexpr milliseconds kSettleTime{10};
+constexpr milliseconds kFrameLimit{100000};
+
+/// The size that is reported, whatever the camera's is.
+constexpr int kReportedWidth = 1280;
+constexpr int kReportedHeight = 1024;
+
+constexpr STROBE_STATE kFirstStrobe = STROBE_STATE_3;
+constexpr STROBE_STATE kNextStrobe = STROBE_STATE_1;
+/// The infrared image's, whatever route the caller gave.
+constexpr CONTROLROUTE kInfraredRoute = CONTROL_ROUTE_1;
+
+/// Exposures and gains of an infrared snapshot: one each for the second and third image.
+constexpr std::size_t kInfraredSettings = 2;
+
+}  // namespace
+
+struct IManagerSync::SnapPhase {
+    const char* enter;   // logged at its beginning
+    const char* waited;  // logged with the result of its wait
+    CONTROLROUTE route;
+    STROBE_STATE strobe;
+    int camOrder;
+    double exposure;
+    int gain;
+    bool restartCameras;
+};
+
+void IManagerSync::SwitchSnapTrigger(bool on) {
+    EnableVideoTrigger(on ? TRIGGER_SINGLE_COLOR : TRIGGER_PATTERN, on);
+}
+
+bool IManagerSync::WaitForColorFrame(const char* step) {
+    const auto event = m_colorCatch.CaughtEvent();
+    const os::WaitResult result = event ? event->Wait(kFrameLimit) : os::WaitResult::TimedOut;
+    KORVEX_LOG(kLog) << step << " tmpRet=" << static_cast<unsigned long>(result);
+    return result == os::WaitResult::Signalled;
+}
+
+void IManagerSync::RestartCameras() {
+    // A reconnection must not find its pause ended, nor a camera change under this.
+    CheckNotInScanCallback(this);
+    os::CriticalSectionGuard device(m_csDevice);
+    for (auto& camera : m_cameras) {
+        camera->PauseThread();
+        camera->ResetCameraState();
+        camera->ResumeThread();
+    }
+}
+
+bool IManagerSync::SnapFirst(const CONTROLROUTE& route) {
+    constexpr char kStep[] = "SnapColorImage0";
+    KORVEX_LOG(kLog) << kStep;
+    SwitchSnapTrigger(false);
+    os::SleepFor(kDrainTime);
+    m_colorCatch.Begin();
+    SetStrobeControlledByTrigger(route, kFirstStrobe);
+    m_colorCatch.Arm();
+    SwitchSnapTrigger(true);
+    if (!WaitForColorFrame(kStep)) {
+        m_colorCatch.End();
+        return false;
+    }
+    return true;
+}
+
+bool IManagerSync::SnapNext(const SnapPhase& phase) {
+    // Reset between the images only: a frame that came late counts for the next one.
+    if (const auto event = m_colorCatch.CaughtEvent()) {
+        event->Reset();
+    }
+    KORVEX_LOG(kLog) << phase.enter;
+    SwitchSnapTrigger(false);
+    SetStrobeControlledByTrigger(phase.route, phase.strobe);
+    SetCameraExposureAndGain(phase.camOrder, phase.exposure, phase.gain);
+    if (phase.restartCameras) {
+        RestartCameras();
+    }
+    os::SleepFor(kSettleTime);
+    SwitchSnapTrigger(true);
+    return WaitForColorFrame(phase.waited);
+}
+
+RETSTATUS IManagerSync::HandOver(std::size_t count, std::vector<unsigned char*>& images, int& width,
+                                 int& height) {
+    if (!m_colorCatch.HasFirst()) {
+        KORVEX_LOG(kLog) << "SnapColorImage end failed";
+        return STATUS_FAILED;
+    }
+    images.reserve(images.size() + count);  // nothing may throw once the images are taken
+    const auto slots = m_colorCatch.TakeAll();
+    {
+        os::CriticalSectionGuard frame(m_csFrame);
+        for (std::size_t i = 0; i < slots.size(); ++i) {
+            if (i < count) {
+                m_imagePool.GiveAway(slots[i]);
+                images.push_back(slots[i]);
+            } else {
+                m_imagePool.Release(slots[i]);
+            }
+        }
+    }
+    width = kReportedWidth;
+    height = kReportedHeight;
+    KORVEX_LOG(kLog) << "SnapColorImage end ok";
+    return STATUS_SUCCESS;
+}
+
+RETSTATUS IManagerSync::SnapColorImage(std::vector<unsigned char*>& images, int& width, int& height,
+                                       const int& camOrder, const double& exposure, const int& gain,
+                                       const CONTROLROUTE& route) {
+    if (!SnapFirst(route)) {
+        return STATUS_FAILED;
+    }
+    const bool caught = SnapNext(
+        {"SnapColorImage1", "SnapColorImage2", route, kNextStrobe, camOrder, exposure, gain, true});
+    m_colorCatch.End();
+    if (!caught) {
+        m_colorCatch.ReleaseFirst(1);
+        KORVEX_LOG(kLog) << "SnapColorImage end failed";
+        return STATUS_FAILED;
+    }
+    return HandOver(2, images, width, height);
+}
+
+RETSTATUS IManagerSync::SnapColorImageForIR(std::vector<unsigned char*>& images, int& width,
+                                            int& height, const int& camOrder,
+                                            const std::vector<double>& exposures,
+                                            const std::vector<int>& gains,
+                                            const CONTROLROUTE& route) {
+    if (exposures.size() != kInfraredSettings || gains.size() != kInfraredSettings) {
+        return STATUS_PARAMETER;
+    }
+    if (!SnapFirst(route)) {
+        return STATUS_FAILED;
+    }
+    if (!SnapNext({"SnapColorImage1", "SnapColorImage1", route, kNextStrobe, camOrder, exposures[0],
+                   gains[0], true})) {
+        m_colorCatch.ReleaseFirst(1);
+        m_colorCatch.End();
+        KORVEX_LOG(kLog) << "SnapColorImage end failed";
+        return STATUS_FAILED;
+    }
+    const bool caught = SnapNext({"SnapColorImage2", "SnapColorImage2", kInfraredRoute,
+                                  kFirstStrobe, camOrder, exposures[1], gains[1], false});
+    m_colorCatch.End();
+    if (!caught) {
+        m_colorCatch.ReleaseFirst(2);
+        KORVEX_LOG(kLog) << "SnapColorImage end failed";
+        return STATUS_FAILED;
+    }
+    return HandOver(3, images, width, height);
+}
+
+}  // namespace Korvex3Sync

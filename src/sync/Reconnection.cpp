@@ -1,0 +1,162 @@
+#include <chrono>
+
+#include "platform/include/zr3DHandiDLPdev.h"
+#include "platform/os/Clock.h"
+#include "platform/os/Log.h"
+#include "sync/ManagerSync.h"
+#include "sync/RestoreSettings.h"
+
+namespace Korvex3Sync {
+
+namespace board = zr3DHandiDLPdev;
+
+namespace {
+
+constexpr auto& kLog = kManagerSyncLog;
+
+/// Results of a reconnection.
+constexpr int kReconnected = 0;
+constexpr int kBoardNotOpened = 1;
+constexpr int kBoardSilent = 3;
+
+/// How long a board takes to come back after its restart.
+constexpr std::chrono::milliseconds kRestartTime{7000};
+constexpr std::chrono::milliseconds kHeartbeatTime{100};
+
+/// Any board, and any camera instance: the one that the camera was opened with.
+constexpr char kAnyBoard[] = "";
+constexpr const char* kSerialOfLastOpen = nullptr;
+
+/// The same text as a line on standard output and in the log.
+void PrintAndLog(const char* text) {
+    std::printf("%s\n", text);
+    KORVEX_LOG(kLog) << text;
+}
+
+}  // namespace
+
+int IManagerSync::ReConnectDeviceEx() {
+    m_bPauseStatusCheck = true;
+    ReInitializeCamera(true);
+    const int result = ReConnectOrRestart();
+    m_bPauseStatusCheck = false;
+    ReInitializeCamera(false);
+    return result;
+}
+
+int IManagerSync::ReConnectOrRestart() {
+    int result = ReConnectDevice();
+    KORVEX_LOG(kLog) << "ReConnectDeviceEx ret=" << result;
+    if (result == kBoardNotOpened) {
+        return result;
+    }
+    if (result == kBoardSilent) {
+        PrintAndLog("Start Send Restart Report Command to Device");
+        if (board::zr3DResetDevice(m_hDevice)) {
+            PrintAndLog("Send Restart Report Command to Device");
+            os::SleepFor(kRestartTime);
+            result = ReConnectDevice();
+            KORVEX_LOG(kLog) << "ReConnectDevice ret=" << result;
+            std::printf("End Reconnect Device Second time, ret = %d\n", result);
+        }
+    }
+    KORVEX_LOG(kLog) << "ReConnectDeviceEx ret=" << result;
+    if (result == kReconnected) {
+        // What the application asked for stays remembered as it is.
+        board::zr3DEnableHeartbeat(m_hDevice, true);
+        os::SleepFor(kHeartbeatTime);
+    }
+    return result;
+}
+
+int IManagerSync::ReConnectDevice() {
+    PrintAndLog("Start Reconnect Device Function");
+    RETSTATUS opened = STATUS_FAILED;
+    {
+        CheckNotInScanCallback(this);
+        os::CriticalSectionGuard device(m_csDevice);
+        ExitProjector();
+        opened = InitProjector(m_boardSerial.c_str());
+        if (opened == STATUS_SUCCESS) {
+            PrintAndLog("Init Projector First time success");
+            unsigned char first = 0;
+            unsigned char second = 0;
+            if (QueryCurrentStatus(first, second) == STATUS_SUCCESS) {
+                KORVEX_LOG(kLog) << "QueryCurrentStatus success.";
+                std::printf("QueryCurrentStatus success\n");
+                ReOpenCameras();
+                RestoreBoard(m_hDevice, m_remembered);
+                return kReconnected;
+            }
+        }
+    }
+    if (opened != STATUS_SUCCESS) {
+        PrintAndLog("Init Projector First time failed");
+        return kBoardNotOpened;
+    }
+    KORVEX_LOG(kLog) << "QueryCurrentStatus failed.";
+    return kBoardSilent;
+}
+
+void IManagerSync::ReOpenCameras() {
+    const std::vector<OrderSetting> orders = OrdersToRestore(m_remembered);
+    for (auto& camera : m_cameras) {
+        camera->PauseThread();
+        if (!camera->ReOpenCamera()) {
+            KORVEX_LOG(kLog) << "ReOpenCamera failed";
+            continue;
+        }
+        PrintAndLog("ReOpenCamera success");
+        camera->StartCamera();
+        for (const OrderSetting& setting : orders) {
+            SetCameraExposureAndGain(setting.order, setting.exposure, setting.gain);
+        }
+        camera->ResumeThread();
+    }
+}
+
+void IManagerSync::ReInitializeCamera(bool release) {
+    CheckNotInScanCallback(this);
+    os::CriticalSectionGuard device(m_csDevice);
+    if (!release) {
+        for (auto& camera : m_cameras) {
+            camera->ResumeThread();
+        }
+        return;
+    }
+    PauseAndReleaseCameras("ReInitializeCamera success");
+    for (auto& camera : m_cameras) {
+        camera->InializeCamera(kSerialOfLastOpen);
+    }
+}
+
+RETSTATUS IManagerSync::ReleaseCamera() {
+    CheckNotInScanCallback(this);
+    os::CriticalSectionGuard device(m_csDevice);
+    PauseAndReleaseCameras("ReleaseCamera success");
+    return STATUS_SUCCESS;
+}
+
+void IManagerSync::PauseAndReleaseCameras(const char* record) {
+    for (auto& camera : m_cameras) {
+        camera->PauseThread();
+        camera->ReleaseCamera();
+        KORVEX_LOG(kLog) << record;
+        std::printf("ReInitializeCamera success\n");  // the one text of both callers
+    }
+}
+
+RETSTATUS IManagerSync::ResetBoard(bool resetFPGA, bool resetDevice) {
+    const RETSTATUS open = EnsureBoardOpen(kAnyBoard);
+    if (open != STATUS_SUCCESS) {
+        return open;
+    }
+    if (!resetDevice && !resetFPGA) {
+        return STATUS_SUCCESS;
+    }
+    const bool reset =
+        resetDevice ? board::zr3DResetDevice(m_hDevice) : board::zr3DResetFPGA(m_hDevice);
+    return reset ? STATUS_SUCCESS : STATUS_FAILED;
+}
+
+}  // namespace Korvex3Sync

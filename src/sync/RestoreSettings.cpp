@@ -1,0 +1,43 @@
+#include "sync/RestoreSettings.h"
+
+#include "sync/BoardSelectors.h"
+
+namespace Korvex3Sync {
+
+std::vector<OrderSetting> OrdersToRestore(const RememberedSettings& settings) {
+    std::vector<OrderSetting> orders;
+    for (const auto& [order, exposure] : settings.exposures) {
+        const auto gain = settings.gains.find(order);
+        if (gain != settings.gains.end()) {
+            orders.push_back({order, exposure, gain->second});
+        }
+    }
+    return orders;
+}
+
+void RestoreBoard(void* board, const RememberedSettings& settings) {
+    namespace lib = zr3DHandiDLPdev;
+    const RememberedSettings& s = settings;
+    lib::zr3DOpenOrCloseStrobeFlicker(board, s.strobeRoute, s.strobeState);
+    lib::zr3DSetDistanceIndicateState(board, s.distanceState);
+    lib::zr3DProject(board, s.projectType);
+    lib::zr3DSetProjectorBrightness(board, s.projectorBrightness);
+    lib::zr3DSetWorkTime(board, kProjectorWorkTimeSet, s.projectorWorkTime);
+    lib::zr3DSetIRLaserLevel(board, s.irLaserLevel);
+    lib::zr3DSetLaserEnable(board, s.blueLaserEnable, s.blueLaserMode);
+    lib::zr3DSetDutioRatio(board, kLaserLineDutySet, s.laserLineDuty);
+    // Never set: the setter of this work time stores into that of the infrared laser.
+    lib::zr3DSetWorkTime(board, kLaserLineWorkTimeSet, s.laserLineWorkTime);
+    lib::zr3DSetIRLaserEnable(board, s.irLaserEnable);
+    lib::zr3DSetWorkTime(board, kIRLaserWorkTimeSet, s.irLaserWorkTime);
+    lib::zr3DSetDutioRatio(board, kIRLaserDutySet, s.irLaserDuty);
+    lib::zr3DSetVideoTrigleMode(board, s.triggerMode);
+    lib::zr3DSetVideoTriggerPeriod(board, s.triggerPeriod);
+    lib::zr3DSetDutioRatio(board, kProjectorDutySet, s.projectorDuty);
+    lib::zr3DSetLedDutioRatio(board, kStrobeDutySet, s.strobeDuty[0], s.strobeDuty[1],
+                              s.strobeDuty[2]);
+    lib::zr3DSetLedWorkTime(board, true, s.strobeWorkTime[0]);
+    lib::zr3DSetLedWorkTime(board, false, s.strobeWorkTime[1]);
+}
+
+}  // namespace Korvex3Sync

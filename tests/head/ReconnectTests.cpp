@@ -1,0 +1,237 @@
+#include <gmock/gmock.h>
+
+#include <atomic>
+#include <optional>
+#include <thread>
+
+#include "head/HeadSession.h"
+#include "platform/os/TimeScale.h"
+
+namespace Korvex3Sync {
+namespace {
+
+using testing::Contains;
+using testing::ElementsAre;
+using testing::Not;
+using Calls = std::vector<std::string>;
+
+/// Everything that a reconnection writes to the board.
+const Calls kWritten{"zr3DOpenOrCloseStrobeFlicker",
+                     "zr3DSetDistanceIndicateState",
+                     "zr3DProject",
+                     "zr3DSetProjectorBrightness",
+                     "zr3DSetWorkTime",
+                     "zr3DSetIRLaserLevel",
+                     "zr3DSetLaserEnable",
+                     "zr3DSetDutioRatio",
+                     "zr3DSetIRLaserEnable",
+                     "zr3DSetVideoTrigleMode",
+                     "zr3DSetVideoTriggerPeriod",
+                     "zr3DSetLedDutioRatio",
+                     "zr3DSetLedWorkTime",
+                     "zr3DEnableHeartbeat"};
+
+class ReconnectedHead : public HeadSession {
+protected:
+    void SetUp() override {
+        Request(SmallHead());
+        ASSERT_EQ(Connect(), STATUS_SUCCESS);
+    }
+    ~ReconnectedHead() override {
+        DisConnectDevice(m_handle);  // before the collector goes
+    }
+    void Scan() {
+        ASSERT_EQ(SetScanCallBackFunction(m_handle, &SetCollector::Receive, &m_sets),
+                  STATUS_SUCCESS);
+        ASSERT_EQ(Trigger(TRIGGER_LASER_LINES_COLOR, 2), STATUS_SUCCESS);
+        ASSERT_TRUE(m_sets.WaitFor(5));
+    }
+    bool ScanGoesOn() { return m_sets.WaitFor(m_sets.Count() + 20); }
+    void WatchStatus() {
+        ASSERT_EQ(SetStatusCallBackFunction(
+                      m_handle,
+                      [](const void* const& context, const unsigned char&, const unsigned char&) {
+                          ++*static_cast<std::atomic<int>*>(const_cast<void*>(context));
+                      },
+                      &m_reports),
+                  STATUS_SUCCESS);
+    }
+    virtual_head::Faults& Faults() { return Head().GetFaults(); }
+    Calls Journal(const Calls& calls = {}) { return Head().GetJournal().Texts(calls); }
+
+    os::ScopedTimeScale m_scale{0.01};
+    SetCollector m_sets{[](const ImageSet& set, std::size_t) {
+        EXPECT_TRUE(set.images.size() == 2 || set.images.size() == 3);
+        if (set.images.size() == 3) {
+            EXPECT_EQ(set.images[2][3], set.Key()) << "colour of the same trigger";
+        }
+    }};
+    std::atomic<int> m_reports{0};
+};
+
+TEST_F(ReconnectedHead, WritesEverySettingBackInOrder) {
+    SetLaserLineDutioRatio(m_handle, 61);
+    SetProjectDutioRatio(m_handle, 62);
+    SetIRLaserDutioRatio(m_handle, 63);
+    SetStrobeDutioRatio(m_handle, -1, 30, -1);
+    SetStrobeWorkTime(m_handle, 301, 302);
+    SetLaserLineWorkTime(m_handle, 303);
+    SetProjectWorkTime(m_handle, 304);
+    SetProjectorBrightness(m_handle, 77);
+    SetVideoTriggerPeriod(m_handle, 9);
+    SetDistanceIndicate(m_handle, DISTANCE_STATUS_2);
+    EnableBlueLaser(m_handle, LASER_WORK_MODE_2, true);
+    EnableIRLaser(m_handle, true);
+    SetIRLaserBrightnessLevel(m_handle, 6);
+    Project(m_handle, PROJECT_PATTERN_2);
+    SetStrobeControlledByTrigger(m_handle, CONTROL_ROUTE_0, STROBE_STATE_3);
+    EnableVideoTrigger(m_handle, TRIGGER_LASER_LINES_COLOR, true);
+    Head().GetJournal().Clear();
+    EXPECT_EQ(ReconnectDevice(m_handle), STATUS_SUCCESS);
+    EXPECT_THAT(
+        Journal(kWritten),
+        ElementsAre("zr3DOpenOrCloseStrobeFlicker(0, 3) = true",
+                    "zr3DSetDistanceIndicateState(3) = true", "zr3DProject(2) = true",
+                    "zr3DSetProjectorBrightness(77) = true", "zr3DSetWorkTime(84, 304) = true",
+                    "zr3DSetIRLaserLevel(6) = true", "zr3DSetLaserEnable(1, 2) = true",
+                    "zr3DSetDutioRatio(49, 61) = true", "zr3DSetWorkTime(82, 1000) = true",
+                    "zr3DSetIRLaserEnable(1) = true", "zr3DSetWorkTime(86, 303) = true",
+                    "zr3DSetDutioRatio(53, 63) = true", "zr3DSetVideoTrigleMode(6) = true",
+                    "zr3DSetVideoTriggerPeriod(9) = true", "zr3DSetDutioRatio(51, 62) = true",
+                    "zr3DSetLedDutioRatio(41, 100, 30, 100) = true",
+                    "zr3DSetLedWorkTime(1, 301) = true", "zr3DSetLedWorkTime(0, 302) = true",
+                    "zr3DEnableHeartbeat(1) = true"));
+    EXPECT_TRUE(Head().Board().State().heartbeat);
+}
+
+TEST_F(ReconnectedHead, ExposureAndGainAreThereAgain) {
+    ASSERT_EQ(SetCameraExposureAndGain(m_handle, 1, 8.5, 3), STATUS_SUCCESS);
+    ASSERT_TRUE(Head().Sensors().ApplyWord(0x0401 + 0x0100));  // the sensor forgot: other values
+    EXPECT_EQ(ReconnectDevice(m_handle), STATUS_SUCCESS);
+    double exposure = 0.0;
+    int gain = 0;
+    EXPECT_EQ(GetCameraExposureAndGain(m_handle, 1, exposure, gain), STATUS_SUCCESS);
+    EXPECT_EQ(exposure, 8.5);
+    EXPECT_EQ(gain, 3);
+}
+
+TEST_F(ReconnectedHead, AScanGoesOnThroughManyOfThem) {
+    WatchStatus();
+    Scan();
+    for (int round = 0; round < 8; ++round) {
+        ASSERT_EQ(ReconnectDevice(m_handle), STATUS_SUCCESS);
+        ASSERT_TRUE(ScanGoesOn()) << round;
+    }
+    const int reports = m_reports;
+    while (m_reports == reports) {
+        std::this_thread::yield();  // the polls go on too; the test's own limit ends this
+    }
+    EXPECT_EQ(TriggerOff(), STATUS_SUCCESS);
+}
+
+TEST_F(ReconnectedHead, ABoardThatDoesNotOpenIsTriedAgainUntilItDoes) {
+    Scan();
+    ASSERT_TRUE(Faults().Fail("zr3DInitHidDev", 2));
+    EXPECT_EQ(ReconnectDevice(m_handle), STATUS_FAILED);
+    EXPECT_EQ(Project(m_handle, PROJECT_PATTERN_1), STATUS_NOT_CONNECTED);
+    EXPECT_EQ(ReconnectDevice(m_handle), STATUS_FAILED);
+    EXPECT_EQ(ReconnectDevice(m_handle), STATUS_SUCCESS);
+    EXPECT_EQ(Project(m_handle, PROJECT_PATTERN_1), STATUS_SUCCESS);
+    EXPECT_TRUE(ScanGoesOn());
+}
+
+TEST_F(ReconnectedHead, ASilentBoardIsRestartedOnceAndReportedWhenThatDoesNotHelp) {
+    ASSERT_TRUE(Faults().Fail("zr3DQueryCurrentStatus", 2));
+    Head().GetJournal().Clear();
+    EXPECT_EQ(ReconnectDevice(m_handle), STATUS_FAILED);
+    EXPECT_THAT(Journal({"zr3DInitHidDev", "zr3DResetDevice", "zr3DQueryCurrentStatus",
+                         "zr3DExitHidDev", "zr3DEnableHeartbeat"}),
+                ElementsAre("zr3DExitHidDev() = true", "zr3DInitHidDev(3267, 5752, ) = true",
+                            "zr3DQueryCurrentStatus() = false", "zr3DResetDevice() = true",
+                            "zr3DExitHidDev() = true", "zr3DInitHidDev(3267, 5752, ) = true",
+                            "zr3DQueryCurrentStatus() = false"));
+    EXPECT_EQ(ReconnectDevice(m_handle), STATUS_SUCCESS);
+}
+
+TEST_F(ReconnectedHead, ASilentBoardThatARestartBringsBackScansOn) {
+    WatchStatus();
+    Scan();
+    SetStatusCallBackFunction(m_handle, nullptr, nullptr);  // polls would meet the fault as well
+    ASSERT_TRUE(Faults().Fail("zr3DQueryCurrentStatus", 1));
+    EXPECT_EQ(ReconnectDevice(m_handle), STATUS_SUCCESS);
+    EXPECT_THAT(Journal({"zr3DResetDevice"}), ElementsAre("zr3DResetDevice() = true"));
+    EXPECT_TRUE(ScanGoesOn()) << "the restart had switched the trigger off";
+}
+
+TEST_F(ReconnectedHead, ClosedCamerasComeBack) {
+    Scan();
+    EXPECT_EQ(CloseDeviceCamera(m_handle), STATUS_SUCCESS);
+    const std::size_t sets = m_sets.Count();
+    const auto triggers = Head().Clock().Triggers();
+    while (Head().Clock().Triggers() < triggers + 20) {
+        std::this_thread::yield();
+    }
+    EXPECT_EQ(m_sets.Count(), sets) << "the board triggers, and nobody looks";
+    EXPECT_EQ(ReconnectDevice(m_handle), STATUS_SUCCESS);
+    EXPECT_TRUE(ScanGoesOn());
+}
+
+TEST_F(ReconnectedHead, CamerasThatAnotherThreadClosedDoNotKeepTheDisconnect) {
+    Scan();
+    std::thread([this] { EXPECT_EQ(CloseDeviceCamera(m_handle), STATUS_SUCCESS); }).join();
+    EXPECT_EQ(DisConnectDevice(m_handle), STATUS_SUCCESS);
+}
+
+TEST_F(ReconnectedHead, ACameraThatDoesNotOpenGivesNoFramesUntilTheNextReconnection) {
+    Scan();
+    ASSERT_TRUE(Faults().Fail("OpenCamera", 1));
+    EXPECT_EQ(ReconnectDevice(m_handle), STATUS_SUCCESS) << "the board is what counts";
+    const std::size_t sets = m_sets.Count();
+    const auto triggers = Head().Clock().Triggers();
+    while (Head().Clock().Triggers() < triggers + 20) {
+        std::this_thread::yield();
+    }
+    EXPECT_EQ(m_sets.Count(), sets);
+    EXPECT_EQ(ReconnectDevice(m_handle), STATUS_SUCCESS);
+    EXPECT_TRUE(ScanGoesOn());
+}
+
+TEST_F(ReconnectedHead, ACameraThatDoesNotOpenDoesNotKeepTheDisconnect) {
+    for (const char* call : {"CreateCamera", "OpenCamera", "GetDeviceType"}) {
+        ASSERT_TRUE(Faults().Fail(call, 1));
+        EXPECT_EQ(ReconnectDevice(m_handle), STATUS_SUCCESS) << call;
+        EXPECT_EQ(DisConnectDevice(m_handle), STATUS_SUCCESS) << call;
+        ASSERT_EQ(Connect(), STATUS_SUCCESS);
+    }
+}
+
+TEST_F(ReconnectedHead, OperationsOfOtherThreadsMeetIt) {
+    WatchStatus();
+    Scan();
+    std::atomic<bool> end{false};
+    std::thread settings([&] {
+        while (!end) {
+            const RETSTATUS status = SetLaserLineDutioRatio(m_handle, 50);
+            EXPECT_TRUE(status == STATUS_SUCCESS || status == STATUS_NOT_CONNECTED) << status;
+        }
+    });
+    std::thread cameras([&] {
+        while (!end) {
+            double exposure = 0.0;
+            int gain = 0;
+            EXPECT_EQ(SetCameraExposureAndGain(m_handle, 0, 8.5, 3), STATUS_SUCCESS);
+            EXPECT_EQ(GetCameraExposureAndGain(m_handle, 0, exposure, gain), STATUS_SUCCESS);
+        }
+    });
+    for (int round = 0; round < 5; ++round) {
+        EXPECT_EQ(ReconnectDevice(m_handle), STATUS_SUCCESS);
+    }
+    end = true;
+    settings.join();
+    cameras.join();
+    EXPECT_EQ(Head().Board().State().laserLineDuty, 50);
+    EXPECT_TRUE(ScanGoesOn());
+}
+
+}  // namespace
+}  // namespace Korvex3Sync

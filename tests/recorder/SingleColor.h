@@ -1,0 +1,20 @@
+#pragma once
+
+#include <functional>
+
+#include "recorder/Recorder.h"
+
+namespace recorder {
+
+/// What the board does when the trigger mode is written: runs `action` inside each write of the
+/// mode that gives one colour frame.
+inline void OnSingleColorTrigger(std::function<void()> action) {
+    Recorder::Get().OnCall("zr3DSetVideoTrigleMode", [action = std::move(action)] {
+        const std::string call = Recorder::Get().Calls().back();
+        if (call.ends_with(", 4)")) {
+            action();
+        }
+    });
+}
+
+}  // namespace recorder

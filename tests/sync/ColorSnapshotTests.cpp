@@ -1,0 +1,255 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <optional>
+
+#include "platform/os/TimeScale.h"
+#include "recorder/SingleColor.h"
+#include "support/LogCapture.h"
+#include "support/PackedFrames.h"
+#include "sync/Head.h"
+
+namespace Korvex3Sync {
+namespace {
+
+using recorder::Recorder;
+using testing::Contains;
+using testing::ElementsAre;
+using testing::Not;
+using Calls = std::vector<std::string>;
+
+constexpr std::size_t kPixels = 32;
+constexpr unsigned char kKey = 9;
+
+/// A manager whose board gives a colour frame for each single trigger: the first of value 1, the
+/// next of value 2 and so on, for as many as are ordered; from then on the waits are short.
+class ColorSnapshot : public testing::Test {
+protected:
+    ColorSnapshot() { Recorder::Get().Reset(); }
+    void SetUp() override {
+        ASSERT_EQ(ConnectRecorded(*m_manager), STATUS_SUCCESS);
+        m_connected = Recorder::Get().Calls().size();
+        recorder::OnSingleColorTrigger([this] { OnTrigger(); });
+    }
+    ~ColorSnapshot() override {
+        m_manager.reset();  // the images are the caller's, also afterwards
+        for (unsigned char* image : m_images) {
+            delete[] image;
+        }
+    }
+    void OnTrigger() {
+        ++m_triggers;
+        if (m_triggers > m_framesWanted) {
+            m_short.emplace(0.0001);
+            return;
+        }
+        PushColor();
+        if (m_handledBeforeWait) {
+            EXPECT_TRUE(Recorder::Get().WaitForHandled(m_pushed));
+        }
+    }
+    void PushColor() {
+        Recorder::Get().PushSnap({0, false, support::ColorFrame(kPixels, ++m_pushed, kKey)});
+    }
+    RETSTATUS Snap() {
+        return m_manager->SnapColorImage(m_images, m_width, m_height, 1, 8.5, 3, CONTROL_ROUTE_0);
+    }
+    RETSTATUS SnapForIR() {
+        return m_manager->SnapColorImageForIR(m_images, m_width, m_height, 1, {8.5, 2.0}, {3, 4},
+                                              CONTROL_ROUTE_0);
+    }
+    /// The calls since the connect.
+    Calls Since() const {
+        const Calls calls = Recorder::Get().Calls();
+        return {calls.begin() + static_cast<std::ptrdiff_t>(m_connected), calls.end()};
+    }
+    /// The values of the images; 0 for one that is missing.
+    std::vector<int> Values() const {
+        std::vector<int> values;
+        for (const unsigned char* image : m_images) {
+            values.push_back(image != nullptr ? image[kPixels - 1] : 0);
+        }
+        return values;
+    }
+    /// Records of the snapshot's own steps.
+    Calls Steps() const {
+        Calls steps;
+        for (const std::string& record : m_log.Records()) {
+            if (record.starts_with("ManagerSync: SnapColorImage")) {
+                steps.push_back(record.substr(13));
+            }
+        }
+        return steps;
+    }
+
+    os::ScopedTimeScale m_scale{0.1};
+    std::optional<os::ScopedTimeScale> m_short;
+    support::LogCapture m_log;
+    std::unique_ptr<IManagerSync> m_manager = std::make_unique<IManagerSync>();
+    std::vector<unsigned char*> m_images;
+    int m_width = 1;
+    int m_height = 2;
+    std::size_t m_connected = 0;
+    int m_framesWanted = 100;
+    bool m_handledBeforeWait = false;
+    int m_triggers = 0;
+    unsigned char m_pushed = 0;
+};
+
+const Calls kFirstPhase{"zr3DSetVideoTrigleMode(B1, 5)", "zr3DOpenOrCloseStrobeFlicker(B1, 0, 3)",
+                        "zr3DSetVideoTrigleMode(B1, 4)"};
+
+TEST_F(ColorSnapshot, TakesTwoImagesTheSecondWithItsOwnExposureAndStrobe) {
+    m_images.push_back(nullptr);  // what stands there stays
+    EXPECT_EQ(Snap(), STATUS_SUCCESS);
+    EXPECT_THAT(Values(), ElementsAre(0, 1, 2));
+    EXPECT_EQ(m_width, 1280) << "whatever the camera's size";
+    EXPECT_EQ(m_height, 1024);
+    Calls expected = kFirstPhase;
+    for (const char* call :
+         {"zr3DSetVideoTrigleMode(B1, 5)", "zr3DOpenOrCloseStrobeFlicker(B1, 0, 1)",
+          "SetCameraIntParam(C1, 5, 3413)", "ResetCameraState(C1)",
+          "zr3DSetVideoTrigleMode(B1, 4)"}) {
+        expected.emplace_back(call);
+    }
+    EXPECT_EQ(Since(), expected);
+    EXPECT_THAT(Steps(),
+                ElementsAre("SnapColorImage0", "SnapColorImage0 tmpRet=0", "SnapColorImage1",
+                            "SnapColorImage2 tmpRet=0", "SnapColorImage end ok"));
+    EXPECT_TRUE(m_log.Has("ManagerSync: m_bSingleSnapColor=1"));
+}
+
+TEST_F(ColorSnapshot, ForInfraredTakesThreeTheThirdOnRouteOneWithoutARestartOfTheCameras) {
+    EXPECT_EQ(SnapForIR(), STATUS_SUCCESS);
+    EXPECT_THAT(Values(), ElementsAre(1, 2, 3));
+    EXPECT_EQ(m_width, 1280);
+    EXPECT_EQ(m_height, 1024);
+    Calls expected = kFirstPhase;
+    for (const char* call :
+         {"zr3DSetVideoTrigleMode(B1, 5)", "zr3DOpenOrCloseStrobeFlicker(B1, 0, 1)",
+          "SetCameraIntParam(C1, 5, 3413)", "ResetCameraState(C1)", "zr3DSetVideoTrigleMode(B1, 4)",
+          "zr3DSetVideoTrigleMode(B1, 5)", "zr3DOpenOrCloseStrobeFlicker(B1, 1, 3)",
+          "SetCameraIntParam(C1, 5, 4372)", "zr3DSetVideoTrigleMode(B1, 4)"}) {
+        expected.emplace_back(call);
+    }
+    EXPECT_EQ(Since(), expected);
+    EXPECT_THAT(Steps(),
+                ElementsAre("SnapColorImage0", "SnapColorImage0 tmpRet=0", "SnapColorImage1",
+                            "SnapColorImage1 tmpRet=0", "SnapColorImage2",
+                            "SnapColorImage2 tmpRet=0", "SnapColorImage end ok"));
+}
+
+TEST_F(ColorSnapshot, ForInfraredNeedsTwoExposuresAndTwoGains) {
+    const std::vector<std::pair<std::vector<double>, std::vector<int>>> wrong{
+        {{1.0}, {1, 2}}, {{1.0, 2.0}, {1}}, {{}, {}}, {{1.0, 2.0, 3.0}, {1, 2, 3}}};
+    for (const auto& [exposures, gains] : wrong) {
+        EXPECT_EQ(m_manager->SnapColorImageForIR(m_images, m_width, m_height, 0, exposures, gains,
+                                                 CONTROL_ROUTE_0),
+                  STATUS_PARAMETER);
+    }
+    EXPECT_TRUE(Since().empty());
+    EXPECT_TRUE(Steps().empty());
+    EXPECT_TRUE(m_images.empty());
+    EXPECT_EQ(m_width, 1);
+}
+
+TEST_F(ColorSnapshot, WithoutAFirstFrameFailsAndLeavesTheTriggerOn) {
+    for (const bool infrared : {false, true}) {
+        m_framesWanted = 0;
+        m_connected = Recorder::Get().Calls().size();
+        EXPECT_EQ(infrared ? SnapForIR() : Snap(), STATUS_FAILED);
+        EXPECT_EQ(Since(), kFirstPhase) << "trigger and strobe stay";
+        EXPECT_EQ(Steps().back(), "SnapColorImage0 tmpRet=258");
+        EXPECT_TRUE(m_images.empty());
+        EXPECT_EQ(m_width, 1);
+    }
+}
+
+TEST_F(ColorSnapshot, WithoutASecondFrameFailsAndDropsTheFirst) {
+    for (const bool infrared : {false, true}) {
+        m_short.reset();
+        m_framesWanted = m_triggers + 1;
+        EXPECT_EQ(infrared ? SnapForIR() : Snap(), STATUS_FAILED);
+        EXPECT_THAT(Steps(), Contains(infrared ? "SnapColorImage1 tmpRet=258"
+                                               : "SnapColorImage2 tmpRet=258"));
+        EXPECT_EQ(Steps().back(), "SnapColorImage end failed");
+        EXPECT_TRUE(m_images.empty());
+    }
+    m_short.reset();
+    m_framesWanted = 100;
+    EXPECT_EQ(Snap(), STATUS_SUCCESS);
+    EXPECT_THAT(Values(), ElementsAre(3, 4)) << "nothing old is in the way";
+}
+
+TEST_F(ColorSnapshot, WithoutAThirdFrameDropsTheFirstTwo) {
+    m_framesWanted = 2;
+    EXPECT_EQ(SnapForIR(), STATUS_FAILED);
+    EXPECT_THAT(Steps(), Contains("SnapColorImage2 tmpRet=258"));
+    EXPECT_EQ(Steps().back(), "SnapColorImage end failed");
+    EXPECT_TRUE(m_images.empty());
+    m_short.reset();
+    m_framesWanted = 100;
+    EXPECT_EQ(Snap(), STATUS_SUCCESS);
+    EXPECT_THAT(Values(), ElementsAre(3, 4));
+}
+
+TEST_F(ColorSnapshot, AFrameThatComesLateTakesThePlaceOfTheNextImage) {
+    Recorder::Get().OnCall("ResetCameraState", [this] { PushColor(); });
+    EXPECT_EQ(Snap(), STATUS_SUCCESS);
+    EXPECT_THAT(Values(), ElementsAre(1, 2));
+    EXPECT_EQ(m_pushed, 3) << "the third, of the second trigger, was dropped";
+}
+
+/// Three frames for the first two images, so that the catch is full and the third image is missing.
+TEST_F(ColorSnapshot, AnImageThatAFailureLeftBehindIsFreedWhenAnotherTakesItsPlace) {
+    m_handledBeforeWait = true;
+    Recorder::Get().OnCall("ResetCameraState", [this] { PushColor(); });
+    m_framesWanted = 2;
+    EXPECT_EQ(SnapForIR(), STATUS_FAILED);
+    EXPECT_TRUE(m_log.Has("ManagerSync: end m_bSingleSnapColor=0")) << "three were caught";
+    Recorder::Get().OnCall("ResetCameraState", {});
+    m_short.reset();
+    m_framesWanted = 100;
+    EXPECT_EQ(Snap(), STATUS_SUCCESS);
+    EXPECT_THAT(Values(), ElementsAre(4, 5));
+}
+
+TEST_F(ColorSnapshot, AnImageThatAFailureLeftBehindIsFreedWithTheManager) {
+    m_handledBeforeWait = true;
+    Recorder::Get().OnCall("ResetCameraState", [this] { PushColor(); });
+    m_framesWanted = 2;
+    EXPECT_EQ(SnapForIR(), STATUS_FAILED);
+    m_manager.reset();  // the address sanitizer tells when it is lost
+    EXPECT_EQ(Recorder::Get().Calls().back(), "zr3DExitHidDev(B1)");
+}
+
+TEST_F(ColorSnapshot, WhatTheBoardAndTheCameraRefuseDoesNotStopIt) {
+    for (const char* call : {"zr3DSetVideoTrigleMode", "zr3DOpenOrCloseStrobeFlicker",
+                             "SetCameraIntParam", "ResetCameraState"}) {
+        Recorder::Get().FailAlways(call);
+    }
+    EXPECT_EQ(Snap(), STATUS_SUCCESS);
+    EXPECT_THAT(Values(), ElementsAre(1, 2));
+}
+
+TEST_F(ColorSnapshot, ColourFramesGoTheNormalWayOnceItIsOver) {
+    EXPECT_EQ(Snap(), STATUS_SUCCESS);
+    const auto caught = [this] {
+        const auto records = m_log.Records();
+        return std::count(records.begin(), records.end(), "ManagerSync: m_bSingleSnapColor=1");
+    };
+    EXPECT_EQ(caught(), 2);
+    PushColor();
+    ASSERT_TRUE(Recorder::Get().WaitForHandled(m_pushed));
+    EXPECT_EQ(caught(), 2);
+}
+
+TEST_F(ColorSnapshot, ARouteThatIsNoneStopsNothing) {
+    EXPECT_EQ(m_manager->SnapColorImage(m_images, m_width, m_height, 0, 1.0, 1, CONTROLROUTE{9}),
+              STATUS_SUCCESS);
+    EXPECT_EQ(Recorder::Get().Count("zr3DOpenOrCloseStrobeFlicker"), 0u);
+}
+
+}  // namespace
+}  // namespace Korvex3Sync

@@ -1,0 +1,81 @@
+#include "sync/RestoreSettings.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "recorder/Recorder.h"
+
+namespace Korvex3Sync {
+namespace {
+
+using recorder::Recorder;
+using Calls = std::vector<std::string>;
+
+class RestoreSettings : public testing::Test {
+protected:
+    RestoreSettings() {
+        Recorder::Get().Reset();
+        m_board = Recorder::Get().NewHandle("B");
+    }
+
+    void* m_board = nullptr;
+};
+
+TEST_F(RestoreSettings, WritesEverythingInItsOrder) {
+    RememberedSettings settings;
+    settings.strobeRoute = zr3DHandiDLPdev::TRIGGERROUTE{1};
+    settings.strobeState = zr3DHandiDLPdev::MASK_STROBE_STATE{3};
+    settings.blueLaserEnable = true;
+    settings.blueLaserMode = zr3DHandiDLPdev::LASERWORKMODE{2};
+    settings.irLaserEnable = true;
+    settings.triggerPeriod = 21;
+    settings.projectorBrightness = 22;
+    settings.triggerMode = zr3DHandiDLPdev::MASK_TRIGGER_MODE{6};
+    settings.projectType = zr3DHandiDLPdev::PROJECTTYPE{2};
+    settings.strobeDuty = {31, 32, 33};
+    settings.laserLineDuty = 34;
+    settings.projectorDuty = 35;
+    settings.irLaserDuty = 36;
+    settings.distanceState = zr3DHandiDLPdev::DISTANCEINDICATE{3};
+    settings.irLaserLevel = 7;
+    settings.strobeWorkTime = {501, 502};
+    settings.projectorWorkTime = 503;
+    settings.laserLineWorkTime = 504;
+    settings.irLaserWorkTime = 505;
+    RestoreBoard(m_board, settings);
+    EXPECT_EQ(
+        Recorder::Get().Calls(),
+        (Calls{"zr3DOpenOrCloseStrobeFlicker(B1, 1, 3)", "zr3DSetDistanceIndicateState(B1, 3)",
+               "zr3DProject(B1, 2)", "zr3DSetProjectorBrightness(B1, 22)",
+               "zr3DSetWorkTime(B1, 84, 503)", "zr3DSetIRLaserLevel(B1, 7)",
+               "zr3DSetLaserEnable(B1, 1, 2)", "zr3DSetDutioRatio(B1, 49, 34)",
+               "zr3DSetWorkTime(B1, 82, 504)", "zr3DSetIRLaserEnable(B1, 1)",
+               "zr3DSetWorkTime(B1, 86, 505)", "zr3DSetDutioRatio(B1, 53, 36)",
+               "zr3DSetVideoTrigleMode(B1, 6)", "zr3DSetVideoTriggerPeriod(B1, 21)",
+               "zr3DSetDutioRatio(B1, 51, 35)", "zr3DSetLedDutioRatio(B1, 41, 31, 32, 33)",
+               "zr3DSetLedWorkTime(B1, 1, 501)", "zr3DSetLedWorkTime(B1, 0, 502)"}));
+}
+
+TEST_F(RestoreSettings, WhatTheBoardRefusesDoesNotStopTheRest) {
+    RestoreBoard(m_board, {});
+    const Calls all = Recorder::Get().Calls();
+    ASSERT_EQ(all.size(), 18u);
+    for (const std::string& call : all) {
+        Recorder::Get().FailAlways(call.substr(0, call.find('(')));
+    }
+    RestoreBoard(m_board, {});
+    EXPECT_EQ(Recorder::Get().Calls().size(), 36u);
+}
+
+TEST_F(RestoreSettings, OrdersComeAscendingAndOnlyWhereBothWereSet) {
+    RememberedSettings settings;
+    EXPECT_TRUE(OrdersToRestore(settings).empty());
+    settings.exposures = {{3, 1.5}, {0, 2.5}, {1, 3.5}};
+    settings.gains = {{1, 6}, {2, 7}, {3, 8}};
+    EXPECT_EQ(OrdersToRestore(settings), (std::vector<OrderSetting>{{1, 3.5, 6}, {3, 1.5, 8}}));
+}
+
+}  // namespace
+}  // namespace Korvex3Sync
