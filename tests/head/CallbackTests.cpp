@@ -1,158 +1,16 @@
 #include <gmock/gmock.h>
 
 #include <array>
-#include <atomic>
-#include <future>
+#include <memory>
 #include <stdexcept>
 
-#include "head/HeadSession.h"
-#include "platform/os/Event.h"
-#include "platform/os/TimeScale.h"
+#include "head/CallbackSession.h"
 #include "support/LogCapture.h"
 
 namespace Korvex3Sync {
 namespace {
 
-using std::chrono::milliseconds;
-
-constexpr std::chrono::seconds kDeadline{60};
-/// Long enough for a call that does not wait to return; a call that waits is never late for it.
-constexpr milliseconds kMoment{50};
-
-/// What a callback does. It is called with the number of the call, from 0.
-using Action = std::function<void(std::size_t number)>;
-
-/// Counts the calls of a callback, scan or status, and lets each do something.
-class Called {
-public:
-    explicit Called(Action action = [](std::size_t) {}) : m_action(std::move(action)) {}
-
-    static void OnSet(const void* const& context, std::vector<unsigned char*>&, const int&,
-                      const int&, std::vector<int>&) {
-        Of(context).Call();
-    }
-    static void OnStatus(const void* const& context, const unsigned char&, const unsigned char&) {
-        Of(context).Call();
-    }
-
-    std::size_t Count() const { return m_count; }
-    bool WaitFor(std::size_t count) const {
-        return WaitUntil([&] { return m_count >= count; });
-    }
-    template <class Condition>
-    static bool WaitUntil(Condition condition) {
-        const auto end = std::chrono::steady_clock::now() + kDeadline;
-        while (!condition()) {
-            if (std::chrono::steady_clock::now() > end) {
-                return false;
-            }
-            std::this_thread::yield();
-        }
-        return true;
-    }
-
-private:
-    static Called& Of(const void* context) {
-        return *static_cast<Called*>(const_cast<void*>(context));
-    }
-    void Call() {
-        struct Counted {
-            std::atomic<std::size_t>& count;
-            ~Counted() { ++count; }
-        } counted{m_count};
-        m_action(m_count);
-    }
-
-    const Action m_action;
-    std::atomic<std::size_t> m_count{0};
-};
-
-/// Keeps the first call of a callback inside until it is opened.
-class Gate {
-public:
-    Action AsAction() {
-        return [this](std::size_t number) {
-            if (number == 0) {
-                m_entered.Set();
-                m_open.Wait();
-                m_left = true;
-            }
-        };
-    }
-    void Open() { m_open.Set(); }
-    void WaitUntilEntered() { m_entered.Wait(); }
-    /// Whether the call that was kept is over.
-    bool Left() const { return m_left; }
-
-private:
-    os::Event m_entered;
-    os::Event m_open;
-    std::atomic<bool> m_left{false};
-};
-
-class Callbacks : public HeadSession {
-protected:
-    void ConnectSmallHead() {
-        Request(SmallHead());
-        ASSERT_EQ(Connect(), STATUS_SUCCESS);
-    }
-    RETSTATUS SetScan(Called* called) {
-        return SetScanCallBackFunction(m_handle, called != nullptr ? &Called::OnSet : nullptr,
-                                       called);
-    }
-    RETSTATUS SetStatus(Called* called) {
-        return SetStatusCallBackFunction(m_handle, called != nullptr ? &Called::OnStatus : nullptr,
-                                         called);
-    }
-    ScanStatistics Statistics() {
-        ScanStatistics statistics;
-        EXPECT_EQ(GetScanStatistics(m_handle, statistics), STATUS_SUCCESS);
-        return statistics;
-    }
-    /// Starts the call on another thread and proves that it returns when the gate opens, and not
-    /// before the callback that is kept there is over.
-    void ExpectToWaitForTheCallback(const std::function<RETSTATUS()>& call,
-                                    const std::string& enterRecord) {
-        m_gate.WaitUntilEntered();
-        const support::LogCapture log;
-        auto result = std::async(std::launch::async, [&] {
-            const RETSTATUS status = call();
-            EXPECT_TRUE(m_gate.Left()) << "it did not wait";
-            return status;
-        });
-        const bool entered = Called::WaitUntil([&] {
-            const auto records = log.Records();
-            return std::any_of(records.begin(), records.end(), [&](const std::string& record) {
-                return record.find(enterRecord) != std::string::npos;
-            });
-        });
-        EXPECT_TRUE(entered) << enterRecord;
-        EXPECT_EQ(result.wait_for(kMoment), std::future_status::timeout);
-        m_gate.Open();
-        ASSERT_EQ(result.wait_for(kDeadline), std::future_status::ready);
-        EXPECT_EQ(result.get(), STATUS_SUCCESS);
-    }
-
-    /// Stands below everything that the callbacks of a test use, so that they end before it.
-    class EndedFirst {
-    public:
-        explicit EndedFirst(Callbacks& test) : m_test(test) {}
-        ~EndedFirst() {
-            m_test.m_gate.Open();
-            DisConnectDevice(m_test.m_handle);
-        }
-        EndedFirst(const EndedFirst&) = delete;
-        EndedFirst& operator=(const EndedFirst&) = delete;
-
-    private:
-        Callbacks& m_test;
-    };
-
-    Gate m_gate;
-
-private:
-    os::ScopedTimeScale m_scale{0.05};
-};
+class Callbacks : public CallbackSession {};
 
 TEST_F(Callbacks, AStatusCallbackMayCallBoardOperations) {
     ConnectSmallHead();
@@ -181,6 +39,37 @@ TEST_F(Callbacks, AStatusCallbackMayCallBoardOperations) {
     EXPECT_THAT(results, testing::AllOf(testing::SizeIs(7), testing::Each(STATUS_SUCCESS)));
     EXPECT_EQ(ratio, 42);
     EXPECT_STREQ(page.data(), "bench");
+    EXPECT_EQ(log.Errors(), 0);
+}
+
+TEST_F(Callbacks, AStatusCallbackMaySetAndReadCameraParameters) {
+    ConnectSmallHead();
+    const support::LogCapture log;
+    std::vector<RETSTATUS> results;
+    int count = 0;
+    int width = 0;
+    int height = 0;
+    double exposure = 0;
+    int gain = 0;
+    char* serial = nullptr;
+    Called status([&](std::size_t number) {
+        if (number == 0) {
+            results = {GetConnectCameraCount(m_handle, count),
+                       GetCameraSerialNumber(m_handle, 0, serial),
+                       GetCameraResolution(m_handle, 0, width, height),
+                       SetCameraExposureAndGain(m_handle, 1, 8.5, 3),
+                       GetCameraExposureAndGain(m_handle, 1, exposure, gain)};
+        }
+    });
+    const EndedFirst ended(*this);
+    ASSERT_EQ(SetStatus(&status), STATUS_SUCCESS);
+    ASSERT_EQ(Trigger(TRIGGER_LASER_LINES_COLOR, 2), STATUS_SUCCESS);
+    ASSERT_TRUE(status.WaitFor(2));
+    const std::unique_ptr<char[]> owned(serial);
+    EXPECT_THAT(results, testing::AllOf(testing::SizeIs(5), testing::Each(STATUS_SUCCESS)));
+    EXPECT_STREQ(serial, "KV00A1001");
+    EXPECT_THAT((std::vector<int>{count, width, height, gain}), testing::ElementsAre(1, 64, 32, 3));
+    EXPECT_DOUBLE_EQ(exposure, 8.5);
     EXPECT_EQ(log.Errors(), 0);
 }
 
@@ -230,26 +119,6 @@ TEST_F(Callbacks, TheStatisticsAreReadInBothAndWhileOneOfThemRuns) {
     EXPECT_EQ(scanResult, STATUS_SUCCESS);
     EXPECT_EQ(statusResult, STATUS_SUCCESS);
     EXPECT_EQ(log.Errors(), 0);
-}
-
-TEST_F(Callbacks, ASlowScanCallbackIsMeasured) {
-    ConnectSmallHead();
-    constexpr milliseconds kSlow{30};
-    Called scan([&](std::size_t number) {
-        if (number == 3) {
-            std::this_thread::sleep_for(kSlow);
-        }
-    });
-    const EndedFirst ended(*this);
-    SetScan(&scan);
-    ASSERT_EQ(Trigger(TRIGGER_LASER_LINES_COLOR, 2), STATUS_SUCCESS);
-    ASSERT_TRUE(scan.WaitFor(5));
-    ASSERT_TRUE(Called::WaitUntil([&] { return Statistics().setsDelivered >= 5; }));
-    TriggerOff();
-    const ScanStatistics statistics = Statistics();
-    EXPECT_GE(statistics.callbackLongestUs,
-              static_cast<std::uint64_t>(std::chrono::microseconds(kSlow).count()));
-    EXPECT_LE(statistics.callbackP50Us, statistics.callbackP99Us);
 }
 
 TEST_F(Callbacks, WhatAScanCallbackHeldUpUntilItWasLostIsCounted) {
@@ -308,53 +177,6 @@ TEST_F(Callbacks, AStatusCallbackThatWasReplacedIsNotCalledAgain) {
         ASSERT_TRUE(now.WaitFor(start + 1));
         ASSERT_EQ(before.Count(), count);
     }
-}
-
-TEST_F(Callbacks, EndingAScanCallbackWaitsForTheCallThatRuns) {
-    ConnectSmallHead();
-    Called scan(m_gate.AsAction());
-    const EndedFirst ended(*this);
-    SetScan(&scan);
-    ASSERT_EQ(Trigger(TRIGGER_LASER_LINES_COLOR, 2), STATUS_SUCCESS);
-    ExpectToWaitForTheCallback([this] { return SetScan(nullptr); },
-                               "SetScanCallBackFunction enter");
-    // Frames that were waiting may still come before the setter has its turn, none after it.
-    const std::size_t count = scan.Count();
-    ASSERT_TRUE(Called::WaitUntil([&] { return Statistics().setsWithoutCallback > 5; }));
-    EXPECT_EQ(scan.Count(), count);
-    TriggerOff();
-}
-
-TEST_F(Callbacks, EndingAStatusCallbackWaitsForTheCallThatRuns) {
-    ConnectSmallHead();
-    Called status(m_gate.AsAction());
-    const EndedFirst ended(*this);
-    SetStatus(&status);
-    ExpectToWaitForTheCallback([this] { return SetStatus(nullptr); },
-                               "SetStatusCallBackFunction enter");
-    EXPECT_EQ(status.Count(), 1u);
-}
-
-TEST_F(Callbacks, DisconnectingWaitsForTheScanCallbackThatRunsAndNoOtherComes) {
-    ConnectSmallHead();
-    Called scan(m_gate.AsAction());
-    const EndedFirst ended(*this);
-    SetScan(&scan);
-    ASSERT_EQ(Trigger(TRIGGER_LASER_LINES_COLOR, 2), STATUS_SUCCESS);
-    ExpectToWaitForTheCallback([this] { return DisConnectDevice(m_handle); },
-                               "DisConnectDevice hSync=");
-    EXPECT_EQ(scan.Count(), 1u) << "the grab thread ends after the frame that it handles";
-    EXPECT_EQ(m_handle, nullptr);
-}
-
-TEST_F(Callbacks, DisconnectingWaitsForTheStatusCallbackThatRuns) {
-    ConnectSmallHead();
-    Called status(m_gate.AsAction());
-    const EndedFirst ended(*this);
-    SetStatus(&status);
-    ExpectToWaitForTheCallback([this] { return DisConnectDevice(m_handle); },
-                               "DisConnectDevice hSync=");
-    EXPECT_LE(status.Count(), 2u) << "at most once more, for the board that is closed";
 }
 
 TEST_F(Callbacks, AScanCallbackThatThrowsLosesItsSetAndNoOther) {
