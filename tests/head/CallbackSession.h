@@ -79,7 +79,9 @@ public:
         };
     }
     void Open() { m_open.Set(); }
-    void WaitUntilEntered() { m_entered.Wait(); }
+    bool WaitUntilEntered() {
+        return m_entered.Wait(std::chrono::minutes(10)) == os::WaitResult::Signalled;
+    }
     /// Whether the call that was kept is over.
     bool Left() const { return m_left; }
 

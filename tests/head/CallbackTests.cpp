@@ -108,7 +108,7 @@ TEST_F(Callbacks, TheStatisticsAreReadInBothAndWhileOneOfThemRuns) {
     SetScan(&scan);
     SetStatus(&status);
     ASSERT_EQ(Trigger(TRIGGER_LASER_LINES_COLOR, 2), STATUS_SUCCESS);
-    m_gate.WaitUntilEntered();
+    ASSERT_TRUE(m_gate.WaitUntilEntered());
     const ScanStatistics meanwhile = Statistics();
     EXPECT_EQ(meanwhile.setsDelivered, 0u) << "counted when the callback has returned";
     EXPECT_EQ(meanwhile.setsPending, 1u);
@@ -130,7 +130,7 @@ TEST_F(Callbacks, WhatAScanCallbackHeldUpUntilItWasLostIsCounted) {
     const EndedFirst ended(*this);
     SetScan(&scan);
     ASSERT_EQ(Trigger(TRIGGER_LASER_LINES, 2), STATUS_SUCCESS);
-    m_gate.WaitUntilEntered();
+    ASSERT_TRUE(m_gate.WaitUntilEntered());
     const auto before = Head().Clock().Lost();
     ASSERT_TRUE(Called::WaitUntil([&] { return Head().Clock().Lost() >= before + 5; }));
     m_gate.Open();

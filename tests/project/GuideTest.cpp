@@ -29,8 +29,9 @@ std::string WithoutIndentation(const std::string& text) {
     return result;
 }
 
-std::vector<std::string> CppBlocks(const std::string& text) {
-    const std::string open = "```cpp\n";
+/// The fenced blocks of a language.
+std::vector<std::string> Blocks(const std::string& text, const std::string& language) {
+    const std::string open = "```" + language + '\n';
     std::vector<std::string> blocks;
     for (auto start = text.find(open); start != std::string::npos; start = text.find(open, start)) {
         start += open.size();
@@ -42,7 +43,7 @@ std::vector<std::string> CppBlocks(const std::string& text) {
 }
 
 TEST(Guide, ShowsItsSamplesAsTheyAreBuilt) {
-    const auto blocks = CppBlocks(ReadProjectFile(kGuide));
+    const auto blocks = Blocks(ReadProjectFile(kGuide), "cpp");
     EXPECT_GE(blocks.size(), 10u) << "the blocks were not found";
     const SourceTree samples = ReadSourceTree({kSamples});
     for (const std::string& block : blocks) {
@@ -52,6 +53,11 @@ TEST(Guide, ShowsItsSamplesAsTheyAreBuilt) {
         });
         EXPECT_TRUE(stands) << "in no file of " << kSamples << ":\n" << block;
     }
+}
+
+TEST(Guide, ShowsTheHeadFileOfItsTests) {
+    EXPECT_THAT(Blocks(ReadProjectFile(kGuide), "toml"),
+                testing::ElementsAre(ReadProjectFile(std::string(kSamples) + "/small_head.toml")));
 }
 
 TEST(Guide, NamesEverySampleFile) {
@@ -125,7 +131,8 @@ class GuideSample : public testing::TestWithParam<SampleRow> {};
 
 TEST_P(GuideSample, DoesItsWorkOverTheVirtualHead) {
     ChildOptions options;
-    options.environment = {{"KORVEX_VIRTUAL_HEAD", "default"}};
+    options.environment = {
+        {"KORVEX_VIRTUAL_HEAD", std::string(KORVEX_SOURCE_DIR "/examples/guide/small_head.toml")}};
     const auto result =
         RunChild({std::string(KORVEX_GUIDE_SAMPLES "/guide_") + GetParam().name}, options);
     EXPECT_EQ(result.exitCode, 0) << result.error;
@@ -147,11 +154,12 @@ INSTANTIATE_TEST_SUITE_P(
     All, GuideSample,
     testing::Values(
         SampleRow{"find_cameras",
-                  {"camera KV00A1001, 1280 x 1024, colour\n", "at USB 3 speed", "firmware 1.4.0"}},
+                  {"camera KV00A1001, 320 x 240, colour\n",
+                   "the board does not run at USB 3 speed\n", "firmware 1.4.0"}},
         SampleRow{"light", {"laser lines 60 %, strobe 80 100 100 %, a trigger every 10 ms\n"}},
-        SampleRow{"scan", {"images of 1280 x 1024\n", " with colour\n", "sets dropped by this"}},
+        SampleRow{"scan", {"images of 320 x 240\n", " with colour\n", "sets dropped by this"}},
         SampleRow{"exposure", {"exposure 8.5 ms, gain 3\n"}},
-        SampleRow{"snapshot", {"an image of 1310720 bytes\n"}},
+        SampleRow{"snapshot", {"an image of 76800 bytes\n"}},
         SampleRow{"user_memory", {"calibrated by bench 7\n"}},
         SampleRow{"reconnect", {"reconnected\n20 sets\n"}}),
     [](const auto& row) { return row.param.name; });
