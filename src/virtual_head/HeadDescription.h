@@ -5,6 +5,8 @@
 #include <filesystem>
 #include <string>
 
+#include "virtual_head/scene/SceneDescription.h"
+
 namespace Korvex3Sync::virtual_head {
 
 /// What a virtual head is. Every member has the built-in default that applies when a head file
@@ -31,8 +33,10 @@ struct HeadDescription {
     /// The board's user memory at power-on: pages of 256 bytes.
     std::array<std::uint8_t, 4096> userMemory{};
     /// Folder with leftNN.png and rightNN.png (8-bit grey), and colorNN.png where there is a colour
-    /// mosaic of its own; empty: the built-in test pattern.
+    /// mosaic of its own; empty: the scene.
     std::filesystem::path replayFolder;
+    /// What the sensors see where no images are replayed.
+    SceneDescription scene;
 };
 
 }  // namespace Korvex3Sync::virtual_head

@@ -12,6 +12,7 @@
 #include "virtual_head/FileBytes.h"
 #include "virtual_head/HeadRules.h"
 #include "virtual_head/UserMemoryKeys.h"
+#include "virtual_head/scene/SceneKeys.h"
 
 namespace Korvex3Sync::virtual_head {
 namespace {
@@ -27,7 +28,7 @@ public:
         for (const auto& [key, value] : root) {
             const int line = LineOf(key);
             const toml::table* table = value.as_table();
-            if (key != "camera" && key != "board" && key != "replay") {
+            if (key != "camera" && key != "board" && key != "replay" && key != "scene") {
                 Find(line, "unknown key \"" + std::string(key.str()) + "\"");
             } else if (table == nullptr) {
                 Find(line, "\"" + std::string(key.str()) + "\" is not a table");
@@ -127,7 +128,15 @@ private:
             }
             return true;
         }
-        return false;
+        return where.first == "scene" && ReadScene(where, value);
+    }
+
+    bool ReadScene(const std::pair<std::string, std::string>& where, const toml::node& value) {
+        SceneKeyRead read = ReadSceneKey(where.second, value, m_description.scene);
+        if (read.wrong) {
+            Find(m_lines[where], std::move(*read.wrong));
+        }
+        return read.known;
     }
 
     void FindWrongType(const std::pair<std::string, std::string>& where, const char* expected) {

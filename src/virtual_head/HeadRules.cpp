@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <array>
 
+#include "virtual_head/scene/SceneRules.h"
+
 namespace Korvex3Sync::virtual_head {
 namespace {
 
@@ -74,7 +76,7 @@ std::optional<BrokenRule> CheckTogether(const HeadDescription& description) {
     if (description.width * description.height % 4 != 0) {
         return Broken(kWidth, "width x height is not a multiple of 4");
     }
-    return std::nullopt;
+    return CheckTogether(description.scene);
 }
 
 std::optional<BrokenRule> Check(const HeadDescription& description) {
@@ -87,6 +89,9 @@ std::optional<BrokenRule> Check(const HeadDescription& description) {
         if (auto broken = Check(rule, description.*rule.member)) {
             return broken;
         }
+    }
+    if (auto broken = Check(description.scene)) {
+        return broken;
     }
     return CheckTogether(description);
 }

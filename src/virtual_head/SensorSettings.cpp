@@ -10,7 +10,7 @@ constexpr long kMicrosecondsPerTenth = 100;
 
 SensorSettings::SensorSettings(const HeadDescription& description)
     : m_gainLow(description.gainLow), m_gainHigh(description.gainHigh) {
-    for (Setting& setting : m_settings) {
+    for (SensorSetting& setting : m_settings) {
         setting.gain = m_gainLow;
     }
 }
@@ -68,6 +68,11 @@ int SensorSettings::Gain() const {
 int SensorSettings::SelectedOrder() const {
     std::lock_guard lock(m_mutex);
     return static_cast<int>(m_selected);
+}
+
+std::array<SensorSetting, 2> SensorSettings::Sensors() const {
+    std::lock_guard lock(m_mutex);
+    return {m_settings[0], m_settings[1]};
 }
 
 }  // namespace Korvex3Sync::virtual_head

@@ -42,7 +42,8 @@ bool StartsTrigger(Kind before, Kind after) {
 
 }  // namespace
 
-TriggerClock::TriggerClock(bool color) : m_color(color) {
+TriggerClock::TriggerClock(bool color, const SensorSettings* sensors)
+    : m_color(color), m_sensors(sensors) {
     if (!m_thread.Start([this] { Run(); })) {
         throw std::runtime_error("no thread for the trigger clock of the virtual head");
     }
@@ -131,8 +132,10 @@ void TriggerClock::GiveTrigger(bool mono, bool color) {
 }
 
 void TriggerClock::Hand(bool color) {
-    const Exposure exposure{m_trigger, static_cast<std::uint8_t>(m_trigger & 0xFFU), color,
-                            m_board};
+    Exposure exposure{m_trigger, static_cast<std::uint8_t>(m_trigger & 0xFFU), color, m_board, {}};
+    if (m_sensors != nullptr) {
+        exposure.sensors = m_sensors->Sensors();
+    }
     for (const auto& queue : m_queues) {
         queue->Push(exposure);
     }

@@ -12,6 +12,7 @@
 #include "platform/os/Thread.h"
 #include "virtual_head/BoardState.h"
 #include "virtual_head/Export.h"
+#include "virtual_head/SensorSettings.h"
 
 namespace Korvex3Sync::virtual_head {
 
@@ -21,6 +22,7 @@ struct Exposure {
     std::uint8_t key = 0;       // trigger modulo 256
     bool color = false;         // a colour frame; otherwise a mono frame of both sensors
     BoardState light;           // the board at that moment
+    std::array<SensorSetting, 2> sensors;  // exposure and gain of the left and the right one
 };
 
 /// The exposures that wait for one camera instance. Bounded; what finds no room is counted.
@@ -54,8 +56,9 @@ private:
 /// Thread-safe.
 class KORVEX_VIRTUAL_HEAD_API TriggerClock {
 public:
-    /// `color`: the head makes colour exposures. Throws std::runtime_error without a thread.
-    explicit TriggerClock(bool color);
+    /// `color`: the head makes colour exposures. `sensors` may be null: then exposures have the
+    /// settings of power-on; it outlives the clock. Throws std::runtime_error without a thread.
+    explicit TriggerClock(bool color, const SensorSettings* sensors = nullptr);
     ~TriggerClock();
     TriggerClock(const TriggerClock&) = delete;
     TriggerClock& operator=(const TriggerClock&) = delete;
@@ -79,6 +82,7 @@ private:
     std::chrono::steady_clock::duration Period() const;
 
     const bool m_color;
+    const SensorSettings* const m_sensors;
     mutable std::mutex m_mutex;
     std::condition_variable m_changed;
     bool m_end = false;

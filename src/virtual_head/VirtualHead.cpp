@@ -10,7 +10,7 @@ VirtualHead::VirtualHead(HeadDescription description, std::shared_ptr<ImageSourc
     : m_description(std::move(description)),
       m_images(std::move(images)),
       m_sensors(m_description),
-      m_clock(m_description.color),
+      m_clock(m_description.color, &m_sensors),
       m_board(m_description, m_journal, m_faults,
               [this](const BoardState& state, bool modeWritten) {
                   m_clock.Apply(state, modeWritten);
