@@ -32,6 +32,18 @@ std::span<const Command> Commands();
 RunCommand AddList(CLI::App& command);
 RunCommand AddInfo(CLI::App& command);
 RunCommand AddScan(CLI::App& command);
+RunCommand AddStatus(CLI::App& command);
+RunCommand AddGet(CLI::App& command);
+RunCommand AddSet(CLI::App& command);
+RunCommand AddProfile(CLI::App& command);
+RunCommand AddSnap(CLI::App& command);
+RunCommand AddSnapIr(CLI::App& command);
+RunCommand AddFirmware(CLI::App& command);
+RunCommand AddReset(CLI::App& command);
+RunCommand AddReconnect(CLI::App& command);
+RunCommand AddUserInfo(CLI::App& command);
+RunCommand AddDistance(CLI::App& command);
+RunCommand AddUsb(CLI::App& command);
 RunCommand AddVirtual(CLI::App& command);
 
 }  // namespace Korvex3Sync::korvexctl

@@ -23,6 +23,9 @@ constexpr std::array kTable{
     Row{ExitCode::DiskFull, "the disk is full"},
     Row{ExitCode::HeadRefused, "the head file of --virtual was refused"},
     Row{ExitCode::DeviceRefused, "the connected head refused an operation"},
+    Row{ExitCode::ProfileRefused, "a profile cannot be read or has an error; nothing was sent"},
+    Row{ExitCode::Different, "profile diff: the file and the head differ"},
+    Row{ExitCode::NotOnUsb3, "usb: the head is not on a USB 3 port at USB 3 speed"},
     Row{ExitCode::Interrupted, "interrupted (Ctrl-C, SIGTERM); a scan was ended cleanly"},
 };
 

@@ -17,6 +17,9 @@ enum class ExitCode : int {
     DiskFull = 7,
     HeadRefused = 8,
     DeviceRefused = 9,
+    ProfileRefused = 10,
+    Different = 11,
+    NotOnUsb3 = 12,
     Interrupted = 130
 };
 

@@ -4,6 +4,11 @@
 
 namespace Korvex3Sync::korvexctl {
 
+void AddBoardOption(CLI::App& command, std::string& board) {
+    command.add_option("--board", board, "Serial of the board (without it: any board)")
+        ->type_name("SERIAL");
+}
+
 void AddHeadOptions(CLI::App& command, HeadChoice& head, bool withBoard) {
     command
         .add_option("--type", head.cameraType,
@@ -11,8 +16,7 @@ void AddHeadOptions(CLI::App& command, HeadChoice& head, bool withBoard) {
         ->type_name("TYPE")
         ->capture_default_str();
     if (withBoard) {
-        command.add_option("--board", head.board, "Serial of the board (without it: any board)")
-            ->type_name("SERIAL");
+        AddBoardOption(command, head.board);
     }
 }
 

@@ -20,6 +20,11 @@ struct Outcome {
     /// The one JSON document of the command: the figures and, when it failed, "error" with
     /// "exit_code" and "message".
     std::string Document() const;
+    /// The same on one line.
+    std::string Record() const;
+
+private:
+    nlohmann::json ToJson() const;
 };
 
 /// What a command says to a person. With --json it says nothing: standard output belongs to the
@@ -32,11 +37,19 @@ public:
     /// Writes one line at once. Throws CommandError when it cannot be written.
     void Line(std::string_view text);
     bool ShowsProgress() const { return m_progress; }
+    /// For a command that runs on and on: from now on --json gives one object a line instead of one
+    /// document, each by Record, and the outcome only when the command failed.
+    void UseRecords() { m_records = true; }
+    /// With --json, writes one object as a line at once. Throws as Line does.
+    void Record(const nlohmann::json& record);
+    /// Ends the command: with --json, writes the outcome's document. Throws as Line does.
+    void Finish(const Outcome& outcome);
 
 private:
     StandardOutput& m_standardOutput;
     const bool m_json;
     const bool m_progress;
+    bool m_records = false;
 };
 
 }  // namespace Korvex3Sync::korvexctl

@@ -45,14 +45,12 @@ Outcome Caught(const Call& call) {
     return outcome;
 }
 
-Outcome RunLogged(const CommandLine& line, StandardOutput& standardOutput) {
+Outcome RunLogged(const CommandLine& line, StandardOutput& standardOutput, Output& output) {
     const bool logFile = !line.logFile.empty();
     if (logFile) {
         standardOutput.LogTo(line.logFile);
     }
     const Logging logging("korvexctl", standardOutput, line.verbose, logFile);
-    // Among the library's own lines a bar would only be in the way.
-    Output output(standardOutput, line.json, ErrorOutputIsTerminal() && !line.verbose);
     return RunAsked(line, output);
 }
 
@@ -63,15 +61,15 @@ Outcome Run(const CommandLineResult& asked) {
         standardOutput.Write(asked.text);
         return {};
     }
+    // Among the library's own lines a bar would only be in the way.
+    Output output(standardOutput, line.json, ErrorOutputIsTerminal() && !line.verbose);
     Outcome outcome = Caught([&] {
         if (asked.badUsage) {
             throw CommandError(ExitCode::Usage, asked.text);
         }
-        return RunLogged(line, standardOutput);
+        return RunLogged(line, standardOutput, output);
     });
-    if (line.json) {
-        standardOutput.Write(outcome.Document());
-    }
+    output.Finish(outcome);
     return outcome;
 }
 

@@ -1,0 +1,71 @@
+#include <Korvex3Sync/Connection.h>
+#include <CLI/CLI.hpp>
+
+#include <chrono>
+#include <memory>
+#include <nlohmann/json.hpp>
+
+#include "korvexctl/Commands.h"
+#include "korvexctl/ConnectedHead.h"
+#include "korvexctl/NumberOption.h"
+#include "korvexctl/StatusWatch.h"
+
+namespace Korvex3Sync::korvexctl {
+
+namespace {
+
+constexpr double kShortestTimeoutSeconds = 1;
+constexpr double kLongestTimeoutSeconds = 600;
+
+struct Asked {
+    HeadChoice head;
+    double timeoutSeconds = 30;
+};
+
+using Clock = std::chrono::steady_clock;
+
+/// Only a good poll tells that the board is back.
+bool WaitForAnswer(StatusWatch& watch, Clock::time_point end) {
+    while (const auto poll = watch.Next(end)) {
+        if (poll->status.Answers()) {
+            return true;
+        }
+    }
+    return false;
+}
+
+Outcome RunReconnect(const Asked& asked, Output& output) {
+    StatusWatch watch;
+    const ConnectedHead head(asked.head);
+    watch.Watch(head.session);
+    const auto begin = Clock::now();
+    Require(ReconnectDevice(head.Handle()), "reconnect");
+    const auto end = begin + std::chrono::duration_cast<Clock::duration>(
+                                 std::chrono::duration<double>(asked.timeoutSeconds));
+    watch.Forget();
+    const bool answers = WaitForAnswer(watch, end);
+    const auto took =
+        std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - begin).count();
+
+    Outcome outcome;
+    outcome.figures = {{"reconnected", true}, {"answers", answers}, {"took_ms", took}};
+    if (!answers) {
+        outcome.code = ExitCode::DeviceRefused;
+        outcome.message = "reconnected, but the board did not answer in time";
+        return outcome;
+    }
+    output.Line("reconnected, and the board answers, after " + std::to_string(took) + " ms");
+    return outcome;
+}
+
+}  // namespace
+
+RunCommand AddReconnect(CLI::App& command) {
+    const auto asked = std::make_shared<Asked>();
+    AddHeadOptions(command, asked->head, true);
+    AddNumber(command, "--timeout", asked->timeoutSeconds, "S", kShortestTimeoutSeconds,
+              kLongestTimeoutSeconds, "Give up when the board has not answered after seconds");
+    return [asked](Output& output) { return RunReconnect(*asked, output); };
+}
+
+}  // namespace Korvex3Sync::korvexctl

@@ -1,0 +1,55 @@
+#include <Korvex3Sync/Connection.h>
+#include <CLI/CLI.hpp>
+
+#include <memory>
+#include <nlohmann/json.hpp>
+#include <optional>
+
+#include "korvexctl/Commands.h"
+#include "korvexctl/ConnectedHead.h"
+
+namespace Korvex3Sync::korvexctl {
+
+namespace {
+
+struct Asked {
+    HeadChoice head;
+    bool fpga = false;
+    bool device = false;
+};
+
+Outcome RunReset(const Asked& asked, Output& output) {
+    // A certain board is reached through a connection only; any board without one.
+    std::optional<ConnectedHead> head;
+    if (!asked.head.board.empty()) {
+        head.emplace(asked.head);
+    }
+    void* const handle = head ? head->Handle() : nullptr;
+    const RETSTATUS status = ReconnectDevice(handle, asked.fpga, asked.device);
+    const std::string what = asked.device ? "device" : "FPGA";
+    Outcome outcome;
+    if (status != STATUS_SUCCESS) {
+        outcome.code =
+            status == STATUS_PROJECTOR ? ExitCode::NotConnected : ExitCode::DeviceRefused;
+        outcome.message = "reset the " + what + ": " + StatusText(status);
+        return outcome;
+    }
+    outcome.figures["reset"] = asked.device ? "device" : "fpga";
+    output.Line(what + " reset");
+    return outcome;
+}
+
+}  // namespace
+
+RunCommand AddReset(CLI::App& command) {
+    const auto asked = std::make_shared<Asked>();
+    AddHeadOptions(command, asked->head, true);
+    CLI::Option_group& what = *command.add_option_group("What to reset");
+    what.add_flag("--fpga", asked->fpga, "Reset the FPGA only, which switches the trigger off");
+    what.add_flag("--device", asked->device,
+                  "Reset the whole board, which puts the settings of power-on back");
+    what.require_option(1);
+    return [asked](Output& output) { return RunReset(*asked, output); };
+}
+
+}  // namespace Korvex3Sync::korvexctl

@@ -1,0 +1,132 @@
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <filesystem>
+#include <memory>
+#include <nlohmann/json.hpp>
+
+#include "korvexctl/AtomicFile.h"
+#include "korvexctl/Commands.h"
+#include "korvexctl/ConnectedHead.h"
+#include "korvexctl/NumberOption.h"
+#include "korvexctl/Picture.h"
+#include "korvexctl/Snapshot.h"
+
+namespace Korvex3Sync::korvexctl {
+
+namespace {
+
+constexpr double kExposureMs = 5;
+constexpr int kGain = 0;
+constexpr int kHighestRoute = 2;
+
+struct Asked {
+    HeadChoice head;
+    SnapshotOptions snapshot;
+    std::filesystem::path folder = ".";
+};
+
+const Setting& CameraSetting(CameraPart part, int order) {
+    const auto all = AllSettings();
+    return *std::find_if(all.begin(), all.end(), [&](const Setting& setting) {
+        return setting.part == part && setting.cameraOrder == order;
+    });
+}
+
+/// A camera that makes no colour frame would keep the snapshot waiting to its limit.
+void RequireColor(const std::vector<Camera>& cameras) {
+    if (std::none_of(cameras.begin(), cameras.end(), [](const Camera& c) { return c.color; })) {
+        throw CommandError(ExitCode::DeviceRefused, "the head has no colour camera");
+    }
+}
+
+Outcome RunSnap(const Asked& asked, Output& output) {
+    std::vector<Camera> cameras = FindCameras(asked.head.cameraType);
+    if (!cameras.empty()) {
+        RequireCamera(CameraSetting(CameraPart::Exposure, asked.snapshot.camera), cameras.size());
+        RequireColor(cameras);
+        PrepareFolder(asked.folder);
+    }
+    const ConnectedHead head(asked.head, std::move(cameras));
+    const std::vector<Mosaic> mosaics = TakeSnapshot(head, asked.snapshot);
+
+    const Camera& camera = head.cameras.front();
+    Outcome outcome;
+    nlohmann::json& images = outcome.figures["images"] = nlohmann::json::array();
+    for (std::size_t i = 0; i < mosaics.size(); ++i) {
+        const std::string name = "snap_" + std::to_string(i) + ".png";
+        nlohmann::json image{{"file", nullptr}, {"exposure_ms", nullptr}, {"gain", nullptr}};
+        if (i > 0) {
+            image["exposure_ms"] = asked.snapshot.exposures.at(i - 1);
+            image["gain"] = asked.snapshot.gains.at(i - 1);
+        }
+        if (mosaics[i]) {
+            WriteFile(asked.folder / name,
+                      EncodePng(Demosaic(mosaics[i].get(), camera.width, camera.height)));
+            image["file"] = name;
+            output.Line((asked.folder / name).string());
+        } else {
+            outcome.code = ExitCode::DeviceRefused;
+            outcome.message = "image " + std::to_string(i) + " did not come";
+        }
+        images.push_back(std::move(image));
+    }
+    return outcome;
+}
+
+/// An option with one value for each image after the first, checked as the setting is.
+template <typename Number>
+void AddPerImage(CLI::App& command, const char* name, std::vector<Number>& values,
+                 const Setting& setting, const std::string& help) {
+    const Field field = setting.fields.front();
+    const auto count = static_cast<int>(values.size());
+    std::ostringstream text;
+    text << help << ", " << RangeText(setting) << " (default " << values.front() << ")";
+    command.add_option(name, values, text.str())
+        ->type_name(count == 1 ? "VALUE" : "VALUE VALUE")
+        ->type_size(1)
+        ->expected(count)
+        ->check([field](const std::string& typed) {
+            const auto read = ReadValueText(field, typed);
+            const auto* wrong = std::get_if<std::string>(&read);
+            return wrong == nullptr ? std::string() : *wrong;
+        });
+}
+
+RunCommand AddSnapCommand(CLI::App& command, bool infrared) {
+    const auto asked = std::make_shared<Asked>();
+    SnapshotOptions& snapshot = asked->snapshot;
+    snapshot.infrared = infrared;
+    snapshot.exposures.assign(infrared ? 2 : 1, kExposureMs);
+    snapshot.gains.assign(snapshot.exposures.size(), kGain);
+    AddHeadOptions(command, asked->head, true);
+    AddNumber(command, "--camera", snapshot.camera, "N", 0, kCameraOrders - 1,
+              "Camera order that exposure and gain are set for");
+    const std::string which = infrared ? "the second and the third image" : "the second image";
+    AddPerImage(command, "--exposure", snapshot.exposures, CameraSetting(CameraPart::Exposure, 0),
+                "Exposure for " + which);
+    AddPerImage(command, "--gain", snapshot.gains, CameraSetting(CameraPart::Gain, 0),
+                "Gain for " + which);
+    AddNumber(command, "--route", snapshot.route, "N", 0, kHighestRoute, "Strobe output, a number");
+    command
+        .add_option("--out", asked->folder,
+                    "Folder for snap_0.png, snap_1.png and so on; made when it is missing "
+                    "(default: the current one)")
+        ->type_name("DIR");
+    command.footer(
+        "An image that does not come is waited for 100 s. Afterwards the trigger is off, the "
+        "strobe\n"
+        "is in state 1, and exposure and gain are what they were, if the camera tells them.");
+    return [asked](Output& output) { return RunSnap(*asked, output); };
+}
+
+}  // namespace
+
+RunCommand AddSnap(CLI::App& command) {
+    return AddSnapCommand(command, false);
+}
+
+RunCommand AddSnapIr(CLI::App& command) {
+    return AddSnapCommand(command, true);
+}
+
+}  // namespace Korvex3Sync::korvexctl

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <memory>
+#include <vector>
+
+#include "korvexctl/SettingsAccess.h"
+
+namespace Korvex3Sync::korvexctl {
+
+struct ConnectedHead;
+
+struct SnapshotOptions {
+    bool infrared = false;          // three images instead of two
+    int camera = 0;                 // camera order
+    std::vector<double> exposures;  // milliseconds: one, two for infrared
+    std::vector<int> gains;         // as many
+    int route = 2;                  // strobe output
+};
+
+/// One colour mosaic of the size with which the camera was opened; null: it did not come.
+using Mosaic = std::unique_ptr<unsigned char[]>;
+
+/// Takes the images of a snapshot. Throws CommandError(DeviceRefused) when none came. Blocks for
+/// the cameras, up to 100 s for each image.
+///
+/// Whatever came of it, the trigger is off afterwards, the strobe outputs that were used stand in
+/// state 1 (as after connecting), and the camera has the exposure and gain of before, if it tells
+/// them.
+std::vector<Mosaic> TakeSnapshot(const ConnectedHead& head, SnapshotOptions options);
+
+}  // namespace Korvex3Sync::korvexctl

@@ -1,0 +1,210 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "korvexctl/CommandOverHead.h"
+
+namespace Korvex3Sync::tests {
+
+namespace {
+
+using korvexctl::ExitCode;
+using ::testing::ElementsAre;
+using ::testing::HasSubstr;
+using ::testing::IsEmpty;
+using ::testing::StartsWith;
+
+class SettingsOverHead : public ::testing::Test {
+protected:
+    virtual_head::Faults& Faults() { return m_head->GetFaults(); }
+
+    test::RequestedHead m_head{SmallHeadDescription()};
+};
+
+TEST_F(SettingsOverHead, SetSendsInOrderAndShowsWhatIsReadBack) {
+    const CommandResult result = RunHere({"set", "trigger-period", "20", "laser-line-duty", "60",
+                                          "blue-laser", "2", "on", "trigger-mode", "laser-color"});
+    EXPECT_EQ(result.code, ExitCode::Done);
+    EXPECT_THAT(
+        BoardChanges(*m_head),
+        ElementsAre("zr3DSetVideoTriggerPeriod(20) = true", "zr3DSetDutioRatio(49, 60) = true",
+                    "zr3DSetLaserEnable(1, 2) = true", "zr3DSetVideoTrigleMode(6) = true"));
+    EXPECT_EQ(
+        result.output,
+        "trigger-period 20 ms\nlaser-line-duty 60 percent\n"
+        "blue-laser set to 2 on, not readable\ntrigger-mode set to laser-color, not readable\n");
+}
+
+TEST_F(SettingsOverHead, EveryBoardSettingReachesTheBoard) {
+    const CommandResult result = RunHere({"set",
+                                          "projector-brightness",
+                                          "1",
+                                          "projector-duty",
+                                          "2",
+                                          "projector-work-time",
+                                          "3",
+                                          "laser-line-duty",
+                                          "4",
+                                          "laser-line-work-time",
+                                          "5",
+                                          "ir-laser-duty",
+                                          "6",
+                                          "ir-laser-work-time",
+                                          "7",
+                                          "ir-laser-level",
+                                          "8",
+                                          "strobe-duty",
+                                          "9",
+                                          "10",
+                                          "11",
+                                          "strobe-work-time",
+                                          "12",
+                                          "13",
+                                          "strobe",
+                                          "1",
+                                          "3",
+                                          "blue-laser",
+                                          "2",
+                                          "off",
+                                          "ir-laser",
+                                          "on",
+                                          "project",
+                                          "2",
+                                          "distance",
+                                          "3",
+                                          "trigger-period",
+                                          "14",
+                                          "trigger-mode",
+                                          "off"});
+    EXPECT_EQ(result.code, ExitCode::Done) << result.message;
+    EXPECT_THAT(
+        BoardChanges(*m_head),
+        ElementsAre("zr3DSetProjectorBrightness(1) = true", "zr3DSetDutioRatio(51, 2) = true",
+                    "zr3DSetWorkTime(84, 3) = true", "zr3DSetDutioRatio(49, 4) = true",
+                    "zr3DSetWorkTime(82, 5) = true", "zr3DSetDutioRatio(53, 6) = true",
+                    "zr3DSetWorkTime(86, 7) = true", "zr3DSetIRLaserLevel(8) = true",
+                    "zr3DSetLedDutioRatio(41, 9, 10, 11) = true",
+                    "zr3DSetLedWorkTime(1, 12) = true", "zr3DSetLedWorkTime(0, 13) = true",
+                    "zr3DOpenOrCloseStrobeFlicker(1, 3) = true", "zr3DSetLaserEnable(0, 2) = true",
+                    "zr3DSetIRLaserEnable(1) = true", "zr3DProject(2) = true",
+                    "zr3DSetDistanceIndicateState(2) = true",
+                    "zr3DSetVideoTriggerPeriod(14) = true", "zr3DSetVideoTrigleMode(5) = true"));
+}
+
+TEST_F(SettingsOverHead, TheHeartbeatIsSwitched) {
+    EXPECT_EQ(RunHere({"set", "heartbeat", "on"}).code, ExitCode::Done);
+    EXPECT_EQ(m_head->GetJournal().Texts({"zr3DEnableHeartbeat"}).front(),
+              "zr3DEnableHeartbeat(1) = true");
+}
+
+TEST_F(SettingsOverHead, TheDocumentOfSetHasBothValues) {
+    const nlohmann::json settings =
+        RunHere({"set", "--json", "strobe-duty", "50", "60", "70", "project", "1"})
+            .figures["settings"];
+    const nlohmann::json duties{{"texture", 50}, {"plain", 60}, {"with-texture", 70}};
+    EXPECT_EQ(settings["strobe-duty"]["set"], duties);
+    EXPECT_EQ(settings["strobe-duty"]["value"], duties);
+    EXPECT_EQ(settings["strobe-duty"]["unit"], "percent");
+    EXPECT_EQ(settings["project"]["set"], 1);
+    EXPECT_EQ(settings["project"]["value"], nullptr);
+    EXPECT_EQ(settings["project"]["unit"], nullptr);
+}
+
+TEST_F(SettingsOverHead, GetShowsAllSettingsOfTheHead) {
+    ASSERT_EQ(RunHere({"set", "laser-line-duty", "42"}).code, ExitCode::Done);
+    const CommandResult result = RunHere({"get"});
+    EXPECT_EQ(result.code, ExitCode::Done);
+    EXPECT_THAT(result.output, HasSubstr("laser-line-duty 42 percent\n"));
+    EXPECT_THAT(result.output, HasSubstr("project not readable\n"));
+    const nlohmann::json& settings = result.figures["settings"];
+    EXPECT_EQ(settings["laser-line-duty"],
+              (nlohmann::json{{"value", 42},
+                              {"unit", "percent"},
+                              {"readable", true},
+                              {"range", {{"low", 0}, {"high", 100}}}}));
+    EXPECT_EQ(settings["project"]["value"], nullptr);
+    EXPECT_EQ(settings["project"]["readable"], false);
+    // Two cameras: there is no third.
+    EXPECT_TRUE(settings.contains("gain.1"));
+    EXPECT_FALSE(settings.contains("gain.2"));
+}
+
+TEST_F(SettingsOverHead, GetShowsTheNamedOnesOnly) {
+    EXPECT_EQ(RunHere({"get", "trigger-period", "projector-brightness"}).output,
+              "trigger-period 10 ms\nprojector-brightness 10 percent\n");
+}
+
+TEST_F(SettingsOverHead, GetSaysWhatTheBoardDoesNotAnswer) {
+    EXPECT_TRUE(Faults().Fail("zr3DQueryTriggerPeriod", 1));
+    const CommandResult result = RunHere({"get", "trigger-period", "laser-line-duty"});
+    EXPECT_EQ(result.code, ExitCode::DeviceRefused);
+    EXPECT_THAT(result.message, StartsWith("get trigger-period: "));
+    EXPECT_EQ(result.output, "trigger-period unknown\nlaser-line-duty 100 percent\n");
+    EXPECT_EQ(result.figures["settings"]["trigger-period"]["value"], nullptr);
+}
+
+TEST_F(SettingsOverHead, SetEndsAtTheSettingThatTheBoardRefuses) {
+    EXPECT_TRUE(Faults().Fail("zr3DSetDutioRatio", 1));
+    const CommandResult result =
+        RunHere({"set", "projector-brightness", "5", "laser-line-duty", "60", "project", "1"});
+    EXPECT_EQ(result.code, ExitCode::DeviceRefused);
+    EXPECT_THAT(result.message, StartsWith("set laser-line-duty: "));
+    EXPECT_THAT(BoardChanges(*m_head), ElementsAre("zr3DSetProjectorBrightness(5) = true",
+                                                   "zr3DSetDutioRatio(49, 60) = false"));
+}
+
+TEST_F(SettingsOverHead, BadInputReachesNoDevice) {
+    for (const auto& words :
+         {std::vector<std::string>{"set", "laser-line-duty", "101"},
+          std::vector<std::string>{"set", "project", "1", "laser-line-dutty", "5"},
+          std::vector<std::string>{"set", "exposure.0", "30", "gain.0", "1"},
+          std::vector<std::string>{"set", "exposure.0", "0", "gain.0", "1"},
+          std::vector<std::string>{"set", "gain.0", "64"},
+          std::vector<std::string>{"get", "gian.0"}, std::vector<std::string>{"distance", "4"}}) {
+        EXPECT_EQ(RunHere(words).code, ExitCode::Usage) << words[1];
+    }
+    EXPECT_THAT(m_head->GetJournal().Texts(), IsEmpty());
+}
+
+TEST_F(SettingsOverHead, ACameraThatTheHeadDoesNotHaveIsRefusedBeforeAnythingIsSent) {
+    const CommandResult result = RunHere({"set", "project", "1", "exposure.2", "5", "gain.2", "1"});
+    EXPECT_EQ(result.code, ExitCode::DeviceRefused);
+    EXPECT_THAT(result.message, HasSubstr("exposure.2: the head has 2 cameras"));
+    EXPECT_THAT(BoardChanges(*m_head), IsEmpty());
+    EXPECT_EQ(RunHere({"get", "gain.3"}).code, ExitCode::DeviceRefused);
+}
+
+TEST_F(SettingsOverHead, ExposureAndGainGoInOneWord) {
+    const CommandResult result =
+        RunHere({"set", "exposure.1", "8.5", "project", "1", "gain.1", "3"});
+    EXPECT_EQ(result.code, ExitCode::Done) << result.message;
+    EXPECT_EQ(result.output, "exposure.1 8.5 ms\nproject set to 1, not readable\ngain.1 3\n");
+    EXPECT_EQ(result.figures["settings"]["exposure.1"]["value"], 8.5);
+    const std::vector<std::string> words = m_head->GetJournal().Texts({"SetCameraIntParam"});
+    EXPECT_THAT(words, ::testing::Contains(HasSubstr(", 3413) = true")));
+}
+
+TEST_F(SettingsOverHead, TheHalfThatIsNotGivenStays) {
+    ASSERT_EQ(RunHere({"set", "exposure.0", "8.5", "gain.0", "3"}).code, ExitCode::Done);
+    EXPECT_EQ(RunHere({"set", "exposure.0", "2.1"}).code, ExitCode::Done);
+    EXPECT_EQ(RunHere({"get", "exposure.0", "gain.0"}).output, "exposure.0 2.1 ms\ngain.0 3\n");
+    EXPECT_EQ(RunHere({"set", "gain.0", "7"}).code, ExitCode::Done);
+    EXPECT_EQ(RunHere({"get", "exposure.0", "gain.0"}).output, "exposure.0 2.1 ms\ngain.0 7\n");
+}
+
+TEST_F(SettingsOverHead, AGainThatTheCameraRefusesIsFoundWhenItIsReadBack) {
+    const CommandResult result = RunHere({"set", "exposure.0", "5", "gain.0", "40"});
+    EXPECT_EQ(result.code, ExitCode::DeviceRefused);
+    EXPECT_EQ(result.message, "gain.0 was set to 40 and reads back as 0");
+    EXPECT_EQ(result.figures["settings"]["gain.0"]["set"], 40);
+    EXPECT_EQ(result.figures["settings"]["gain.0"]["value"], 0);
+}
+
+TEST_F(SettingsOverHead, DistanceSetsTheLights) {
+    const CommandResult result = RunHere({"distance", "1"});
+    EXPECT_EQ(result.code, ExitCode::Done);
+    EXPECT_THAT(BoardChanges(*m_head), ElementsAre("zr3DSetDistanceIndicateState(1) = true"));
+}
+
+}  // namespace
+
+}  // namespace Korvex3Sync::tests

@@ -1,0 +1,90 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "korvexctl/CommandOverHead.h"
+#include "virtual_head/TestFiles.h"
+
+namespace Korvex3Sync::tests {
+
+namespace {
+
+using korvexctl::ExitCode;
+using ::testing::HasSubstr;
+using ::testing::IsEmpty;
+
+class KorvexctlSnap : public ::testing::Test {
+protected:
+    void ExpectColourImages(const std::vector<std::string>& names) const {
+        EXPECT_EQ(FileNames(m_out), names);
+        for (const std::string& name : names) {
+            const DecodedPng image = DecodePng(ReadText(m_out / name));
+            EXPECT_EQ(image.width, kSmallWidth);
+            EXPECT_EQ(image.height, kSmallHeight);
+            EXPECT_EQ(image.channels, 3);
+        }
+    }
+
+    TemporaryFolder m_folder;
+    std::filesystem::path m_out = m_folder.Path() / "snaps";
+};
+
+TEST_F(KorvexctlSnap, WritesTwoColourImagesAndPutsTheHeadBack) {
+    const test::RequestedHead head(SmallHeadDescription());
+    const CommandResult result = RunHere(
+        {"snap", "--exposure", "8.5", "--gain", "3", "--route", "1", "--out", m_out.string()});
+    ASSERT_EQ(result.code, ExitCode::Done) << result.message;
+    EXPECT_EQ(result.figures["images"],
+              (nlohmann::json{{{"file", "snap_0.png"}, {"exposure_ms", nullptr}, {"gain", nullptr}},
+                              {{"file", "snap_1.png"}, {"exposure_ms", 8.5}, {"gain", 3}}}));
+    ExpectColourImages({"snap_0.png", "snap_1.png"});
+    EXPECT_EQ(head->GetJournal().Texts({"zr3DSetVideoTrigleMode"}).back(),
+              "zr3DSetVideoTrigleMode(5) = true");
+    EXPECT_EQ(head->GetJournal().Texts({"zr3DOpenOrCloseStrobeFlicker"}).back(),
+              "zr3DOpenOrCloseStrobeFlicker(1, 1) = true");
+    EXPECT_EQ(RunHere({"get", "exposure.0", "gain.0"}).output, "exposure.0 5 ms\ngain.0 0\n");
+}
+
+TEST_F(KorvexctlSnap, InfraredWritesThreeImagesAndPutsBothStrobesBack) {
+    const test::RequestedHead head(SmallHeadDescription());
+    const CommandResult result = RunHere({"snap-ir", "--camera", "1", "--exposure", "8.5", "2",
+                                          "--gain", "3", "4", "--out", m_out.string()});
+    ASSERT_EQ(result.code, ExitCode::Done) << result.message;
+    ExpectColourImages({"snap_0.png", "snap_1.png", "snap_2.png"});
+    EXPECT_EQ(result.figures["images"][2]["exposure_ms"], 2);
+    EXPECT_EQ(result.figures["images"][2]["gain"], 4);
+    const auto strobes = head->GetJournal().Texts({"zr3DOpenOrCloseStrobeFlicker"});
+    ASSERT_GE(strobes.size(), 2U);
+    EXPECT_EQ(strobes[strobes.size() - 2], "zr3DOpenOrCloseStrobeFlicker(2, 1) = true");
+    EXPECT_EQ(strobes.back(), "zr3DOpenOrCloseStrobeFlicker(1, 1) = true");
+}
+
+TEST_F(KorvexctlSnap, AHeadWithoutColourIsRefusedBeforeItIsConnected) {
+    virtual_head::HeadDescription description = SmallHeadDescription();
+    description.color = false;
+    const test::RequestedHead head(description);
+    for (const char* command : {"snap", "snap-ir"}) {
+        const CommandResult result = RunHere({command, "--out", m_out.string()});
+        EXPECT_EQ(result.code, ExitCode::DeviceRefused);
+        EXPECT_THAT(result.message, HasSubstr("no colour camera"));
+    }
+    EXPECT_THAT(head->GetJournal().Texts({"zr3DInitHidDev"}), IsEmpty());
+    EXPECT_FALSE(std::filesystem::exists(m_out));
+}
+
+TEST_F(KorvexctlSnap, ACameraThatTheHeadDoesNotHaveIsRefused) {
+    const test::RequestedHead head(SmallHeadDescription());
+    const CommandResult result = RunHere({"snap", "--camera", "2", "--out", m_out.string()});
+    EXPECT_EQ(result.code, ExitCode::DeviceRefused);
+    EXPECT_THAT(result.message, HasSubstr("the head has 2 cameras"));
+}
+
+TEST_F(KorvexctlSnap, AFolderThatCannotBeMadeIsToldBeforeAnythingIsTaken) {
+    const test::RequestedHead head(SmallHeadDescription());
+    WriteText(m_out, "a file in the way");
+    EXPECT_EQ(RunHere({"snap", "--out", m_out.string()}).code, ExitCode::NotWritable);
+    EXPECT_THAT(head->GetJournal().Texts({"zr3DInitHidDev"}), IsEmpty());
+}
+
+}  // namespace
+
+}  // namespace Korvex3Sync::tests

@@ -1,0 +1,109 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <csignal>
+#include <sstream>
+
+#include "korvexctl/CommandOverHead.h"
+#include "korvexctl/StatusReport.h"
+#include "virtual_head/TestFiles.h"
+
+namespace Korvex3Sync::tests {
+
+namespace {
+
+using korvexctl::BoardStatus;
+using korvexctl::ExitCode;
+using korvexctl::HeadState;
+using ::testing::EndsWith;
+using ::testing::HasSubstr;
+using ::testing::IsEmpty;
+using ::testing::MatchesRegex;
+
+std::vector<nlohmann::json> Records(const std::string& output) {
+    std::vector<nlohmann::json> records;
+    std::istringstream lines(output);
+    for (std::string line; std::getline(lines, line);) {
+        records.push_back(ParseJson(line));
+    }
+    return records;
+}
+
+TEST(KorvexctlStatus, ShowsTheFirstStatusAndEndsByItself) {
+    const test::RequestedHead head(SmallHeadDescription());
+    const CommandResult result = RunHere({"status", "--seconds", "1.5"});
+    EXPECT_EQ(result.code, ExitCode::Done);
+    EXPECT_THAT(result.output, MatchesRegex("[0-9T:.-]+Z  status 1 0  [^\n]*\n"));
+}
+
+TEST(KorvexctlStatus, EachChangeIsOneRecord) {
+    const test::RequestedHead head(SmallHeadDescription());
+    // Four polls pass in silence; the next two go unanswered.
+    EXPECT_TRUE(head->GetFaults().Fail("zr3DQueryCurrentStatus", 6));
+    const CommandResult result = RunHere({"status", "--json", "--seconds", "2.5"});
+    EXPECT_EQ(result.code, ExitCode::Done);
+    const std::vector<nlohmann::json> records = Records(result.output);
+    ASSERT_EQ(records.size(), 2U) << result.output;
+    EXPECT_EQ(records[0]["status_a"], 255);
+    EXPECT_EQ(records[0]["status_b"], 255);
+    EXPECT_EQ(records[0]["answers"], false);
+    EXPECT_EQ(records[1]["status_a"], 1);
+    EXPECT_EQ(records[1]["status_b"], 0);
+    EXPECT_EQ(records[1]["answers"], true);
+    EXPECT_THAT(records[1]["time"].get<std::string>(), EndsWith("Z"));
+}
+
+class KorvexctlStatusSignal : public ::testing::TestWithParam<int> {};
+
+TEST_P(KorvexctlStatusSignal, EndsItCleanly) {
+    const TemporaryFolder folder;
+    const auto log = folder.Path() / "log";
+    ChildProcess status(
+        KorvexctlCommand({"--virtual=" + WriteSmallHead(folder.Path()).string(), "status", "--json",
+                          "--mode", "laser", "--log", log.string()}),
+        WithoutHead());
+    ASSERT_TRUE(status.WaitForOutput("\"status_a\":1"));
+    status.Signal(GetParam());
+    const ChildResult result = status.Wait();
+    EXPECT_EQ(result.exitCode, 0);
+    EXPECT_FALSE(Records(result.output).empty());
+    EXPECT_THAT(ReadText(log), HasSubstr("DisConnectDevice"));
+}
+
+INSTANTIATE_TEST_SUITE_P(Signals, KorvexctlStatusSignal, ::testing::Values(SIGINT, SIGTERM));
+
+TEST(KorvexctlStatus, WithoutAHeadTheErrorIsOneLine) {
+    const ChildResult result = RunKorvexctl({"status", "--json"});
+    EXPECT_EQ(result.exitCode, 3);
+    const std::vector<nlohmann::json> records = Records(result.output);
+    ASSERT_EQ(records.size(), 1U);
+    EXPECT_EQ(records[0]["error"]["exit_code"], 3);
+}
+
+TEST(KorvexctlStatus, SwitchesTheTriggerOnAndOff) {
+    const test::RequestedHead head(SmallHeadDescription());
+    EXPECT_EQ(RunHere({"status", "--seconds", "0.1", "--mode", "pattern"}).code, ExitCode::Done);
+    EXPECT_THAT(head->GetJournal().Texts({"zr3DSetVideoTrigleMode"}),
+                ::testing::ElementsAre("zr3DSetVideoTrigleMode(2) = true",
+                                       "zr3DSetVideoTrigleMode(5) = true"));
+}
+
+TEST(StatusReport, ALineSaysWhatChanged) {
+    const auto time = std::chrono::system_clock::time_point(std::chrono::milliseconds(86'400'007));
+    EXPECT_EQ(korvexctl::StatusLine(time, {{3, 2}, nullptr}),
+              "1970-01-02T00:00:00.007Z  status 3 2  losses unknown");
+    EXPECT_EQ(korvexctl::StatusLine(time, {{255, 255}, {{"missing_keys", 0}}}),
+              "1970-01-02T00:00:00.007Z  the board does not answer (255 255)  nothing lost");
+    EXPECT_THAT(korvexctl::StatusLine(time, {{1, 0}, {{"missing_keys", 4}, {"sets_dropped", 2}}}),
+                EndsWith("lost: missing_keys 4, sets_dropped 2"));
+}
+
+TEST(StatusReport, OneByteOf255IsAnAnswer) {
+    EXPECT_TRUE((BoardStatus{255, 0}).Answers());
+    EXPECT_TRUE((BoardStatus{0, 255}).Answers());
+    EXPECT_FALSE((BoardStatus{255, 255}).Answers());
+}
+
+}  // namespace
+
+}  // namespace Korvex3Sync::tests
