@@ -23,6 +23,9 @@ constexpr std::array kCommands{
     Command{"user-info", "Read or write the board's user memory", AddUserInfo},
     Command{"distance", "Set the distance lights", AddDistance},
     Command{"usb", "Tell whether the head has a USB 3 connection", AddUsb},
+    Command{"doctor", "Tell whether this machine and this head can scan, and what to do if not",
+            AddDoctor},
+    Command{"selftest", "Try all that a head can do, step by step", AddSelftest},
     Command{"virtual", "Describe a virtual head of your own", AddVirtual},
 };
 

@@ -44,6 +44,8 @@ RunCommand AddReconnect(CLI::App& command);
 RunCommand AddUserInfo(CLI::App& command);
 RunCommand AddDistance(CLI::App& command);
 RunCommand AddUsb(CLI::App& command);
+RunCommand AddDoctor(CLI::App& command);
+RunCommand AddSelftest(CLI::App& command);
 RunCommand AddVirtual(CLI::App& command);
 
 }  // namespace Korvex3Sync::korvexctl

@@ -26,6 +26,9 @@ constexpr std::array kTable{
     Row{ExitCode::ProfileRefused, "a profile cannot be read or has an error; nothing was sent"},
     Row{ExitCode::Different, "profile diff: the file and the head differ"},
     Row{ExitCode::NotOnUsb3, "usb: the head is not on a USB 3 port at USB 3 speed"},
+    Row{ExitCode::NotHealthy, "doctor: a fault; the head cannot scan as it should"},
+    Row{ExitCode::Warnings, "doctor: the head scans, with warnings"},
+    Row{ExitCode::SelftestFailed, "selftest: a step failed"},
     Row{ExitCode::Interrupted, "interrupted (Ctrl-C, SIGTERM); a scan was ended cleanly"},
 };
 

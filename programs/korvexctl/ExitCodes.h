@@ -20,6 +20,9 @@ enum class ExitCode : int {
     ProfileRefused = 10,
     Different = 11,
     NotOnUsb3 = 12,
+    NotHealthy = 13,
+    Warnings = 14,
+    SelftestFailed = 15,
     Interrupted = 130
 };
 

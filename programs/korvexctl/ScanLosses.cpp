@@ -1,6 +1,5 @@
 #include "korvexctl/ScanLosses.h"
 
-#include <array>
 #include <iomanip>
 #include <nlohmann/json.hpp>
 #include <sstream>
@@ -8,40 +7,14 @@
 
 #include "korvexctl/Output.h"
 #include "korvexctl/Session.h"
+#include "korvexctl/health/LossPlaces.h"
 
 namespace Korvex3Sync::korvexctl {
 
 namespace {
 
-/// A place of the library where something can be lost.
-struct Place {
-    const char* key;
-    std::uint64_t ScanStatistics::*count;
-    const char* words;  // what was lost; null: told by its key only
-};
-
-constexpr std::array kPlaces{
-    // A camera that waits for the next trigger fails a snap now and then: no loss by itself.
-    Place{"failed_snaps", &ScanStatistics::failedSnaps, nullptr},
-    Place{"refused_frames", &ScanStatistics::refusedFrames,
-          "torn or incomplete frames, refused by the camera library"},
-    Place{"rejected_geometry", &ScanStatistics::rejectedGeometry,
-          "frames of a size that no image has"},
-    Place{"undecodable_frames", &ScanStatistics::undecodableFrames,
-          "frames that could not be taken apart"},
-    Place{"unrouted_frames", &ScanStatistics::unroutedFrames,
-          "frames of a camera that serves no image pair"},
-    Place{"color_without_mono", &ScanStatistics::colorWithoutMono,
-          "colour frames without their mono frame"},
-    Place{"mono_without_color", &ScanStatistics::monoWithoutColor,
-          "colour images missing in a set"},
-    Place{"repeated_keys", &ScanStatistics::repeatedKeys,
-          "sets too many, from a frame that came twice"},
-    Place{"sets_dropped", &ScanStatistics::setsDropped, "sets dropped, too many were waiting"},
-    Place{"missing_keys", &ScanStatistics::missingKeys, "triggers of which no set came"},
-    Place{"sets_without_callback", &ScanStatistics::setsWithoutCallback, "sets that nobody took"},
-};
-
+// A camera that waits for the next trigger fails a snap now and then: no loss by itself.
+constexpr const char* kFailedSnapsKey = "failed_snaps";
 constexpr const char* kNotKeptKey = "not_kept_disk";
 constexpr const char* kNotKeptWords = "sets not kept, writing was too slow";
 
@@ -55,9 +28,9 @@ std::string Row(std::uint64_t count, const char* words) {
 std::vector<std::string> Rows(const ScanLosses& losses) {
     std::vector<std::string> rows;
     if (losses.library) {
-        for (const Place& place : kPlaces) {
+        for (const LossPlace& place : LossPlaces()) {
             const std::uint64_t count = *losses.library.*place.count;
-            if (count > 0 && place.words != nullptr) {
+            if (count > 0) {
                 rows.push_back(Row(count, place.words));
             }
         }
@@ -106,7 +79,11 @@ void ScanLosses::Ask(const Session& session) {
 
 void AddToJson(const ScanLosses& losses, nlohmann::json& figures) {
     nlohmann::json& places = figures["losses"];
-    for (const Place& place : kPlaces) {
+    places[kFailedSnapsKey] = nullptr;
+    if (losses.library) {
+        places[kFailedSnapsKey] = losses.library->failedSnaps;
+    }
+    for (const LossPlace& place : LossPlaces()) {
         places[place.key] = nullptr;
         if (losses.library) {
             places[place.key] = *losses.library.*place.count;

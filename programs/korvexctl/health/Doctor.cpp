@@ -1,0 +1,297 @@
+#include "korvexctl/health/Doctor.h"
+#include "korvexctl/ExitCodes.h"
+
+#include <Korvex3Sync/Connection.h>
+#include <Korvex3Sync/Discovery.h>
+#include <Korvex3Sync/Light.h>
+
+#include <algorithm>
+#include <iomanip>
+#include <memory>
+#include <sstream>
+#include <system_error>
+
+#include "korvexctl/health/Examined.h"
+#include "korvexctl/health/TrialScan.h"
+#include "virtual_head/Request.h"
+
+namespace Korvex3Sync::korvexctl {
+
+namespace {
+
+constexpr std::chrono::seconds kShortLimit{10};
+constexpr std::chrono::seconds kLongLimit{30};
+constexpr std::chrono::seconds kPollLimit{5};
+
+constexpr const char* kHeadCheck = "head";
+constexpr const char* kPlugIn =
+    "switch the head on, plug it in, and try its cable and another port";
+constexpr const char* kNoBoard = "no board";
+constexpr const char* kUsb3Advice =
+    "use a USB 3 port of the computer itself (often blue, or marked SS) and the cable of the head "
+    "or another USB 3 cable, without hubs; then plug the head in again";
+constexpr const char* kUdevAdvice =
+    "as root, write KERNEL==\"hidraw*\", ATTRS{idVendor}==\"3267\", ATTRS{idProduct}==\"5752\", "
+    "TAG+=\"uaccess\" into /etc/udev/rules.d/70-korvex3sync.rules, run udevadm control --reload, "
+    "and plug the head in again";
+constexpr const char* kRestart =
+    "switch the head off and on; if that does not help, its board is "
+    "faulty or its firmware is another";
+
+/// What the checks know of the machine, beside the head.
+struct Patient : Examined {
+    explicit Patient(const DoctorOptions& options_) : Examined(options_.head), options(options_) {}
+
+    bool Board() const { return onUsb3.has_value() || !plugged.empty(); }
+
+    const DoctorOptions options;
+    bool simulated = false;
+    std::optional<bool> onUsb3;     // nothing: the library finds no board
+    std::vector<UsbBoard> plugged;  // as the system sees them
+};
+
+Finding CheckHead(Patient& patient) {
+    patient.simulated = virtual_head::RequestedVirtualHead() != nullptr;
+    const nlohmann::json figures{{"simulated", patient.simulated}};
+    if (patient.simulated) {
+        return {Verdict::Ok, "SIMULATED: nothing below is about a real head", "", figures};
+    }
+    return {Verdict::Ok, "real devices; nothing is simulated", "", figures};
+}
+
+Finding CheckBoard(Patient& patient) {
+    bool onUsb3 = false;
+    if (IsConnectedOnU3("", onUsb3) == STATUS_SUCCESS) {
+        patient.onUsb3 = onUsb3;
+    }
+    if (patient.simulated) {
+        return patient.onUsb3 ? Finding{Verdict::Ok, "found; it is simulated"}
+                              : Finding{Verdict::Fault, "not found on USB", kPlugIn};
+    }
+    patient.plugged = FindUsbBoards(patient.options.machine);
+    std::string where;
+    for (const UsbBoard& board : patient.plugged) {
+        where += (where.empty() ? "" : "; ") + board.Where();
+    }
+    if (patient.onUsb3) {
+        return {Verdict::Ok, "found" + (where.empty() ? "" : " at " + where)};
+    }
+    if (!where.empty()) {
+        return {Verdict::Fault, "the system has it at " + where + ", but the library finds none",
+                "see \"permissions\", and the log (-v)"};
+    }
+    return {Verdict::Fault, "not found on USB", kPlugIn};
+}
+
+Finding CheckSpeed(const Patient& patient) {
+    if (!patient.Board()) {
+        return {Verdict::NotRun, kNoBoard};
+    }
+    const bool fast = patient.onUsb3
+                          ? *patient.onUsb3
+                          : std::all_of(patient.plugged.begin(), patient.plugged.end(),
+                                        [](const UsbBoard& board) { return board.IsUsb3(); });
+    if (fast) {
+        return {Verdict::Ok, "USB 3"};
+    }
+    return {Verdict::Fault, "the head is on USB 2 or slower: images would be lost", kUsb3Advice};
+}
+
+Finding CheckPermissions(const Patient& patient) {
+    if (patient.simulated) {
+        return {Verdict::NotRun, "the head is simulated"};
+    }
+    if (patient.plugged.empty()) {
+        return {Verdict::NotRun, patient.onUsb3 ? "the system does not show the board" : kNoBoard};
+    }
+    for (const UsbBoard& board : patient.plugged) {
+        if (board.openError != 0) {
+            return {Verdict::Fault,
+                    "this user cannot open " + board.node.string() + " for reading and writing: " +
+                        std::generic_category().message(board.openError),
+                    kUdevAdvice};
+        }
+    }
+    return {Verdict::Ok, "this user can open the board for reading and writing"};
+}
+
+Finding CheckFirmware(const Patient& patient) {
+    if (!patient.onUsb3) {
+        return {Verdict::NotRun, kNoBoard};
+    }
+    std::string version;
+    const RETSTATUS status = GetFirewareVersion(patient.choice.board.c_str(), version);
+    if (status != STATUS_SUCCESS) {
+        return {Verdict::Fault, "the board does not tell its version: " + StatusText(status),
+                patient.choice.board.empty() ? kRestart : "see whether --board names this board"};
+    }
+    return {Verdict::Ok, version, "", {{"firmware", version}}};
+}
+
+std::string Described(const std::vector<Camera>& cameras) {
+    const Camera& first = cameras.front();
+    std::string text = std::to_string(cameras.size()) + ", " + std::to_string(first.width) + " x " +
+                       std::to_string(first.height) + (first.color ? ", colour:" : ", mono:");
+    for (const Camera& camera : cameras) {
+        text += " " + camera.serial;
+    }
+    return text;
+}
+
+Finding CheckCameras(Patient& patient) {
+    patient.cameras = FindCameras(patient.choice.cameraType);
+    const auto figures = ToJson(patient.cameras);
+    int attached = 0;
+    GetCameraCount(patient.choice.cameraType.c_str(), attached);
+    if (patient.cameras.empty()) {
+        return {Verdict::Fault,
+                attached == 0 ? "none found (type " + patient.choice.cameraType + ")"
+                              : std::to_string(attached) + " attached, and none can be opened",
+                attached == 0 ? "see whether --type names the head's cameras; check cable and power"
+                              : "end other programs that use the head, and plug it in again",
+                figures};
+    }
+    const bool equal =
+        std::all_of(patient.cameras.begin(), patient.cameras.end(), [&](const Camera& camera) {
+            return camera.width == patient.cameras.front().width &&
+                   camera.height == patient.cameras.front().height;
+        });
+    if (!equal || attached != static_cast<int>(patient.cameras.size())) {
+        return {Verdict::Warning,
+                Described(patient.cameras) + "; " +
+                    (equal ? std::to_string(attached) + " are attached" : "sizes differ"),
+                "plug the head in again; a camera that stays away or differs is faulty", figures};
+    }
+    return {Verdict::Ok, Described(patient.cameras), "", figures};
+}
+
+Finding CheckConnection(Patient& patient) {
+    if (!patient.onUsb3) {
+        return {Verdict::NotRun, kNoBoard};
+    }
+    if (patient.cameras.empty()) {
+        return {Verdict::NotRun, "no camera"};
+    }
+    try {
+        patient.head.emplace(patient.choice, patient.cameras);
+    } catch (const CommandError& error) {
+        return {Verdict::Fault, error.what(),
+                "end other programs that use the head; see "
+                "\"permissions\" and \"cameras\""};
+    }
+    return {Verdict::Ok, "board and cameras open"};
+}
+
+Finding CheckAnswer(Patient& patient) {
+    if (!patient.head) {
+        return {Verdict::NotRun, "not connected"};
+    }
+    int period = 0;
+    const RETSTATUS status = GetVideoTriggerPeriod(patient.head->Handle(), period);
+    if (status != STATUS_SUCCESS) {
+        return {Verdict::Fault, "the board opens, but does not answer", kRestart};
+    }
+    // With the status watched the board's heartbeat is on, and a board that gets lost is noticed.
+    patient.watch.Watch(patient.head->session);
+    patient.answers = WaitForAnswer(patient.watch, kPollLimit);
+    if (!patient.answers) {
+        return {Verdict::Fault, "the board answers a question, but not its status poll", kRestart};
+    }
+    patient.found.emplace(patient.head->Handle(), patient.cameras.size());
+    return {Verdict::Ok, "the board answers its status poll"};
+}
+
+Finding JudgeTrial(const TrialResult& trial, int asked) {
+    std::ostringstream text;
+    text << trial.counts.sets << " sets";
+    if (const auto rate = trial.counts.Rate()) {
+        text << ", " << std::fixed << std::setprecision(1) << *rate << " a second";
+    }
+    const nlohmann::json figures = trial.ToJson();
+    if (trial.counts.sets == 0) {
+        const std::string lost = trial.LossText();
+        return {Verdict::Fault, "no set came" + (lost.empty() ? "" : "; lost: " + lost),
+                trial.LostAny() ? trial.Cure()
+                                : "no frame reached this computer: check the cable between board "
+                                  "and cameras, and the cameras' power",
+                figures};
+    }
+    if (trial.counts.odd > 0 || trial.counts.backwards > 0) {
+        text << "; " << trial.counts.odd << " of them odd, " << trial.counts.backwards
+             << " out of order";
+        return {Verdict::Fault, text.str(), "see the log (-v)", figures};
+    }
+    if (trial.LostAny()) {
+        return {Verdict::Warning, text.str() + "; lost: " + trial.LossText(), trial.Cure(),
+                figures};
+    }
+    if (trial.counts.sets < asked) {
+        return {Verdict::Warning, text.str() + "; " + std::to_string(asked) + " should have come",
+                "end other programs, and try a computer that is faster", figures};
+    }
+    return {Verdict::Ok, text.str() + (trial.lost ? ", nothing lost" : ""), "", figures};
+}
+
+Finding CheckTrial(const Patient& patient) {
+    if (!patient.Answers()) {
+        return {Verdict::NotRun, patient.head ? "the board does not answer" : "not connected"};
+    }
+    TrialOptions options;
+    options.sets = patient.options.trialSets;
+    options.limit = patient.options.trialLimit;
+    options.light.mode = GivesColor(*patient.head, TRIGGER_LASER_LINES_COLOR)
+                             ? TRIGGER_LASER_LINES_COLOR
+                             : TRIGGER_LASER_LINES;
+    try {
+        return JudgeTrial(RunTrial(*patient.head, options), options.sets);
+    } catch (const CommandError& error) {
+        return {Verdict::Fault, error.what(), kRestart};
+    }
+}
+
+}  // namespace
+
+std::vector<Step> DoctorSteps(const DoctorOptions& options) {
+    const auto patient = std::make_shared<Patient>(options);
+    const auto step = [&](const char* name, std::chrono::milliseconds limit, auto check) {
+        return Step{name, limit, [patient, check] { return check(*patient); }};
+    };
+    return {step(kHeadCheck, kShortLimit, CheckHead),
+            step("board", kShortLimit, CheckBoard),
+            step("USB speed", kShortLimit, CheckSpeed),
+            step("permissions", kShortLimit, CheckPermissions),
+            step("firmware", kShortLimit, CheckFirmware),
+            step("cameras", kLongLimit, CheckCameras),
+            step("connection", kLongLimit, CheckConnection),
+            step("answers", kLongLimit, CheckAnswer),
+            step("trial scan", kLongLimit, CheckTrial),
+            PutBackStep(patient, Verdict::Warning),
+            DisconnectStep(patient)};
+}
+
+Outcome DoctorOutcome(const std::vector<StepRow>& rows, bool interrupted) {
+    Outcome outcome;
+    const bool canScan = !interrupted && Count(rows, Verdict::Fault) == 0;
+    const bool healthy = canScan && Count(rows, Verdict::Warning) == 0;
+    outcome.figures = {{"simulated", nullptr}, {"healthy", healthy}, {"can_scan", canScan}};
+    nlohmann::json& checks = outcome.figures["checks"] = nlohmann::json::array();
+    for (const StepRow& row : rows) {
+        checks.push_back(ToJson(row, kDoctorWords));
+        if (row.name == kHeadCheck && row.finding.figures.is_object()) {
+            outcome.figures["simulated"] = row.finding.figures["simulated"];
+        }
+    }
+    if (interrupted) {
+        outcome.code = ExitCode::Interrupted;
+        outcome.message = "interrupted";
+    } else if (!canScan) {
+        outcome.code = ExitCode::NotHealthy;
+        outcome.message = "cannot scan: " + Names(rows, Verdict::Fault);
+    } else if (!healthy) {
+        outcome.code = ExitCode::Warnings;
+        outcome.message = "can scan, with warnings: " + Names(rows, Verdict::Warning);
+    }
+    return outcome;
+}
+
+}  // namespace Korvex3Sync::korvexctl

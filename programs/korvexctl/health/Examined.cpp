@@ -1,0 +1,60 @@
+#include "korvexctl/health/Examined.h"
+
+namespace Korvex3Sync::korvexctl {
+
+namespace {
+
+constexpr std::chrono::seconds kPutBackLimit{30};
+constexpr std::chrono::seconds kDisconnectLimit{15};
+
+std::string Listed(const std::vector<std::string>& names) {
+    std::string text;
+    for (const std::string& name : names) {
+        text += (text.empty() ? "" : ", ") + name;
+    }
+    return text;
+}
+
+}  // namespace
+
+bool WaitForAnswer(StatusWatch& watch, std::chrono::milliseconds limit) {
+    const auto end = std::chrono::steady_clock::now() + limit;
+    while (const auto poll = watch.Next(end)) {
+        if (poll->status.Answers()) {
+            return true;
+        }
+    }
+    return false;
+}
+
+Step PutBackStep(const std::shared_ptr<Examined>& examined, Verdict whenNot) {
+    return {"settings put back", kPutBackLimit,
+            [examined, whenNot]() -> Finding {
+                if (!examined->head || !examined->found) {
+                    return {Verdict::NotRun, "nothing was changed"};
+                }
+                const auto failed = examined->found->PutBack(examined->head->Handle());
+                if (!failed.empty()) {
+                    return {whenNot, "not as they were found: " + Listed(failed),
+                            "set them again, or switch the head off and on"};
+                }
+                return {Verdict::Ok, std::to_string(examined->found->Kept()) +
+                                         " settings stand as they were found; light and trigger "
+                                         "are off"};
+            },
+            true};
+}
+
+Step DisconnectStep(const std::shared_ptr<Examined>& examined) {
+    return {"disconnect", kDisconnectLimit,
+            [examined]() -> Finding {
+                if (!examined->head) {
+                    return {Verdict::NotRun, "not connected"};
+                }
+                examined->head.reset();
+                return {Verdict::Ok, "disconnected"};
+            },
+            true};
+}
+
+}  // namespace Korvex3Sync::korvexctl

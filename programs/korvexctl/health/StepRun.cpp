@@ -1,0 +1,103 @@
+#include "korvexctl/health/StepRun.h"
+
+#include <algorithm>
+#include <exception>
+#include <iterator>
+#include <sstream>
+#include <utility>
+
+namespace Korvex3Sync::korvexctl {
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+using Limits = std::vector<std::pair<std::string, std::chrono::milliseconds>>;
+
+Limits LimitsOf(const std::vector<Step>& steps) {
+    Limits limits;
+    std::transform(steps.begin(), steps.end(), std::back_inserter(limits),
+                   [](const Step& step) { return std::pair(step.name, step.limit); });
+    return limits;
+}
+
+std::string Seconds(std::chrono::milliseconds time) {
+    std::ostringstream text;
+    text << std::chrono::duration<double>(time).count() << " s";
+    return text.str();
+}
+
+std::chrono::milliseconds Since(Clock::time_point begin) {
+    return std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - begin);
+}
+
+}  // namespace
+
+StepRun::StepRun(std::vector<Step> steps) : m_limits(LimitsOf(steps)) {
+    m_thread = std::thread([this, work = std::move(steps)]() mutable { Work(std::move(work)); });
+}
+
+StepRun::~StepRun() {
+    m_thread.join();
+}
+
+void StepRun::Work(std::vector<Step> steps) {
+    for (const Step& step : steps) {
+        const auto begin = Clock::now();
+        Finding finding = RunStep(step);
+        {
+            const std::lock_guard lock(m_mutex);
+            if (m_hangs) {
+                return;
+            }
+            m_ended.push_back({step.name, std::move(finding), Since(begin)});
+        }
+        m_changed.notify_all();
+    }
+}
+
+Finding StepRun::RunStep(const Step& step) {
+    {
+        const std::lock_guard lock(m_mutex);
+        if (m_stopped && !step.cleansUp) {
+            return {Verdict::NotRun, "interrupted"};
+        }
+    }
+    try {
+        return step.run();
+    } catch (const std::exception& error) {
+        return {Verdict::Fault, error.what()};
+    }
+}
+
+std::vector<StepRow> StepRun::Wait(const std::function<void(const StepRow&)>& onRow) {
+    std::vector<StepRow> rows;
+    std::string hanging;
+    for (const auto& [name, limit] : m_limits) {
+        StepRow row{name, {Verdict::NotRun, hanging + " did not end"}};
+        if (hanging.empty()) {
+            std::unique_lock lock(m_mutex);
+            if (m_changed.wait_for(lock, limit, [&] { return m_ended.size() > rows.size(); })) {
+                row = m_ended[rows.size()];
+            } else {
+                m_hangs = true;
+                hanging = name;
+                row = {name, {Verdict::Fault, "did not end within " + Seconds(limit)}, limit};
+            }
+        }
+        onRow(row);
+        rows.push_back(std::move(row));
+    }
+    return rows;
+}
+
+void StepRun::Stop() {
+    const std::lock_guard lock(m_mutex);
+    m_stopped = true;
+}
+
+bool StepRun::Hangs() const {
+    const std::lock_guard lock(m_mutex);
+    return m_hangs;
+}
+
+}  // namespace Korvex3Sync::korvexctl

@@ -1,0 +1,146 @@
+#include "korvexctl/health/TrialScan.h"
+
+#include <Korvex3Sync/Images.h>
+#include <Korvex3Sync/Light.h>
+
+#include <algorithm>
+#include <nlohmann/json.hpp>
+
+#include "korvexctl/ConnectedHead.h"
+#include "korvexctl/Illumination.h"
+#include "korvexctl/TriggerModes.h"
+#include "korvexctl/health/LossPlaces.h"
+
+namespace Korvex3Sync::korvexctl {
+
+namespace {
+
+constexpr std::chrono::milliseconds kShortestQuiet{100};
+constexpr std::chrono::milliseconds kLongestLate{2000};
+constexpr int kQuietPeriods = 3;
+
+/// The trigger of a trial. Apart from the callback's end, so that what is on its way when the
+/// trigger stops still comes.
+class TrialTrigger {
+public:
+    TrialTrigger(const ConnectedHead& head, SetCheck& check, CAMERA_TRIGGER_MODE mode)
+        : m_head(head), m_mode(mode) {
+        Require(SetScanCallBackFunction(head.Handle(), SetCheck::OnSet, check.Context()),
+                "set the scan callback");
+        const RETSTATUS status = EnableVideoTrigger(head.Handle(), mode, true);
+        if (status != STATUS_SUCCESS) {
+            End();
+            Require(status, "switch the trigger on");
+        }
+    }
+    ~TrialTrigger() { End(); }
+    TrialTrigger(const TrialTrigger&) = delete;
+    TrialTrigger& operator=(const TrialTrigger&) = delete;
+
+    void Off() const { EnableVideoTrigger(m_head.Handle(), m_mode, false); }
+
+private:
+    void End() const {
+        Off();
+        SetScanCallBackFunction(m_head.Handle(), nullptr, nullptr);
+    }
+
+    const ConnectedHead& m_head;
+    const CAMERA_TRIGGER_MODE m_mode;
+};
+
+std::optional<ScanStatistics> Ask(const ConnectedHead& head) {
+    ScanStatistics statistics;
+    return GetScanStatistics(head.Handle(), statistics) == STATUS_SUCCESS
+               ? std::optional(statistics)
+               : std::nullopt;
+}
+
+/// The losses between two moments. Colour that is missing is counted from the sets: among the
+/// library's may be a set of an earlier scan.
+std::optional<ScanStatistics> Between(const std::optional<ScanStatistics>& before,
+                                      const std::optional<ScanStatistics>& after,
+                                      int withoutColor) {
+    if (!before || !after) {
+        return std::nullopt;
+    }
+    ScanStatistics lost;
+    for (const LossPlace& place : LossPlaces()) {
+        lost.*place.count = *after.*place.count - *before.*place.count;
+    }
+    lost.monoWithoutColor = static_cast<std::uint64_t>(withoutColor);
+    return lost;
+}
+
+}  // namespace
+
+bool GivesColor(const ConnectedHead& head, CAMERA_TRIGGER_MODE mode) {
+    return std::any_of(head.cameras.begin(), head.cameras.end(),
+                       [](const Camera& camera) { return camera.color; }) &&
+           std::any_of(kTriggerModes.begin(), kTriggerModes.end(),
+                       [mode](const TriggerMode& m) { return m.mode == mode && m.color; });
+}
+
+TrialResult RunTrial(const ConnectedHead& head, const TrialOptions& options) {
+    const Illumination light(head.session, options.light);
+    const std::optional<ScanStatistics> before = Ask(head);
+    const Camera& camera = head.cameras.front();
+    SetCheck check(before ? before->setsPending : 0, camera.width, camera.height);
+    TrialResult result;
+    {
+        const TrialTrigger trigger(head, check, options.light.mode);
+        check.WaitFor(options.sets, options.limit);
+        trigger.Off();
+        const std::chrono::milliseconds period(options.light.periodMs);
+        result.counts =
+            check.WaitForQuiet(std::max(kShortestQuiet, kQuietPeriods * period), kLongestLate);
+        const bool color = GivesColor(head, options.light.mode);
+        const int withoutColor =
+            color ? result.counts.sets - result.counts.withColor - result.counts.odd : 0;
+        result.lost = Between(before, Ask(head), withoutColor);
+    }
+    return result;
+}
+
+bool TrialResult::LostAny() const {
+    return !LossText().empty();
+}
+
+std::string TrialResult::LossText() const {
+    std::string text;
+    for (const LossPlace& place : LossPlaces()) {
+        if (lost && *lost.*place.count > 0) {
+            text +=
+                (text.empty() ? "" : ", ") + std::to_string(*lost.*place.count) + " " + place.words;
+        }
+    }
+    return text;
+}
+
+std::string TrialResult::Cure() const {
+    std::string text;
+    for (const LossPlace& place : LossPlaces()) {
+        if (lost && *lost.*place.count > 0 && text.find(place.cure) == std::string::npos) {
+            text += (text.empty() ? "" : "; ") + std::string(place.cure);
+        }
+    }
+    return text;
+}
+
+nlohmann::json TrialResult::ToJson() const {
+    nlohmann::json figures{{"sets", counts.sets},
+                           {"with_color", counts.withColor},
+                           {"sets_per_second", nullptr},
+                           {"losses", nullptr}};
+    if (const auto rate = counts.Rate()) {
+        figures["sets_per_second"] = *rate;
+    }
+    if (lost) {
+        for (const LossPlace& place : LossPlaces()) {
+            figures["losses"][place.key] = *lost.*place.count;
+        }
+    }
+    return figures;
+}
+
+}  // namespace Korvex3Sync::korvexctl

@@ -1,0 +1,47 @@
+#pragma once
+
+#include <chrono>
+#include <nlohmann/json_fwd.hpp>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include <Korvex3Sync/Statistics.h>
+
+#include "korvexctl/ScanOptions.h"
+#include "korvexctl/health/SetCheck.h"
+
+namespace Korvex3Sync::korvexctl {
+
+struct ConnectedHead;
+
+/// A short scan that is there to be looked at.
+struct TrialOptions {
+    LightOptions light;
+    int sets = 20;
+    std::chrono::milliseconds limit{5000};  // for all sets; waits no longer
+};
+
+struct TrialResult {
+    SetCheck::Counts counts;
+    /// What was lost in this scan, place by place; nothing where the library does not tell.
+    std::optional<ScanStatistics> lost;
+
+    bool LostAny() const;
+    /// "2 triggers of which no set came, 1 colour images missing in a set"
+    std::string LossText() const;
+    /// What to do about what was lost; each advice once.
+    std::string Cure() const;
+    /// "sets", "with_color", "sets_per_second", "losses" by place.
+    nlohmann::json ToJson() const;
+};
+
+/// Whether sets in this mode have a colour image.
+bool GivesColor(const ConnectedHead& head, CAMERA_TRIGGER_MODE mode);
+
+/// Sets light and trigger, takes sets, switches both off again and waits for what is on its way.
+/// Throws CommandError(DeviceRefused) when the head refuses a setting. Blocks up to the limit, two
+/// seconds for the late ones, and the board's answers.
+TrialResult RunTrial(const ConnectedHead& head, const TrialOptions& options);
+
+}  // namespace Korvex3Sync::korvexctl
