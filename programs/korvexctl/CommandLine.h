@@ -8,15 +8,11 @@ namespace Korvex3Sync::korvexctl {
 
 /// What the person asked for.
 struct CommandLine {
-    enum class Command { List, Info, Scan };
-
-    Command command = Command::List;
     std::string virtualHead;  // as for RequestVirtualHead; empty: not asked for
     std::string logFile;      // empty: none
     bool verbose = false;
     bool json = false;
-    HeadChoice head;
-    ScanOptions scan;
+    RunCommand run;
 };
 
 /// How reading the command line ended.

@@ -1,22 +1,37 @@
 #pragma once
 
-#include <string>
+#include <functional>
+#include <span>
 
 #include "korvexctl/Output.h"
-#include "korvexctl/ScanOptions.h"
+
+namespace CLI {
+class App;
+}
 
 namespace Korvex3Sync::korvexctl {
 
-/// Which head a command is about.
-struct HeadChoice {
-    std::string cameraType = "KV00";
-    std::string board;  // serial; empty: any
+/// Runs a command with the options that were read. Returns how it ended, or throws CommandError
+/// when it did not come that far.
+using RunCommand = std::function<Outcome(Output& output)>;
+
+/// One command of the program.
+struct Command {
+    const char* name;
+    const char* help;
+    /// Adds the command's options to `command` and returns what runs it. The options belong to the
+    /// returned function, and are filled in before it is called.
+    RunCommand (*add)(CLI::App& command);
 };
 
-// The commands. Each returns how it ended, or throws CommandError when it did not come that far.
+/// All commands, in the order of the help.
+std::span<const Command> Commands();
 
-Outcome RunList(const HeadChoice& choice, Output& output);
-Outcome RunInfo(const HeadChoice& choice, Output& output);
-Outcome RunScan(const HeadChoice& choice, const ScanOptions& options, Output& output);
+// What the table is made of, each in a file of its own.
+
+RunCommand AddList(CLI::App& command);
+RunCommand AddInfo(CLI::App& command);
+RunCommand AddScan(CLI::App& command);
+RunCommand AddVirtual(CLI::App& command);
 
 }  // namespace Korvex3Sync::korvexctl

@@ -1,10 +1,12 @@
 #include <Korvex3Sync/Light.h>
 
 #include <array>
+#include <memory>
 #include <nlohmann/json.hpp>
 
 #include "korvexctl/Commands.h"
 #include "korvexctl/Head.h"
+#include "korvexctl/HeadChoice.h"
 #include "korvexctl/Session.h"
 
 namespace Korvex3Sync::korvexctl {
@@ -65,8 +67,6 @@ constexpr std::array kSettings{
     Setting{"strobe_work_time_us", "strobe work time", "us", ReadStrobeTime},
 };
 
-}  // namespace
-
 Outcome RunInfo(const HeadChoice& choice, Output& output) {
     const std::vector<Camera> cameras = FindCameras(choice.cameraType);
     const Head head = AskHead(choice.board);
@@ -95,6 +95,14 @@ Outcome RunInfo(const HeadChoice& choice, Output& output) {
         }
     }
     return outcome;
+}
+
+}  // namespace
+
+RunCommand AddInfo(CLI::App& command) {
+    const auto head = std::make_shared<HeadChoice>();
+    AddHeadOptions(command, *head, true);
+    return [head](Output& output) { return RunInfo(*head, output); };
 }
 
 }  // namespace Korvex3Sync::korvexctl

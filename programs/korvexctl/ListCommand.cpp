@@ -1,9 +1,13 @@
+#include <memory>
 #include <nlohmann/json.hpp>
 
 #include "korvexctl/Cameras.h"
 #include "korvexctl/Commands.h"
+#include "korvexctl/HeadChoice.h"
 
 namespace Korvex3Sync::korvexctl {
+
+namespace {
 
 Outcome RunList(const HeadChoice& choice, Output& output) {
     const std::vector<Camera> cameras = FindCameras(choice.cameraType);
@@ -15,6 +19,14 @@ Outcome RunList(const HeadChoice& choice, Output& output) {
     }
     Print(cameras, output);
     return outcome;
+}
+
+}  // namespace
+
+RunCommand AddList(CLI::App& command) {
+    const auto head = std::make_shared<HeadChoice>();
+    AddHeadOptions(command, *head, false);
+    return [head](Output& output) { return RunList(*head, output); };
 }
 
 }  // namespace Korvex3Sync::korvexctl

@@ -26,14 +26,17 @@ struct Outcome {
 /// document.
 class Output {
 public:
-    Output(StandardOutput& standardOutput, bool json)
-        : m_standardOutput(standardOutput), m_json(json) {}
+    /// `progress`: there is someone who wants to see how far the command is.
+    Output(StandardOutput& standardOutput, bool json, bool progress = false)
+        : m_standardOutput(standardOutput), m_json(json), m_progress(progress) {}
     /// Writes one line at once. Throws CommandError when it cannot be written.
     void Line(std::string_view text);
+    bool ShowsProgress() const { return m_progress; }
 
 private:
     StandardOutput& m_standardOutput;
     const bool m_json;
+    const bool m_progress;
 };
 
 }  // namespace Korvex3Sync::korvexctl

@@ -4,9 +4,7 @@
 #include <cstdio>
 #include <utility>
 
-#include "korvexctl/AtomicFile.h"
 #include "korvexctl/Picture.h"
-#include "korvexctl/ScanRecorder.h"
 
 namespace Korvex3Sync::korvexctl {
 
@@ -23,8 +21,11 @@ std::string FileName(int number, const char* image) {
 
 }  // namespace
 
-PictureWriter::PictureWriter(std::filesystem::path folder, std::function<void()> onFailure)
-    : m_folder(std::move(folder)), m_onFailure(std::move(onFailure)), m_thread([this] { Run(); }) {}
+PictureWriter::PictureWriter(std::filesystem::path folder, StoreFile store, Listener listener)
+    : m_folder(std::move(folder)),
+      m_store(std::move(store)),
+      m_listener(std::move(listener)),
+      m_thread([this] { Run(); }) {}
 
 PictureWriter::~PictureWriter() {
     Join(true);
@@ -52,6 +53,7 @@ void PictureWriter::Join(bool dropWaiting) {
         m_end = true;
         if (dropWaiting) {
             m_waiting.clear();
+            m_dropped = true;
         }
         m_changed.notify_all();
     }
@@ -61,34 +63,58 @@ void PictureWriter::Join(bool dropWaiting) {
 }
 
 void PictureWriter::Run() {
-    std::unique_lock lock(m_mutex);
-    while (true) {
-        m_changed.wait(lock, [this] { return m_end || !m_waiting.empty(); });
-        if (m_waiting.empty()) {
-            return;
+    try {
+        while (const KeptSet* const set = WaitForNext()) {
+            Write(*set);
+            m_listener.onDone(*set);
         }
-        const KeptSet& set = *m_waiting.front();
-        m_waiting.pop_front();
-        lock.unlock();
-        try {
-            Write(set);
-        } catch (...) {
-            m_failure = std::current_exception();
-            m_onFailure();
-            return;
-        }
-        lock.lock();
+        WriteSheet();
+    } catch (...) {
+        m_failure = std::current_exception();
+        m_listener.onFailure();
     }
 }
 
-void PictureWriter::Write(const KeptSet& set) {
-    for (std::size_t i = 0; i < (set.color ? kNames.size() : kColor); ++i) {
-        const std::string name = FileName(set.number, kNames[i]);
-        const Picture picture = i == kColor ? Demosaic(set.images[i].data(), set.width, set.height)
-                                            : Picture{set.width, set.height, 1, set.images[i]};
-        WriteFile(m_folder / name, EncodePng(picture));
-        m_files.push_back(name);
+const KeptSet* PictureWriter::WaitForNext() {
+    std::unique_lock lock(m_mutex);
+    m_changed.wait(lock, [this] { return m_end || !m_waiting.empty(); });
+    if (m_waiting.empty()) {
+        return nullptr;
     }
+    const KeptSet* const set = m_waiting.front();
+    m_waiting.pop_front();
+    return set;
+}
+
+void PictureWriter::Write(const KeptSet& set) {
+    std::vector<Picture> pictures;
+    for (std::size_t i = 0; i < (set.color ? kNames.size() : kColor); ++i) {
+        pictures.push_back(i == kColor ? Demosaic(set.images[i].data(), set.width, set.height)
+                                       : Picture{set.width, set.height, 1, set.images[i]});
+        if (set.chosen.pictures) {
+            Store(FileName(set.chosen.number, kNames[i]), pictures.back());
+        }
+    }
+    if (set.chosen.sheet) {
+        m_sheet.Add(set, pictures);
+    }
+}
+
+void PictureWriter::WriteSheet() {
+    {
+        const std::lock_guard lock(m_mutex);
+        if (m_dropped) {
+            return;
+        }
+    }
+    if (!m_sheet.Empty()) {
+        Store("contact-sheet.png", m_sheet.Compose());
+    }
+}
+
+void PictureWriter::Store(const std::string& name, const Picture& picture) {
+    m_store(m_folder / name, EncodePng(picture));
+    m_files.push_back(name);
 }
 
 }  // namespace Korvex3Sync::korvexctl

@@ -6,31 +6,44 @@
 #include <filesystem>
 #include <functional>
 #include <mutex>
+#include <span>
 #include <string>
 #include <thread>
 #include <vector>
 
+#include "korvexctl/ContactSheet.h"
+#include "korvexctl/KeptSet.h"
+
 namespace Korvex3Sync::korvexctl {
 
-struct KeptSet;
+/// Puts a whole file in its place; throws when it cannot.
+using StoreFile =
+    std::function<void(const std::filesystem::path& file, std::span<const unsigned char> bytes)>;
 
-/// Writes kept sets as PNG files on a thread of its own, beside the scan: set_000_left.png,
-/// set_000_right.png and, with colour, set_000_color.png. Owns its thread; the destructor joins it
-/// after the file that is being written.
+/// Writes kept sets on a thread of its own, beside the scan: set_000_left.png, set_000_right.png
+/// and, with colour, set_000_color.png for those chosen for pictures, and at the end
+/// contact-sheet.png of those chosen for it. Owns its thread; the destructor joins it after the
+/// file that is being written.
 class PictureWriter {
 public:
-    /// `onFailure` is called once, on the writer's thread, when a file cannot be written; nothing
-    /// is written after that.
-    PictureWriter(std::filesystem::path folder, std::function<void()> onFailure);
+    /// What the writer tells, on its own thread.
+    struct Listener {
+        /// A set is no longer needed. Not called for those that wait when writing fails.
+        std::function<void(const KeptSet&)> onDone;
+        /// Once, when a file cannot be written; nothing is written after that.
+        std::function<void()> onFailure;
+    };
+
+    PictureWriter(std::filesystem::path folder, StoreFile store, Listener listener);
     ~PictureWriter();
     PictureWriter(const PictureWriter&) = delete;
     PictureWriter& operator=(const PictureWriter&) = delete;
 
-    /// Puts a set in line; it must stay valid and unchanged as long as the writer lives. Any
+    /// Puts a set in line; it must stay valid and unchanged until the writer is done with it. Any
     /// thread; does not block for the disk.
     void Add(const KeptSet& set);
-    /// Waits until everything in line is written, or until a file could not be; then nothing more
-    /// may be added.
+    /// Waits until everything in line and the contact sheet are written, or until a file could not
+    /// be; then nothing more may be added.
     void Finish();
     /// After Finish: the names of the files that are there whole, in order.
     const std::vector<std::string>& Files() const { return m_files; }
@@ -39,15 +52,22 @@ public:
 
 private:
     void Run();
+    /// The next set in line; null when there will be none.
+    const KeptSet* WaitForNext();
     void Write(const KeptSet& set);
+    void WriteSheet();
+    void Store(const std::string& name, const Picture& picture);
     void Join(bool dropWaiting);
 
     const std::filesystem::path m_folder;
-    const std::function<void()> m_onFailure;
+    const StoreFile m_store;
+    const Listener m_listener;
     std::mutex m_mutex;
     std::condition_variable m_changed;
     std::deque<const KeptSet*> m_waiting;
     bool m_end = false;
+    bool m_dropped = false;
+    ContactSheet m_sheet;
     std::vector<std::string> m_files;
     std::exception_ptr m_failure;
     std::thread m_thread;

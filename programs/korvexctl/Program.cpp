@@ -19,22 +19,14 @@ void SayWrong(const std::string& message) {
     std::fprintf(stderr, "korvexctl: %s\n", message.c_str());
 }
 
-Outcome RunCommand(const CommandLine& line, Output& output) {
+Outcome RunAsked(const CommandLine& line, Output& output) {
     if (!line.virtualHead.empty()) {
         std::string error;
         if (!virtual_head::RequestVirtualHead(line.virtualHead, error)) {
             throw CommandError(ExitCode::HeadRefused, error);
         }
     }
-    switch (line.command) {
-        case CommandLine::Command::List:
-            return RunList(line.head, output);
-        case CommandLine::Command::Info:
-            return RunInfo(line.head, output);
-        case CommandLine::Command::Scan:
-            return RunScan(line.head, line.scan, output);
-    }
-    return {};
+    return line.run(output);
 }
 
 /// Runs something that gives an outcome; an error becomes the outcome.
@@ -53,16 +45,15 @@ Outcome Caught(const Call& call) {
     return outcome;
 }
 
-Outcome RunLogged(CommandLine line, StandardOutput& standardOutput) {
+Outcome RunLogged(const CommandLine& line, StandardOutput& standardOutput) {
     const bool logFile = !line.logFile.empty();
     if (logFile) {
         standardOutput.LogTo(line.logFile);
     }
-    // Among the library's own lines a bar would only be in the way.
-    line.scan.showProgress = ErrorOutputIsTerminal() && !line.verbose;
     const Logging logging("korvexctl", standardOutput, line.verbose, logFile);
-    Output output(standardOutput, line.json);
-    return RunCommand(line, output);
+    // Among the library's own lines a bar would only be in the way.
+    Output output(standardOutput, line.json, ErrorOutputIsTerminal() && !line.verbose);
+    return RunAsked(line, output);
 }
 
 Outcome Run(const CommandLineResult& asked) {

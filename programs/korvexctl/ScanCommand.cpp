@@ -1,3 +1,5 @@
+#include "korvexctl/ScanCommand.h"
+
 #include <algorithm>
 #include <atomic>
 #include <chrono>
@@ -7,7 +9,6 @@
 
 #include "korvexctl/AtomicFile.h"
 #include "korvexctl/BoardWatch.h"
-#include "korvexctl/Commands.h"
 #include "korvexctl/Head.h"
 #include "korvexctl/Illumination.h"
 #include "korvexctl/PictureWriter.h"
@@ -34,8 +35,8 @@ milliseconds Patience(const ScanOptions& options) {
 }
 
 /// Waits for the end of the scan. False when no set came for too long.
-bool WaitForSets(ScanRecorder& recorder, const ScanOptions& options) {
-    ProgressBar bar(options.showProgress);
+bool WaitForSets(ScanRecorder& recorder, const ScanOptions& options, const Output& output) {
+    ProgressBar bar(output.ShowsProgress());
     const auto start = ScanRecorder::Clock::now();
     while (true) {
         const ScanRecorder::Counts counts = recorder.Wait(kProgressStep);
@@ -64,7 +65,8 @@ bool Scan(const HeadChoice& choice, ScanReport& report, ScanRecorder& recorder,
     boardWatch.Watch(session);
     const Illumination illumination(session, options.light);
     const Trigger trigger(session, recorder, options.light.mode);
-    const bool inTime = WaitForSets(recorder, options);
+    const bool inTime = WaitForSets(recorder, options, output);
+    report.losses.Ask(session);
     report.boardLost = boardWatch.Lost();
     return inTime;
 }
@@ -77,19 +79,29 @@ std::string MissingMessage(const ScanReport& report) {
 
 }  // namespace
 
-Outcome RunScan(const HeadChoice& choice, const ScanOptions& options, Output& output) {
+void StoreWhole(const std::filesystem::path& file, std::span<const unsigned char> bytes) {
+    WriteFile(file, bytes);
+}
+
+Outcome RunScan(const HeadChoice& choice, const ScanOptions& options, Output& output,
+                const StoreFile& store) {
     const bool writes = !options.folder.empty();
     if (writes) {
         PrepareFolder(options.folder);
     }
 
-    ScanRecorder recorder(options.sets, writes ? options.keep : 0);
+    ScanRecorder recorder(
+        options.sets,
+        writes ? ChooseSets(options.sets, options.keep, kSheetRows) : std::vector<ChosenSet>(),
+        options.buffers);
     std::atomic<bool> interrupted{false};
     const InterruptWatch interruptWatch([&] {
         interrupted = true;
         recorder.Stop();
     });
-    PictureWriter writer(options.folder, [&recorder] { recorder.Stop(); });
+    PictureWriter writer(options.folder, store,
+                         {[&recorder](const KeptSet& set) { recorder.GiveBack(set); },
+                          [&recorder] { recorder.Stop(); }});
 
     ScanReport report;
     report.options = options;
@@ -98,6 +110,7 @@ Outcome RunScan(const HeadChoice& choice, const ScanOptions& options, Output& ou
     writer.Finish();
     report.files = writer.Files();
     report.counts = recorder.Wait(milliseconds(0));
+    report.losses.notKept = static_cast<std::uint64_t>(report.counts.notKept);
     report.interrupted = interrupted;
 
     Outcome outcome;

@@ -23,10 +23,10 @@ struct LightOptions {
 struct ScanOptions {
     int sets = 100;
     int keep = 5;
+    int buffers = 32;  // sets that may wait to be written
     double timeoutSeconds = 5;
     std::filesystem::path folder;  // empty: nothing is written
     LightOptions light;
-    bool showProgress = false;
 };
 
 /// The word for a trigger mode that the command line takes ("laser-color").

@@ -8,13 +8,19 @@ namespace Korvex3Sync::korvexctl {
 namespace {
 
 constexpr std::size_t kMonoImages = 2;
+constexpr std::size_t kRight = 1;
+// The head puts the key into this pixel of the right image.
+constexpr std::size_t kKeyPixel = 3;
 
 }  // namespace
 
-ScanRecorder::ScanRecorder(int sets, int keep)
-    : m_sets(sets), m_kept(static_cast<std::size_t>(std::min(keep, sets))) {
-    for (std::size_t i = 0; i < m_kept.size(); ++i) {
-        m_kept[i].number = static_cast<int>(i * static_cast<std::size_t>(sets) / m_kept.size());
+ScanRecorder::ScanRecorder(int sets, std::vector<ChosenSet> chosen, int buffers)
+    : m_sets(sets),
+      m_chosen(std::move(chosen)),
+      m_buffers(std::min(m_chosen.size(), static_cast<std::size_t>(buffers))) {
+    m_free.reserve(m_buffers.size());
+    for (KeptSet& buffer : m_buffers) {
+        m_free.push_back(&buffer);
     }
 }
 
@@ -22,12 +28,19 @@ void ScanRecorder::Prepare(int width, int height, std::function<void(const KeptS
     m_onKept = std::move(onKept);
     m_width = width;
     m_height = height;
-    for (KeptSet& set : m_kept) {
-        for (auto& image : set.images) {
+    for (KeptSet& buffer : m_buffers) {
+        buffer.width = width;
+        buffer.height = height;
+        for (auto& image : buffer.images) {
             // Written once here, so that the grab thread meets no page for the first time.
             image.assign(static_cast<std::size_t>(width) * static_cast<std::size_t>(height), 0);
         }
     }
+}
+
+void ScanRecorder::GiveBack(const KeptSet& set) {
+    const std::lock_guard lock(m_mutex);
+    m_free.push_back(&m_buffers[static_cast<std::size_t>(&set - m_buffers.data())]);
 }
 
 void ScanRecorder::OnSet(const void* const& context, std::vector<unsigned char*>& images,
@@ -40,7 +53,7 @@ void ScanRecorder::Take(const std::vector<unsigned char*>& images, int width, in
     const bool whole = (images.size() == kMonoImages || images.size() == kMonoImages + 1) &&
                        std::find(images.begin(), images.end(), nullptr) == images.end() &&
                        width == m_width && height == m_height;
-    KeptSet* slot = nullptr;
+    KeptSet* buffer = nullptr;
     {
         const std::lock_guard lock(m_mutex);
         if (Over()) {
@@ -50,22 +63,21 @@ void ScanRecorder::Take(const std::vector<unsigned char*>& images, int width, in
             ++m_counts.odd;
             return;
         }
-        slot = SlotOfNext();
-    }
-    if (slot != nullptr) {
-        slot->width = width;
-        slot->height = height;
-        slot->color = images.size() > kMonoImages;
-        for (std::size_t i = 0; i < images.size(); ++i) {
-            std::copy_n(images[i], slot->images[i].size(), slot->images[i].begin());
+        m_counts.last = arrival;
+        if (m_counts.delivered == 0) {
+            m_counts.first = arrival;
         }
-        m_onKept(*slot);
+        buffer = BufferForNext();
+    }
+    if (buffer != nullptr) {
+        buffer->color = images.size() > kMonoImages;
+        for (std::size_t i = 0; i < images.size(); ++i) {
+            std::copy_n(images[i], buffer->images[i].size(), buffer->images[i].begin());
+        }
+        buffer->key = kKeyPixel < buffer->images[kRight].size() ? images[kRight][kKeyPixel] : 0;
+        m_onKept(*buffer);
     }
     const std::lock_guard lock(m_mutex);
-    m_counts.last = arrival;
-    if (m_counts.delivered == 0) {
-        m_counts.first = arrival;
-    }
     ++m_counts.delivered;
     if (images.size() > kMonoImages) {
         ++m_counts.withColor;
@@ -75,11 +87,20 @@ void ScanRecorder::Take(const std::vector<unsigned char*>& images, int width, in
     }
 }
 
-KeptSet* ScanRecorder::SlotOfNext() {
-    if (m_keptNext == m_kept.size() || m_kept[m_keptNext].number != m_counts.delivered) {
+KeptSet* ScanRecorder::BufferForNext() {
+    if (m_nextChosen == m_chosen.size() || m_chosen[m_nextChosen].number != m_counts.delivered) {
         return nullptr;
     }
-    return &m_kept[m_keptNext++];
+    const ChosenSet& chosen = m_chosen[m_nextChosen++];
+    if (m_free.empty()) {
+        ++m_counts.notKept;
+        return nullptr;
+    }
+    KeptSet* const buffer = m_free.back();
+    m_free.pop_back();
+    buffer->chosen = chosen;
+    buffer->seconds = std::chrono::duration<double>(m_counts.last - m_counts.first).count();
+    return buffer;
 }
 
 void ScanRecorder::Stop() {

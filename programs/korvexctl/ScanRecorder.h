@@ -1,6 +1,5 @@
 #pragma once
 
-#include <array>
 #include <chrono>
 #include <condition_variable>
 #include <cstdint>
@@ -9,20 +8,16 @@
 #include <optional>
 #include <vector>
 
+#include "korvexctl/KeptSet.h"
+#include "korvexctl/SetChoice.h"
+
 namespace Korvex3Sync::korvexctl {
 
-/// One image set that was kept.
-struct KeptSet {
-    int number = 0;  // in the scan, from 0
-    int width = 0;
-    int height = 0;
-    bool color = false;
-    std::array<std::vector<std::uint8_t>, 3> images;  // left, right, colour mosaic
-};
-
-/// Counts the sets of a scan and copies those that are kept: `keep` of them, evenly spread over
-/// `sets`. Take runs on a grab thread and does nothing but count and copy into buffers made before;
-/// everything else is called by the program's own threads. Thread-safe.
+/// Counts the sets of a scan and copies the chosen ones into a bounded number of buffers. Whoever
+/// writes a copy gives its buffer back; a chosen set that finds no free buffer is counted and not
+/// kept, so that writing, however slow, never holds up the scan. Take runs on a grab thread and
+/// does nothing but count and copy into buffers made before; everything else is called by the
+/// program's own threads. Thread-safe.
 class ScanRecorder {
 public:
     using Clock = std::chrono::steady_clock;
@@ -30,20 +25,24 @@ public:
     struct Counts {
         int delivered = 0;
         int withColor = 0;
-        int odd = 0;  ///< sets without two mono images, or of another size; not delivered
+        int odd = 0;      ///< sets without two mono images, or of another size; not delivered
+        int notKept = 0;  ///< chosen sets that found no free buffer; delivered all the same
         Clock::time_point first{};
         Clock::time_point last{};
         bool stopped = false;
     };
 
-    ScanRecorder(int sets, int keep);
+    /// `chosen` is in the order of the numbers. At most `buffers` sets are held at a time.
+    ScanRecorder(int sets, std::vector<ChosenSet> chosen, int buffers);
     ScanRecorder(const ScanRecorder&) = delete;
     ScanRecorder& operator=(const ScanRecorder&) = delete;
 
     /// Makes the buffers; before the scan starts. `onKept` is called with each kept set, on the
-    /// grab thread, and must only pass it on; the set stays valid and unchanged as long as the
-    /// recorder lives.
+    /// grab thread, and must only pass it on; the set stays valid and unchanged until it is given
+    /// back.
     void Prepare(int width, int height, std::function<void(const KeptSet&)> onKept);
+    /// Gives the buffer of a kept set back. Any thread; does not block.
+    void GiveBack(const KeptSet& set);
 
     /// The library's scan callback, with Context() as its context.
     static void OnSet(const void* const& context, std::vector<unsigned char*>& images,
@@ -61,18 +60,20 @@ public:
 private:
     void Take(const std::vector<unsigned char*>& images, int width, int height);
     bool Over() const { return m_counts.stopped || m_counts.delivered == m_sets; }
-    /// The buffer for the set that arrives now, or null when it is not one to keep.
-    KeptSet* SlotOfNext();
+    /// A buffer for the set that arrives now, or null when it is not chosen or none is free.
+    KeptSet* BufferForNext();
 
     ScanRecorder* m_self = this;
     const int m_sets;
+    const std::vector<ChosenSet> m_chosen;
     std::function<void(const KeptSet&)> m_onKept;
-    std::vector<KeptSet> m_kept;
-    std::size_t m_keptNext = 0;
+    std::size_t m_nextChosen = 0;
     int m_width = 0;
     int m_height = 0;
+    std::vector<KeptSet> m_buffers;
     std::mutex m_mutex;
     std::condition_variable m_changed;
+    std::vector<KeptSet*> m_free;
     Counts m_counts;
 };
 

@@ -33,6 +33,7 @@ nlohmann::json ToJson(const ScanReport& report) {
     if (const auto rate = ScanRecorder::Rate(counts)) {
         figures["sets_per_second"] = *rate;
     }
+    AddToJson(report.losses, figures);
     figures["interrupted"] = report.interrupted;
     figures["board_lost"] = report.boardLost;
     figures["files"] = report.files;
@@ -54,6 +55,7 @@ void Print(const ScanReport& report, Output& output) {
              << std::setprecision(2) << Seconds(counts) << " s";
         output.Line(text.str());
     }
+    Print(report.losses, output);
     if (!report.options.folder.empty()) {
         output.Line("wrote " + std::to_string(report.files.size()) + " pictures to " +
                     report.options.folder.string());

@@ -6,6 +6,7 @@
 
 #include "korvexctl/Cameras.h"
 #include "korvexctl/Head.h"
+#include "korvexctl/ScanLosses.h"
 #include "korvexctl/ScanOptions.h"
 #include "korvexctl/ScanRecorder.h"
 
@@ -19,13 +20,14 @@ struct ScanReport {
     std::vector<Camera> cameras;
     Head head;
     ScanRecorder::Counts counts;
+    ScanLosses losses;
     bool interrupted = false;
     bool boardLost = false;
     std::vector<std::string> files;  // pictures, in the order in which they were written
 };
 
 nlohmann::json ToJson(const ScanReport& report);
-/// The sets and the rate; cameras and head are printed as soon as they are known.
+/// The sets, the rate and the losses; cameras and head are printed as soon as they are known.
 void Print(const ScanReport& report, Output& output);
 
 }  // namespace Korvex3Sync::korvexctl

@@ -85,7 +85,9 @@ int IManagerSync::ReConnectDevice() {
                 KORVEX_LOG(kLog) << "QueryCurrentStatus success.";
                 std::printf("QueryCurrentStatus success\n");
                 ReOpenCameras();
-                RestoreBoard(m_hDevice, m_remembered);
+                RestoreBoard(m_hDevice, m_remembered, [this](auto* handle, auto mode) {
+                    return WriteTriggerMode(handle, mode);
+                });
                 return kReconnected;
             }
         }
@@ -99,6 +101,7 @@ int IManagerSync::ReConnectDevice() {
 }
 
 void IManagerSync::ReOpenCameras() {
+    StartKeysAnew();  // what the board triggered meanwhile is not lost
     const std::vector<OrderSetting> orders = OrdersToRestore(m_remembered);
     for (auto& camera : m_cameras) {
         camera->PauseThread();

@@ -15,7 +15,7 @@ std::vector<OrderSetting> OrdersToRestore(const RememberedSettings& settings) {
     return orders;
 }
 
-void RestoreBoard(void* board, const RememberedSettings& settings) {
+void RestoreBoard(void* board, const RememberedSettings& settings, const TriggerWriter& trigger) {
     namespace lib = zr3DHandiDLPdev;
     const RememberedSettings& s = settings;
     lib::zr3DOpenOrCloseStrobeFlicker(board, s.strobeRoute, s.strobeState);
@@ -31,7 +31,7 @@ void RestoreBoard(void* board, const RememberedSettings& settings) {
     lib::zr3DSetIRLaserEnable(board, s.irLaserEnable);
     lib::zr3DSetWorkTime(board, kIRLaserWorkTimeSet, s.irLaserWorkTime);
     lib::zr3DSetDutioRatio(board, kIRLaserDutySet, s.irLaserDuty);
-    lib::zr3DSetVideoTrigleMode(board, s.triggerMode);
+    trigger(board, s.triggerMode);
     lib::zr3DSetVideoTriggerPeriod(board, s.triggerPeriod);
     lib::zr3DSetDutioRatio(board, kProjectorDutySet, s.projectorDuty);
     lib::zr3DSetLedDutioRatio(board, kStrobeDutySet, s.strobeDuty[0], s.strobeDuty[1],

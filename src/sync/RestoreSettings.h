@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <vector>
 
 #include "sync/RememberedSettings.h"
@@ -17,8 +18,12 @@ struct OrderSetting {
 /// The orders for which both were remembered, ascending.
 std::vector<OrderSetting> OrdersToRestore(const RememberedSettings& settings);
 
-/// Writes every remembered board setting to an open board, in the one order in which that is done;
-/// what the board refuses does not stop the rest. Blocks for the board's answers.
-void RestoreBoard(void* board, const RememberedSettings& settings);
+/// How a trigger mode is written: whoever counts frames has to see it.
+using TriggerWriter = std::function<bool(void* board, zr3DHandiDLPdev::MASK_TRIGGER_MODE mode)>;
+
+/// Writes every remembered board setting to an open board, in the one order in which that is done,
+/// the trigger mode through `trigger`; what the board refuses does not stop the rest. Blocks for
+/// the board's answers.
+void RestoreBoard(void* board, const RememberedSettings& settings, const TriggerWriter& trigger);
 
 }  // namespace Korvex3Sync

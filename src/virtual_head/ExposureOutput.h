@@ -27,7 +27,8 @@ public:
 
     /// The trigger starts: its numbers and keys begin at 0.
     void Start();
-    void GiveTrigger(bool mono, bool color, const BoardState& light);
+    /// `moment`: what its exposures have in common, light and sensors.
+    void GiveTrigger(bool mono, bool color, const Exposure& moment);
     /// Hands out what a delay holds back.
     void ReleaseHeld();
 
@@ -43,7 +44,7 @@ private:
         bool repeated;
     };
 
-    void Make(bool color, const ExposureFate& fate, std::uint64_t release, const BoardState& light);
+    void Make(bool color, const ExposureFate& fate, std::uint64_t release, const Exposure& moment);
     void HandDue(std::uint64_t given);
     void Hand(Exposure exposure);
     FrameCounts& Of(bool color) { return color ? m_counts.color : m_counts.mono; }

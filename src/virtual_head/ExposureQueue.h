@@ -11,6 +11,7 @@
 
 #include "virtual_head/BoardState.h"
 #include "virtual_head/Export.h"
+#include "virtual_head/SensorSettings.h"
 
 namespace Korvex3Sync::virtual_head {
 
@@ -20,9 +21,10 @@ struct Exposure {
     std::uint8_t key = 0;       // trigger modulo 256
     bool color = false;         // a colour frame; otherwise a mono frame of both sensors
     BoardState light = {};      // the board at that moment
-    bool torn = false;          // the camera refuses it
-    bool misSized = false;      // the camera gives it an impossible size
-    bool counted = false;       // its way is counted for the head (HeadCounts.h)
+    std::array<SensorSetting, 2> sensors = {};  // exposure and gain of the left and the right one
+    bool torn = false;                          // the camera refuses it
+    bool misSized = false;                      // the camera gives it an impossible size
+    bool counted = false;                       // its way is counted for the head (HeadCounts.h)
 };
 
 /// The exposures that wait for one camera instance. Bounded; what finds no room is counted.

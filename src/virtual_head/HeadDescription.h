@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "virtual_head/FaultOrder.h"
+#include "virtual_head/scene/SceneDescription.h"
 
 namespace Korvex3Sync::virtual_head {
 
@@ -34,11 +35,13 @@ struct HeadDescription {
     /// The board's user memory at power-on: pages of 256 bytes.
     std::array<std::uint8_t, 4096> userMemory{};
     /// Folder with leftNN.png and rightNN.png (8-bit grey), and colorNN.png where there is a colour
-    /// mosaic of its own; empty: the built-in test pattern.
+    /// mosaic of its own; empty: the scene.
     std::filesystem::path replayFolder;
     /// Faults that begin by themselves, and the seed of their draws.
     std::vector<TimedFault> faults;
     std::uint64_t faultSeed = 1;
+    /// What the sensors see where no images are replayed.
+    SceneDescription scene;
 };
 
 }  // namespace Korvex3Sync::virtual_head

@@ -13,6 +13,7 @@
 #include "virtual_head/FileBytes.h"
 #include "virtual_head/HeadRules.h"
 #include "virtual_head/UserMemoryKeys.h"
+#include "virtual_head/scene/SceneKeys.h"
 
 namespace Korvex3Sync::virtual_head {
 namespace {
@@ -31,7 +32,7 @@ public:
             if (ReadFaultTables(key.str(), value)) {
                 continue;
             }
-            if (key != "camera" && key != "board" && key != "replay") {
+            if (key != "camera" && key != "board" && key != "replay" && key != "scene") {
                 Find(line, "unknown key \"" + std::string(key.str()) + "\"");
             } else if (table == nullptr) {
                 Find(line, "\"" + std::string(key.str()) + "\" is not a table");
@@ -143,7 +144,15 @@ private:
             }
             return true;
         }
-        return false;
+        return where.first == "scene" && ReadScene(where, value);
+    }
+
+    bool ReadScene(const std::pair<std::string, std::string>& where, const toml::node& value) {
+        SceneKeyRead read = ReadSceneKey(where.second, value, m_description.scene);
+        if (read.wrong) {
+            Find(m_lines[where], std::move(*read.wrong));
+        }
+        return read.known;
     }
 
     void FindWrongType(const std::pair<std::string, std::string>& where, const char* expected) {

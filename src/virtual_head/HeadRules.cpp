@@ -4,6 +4,7 @@
 #include <array>
 
 #include "virtual_head/FaultOrder.h"
+#include "virtual_head/scene/SceneRules.h"
 
 namespace Korvex3Sync::virtual_head {
 namespace {
@@ -76,7 +77,7 @@ std::optional<BrokenRule> CheckTogether(const HeadDescription& description) {
     if (description.width * description.height % 4 != 0) {
         return Broken(kWidth, "width x height is not a multiple of 4");
     }
-    return std::nullopt;
+    return CheckTogether(description.scene);
 }
 
 std::optional<BrokenRule> Check(const HeadDescription& description) {
@@ -94,6 +95,9 @@ std::optional<BrokenRule> Check(const HeadDescription& description) {
         if (auto wrong = Check(fault)) {
             return BrokenRule{{"fault", "what"}, "[[fault]] " + *wrong};
         }
+    }
+    if (auto broken = Check(description.scene)) {
+        return broken;
     }
     return CheckTogether(description);
 }

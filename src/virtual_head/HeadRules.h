@@ -5,6 +5,7 @@
 #include <span>
 #include <string>
 
+#include "virtual_head/Export.h"
 #include "virtual_head/HeadDescription.h"
 
 namespace Korvex3Sync::virtual_head {
@@ -38,8 +39,8 @@ struct BrokenRule {
     std::string message;  // "[table] key: what is wrong", one line
 };
 
-std::span<const NumberRule> NumberRules();
-std::span<const TextRule> TextRules();
+KORVEX_VIRTUAL_HEAD_API std::span<const NumberRule> NumberRules();
+KORVEX_VIRTUAL_HEAD_API std::span<const TextRule> TextRules();
 
 /// What one value does against its rule.
 std::optional<BrokenRule> Check(const NumberRule& rule, std::int64_t value);

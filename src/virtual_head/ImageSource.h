@@ -17,14 +17,18 @@ class KORVEX_VIRTUAL_HEAD_API ImageSource {
 public:
     virtual ~ImageSource() = default;
 
+    /// Does beforehand what would hold up the first frame; called when a camera is started, and
+    /// cheap from the second time on. May take seconds. False when memory is short.
+    virtual bool Prepare() = 0;
     /// Writes the packed frame of the exposure: 2 x width x height bytes, with marker and key
-    /// (PackedFrame.h). No allocation of image size.
-    virtual void WritePacked(const Exposure& exposure, std::uint8_t* packed) const = 0;
+    /// (PackedFrame.h). No allocation of image size once Prepare has been called.
+    virtual void WritePacked(const Exposure& exposure, std::uint8_t* packed) = 0;
 };
 
-/// The built-in test pattern: cheap, different from frame to frame and from sensor to sensor.
-KORVEX_VIRTUAL_HEAD_API std::shared_ptr<ImageSource> MakeTestPattern(
-    const HeadDescription& description);
+/// The scene that HeadDescription::scene tells, in the light of the exposure. Making it is cheap;
+/// Prepare draws it and takes about 15 bytes for each pixel of one image and each pose. Without
+/// that memory frames are black.
+KORVEX_VIRTUAL_HEAD_API std::shared_ptr<ImageSource> MakeScene(const HeadDescription& description);
 
 /// Pairs of real images from HeadDescription::replayFolder, in the order of their names, over and
 /// over: trigger number n shows pair n modulo their count. An image smaller than the sensor is

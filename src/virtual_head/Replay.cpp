@@ -29,7 +29,9 @@ public:
     Replay(std::size_t pixels, std::vector<Pair> pairs)
         : m_pixels(pixels), m_pairs(std::move(pairs)) {}
 
-    void WritePacked(const Exposure& exposure, std::uint8_t* packed) const override {
+    bool Prepare() override { return true; }
+
+    void WritePacked(const Exposure& exposure, std::uint8_t* packed) override {
         const Pair& pair = m_pairs[exposure.trigger % m_pairs.size()];
         if (!exposure.color) {
             std::memcpy(packed, pair.packed.data(), pair.packed.size());

@@ -45,7 +45,7 @@ std::shared_ptr<VirtualHead> MakeHead(const HeadDescription& description, std::s
             return nullptr;
         }
         if (description.replayFolder.empty()) {
-            return std::make_shared<VirtualHead>(description, MakeTestPattern(description));
+            return std::make_shared<VirtualHead>(description, MakeScene(description));
         }
         auto replay = MakeReplay(description);
         if (auto* refused = std::get_if<std::string>(&replay)) {

@@ -15,7 +15,7 @@ SensorSettings::SensorSettings(const HeadDescription& description)
 
 void SensorSettings::PowerOff() {
     std::lock_guard lock(m_mutex);
-    for (Setting& setting : m_settings) {
+    for (SensorSetting& setting : m_settings) {
         setting = {};
         setting.gain = m_gainLow;
     }
@@ -75,6 +75,11 @@ int SensorSettings::Gain() const {
 int SensorSettings::SelectedOrder() const {
     std::lock_guard lock(m_mutex);
     return static_cast<int>(m_selected);
+}
+
+std::array<SensorSetting, 2> SensorSettings::Sensors() const {
+    std::lock_guard lock(m_mutex);
+    return {m_settings[0], m_settings[1]};
 }
 
 }  // namespace Korvex3Sync::virtual_head

@@ -8,6 +8,12 @@
 
 namespace Korvex3Sync::virtual_head {
 
+/// Exposure and gain of one camera order.
+struct SensorSetting {
+    long exposure = 5000;  // microseconds
+    int gain = 0;
+};
+
 /// Exposure and gain of the head's camera orders, and which of them is selected. They belong to the
 /// head: every camera instance sees the same. Thread-safe; nothing blocks.
 class KORVEX_VIRTUAL_HEAD_API SensorSettings {
@@ -31,19 +37,16 @@ public:
     int SelectedOrder() const;
     /// Everything is as it was at first.
     void PowerOff();
+    /// Of the two sensors: order 0 is the left one, order 1 the right one.
+    std::array<SensorSetting, 2> Sensors() const;
 
 private:
-    struct Setting {
-        long exposure = 5000;  // microseconds
-        int gain = 0;
-    };
-
     bool GainInRange(int gain) const { return gain >= m_gainLow && gain <= m_gainHigh; }
 
     const int m_gainLow;
     const int m_gainHigh;
     mutable std::mutex m_mutex;
-    std::array<Setting, kOrders> m_settings{};
+    std::array<SensorSetting, kOrders> m_settings{};
     std::size_t m_selected = 0;
 };
 

@@ -11,7 +11,7 @@ VirtualHead::VirtualHead(HeadDescription description, std::shared_ptr<ImageSourc
       m_images(std::move(images)),
       m_faults(&m_journal),
       m_sensors(m_description),
-      m_clock(m_description.color, m_faults),
+      m_clock(m_description.color, m_faults, &m_sensors),
       m_board(m_description, m_journal, m_faults,
               [this](const BoardState& state, bool modeWritten) {
                   m_clock.Apply(state, modeWritten);

@@ -122,6 +122,11 @@ TEST_F(ReconnectedHead, AScanGoesOnThroughManyOfThem) {
         ASSERT_EQ(ReconnectDevice(m_handle), STATUS_SUCCESS);
         ASSERT_TRUE(ScanGoesOn()) << round;
     }
+    ScanStatistics statistics;
+    ASSERT_EQ(GetScanStatistics(m_handle, statistics), STATUS_SUCCESS);
+    EXPECT_LE(statistics.setsDelivered + statistics.missingKeys, Head().Clock().Triggers())
+        << "a reconnection makes no losses up";
+    EXPECT_EQ(statistics.repeatedKeys, 0u);
     const int reports = m_reports;
     while (m_reports == reports) {
         std::this_thread::yield();  // the polls go on too; the test's own limit ends this

@@ -50,14 +50,14 @@ TEST_F(Scan, DeliversTheVeryPixelsThatTheSensorsSaw) {
     SetScanCallBackFunction(m_handle, &SetCollector::Receive, &sets);
     ASSERT_EQ(Trigger(TRIGGER_LASER_LINES_COLOR, 2), STATUS_SUCCESS);
     ASSERT_TRUE(sets.WaitFor(20));
-    TriggerOff();
     const auto light = Head().Board().State();
+    TriggerOff();
     std::vector<std::uint8_t> packed(2 * 64 * 32);
     std::size_t trigger = 0;
     for (const ImageSet& set : sets.Sets()) {
         for (bool color : {false, true}) {
-            Head().Images().WritePacked({trigger, static_cast<std::uint8_t>(trigger), color, light},
-                                        packed.data());
+            Head().Images().WritePacked(
+                {trigger, static_cast<std::uint8_t>(trigger), color, light, {}}, packed.data());
             for (std::size_t pixel = 0; pixel < 64 * 32; ++pixel) {
                 const std::size_t place = 8 * (pixel / 4) + 3 - pixel % 4;
                 if (color) {

@@ -1,14 +1,10 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <chrono>
 #include <csignal>
 #include <thread>
 
-#include "korvexctl/Commands.h"
-#include "korvexctl/system/Descriptors.h"
-#include "platform/os/Clock.h"
-#include "support/RequestedHead.h"
+#include "korvexctl/ScanOverHead.h"
 
 namespace Korvex3Sync::tests {
 
@@ -21,66 +17,6 @@ using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 using ::testing::StartsWith;
-
-/// Runs the scan command in this process, over a virtual head whose journal and faults are at hand.
-class ScanOverHead : public ::testing::Test {
-protected:
-    ScanOverHead() {
-        m_options.sets = 5;
-        m_options.timeoutSeconds = 0.5;
-    }
-
-    static virtual_head::HeadDescription SmallHead() {
-        virtual_head::HeadDescription description;
-        description.width = 64;
-        description.height = 48;
-        return description;
-    }
-
-    Outcome Scan() {
-        korvexctl::StandardOutput standardOutput(false);
-        korvexctl::Output output(standardOutput, true);
-        try {
-            return korvexctl::RunScan({}, m_options, output);
-        } catch (const korvexctl::CommandError& error) {
-            Outcome outcome;
-            outcome.code = error.Code();
-            outcome.message = error.what();
-            return outcome;
-        }
-    }
-
-    /// No frame comes through, at a camera's own pace; more of these faults than a test can meet.
-    void LoseEveryFrame() {
-        EXPECT_TRUE(m_head->GetFaults().Slow("SnapShot", std::chrono::milliseconds(20), 1'000'000));
-        EXPECT_TRUE(m_head->GetFaults().Fail("SnapShot", 1'000'000));
-    }
-
-    void WaitForTriggers(std::uint64_t triggers) {
-        const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(60);
-        while (m_head->Clock().Triggers() < triggers && std::chrono::steady_clock::now() < end) {
-            os::SleepFor(std::chrono::milliseconds(5));
-        }
-        EXPECT_GE(m_head->Clock().Triggers(), triggers);
-    }
-
-    std::vector<std::string> Commands(const std::vector<std::string>& calls) {
-        return m_head->GetJournal().Texts(calls);
-    }
-
-    void ExpectHeadLeftDark() {
-        const auto triggers = Commands({"zr3DSetVideoTrigleMode"});
-        const auto lasers = Commands({"zr3DSetLaserEnable"});
-        ASSERT_FALSE(triggers.empty());
-        ASSERT_FALSE(lasers.empty());
-        EXPECT_EQ(triggers.back(), "zr3DSetVideoTrigleMode(5) = true");
-        EXPECT_THAT(lasers.back(), StartsWith("zr3DSetLaserEnable(0"));
-        EXPECT_THAT(Commands({"zr3DExitHidDev"}).back(), StartsWith("zr3DExitHidDev"));
-    }
-
-    test::RequestedHead m_head{SmallHead()};
-    korvexctl::ScanOptions m_options;
-};
 
 TEST_F(ScanOverHead, SetsLightThenTriggerAndSwitchesBothOff) {
     m_options.light.periodMs = 20;

@@ -9,6 +9,8 @@ namespace Korvex3Sync::tests {
 
 namespace {
 
+using korvexctl::ChooseSets;
+using korvexctl::ChosenSet;
 using korvexctl::KeptSet;
 using korvexctl::ScanRecorder;
 using std::chrono::milliseconds;
@@ -17,6 +19,7 @@ using ::testing::IsEmpty;
 
 constexpr int kWidth = 4;
 constexpr int kHeight = 2;
+constexpr int kEnoughBuffers = 100;
 constexpr milliseconds kLong{60'000};
 
 /// Delivers sets as the library does.
@@ -55,7 +58,7 @@ protected:
 };
 
 TEST_F(ScanRecorderTest, CountsSetsWithAndWithoutColor) {
-    ScanRecorder recorder(10, 0);
+    ScanRecorder recorder(10, ChooseSets(10, 0, 0), kEnoughBuffers);
     Prepare(recorder);
     m_library.Deliver(recorder, 1);
     m_library.Deliver(recorder, 2, 2);
@@ -68,14 +71,14 @@ TEST_F(ScanRecorderTest, CountsSetsWithAndWithoutColor) {
 }
 
 TEST_F(ScanRecorderTest, KeepsCopiesSpreadOverTheScan) {
-    ScanRecorder recorder(6, 3);
+    ScanRecorder recorder(6, ChooseSets(6, 3, 0), kEnoughBuffers);
     Prepare(recorder);
     for (std::uint8_t i = 0; i < 6; ++i) {
         m_library.Deliver(recorder, static_cast<std::uint8_t>(10 * i), i == 2 ? 2 : 3);
     }
     ASSERT_EQ(m_kept.size(), 3U);
     for (std::size_t i = 0; i < 3; ++i) {
-        EXPECT_EQ(m_kept[i]->number, static_cast<int>(2 * i));
+        EXPECT_EQ(m_kept[i]->chosen.number, static_cast<int>(2 * i));
         EXPECT_EQ(m_kept[i]->color, i != 1);
         EXPECT_EQ(m_kept[i]->images[0],
                   std::vector<std::uint8_t>(8, static_cast<std::uint8_t>(20 * i)));
@@ -86,17 +89,54 @@ TEST_F(ScanRecorderTest, KeepsCopiesSpreadOverTheScan) {
 }
 
 TEST_F(ScanRecorderTest, MoreToKeepThanSetsKeepsEachOnce) {
-    ScanRecorder recorder(3, 100);
+    ScanRecorder recorder(3, ChooseSets(3, 100, 0), kEnoughBuffers);
     Prepare(recorder);
     for (std::uint8_t i = 0; i < 3; ++i) {
         m_library.Deliver(recorder, i);
     }
     ASSERT_EQ(m_kept.size(), 3U);
-    EXPECT_EQ(m_kept[2]->number, 2);
+    EXPECT_EQ(m_kept[2]->chosen.number, 2);
+}
+
+TEST_F(ScanRecorderTest, ASetThatFindsNoBufferIsCountedAndDeliveredAllTheSame) {
+    ScanRecorder recorder(6, ChooseSets(6, 6, 0), 2);
+    Prepare(recorder);
+    for (std::uint8_t i = 0; i < 4; ++i) {
+        m_library.Deliver(recorder, i);
+    }
+    ASSERT_EQ(m_kept.size(), 2U);
+    recorder.GiveBack(*m_kept[0]);
+    m_library.Deliver(recorder, 50);
+    m_library.Deliver(recorder, 60);
+    ASSERT_EQ(m_kept.size(), 3U);
+    EXPECT_EQ(m_kept[2]->chosen.number, 4);
+    EXPECT_EQ(m_kept[2]->images[0], std::vector<std::uint8_t>(8, 50));
+    EXPECT_EQ(m_kept[1]->images[0], std::vector<std::uint8_t>(8, 1)) << "not given back";
+    const auto counts = recorder.Wait(milliseconds(0));
+    EXPECT_EQ(counts.delivered, 6);
+    EXPECT_EQ(counts.notKept, 3);
+}
+
+TEST_F(ScanRecorderTest, AKeptSetCarriesKeyAndPurpose) {
+    ScanRecorder recorder(4, ChooseSets(4, 1, 2), kEnoughBuffers);
+    Prepare(recorder);
+    for (std::uint8_t i = 0; i < 4; ++i) {
+        m_library.Deliver(recorder, static_cast<std::uint8_t>(100 + i));
+    }
+    ASSERT_EQ(m_kept.size(), 2U);
+    EXPECT_TRUE(m_kept[0]->chosen.pictures);
+    EXPECT_TRUE(m_kept[0]->chosen.sheet);
+    EXPECT_FALSE(m_kept[1]->chosen.pictures);
+    EXPECT_TRUE(m_kept[1]->chosen.sheet);
+    // Every pixel of the right image is one above the left one's here.
+    EXPECT_EQ(m_kept[0]->key, 101);
+    EXPECT_EQ(m_kept[1]->key, 103);
+    EXPECT_EQ(m_kept[0]->seconds, 0);
+    EXPECT_GE(m_kept[1]->seconds, 0);
 }
 
 TEST_F(ScanRecorderTest, SetsAfterTheLastOneAreLeftOut) {
-    ScanRecorder recorder(2, 2);
+    ScanRecorder recorder(2, ChooseSets(2, 2, 0), kEnoughBuffers);
     Prepare(recorder);
     for (std::uint8_t i = 0; i < 5; ++i) {
         m_library.Deliver(recorder, i);
@@ -106,7 +146,7 @@ TEST_F(ScanRecorderTest, SetsAfterTheLastOneAreLeftOut) {
 }
 
 TEST_F(ScanRecorderTest, OddSetsAreCountedAndNotDelivered) {
-    ScanRecorder recorder(5, 5);
+    ScanRecorder recorder(5, ChooseSets(5, 5, 0), kEnoughBuffers);
     Prepare(recorder);
     std::array<unsigned char, kWidth * kHeight> image{};
     m_library.Deliver(recorder, 1, 1);
@@ -121,7 +161,7 @@ TEST_F(ScanRecorderTest, OddSetsAreCountedAndNotDelivered) {
 }
 
 TEST_F(ScanRecorderTest, WaitEndsWithTheLastSet) {
-    ScanRecorder recorder(1, 0);
+    ScanRecorder recorder(1, ChooseSets(1, 0, 0), kEnoughBuffers);
     Prepare(recorder);
     std::thread camera([&] { m_library.Deliver(recorder, 1); });
     EXPECT_EQ(recorder.Wait(kLong).delivered, 1);
@@ -129,13 +169,38 @@ TEST_F(ScanRecorderTest, WaitEndsWithTheLastSet) {
 }
 
 TEST_F(ScanRecorderTest, StopEndsTheWaitAlsoBeforeTheScan) {
-    ScanRecorder recorder(1, 0);
+    ScanRecorder recorder(1, ChooseSets(1, 0, 0), kEnoughBuffers);
     std::thread person([&] { recorder.Stop(); });
     EXPECT_TRUE(recorder.Wait(kLong).stopped);
     person.join();
     Prepare(recorder);
     m_library.Deliver(recorder, 1);
     EXPECT_EQ(recorder.Wait(kLong).delivered, 0);
+}
+
+std::vector<int> NumbersOf(const std::vector<ChosenSet>& chosen) {
+    std::vector<int> numbers;
+    for (const ChosenSet& set : chosen) {
+        numbers.push_back(set.number);
+    }
+    return numbers;
+}
+
+TEST(SetChoice, SpreadsBothPurposesAndSharesSets) {
+    const auto chosen = ChooseSets(100, 4, 2);
+    EXPECT_THAT(NumbersOf(chosen), ElementsAre(0, 25, 50, 75));
+    EXPECT_TRUE(chosen[2].pictures && chosen[2].sheet);
+    EXPECT_TRUE(chosen[3].pictures && !chosen[3].sheet);
+    EXPECT_THAT(NumbersOf(ChooseSets(10, 0, 3)), ElementsAre(0, 3, 6));
+}
+
+TEST(SetChoice, HasNoMoreThanThereAreSets) {
+    EXPECT_THAT(NumbersOf(ChooseSets(2, 200, 8)), ElementsAre(0, 1));
+    EXPECT_THAT(ChooseSets(5, 0, 0), IsEmpty());
+}
+
+TEST(SetChoice, DoesNotOverflowOnALongScan) {
+    EXPECT_THAT(NumbersOf(ChooseSets(1'000'000, 10'000, 0)).back(), 999'900);
 }
 
 TEST(ScanRate, IsMeasuredFromTheFirstToTheLastSet) {

@@ -33,8 +33,8 @@ TEST_F(KorvexctlScan, WritesPicturesAndFiguresOfTheFullSize) {
     EXPECT_EQ(result.exitCode, 0) << result.error;
     EXPECT_THAT(result.output, HasSubstr("sets 20 of 20: "));
     EXPECT_THAT(result.output, HasSubstr("sets/s"));
-    EXPECT_THAT(FileNames(m_out), ElementsAre("scan.json", "set_000_color.png", "set_000_left.png",
-                                              "set_000_right.png"));
+    EXPECT_THAT(FileNames(m_out), ElementsAre("contact-sheet.png", "scan.json", "set_000_color.png",
+                                              "set_000_left.png", "set_000_right.png"));
     for (const char* name : {"set_000_left.png", "set_000_right.png", "set_000_color.png"}) {
         const DecodedPng picture = DecodePng(ReadText(m_out / name));
         EXPECT_EQ(picture.width, 1280);
@@ -78,7 +78,22 @@ TEST_F(KorvexctlScan, KeptSetsAreSpreadOverTheScan) {
     EXPECT_THAT(ParseJson(result.output)["files"],
                 ElementsAre("set_000_left.png", "set_000_right.png", "set_010_left.png",
                             "set_010_right.png", "set_020_left.png", "set_020_right.png",
-                            "set_030_left.png", "set_030_right.png"));
+                            "set_030_left.png", "set_030_right.png", "contact-sheet.png"));
+}
+
+TEST_F(KorvexctlScan, TheContactSheetHasARowForEachOfAtMostEightSets) {
+    const std::vector<std::pair<int, int>> setsAndRows{{3, 3}, {40, 8}};
+    for (const auto& [sets, rows] : setsAndRows) {
+        const ChildResult result = Scan({"--sets", std::to_string(sets), "--keep", "0", "--mode",
+                                         "laser", "--json", "--out", m_out.string()});
+        ASSERT_EQ(result.exitCode, 0) << result.error;
+        EXPECT_THAT(ParseJson(result.output)["files"], ElementsAre("contact-sheet.png"));
+        const DecodedPng sheet = DecodePng(ReadText(m_out / "contact-sheet.png"));
+        EXPECT_EQ(sheet.channels, 3);
+        // Two columns: this mode has no colour.
+        EXPECT_EQ(sheet.width, 4 + 2 * (kSmallWidth + 4));
+        EXPECT_EQ(sheet.height, 15 + rows * (15 + kSmallHeight) + 4);
+    }
 }
 
 TEST_F(KorvexctlScan, EveryModeDeliversItsSets) {

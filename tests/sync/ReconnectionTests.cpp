@@ -1,16 +1,8 @@
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
-#include <atomic>
-#include <memory>
-#include <optional>
-#include <sstream>
-#include <thread>
+#include <algorithm>
 
-#include "platform/os/TimeScale.h"
-#include "support/LogCapture.h"
-#include "support/PackedFrames.h"
-#include "sync/Head.h"
+#include "sync/ReconnectedManager.h"
 
 namespace Korvex3Sync {
 namespace {
@@ -20,7 +12,6 @@ using testing::Contains;
 using testing::Not;
 using Calls = std::vector<std::string>;
 
-constexpr std::size_t kPixels = 32;
 constexpr char kOpen[] = "zr3DInitHidDev(null, 3267, 5752, BOARD)";
 
 /// What a fresh connection writes back to a board of this name.
@@ -50,63 +41,7 @@ Calls operator+(Calls first, const Calls& second) {
     return first;
 }
 
-class Reconnection : public testing::Test {
-protected:
-    Reconnection() { Recorder::Get().Reset(); }
-    void Connect() {
-        ASSERT_EQ(ConnectRecorded(*m_manager), STATUS_SUCCESS);
-        m_connected = Recorder::Get().Calls().size();
-    }
-    void ConnectTwoCameras() {
-        Recorder::Get().Attach({{"AAA"}, {"BBB"}});
-        SerialList serials{"AAA", "BBB"};
-        ASSERT_EQ(m_manager->Connect("any", "BOARD", serials.Pointers(), {8, 8}, {4, 4}),
-                  STATUS_SUCCESS);
-        m_connected = Recorder::Get().Calls().size();
-    }
-    /// Reconnects; keeps what was printed and logged meanwhile, without what grab threads said.
-    int Reconnect() {
-        const std::size_t records = m_log.Records().size();
-        testing::internal::CaptureStdout();
-        const int result = m_manager->ReConnectDeviceEx();
-        std::istringstream printed(testing::internal::GetCapturedStdout());
-        m_printed.clear();
-        for (std::string line; std::getline(printed, line);) {
-            if (!line.ends_with(" Snap Failed")) {
-                m_printed.push_back(line);
-            }
-        }
-        m_logged.clear();
-        const auto all = m_log.Records();
-        for (std::size_t i = records; i < all.size(); ++i) {
-            if (all[i].starts_with("ManagerSync: ")) {
-                m_logged.push_back(all[i].substr(13));
-            }
-        }
-        return result;
-    }
-    /// The calls since the connect.
-    Calls Since() const {
-        const Calls calls = Recorder::Get().Calls();
-        return {calls.begin() + static_cast<std::ptrdiff_t>(m_connected), calls.end()};
-    }
-    static void IgnoreStatus(const void* const&, const unsigned char&, const unsigned char&) {}
-    /// Whether frames reach the handler: the grab thread snaps and takes one.
-    bool FramesFlow() {
-        ++m_frames;
-        Recorder::Get().PushSnap(
-            {0, false, support::MonoFrame(kPixels, 1, 2, static_cast<unsigned char>(m_frames))});
-        return Recorder::Get().WaitForHandled(m_frames);
-    }
-
-    os::ScopedTimeScale m_scale{0.01};
-    support::LogCapture m_log;
-    std::vector<std::string> m_printed;
-    std::vector<std::string> m_logged;
-    std::unique_ptr<IManagerSync> m_manager = std::make_unique<IManagerSync>();
-    std::size_t m_connected = 0;
-    std::uint64_t m_frames = 0;
-};
+class Reconnection : public ReconnectedManager {};
 
 TEST_F(Reconnection, ReopensBoardAndCamerasAndWritesEverythingBackInOrder) {
     Connect();
@@ -285,128 +220,6 @@ TEST_F(Reconnection, ACameraThatCannotBeCreatedIsLeftOutToo) {
     EXPECT_EQ(Recorder::Get().Count("OpenCamera"), 3u) << "two at connect, one now";
     EXPECT_EQ(Reconnect(), 0) << "and comes back with the next one";
     EXPECT_EQ(Recorder::Get().Count("OpenCamera"), 5u);
-}
-
-TEST_F(Reconnection, CamerasThatWereClosedStayClosedUntilAReconnection) {
-    Connect();
-    testing::internal::CaptureStdout();
-    EXPECT_EQ(m_manager->ReleaseCamera(), STATUS_SUCCESS);
-    EXPECT_THAT(testing::internal::GetCapturedStdout(),
-                testing::HasSubstr("ReInitializeCamera success\n"));
-    EXPECT_TRUE(m_log.Has("ManagerSync: ReleaseCamera success"));
-    EXPECT_EQ(Since(), Calls{"ReleaseCamera(C1)"});
-    const auto snaps = Recorder::Get().Count("SnapShot");
-    EXPECT_EQ(m_manager->ReleaseCamera(), STATUS_SUCCESS) << "again";
-    EXPECT_EQ(Since(), Calls{"ReleaseCamera(C1)"});
-    EXPECT_EQ(m_manager->Project(PROJECT_OFF), STATUS_SUCCESS) << "the board is there";
-    EXPECT_EQ(Recorder::Get().Count("SnapShot"), snaps);
-    std::thread([&] { EXPECT_EQ(Reconnect(), 0); }).join();  // not the thread that closed them
-    EXPECT_EQ(Recorder::Get().Count("ReleaseCamera"), 1u) << "nothing was left to release";
-    EXPECT_TRUE(FramesFlow());
-}
-
-TEST_F(Reconnection, ClosedCamerasDoNotKeepTheDestructor) {
-    Connect();
-    std::thread([&] { m_manager->ReleaseCamera(); }).join();
-    m_manager.reset();
-    EXPECT_EQ(Recorder::Get().Calls().back(), "zr3DExitHidDev(B1)");
-}
-
-TEST_F(Reconnection, ALostBoardStaysMarkedUntilAGoodPollButIsWrittenTo) {
-    Connect();
-    Recorder::Get().FailAlways("zr3DQueryCurrentStatus");
-    m_manager->SetStatusCallBackFunction(&IgnoreStatus, &m_frames);
-    // The second poll from here begins only when the first has been judged.
-    ASSERT_TRUE(Recorder::Get().WaitForCount("zr3DQueryCurrentStatus",
-                                             Recorder::Get().Count("zr3DQueryCurrentStatus") + 2));
-    ASSERT_EQ(m_manager->Project(PROJECT_PATTERN_1), STATUS_FAILED);
-    // The reconnection holds the device lock from the one call to the other: no poll sees it.
-    Recorder::Get().OnCall("zr3DInitHidDev",
-                           [] { Recorder::Get().FailAlways("zr3DQueryCurrentStatus", false); });
-    Recorder::Get().OnCall("zr3DOpenOrCloseStrobeFlicker",
-                           [] { Recorder::Get().FailAlways("zr3DQueryCurrentStatus"); });
-    EXPECT_EQ(Reconnect(), 0);
-    EXPECT_THAT(Since(), Contains("zr3DProject(B2, 1)"));
-    EXPECT_EQ(m_manager->Project(PROJECT_PATTERN_2), STATUS_FAILED);
-    Recorder::Get().FailAlways("zr3DQueryCurrentStatus", false);
-    const auto polls = Recorder::Get().Count("zr3DQueryCurrentStatus");
-    ASSERT_TRUE(Recorder::Get().WaitForCount("zr3DQueryCurrentStatus", polls + 3));
-    EXPECT_EQ(m_manager->Project(PROJECT_PATTERN_2), STATUS_SUCCESS);
-}
-
-TEST_F(Reconnection, TheStatusThreadLeavesTheBoardAloneWhileItRestarts) {
-    Connect();
-    m_manager->SetStatusCallBackFunction(&IgnoreStatus, &m_frames);
-    const auto polls = [] {
-        const Calls others = Recorder::Get().CallsOfOthers();
-        return std::count_if(others.begin(), others.end(), [](const std::string& call) {
-            return call.starts_with("zr3DQueryCurrentStatus");
-        });
-    };
-    long before = -1;
-    long after = -1;
-    Recorder::Get().OnCall("zr3DResetDevice", [&] { before = polls(); });
-    Recorder::Get().OnCall("zr3DInitHidDev", [&] { after = polls(); });
-    Recorder::Get().FailAlways("zr3DQueryCurrentStatus");
-    EXPECT_EQ(Reconnect(), 3);
-    ASSERT_GE(before, 0);
-    // 35 polls would fit; one may have been past the flag when it was set.
-    EXPECT_LE(after, before + 1);
-    ASSERT_TRUE(Recorder::Get().WaitForCount("zr3DQueryCurrentStatus",
-                                             Recorder::Get().Count("zr3DQueryCurrentStatus") + 3))
-        << "it goes on afterwards";
-}
-
-TEST_F(Reconnection, TwoResetsAtOnceOpenTheBoardOnce) {
-    for (int round = 0; round < 20; ++round) {
-        Recorder::Get().Reset();
-        IManagerSync manager;
-        std::thread other([&] { manager.ResetBoard(false, false); });
-        manager.ResetBoard(false, false);
-        other.join();
-        ASSERT_EQ(Recorder::Get().Count("zr3DInitHidDev"), 1u);
-    }
-}
-
-TEST_F(Reconnection, RunsBesideEverythingElseAndEnds) {
-    Connect();
-    m_manager->SetStatusCallBackFunction(&IgnoreStatus, &m_frames);
-    m_manager->SetScanCallBackFunction([](const void* const&, std::vector<unsigned char*>&,
-                                          const int&, const int&, std::vector<int>&) {},
-                                       nullptr);
-    std::atomic<bool> end{false};
-    std::thread frames([&] {
-        for (unsigned char key = 0; !end; ++key) {
-            const auto taken = Recorder::Get().Count("SnapShot");
-            Recorder::Get().PushSnap({0, false, support::MonoFrame(kPixels, 1, 2, key)});
-            Recorder::Get().WaitForCount("SnapShot", taken + 1);
-        }
-    });
-    std::thread operations([&] {
-        while (!end) {
-            int number = 0;
-            double exposure = 0.0;
-            m_manager->SetVideoTriggerPeriod(5);
-            m_manager->GetCameraExposureAndGain(0, exposure, number);
-            m_manager->GetCameraResolution(0, number, number);
-            m_manager->ResetBoard(true, false);
-        }
-    });
-    std::thread second([&] {
-        while (!end) {
-            m_manager->ReConnectDeviceEx();
-            m_manager->ReleaseCamera();
-        }
-    });
-    for (int i = 0; i < 10; ++i) {
-        EXPECT_EQ(m_manager->ReConnectDeviceEx(), 0);
-    }
-    end = true;
-    frames.join();
-    operations.join();
-    second.join();
-    EXPECT_EQ(m_manager->ReConnectDeviceEx(), 0);
-    EXPECT_EQ(m_manager->SetVideoTriggerPeriod(6), STATUS_SUCCESS);
 }
 
 }  // namespace

@@ -19,8 +19,15 @@ protected:
         Recorder::Get().Reset();
         m_board = Recorder::Get().NewHandle("B");
     }
+    void Restore(const RememberedSettings& settings) {
+        RestoreBoard(m_board, settings, [this](void* board, auto mode) {
+            m_triggerModes.push_back(mode);
+            return zr3DHandiDLPdev::zr3DSetVideoTrigleMode(board, mode);
+        });
+    }
 
     void* m_board = nullptr;
+    std::vector<int> m_triggerModes;
 };
 
 TEST_F(RestoreSettings, WritesEverythingInItsOrder) {
@@ -44,7 +51,7 @@ TEST_F(RestoreSettings, WritesEverythingInItsOrder) {
     settings.projectorWorkTime = 503;
     settings.laserLineWorkTime = 504;
     settings.irLaserWorkTime = 505;
-    RestoreBoard(m_board, settings);
+    Restore(settings);
     EXPECT_EQ(
         Recorder::Get().Calls(),
         (Calls{"zr3DOpenOrCloseStrobeFlicker(B1, 1, 3)", "zr3DSetDistanceIndicateState(B1, 3)",
@@ -59,13 +66,13 @@ TEST_F(RestoreSettings, WritesEverythingInItsOrder) {
 }
 
 TEST_F(RestoreSettings, WhatTheBoardRefusesDoesNotStopTheRest) {
-    RestoreBoard(m_board, {});
+    Restore({});
     const Calls all = Recorder::Get().Calls();
     ASSERT_EQ(all.size(), 18u);
     for (const std::string& call : all) {
         Recorder::Get().FailAlways(call.substr(0, call.find('(')));
     }
-    RestoreBoard(m_board, {});
+    Restore({});
     EXPECT_EQ(Recorder::Get().Calls().size(), 36u);
 }
 

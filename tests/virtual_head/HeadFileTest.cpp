@@ -145,6 +145,7 @@ TEST_F(HeadFileTest, ExampleOfTheDocumentationIsTakenAndShowsTheDefaults) {
     EXPECT_EQ(shown.boardSerial, defaults.boardSerial);
     EXPECT_EQ(shown.firmware, defaults.firmware);
     EXPECT_EQ(shown.usbSpeed, defaults.usbSpeed);
+    EXPECT_EQ(shown.scene, defaults.scene);
     EXPECT_EQ(shown.userMemory[15 * 256], 0xFF);
     EXPECT_EQ(shown.replayFolder, m_folder.Path() / "pairs");
 }

@@ -56,7 +56,7 @@ protected:
         return std::get<std::string>(made);
     }
 
-    static tests::Unpacked Frame(const ImageSource& source, std::uint64_t trigger, bool color) {
+    static tests::Unpacked Frame(ImageSource& source, std::uint64_t trigger, bool color) {
         Exposure exposure;
         exposure.trigger = trigger;
         exposure.key = static_cast<std::uint8_t>(trigger & 0xFFU);

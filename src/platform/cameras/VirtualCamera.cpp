@@ -123,6 +123,9 @@ int VirtualCamera::Close() {
 
 int VirtualCamera::Start(double value) {
     return Call("StartCamera", Arguments(value), kFailed, [this](Head& head) {
+        if (!OpenStream() || !head.Images().Prepare()) {
+            return kFailed;
+        }
         std::lock_guard lock(m_mutex);
         if (!m_stream) {
             return kFailed;

@@ -1,0 +1,19 @@
+#include "korvexctl/HeadChoice.h"
+
+#include <CLI/CLI.hpp>
+
+namespace Korvex3Sync::korvexctl {
+
+void AddHeadOptions(CLI::App& command, HeadChoice& head, bool withBoard) {
+    command
+        .add_option("--type", head.cameraType,
+                    "Camera type; its first two characters name the maker")
+        ->type_name("TYPE")
+        ->capture_default_str();
+    if (withBoard) {
+        command.add_option("--board", head.board, "Serial of the board (without it: any board)")
+            ->type_name("SERIAL");
+    }
+}
+
+}  // namespace Korvex3Sync::korvexctl

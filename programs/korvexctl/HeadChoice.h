@@ -1,0 +1,21 @@
+#pragma once
+
+#include <string>
+
+namespace CLI {
+class App;
+}
+
+namespace Korvex3Sync::korvexctl {
+
+/// Which head a command is about.
+struct HeadChoice {
+    std::string cameraType = "KV00";
+    std::string board;  // serial; empty: any
+};
+
+/// Adds --type and, `withBoard`, --board to a command. `head` must live until the command line is
+/// read.
+void AddHeadOptions(CLI::App& command, HeadChoice& head, bool withBoard);
+
+}  // namespace Korvex3Sync::korvexctl

@@ -1,0 +1,45 @@
+#pragma once
+
+#include <array>
+
+namespace Korvex3Sync::virtual_head {
+
+/// The scene that the virtual head sees, and where its sensors and lights stand. Lengths are in
+/// millimetres, angles in degrees; coordinates are explained in docs/virtual-head.md (x to the
+/// right, y down, z away from the head). The limits stand in SceneRules.cpp.
+struct SceneDescription {
+    /// In pixels of an image of 1280 x 1024; other sizes see the same field.
+    double focalLength = 1500;
+    /// Between the two sensors.
+    double baseline = 150;
+    /// Each sensor is turned by this towards the other.
+    double toeIn = 13;
+
+    /// From the middle of the baseline to the middle of the object's plate.
+    double distance = 320;
+    /// The sphere and the box stand on the plate, in the object's coordinates.
+    std::array<double, 3> sphereCenter{-34, -14, -18};
+    double sphereRadius = 40;
+    std::array<double, 3> boxCenter{50, 30, -16};
+    std::array<double, 3> boxSize{64, 44, 32};
+    double boxTurn = 20;  // about z
+
+    /// Where laser lines, patterns and infrared light come from, in the head's coordinates.
+    std::array<double, 3> projector{0, -70, 0};
+    /// Lines of each of the two laser line sets, and the space between them at the plate.
+    int laserLines = 9;
+    double laserSpacing = 22;
+    /// Full width at half of the peak, at the plate.
+    double laserWidth = 0.8;
+    /// The sets are turned by this from the vertical, one to each side.
+    double laserAngle = 20;
+
+    /// The object moves around a closed path; each trigger is one step.
+    int poses = 4;
+    double motion = 6;
+    double swing = 4;
+
+    bool operator==(const SceneDescription&) const = default;
+};
+
+}  // namespace Korvex3Sync::virtual_head

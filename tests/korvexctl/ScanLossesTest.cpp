@@ -1,0 +1,115 @@
+#include "korvexctl/ScanLosses.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <nlohmann/json.hpp>
+
+#include "korvexctl/Output.h"
+#include "korvexctl/ScanOverHead.h"
+#include "korvexctl/system/Descriptors.h"
+
+namespace Korvex3Sync::tests {
+
+namespace {
+
+using korvexctl::ScanLosses;
+using ::testing::HasSubstr;
+using ::testing::IsEmpty;
+using ::testing::Not;
+
+std::string Printed(const ScanLosses& losses) {
+    ::testing::internal::CaptureStdout();
+    {
+        korvexctl::StandardOutput standardOutput(false);
+        korvexctl::Output output(standardOutput, false);
+        Print(losses, output);
+    }
+    return ::testing::internal::GetCapturedStdout();
+}
+
+TEST(ScanLosses, NothingLostIsSaid) {
+    ScanLosses losses;
+    losses.library = ScanStatistics{};
+    losses.library->framesAccepted = 4;
+    losses.library->setsDelivered = 2;
+    losses.library->failedSnaps = 3;  // a camera that waits
+    losses.library->callbackP50Us = 120;
+    losses.library->callbackP99Us = 1'500;
+    losses.library->callbackLongestUs = 20'000;
+    EXPECT_EQ(Printed(losses),
+              "nothing lost\ncallback 120 us (half), 1.50 ms (99 %), 20.00 ms (longest)\n");
+}
+
+TEST(ScanLosses, EachPlaceWithALossHasALineAndTheOthersNone) {
+    ScanLosses losses;
+    losses.library = ScanStatistics{};
+    losses.library->missingKeys = 12;
+    losses.library->refusedFrames = 1;
+    losses.notKept = 7;
+    EXPECT_EQ(Printed(losses),
+              "lost on the way:\n"
+              "       1  torn or incomplete frames, refused by the camera library\n"
+              "      12  triggers of which no set came\n"
+              "       7  sets not kept, writing was too slow\n");
+}
+
+TEST(ScanLosses, EveryLossOfTheLibraryIsNamed) {
+    for (const auto place : {&ScanStatistics::refusedFrames, &ScanStatistics::rejectedGeometry,
+                             &ScanStatistics::undecodableFrames, &ScanStatistics::unroutedFrames,
+                             &ScanStatistics::colorWithoutMono, &ScanStatistics::monoWithoutColor,
+                             &ScanStatistics::repeatedKeys, &ScanStatistics::setsDropped,
+                             &ScanStatistics::missingKeys, &ScanStatistics::setsWithoutCallback}) {
+        ScanLosses losses;
+        losses.library = ScanStatistics{};
+        *losses.library.*place = 123;
+        EXPECT_THAT(Printed(losses), HasSubstr("     123  "));
+        nlohmann::json figures;
+        AddToJson(losses, figures);
+        int told = 0;
+        for (const auto& count : figures["losses"]) {
+            told += count == 123 ? 1 : 0;
+        }
+        EXPECT_EQ(told, 1);
+    }
+}
+
+TEST(ScanLosses, SilentCamerasAreNotTakenForALosslessScan) {
+    ScanLosses losses;
+    losses.library = ScanStatistics{};
+    EXPECT_EQ(Printed(losses), "no frame came from a camera\n");
+}
+
+TEST(ScanLosses, WhatTheLibraryDoesNotTellIsNull) {
+    nlohmann::json figures;
+    AddToJson(ScanLosses{}, figures);
+    EXPECT_TRUE(figures["callback_us"].is_null());
+    EXPECT_TRUE(figures["losses"]["missing_keys"].is_null());
+    EXPECT_EQ(figures["losses"]["not_kept_disk"], 0);
+    EXPECT_EQ(Printed({}), "the library does not tell what was lost\n");
+}
+
+TEST_F(ScanOverHead, TheFiguresTellLossesAndCallbackTimes) {
+    m_options.light.periodMs = 30;
+    const auto outcome = Scan();
+    ASSERT_EQ(outcome.code, korvexctl::ExitCode::Done) << outcome.message;
+    const nlohmann::json& figures = outcome.figures;
+    EXPECT_EQ(figures["losses"]["missing_keys"], 0);
+    EXPECT_EQ(figures["losses"]["color_without_mono"], 0);
+    EXPECT_EQ(figures["losses"]["not_kept_disk"], 0);
+    const nlohmann::json& times = figures["callback_us"];
+    EXPECT_LE(times["p50"].get<double>(), times["p99"].get<double>());
+    EXPECT_GE(times["longest"].get<double>(), 0);
+}
+
+TEST_F(ScanOverHead, AFrameThatTheCameraLibraryFailsToGiveIsCounted) {
+    ASSERT_TRUE(m_head->GetFaults().Fail("SnapShot", 4));
+    m_options.light.periodMs = 30;
+    const auto outcome = Scan();
+    ASSERT_EQ(outcome.code, korvexctl::ExitCode::Done) << outcome.message;
+    EXPECT_GE(outcome.figures["losses"]["failed_snaps"].get<int>(), 4);
+}
+
+}  // namespace
+
+}  // namespace Korvex3Sync::tests

@@ -1,0 +1,92 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cerrno>
+#include <mutex>
+#include <string>
+#include <vector>
+
+#include "korvexctl/FileError.h"
+#include "korvexctl/Korvexctl.h"
+#include "korvexctl/ScanOverHead.h"
+#include "virtual_head/TestFiles.h"
+
+namespace Korvex3Sync::tests {
+
+namespace {
+
+using korvexctl::ExitCode;
+using korvexctl::Outcome;
+using ::testing::AllOf;
+using ::testing::HasSubstr;
+
+/// A scan whose files meet a disk that does not keep up, or that is full.
+class SlowDisk : public ScanOverHead {
+protected:
+    SlowDisk() {
+        m_options.folder = m_folder.Path();
+        m_options.timeoutSeconds = 30;
+    }
+
+    TemporaryFolder m_folder;
+};
+
+TEST_F(SlowDisk, TheScanGoesOnAndWhatIsNotKeptIsCounted) {
+    constexpr int kSets = 60;
+    m_options.sets = kSets;
+    m_options.keep = kSets;
+    m_options.buffers = 3;
+    m_options.light.mode = TRIGGER_LASER_LINES;
+    // The first file takes as long as the whole scan does. The last set is sent on its way by the
+    // trigger after it.
+    bool first = true;
+    const Outcome outcome = Scan([&](const auto& file, const auto& bytes) {
+        if (first) {
+            first = false;
+            WaitForTriggers(kSets + 1);
+        }
+        korvexctl::StoreWhole(file, bytes);
+    });
+    EXPECT_EQ(outcome.code, ExitCode::Done) << outcome.message;
+    const nlohmann::json& figures = outcome.figures;
+    EXPECT_EQ(figures["sets"]["delivered"], kSets);
+    const auto notKept = figures["losses"]["not_kept_disk"].get<int>();
+    EXPECT_GT(notKept, 0);
+    // All others were written: two pictures each, and the contact sheet.
+    EXPECT_EQ(figures["files"].size(), static_cast<std::size_t>(2 * (kSets - notKept) + 1));
+    EXPECT_LT(figures["callback_us"]["longest"].get<double>(),
+              figures["seconds"].get<double>() * 1e6)
+        << "a callback waited for the disk";
+    EXPECT_EQ(ParseJson(ReadText(m_folder.Path() / "scan.json")), figures);
+}
+
+TEST_F(SlowDisk, AFullDiskIsToldAndTheFiguresAreStillPrinted) {
+    m_options.sets = 1'000'000;
+    m_options.keep = 1;
+    ::testing::internal::CaptureStdout();
+    const Outcome outcome = Scan(
+        [](const std::filesystem::path& file, const auto&) {
+            throw korvexctl::FileError("cannot write " + file.string(), ENOSPC);
+        },
+        false);
+    const std::string output = ::testing::internal::GetCapturedStdout();
+    EXPECT_EQ(outcome.code, ExitCode::DiskFull);
+    EXPECT_THAT(outcome.message, AllOf(HasSubstr("disk full: cannot write "), HasSubstr(".png")));
+    EXPECT_THAT(output, AllOf(HasSubstr(" of 1000000: "), HasSubstr("wrote 0 pictures to ")));
+    EXPECT_TRUE(outcome.figures.contains("losses"));
+    ExpectHeadLeftDark();
+}
+
+TEST_F(SlowDisk, AContactSheetThatCannotBeWrittenIsToldAfterAWholeScan) {
+    m_options.keep = 0;
+    const Outcome outcome = Scan([](const std::filesystem::path& file, const auto&) {
+        throw korvexctl::FileError("cannot write " + file.string(), EROFS);
+    });
+    EXPECT_EQ(outcome.code, ExitCode::NotWritable);
+    EXPECT_THAT(outcome.message, HasSubstr("contact-sheet.png"));
+    EXPECT_EQ(outcome.figures["sets"]["delivered"], m_options.sets);
+}
+
+}  // namespace
+
+}  // namespace Korvex3Sync::tests

@@ -1,0 +1,93 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "korvexctl/HeadFileText.h"
+#include "korvexctl/Korvexctl.h"
+#include "virtual_head/TestFiles.h"
+
+namespace Korvex3Sync::tests {
+
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::HasSubstr;
+using ::testing::IsEmpty;
+
+constexpr int kUsage = 2;
+constexpr int kNotWritable = 6;
+constexpr int kDiskFull = 7;
+
+class KorvexctlVirtualNew : public ::testing::Test {
+protected:
+    ChildResult New(std::vector<std::string> arguments, ChildOptions options = {}) const {
+        arguments.insert(arguments.begin(), {"virtual", "new"});
+        return RunKorvexctl(arguments, std::move(options));
+    }
+
+    TemporaryFolder m_folder;
+    std::filesystem::path m_file = m_folder.Path() / "bench.toml";
+};
+
+TEST_F(KorvexctlVirtualNew, WritesAFileThatAHeadCanBeMadeOf) {
+    const ChildResult result = New({m_file.string()});
+    EXPECT_EQ(result.exitCode, 0) << result.error;
+    EXPECT_THAT(result.output, HasSubstr("--virtual=" + m_file.string()));
+    EXPECT_EQ(ReadText(m_file), korvexctl::HeadFileText());
+    EXPECT_THAT(FileNames(m_folder.Path()), ElementsAre("bench.toml"));
+    const ChildResult list = RunKorvexctl({"--virtual=" + m_file.string(), "list"});
+    EXPECT_EQ(list.exitCode, 0) << list.error;
+    EXPECT_THAT(list.output, HasSubstr("camera KV00A1001  1280 x 1024  colour"));
+}
+
+TEST_F(KorvexctlVirtualNew, LeavesAFileAloneUnlessForced) {
+    WriteText(m_file, "mine");
+    const ChildResult refused = New({m_file.string(), "--json"});
+    EXPECT_EQ(refused.exitCode, kNotWritable);
+    EXPECT_THAT(refused.error, HasSubstr("is there already; --force replaces it"));
+    EXPECT_EQ(ParseJson(refused.output)["error"]["exit_code"], kNotWritable);
+    EXPECT_EQ(ReadText(m_file), "mine");
+
+    const ChildResult forced = New({m_file.string(), "--force", "--json"});
+    EXPECT_EQ(forced.exitCode, 0) << forced.error;
+    EXPECT_EQ(ParseJson(forced.output)["file"], m_file.string());
+    EXPECT_EQ(ReadText(m_file), korvexctl::HeadFileText());
+}
+
+TEST_F(KorvexctlVirtualNew, DoesNotFollowALinkThatLeadsNowhere) {
+    std::filesystem::create_symlink(m_folder.Path() / "elsewhere", m_file);
+    EXPECT_EQ(New({m_file.string()}).exitCode, kNotWritable);
+    EXPECT_THAT(FileNames(m_folder.Path()), ElementsAre("bench.toml"));
+}
+
+TEST_F(KorvexctlVirtualNew, AHyphenIsStandardOutput) {
+    const ChildResult text = New({"-"});
+    EXPECT_EQ(text.exitCode, 0) << text.error;
+    EXPECT_EQ(text.output, korvexctl::HeadFileText());
+    const ChildResult document = New({"-", "--json"});
+    EXPECT_EQ(ParseJson(document.output)["text"], korvexctl::HeadFileText());
+}
+
+TEST_F(KorvexctlVirtualNew, AFullDiskLeavesNothingBehind) {
+    ChildOptions options;
+    options.fileSizeLimit = 100;
+    const ChildResult result = New({m_file.string()}, options);
+    EXPECT_EQ(result.exitCode, kDiskFull);
+    EXPECT_THAT(result.error, HasSubstr("disk full: cannot write " + m_file.string()));
+    EXPECT_THAT(FileNames(m_folder.Path()), IsEmpty());
+}
+
+TEST_F(KorvexctlVirtualNew, AFolderThatIsNotThereIsTold) {
+    const ChildResult result = New({(m_folder.Path() / "none" / "bench.toml").string()});
+    EXPECT_EQ(result.exitCode, kNotWritable);
+    EXPECT_THAT(result.error, HasSubstr("cannot write "));
+}
+
+TEST_F(KorvexctlVirtualNew, NeedsToBeToldWhatAndWhere) {
+    EXPECT_EQ(RunKorvexctl({"virtual"}).exitCode, kUsage);
+    EXPECT_EQ(RunKorvexctl({"virtual", "new"}).exitCode, kUsage);
+    EXPECT_EQ(New({"-", "more"}).exitCode, kUsage);
+}
+
+}  // namespace
+
+}  // namespace Korvex3Sync::tests

@@ -1,0 +1,141 @@
+#include <gmock/gmock.h>
+
+#include <algorithm>
+#include <atomic>
+#include <thread>
+
+#include "sync/ReconnectedManager.h"
+
+namespace Korvex3Sync {
+namespace {
+
+using recorder::Recorder;
+using testing::Contains;
+
+/// A reconnection and what happens around it: closed cameras, the status thread, other threads.
+class AroundReconnection : public ReconnectedManager {};
+
+TEST_F(AroundReconnection, CamerasThatWereClosedStayClosedUntilAReconnection) {
+    Connect();
+    testing::internal::CaptureStdout();
+    EXPECT_EQ(m_manager->ReleaseCamera(), STATUS_SUCCESS);
+    EXPECT_THAT(testing::internal::GetCapturedStdout(),
+                testing::HasSubstr("ReInitializeCamera success\n"));
+    EXPECT_TRUE(m_log.Has("ManagerSync: ReleaseCamera success"));
+    EXPECT_EQ(Since(), Calls{"ReleaseCamera(C1)"});
+    const auto snaps = Recorder::Get().Count("SnapShot");
+    EXPECT_EQ(m_manager->ReleaseCamera(), STATUS_SUCCESS) << "again";
+    EXPECT_EQ(Since(), Calls{"ReleaseCamera(C1)"});
+    EXPECT_EQ(m_manager->Project(PROJECT_OFF), STATUS_SUCCESS) << "the board is there";
+    EXPECT_EQ(Recorder::Get().Count("SnapShot"), snaps);
+    std::thread([&] { EXPECT_EQ(Reconnect(), 0); }).join();  // not the thread that closed them
+    EXPECT_EQ(Recorder::Get().Count("ReleaseCamera"), 1u) << "nothing was left to release";
+    EXPECT_TRUE(FramesFlow());
+}
+
+TEST_F(AroundReconnection, ClosedCamerasDoNotKeepTheDestructor) {
+    Connect();
+    std::thread([&] { m_manager->ReleaseCamera(); }).join();
+    m_manager.reset();
+    EXPECT_EQ(Recorder::Get().Calls().back(), "zr3DExitHidDev(B1)");
+}
+
+TEST_F(AroundReconnection, ALostBoardStaysMarkedUntilAGoodPollButIsWrittenTo) {
+    Connect();
+    Recorder::Get().FailAlways("zr3DQueryCurrentStatus");
+    m_manager->SetStatusCallBackFunction(&IgnoreStatus, &m_frames);
+    // The second poll from here begins only when the first has been judged.
+    ASSERT_TRUE(Recorder::Get().WaitForCount("zr3DQueryCurrentStatus",
+                                             Recorder::Get().Count("zr3DQueryCurrentStatus") + 2));
+    ASSERT_EQ(m_manager->Project(PROJECT_PATTERN_1), STATUS_FAILED);
+    // The reconnection holds the device lock from the one call to the other: no poll sees it.
+    Recorder::Get().OnCall("zr3DInitHidDev",
+                           [] { Recorder::Get().FailAlways("zr3DQueryCurrentStatus", false); });
+    Recorder::Get().OnCall("zr3DOpenOrCloseStrobeFlicker",
+                           [] { Recorder::Get().FailAlways("zr3DQueryCurrentStatus"); });
+    EXPECT_EQ(Reconnect(), 0);
+    EXPECT_THAT(Since(), Contains("zr3DProject(B2, 1)"));
+    EXPECT_EQ(m_manager->Project(PROJECT_PATTERN_2), STATUS_FAILED);
+    Recorder::Get().FailAlways("zr3DQueryCurrentStatus", false);
+    const auto polls = Recorder::Get().Count("zr3DQueryCurrentStatus");
+    ASSERT_TRUE(Recorder::Get().WaitForCount("zr3DQueryCurrentStatus", polls + 3));
+    EXPECT_EQ(m_manager->Project(PROJECT_PATTERN_2), STATUS_SUCCESS);
+}
+
+TEST_F(AroundReconnection, TheStatusThreadLeavesTheBoardAloneWhileItRestarts) {
+    Connect();
+    m_manager->SetStatusCallBackFunction(&IgnoreStatus, &m_frames);
+    const auto polls = [] {
+        const Calls others = Recorder::Get().CallsOfOthers();
+        return std::count_if(others.begin(), others.end(), [](const std::string& call) {
+            return call.starts_with("zr3DQueryCurrentStatus");
+        });
+    };
+    long before = -1;
+    long after = -1;
+    Recorder::Get().OnCall("zr3DResetDevice", [&] { before = polls(); });
+    Recorder::Get().OnCall("zr3DInitHidDev", [&] { after = polls(); });
+    Recorder::Get().FailAlways("zr3DQueryCurrentStatus");
+    EXPECT_EQ(Reconnect(), 3);
+    ASSERT_GE(before, 0);
+    // 35 polls would fit; one may have been past the flag when it was set.
+    EXPECT_LE(after, before + 1);
+    ASSERT_TRUE(Recorder::Get().WaitForCount("zr3DQueryCurrentStatus",
+                                             Recorder::Get().Count("zr3DQueryCurrentStatus") + 3))
+        << "it goes on afterwards";
+}
+
+TEST_F(AroundReconnection, TwoResetsAtOnceOpenTheBoardOnce) {
+    for (int round = 0; round < 20; ++round) {
+        Recorder::Get().Reset();
+        IManagerSync manager;
+        std::thread other([&] { manager.ResetBoard(false, false); });
+        manager.ResetBoard(false, false);
+        other.join();
+        ASSERT_EQ(Recorder::Get().Count("zr3DInitHidDev"), 1u);
+    }
+}
+
+TEST_F(AroundReconnection, RunsBesideEverythingElseAndEnds) {
+    Connect();
+    m_manager->SetStatusCallBackFunction(&IgnoreStatus, &m_frames);
+    m_manager->SetScanCallBackFunction([](const void* const&, std::vector<unsigned char*>&,
+                                          const int&, const int&, std::vector<int>&) {},
+                                       nullptr);
+    std::atomic<bool> end{false};
+    std::thread frames([&] {
+        for (unsigned char key = 0; !end; ++key) {
+            const auto taken = Recorder::Get().Count("SnapShot");
+            Recorder::Get().PushSnap({0, false, support::MonoFrame(32, 1, 2, key)});
+            Recorder::Get().WaitForCount("SnapShot", taken + 1);
+        }
+    });
+    std::thread operations([&] {
+        while (!end) {
+            int number = 0;
+            double exposure = 0.0;
+            m_manager->SetVideoTriggerPeriod(5);
+            m_manager->GetCameraExposureAndGain(0, exposure, number);
+            m_manager->GetCameraResolution(0, number, number);
+            m_manager->ResetBoard(true, false);
+        }
+    });
+    std::thread second([&] {
+        while (!end) {
+            m_manager->ReConnectDeviceEx();
+            m_manager->ReleaseCamera();
+        }
+    });
+    for (int i = 0; i < 10; ++i) {
+        EXPECT_EQ(m_manager->ReConnectDeviceEx(), 0);
+    }
+    end = true;
+    frames.join();
+    operations.join();
+    second.join();
+    EXPECT_EQ(m_manager->ReConnectDeviceEx(), 0);
+    EXPECT_EQ(m_manager->SetVideoTriggerPeriod(6), STATUS_SUCCESS);
+}
+
+}  // namespace
+}  // namespace Korvex3Sync
