@@ -31,7 +31,7 @@ void ExposureOutput::Start() {
     m_trigger = 0;
 }
 
-void ExposureOutput::GiveTrigger(bool mono, bool color, const BoardState& light) {
+void ExposureOutput::GiveTrigger(bool mono, bool color, const Exposure& moment) {
     TriggerFate fate;
     if (Attended()) {
         fate = m_faults.Meet({m_counts.triggers, m_trigger}, mono, color);
@@ -42,10 +42,10 @@ void ExposureOutput::GiveTrigger(bool mono, bool color, const BoardState& light)
     m_counts.delayed += fate.delay > 0 ? 1 : 0;
     const std::uint64_t release = m_given + static_cast<std::uint64_t>(fate.delay);
     if (mono) {
-        Make(false, fate.mono, release, light);
+        Make(false, fate.mono, release, moment);
     }
     if (color) {
-        Make(true, fate.color, release, light);
+        Make(true, fate.color, release, moment);
     }
     HandDue(m_given);
     ++m_given;
@@ -74,17 +74,17 @@ std::uint64_t ExposureOutput::Lost() const {
 }
 
 void ExposureOutput::Make(bool color, const ExposureFate& fate, std::uint64_t release,
-                          const BoardState& light) {
+                          const Exposure& moment) {
     FrameCounts& counts = Of(color);
     ++counts.made;
     if (fate.lost) {
         ++counts.lost;
         return;
     }
-    Exposure exposure{m_trigger, static_cast<std::uint8_t>(m_trigger & 0xFFU), color, light};
-    if (m_sensors != nullptr) {
-        exposure.sensors = m_sensors->Sensors();
-    }
+    Exposure exposure = moment;
+    exposure.trigger = m_trigger;
+    exposure.key = static_cast<std::uint8_t>(m_trigger & 0xFFU);
+    exposure.color = color;
     exposure.torn = fate.torn;
     exposure.misSized = fate.misSized;
     m_held.push_back({exposure, release, fate.repeated});

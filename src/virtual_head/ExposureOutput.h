@@ -8,7 +8,6 @@
 #include "virtual_head/ExposureQueue.h"
 #include "virtual_head/FrameFaults.h"
 #include "virtual_head/HeadCounts.h"
-#include "virtual_head/SensorSettings.h"
 
 namespace Korvex3Sync::virtual_head {
 
@@ -18,9 +17,7 @@ namespace Korvex3Sync::virtual_head {
 /// it.
 class ExposureOutput {
 public:
-    /// `sensors` may be null: then exposures have the settings of power-on.
-    ExposureOutput(FrameFaults& faults, const SensorSettings* sensors)
-        : m_faults(faults), m_sensors(sensors) {}
+    explicit ExposureOutput(FrameFaults& faults) : m_faults(faults) {}
 
     void Attach(const std::shared_ptr<ExposureQueue>& queue);
     /// Drops what waits in the queue.
@@ -30,7 +27,8 @@ public:
 
     /// The trigger starts: its numbers and keys begin at 0.
     void Start();
-    void GiveTrigger(bool mono, bool color, const BoardState& light);
+    /// `moment`: what its exposures have in common, light and sensors.
+    void GiveTrigger(bool mono, bool color, const Exposure& moment);
     /// Hands out what a delay holds back.
     void ReleaseHeld();
 
@@ -46,14 +44,13 @@ private:
         bool repeated;
     };
 
-    void Make(bool color, const ExposureFate& fate, std::uint64_t release, const BoardState& light);
+    void Make(bool color, const ExposureFate& fate, std::uint64_t release, const Exposure& moment);
     void HandDue(std::uint64_t given);
     void Hand(Exposure exposure);
     FrameCounts& Of(bool color) { return color ? m_counts.color : m_counts.mono; }
     static void Add(HeadCounts& counts, const ExposureQueue::Counts& counted);
 
     FrameFaults& m_faults;
-    const SensorSettings* const m_sensors;
     std::vector<std::shared_ptr<ExposureQueue>> m_queues;
     std::deque<Held> m_held;
     std::uint64_t m_trigger = 0;  // since the start

@@ -37,11 +37,11 @@ struct HeadDescription {
     /// Folder with leftNN.png and rightNN.png (8-bit grey), and colorNN.png where there is a colour
     /// mosaic of its own; empty: the scene.
     std::filesystem::path replayFolder;
-    /// What the sensors see where no images are replayed.
-    SceneDescription scene;
     /// Faults that begin by themselves, and the seed of their draws.
     std::vector<TimedFault> faults;
     std::uint64_t faultSeed = 1;
+    /// What the sensors see where no images are replayed.
+    SceneDescription scene;
 };
 
 }  // namespace Korvex3Sync::virtual_head

@@ -91,13 +91,13 @@ std::optional<BrokenRule> Check(const HeadDescription& description) {
             return broken;
         }
     }
-    if (auto broken = Check(description.scene)) {
-        return broken;
-    }
     for (const TimedFault& fault : description.faults) {
         if (auto wrong = Check(fault)) {
             return BrokenRule{{"fault", "what"}, "[[fault]] " + *wrong};
         }
+    }
+    if (auto broken = Check(description.scene)) {
+        return broken;
     }
     return CheckTogether(description);
 }

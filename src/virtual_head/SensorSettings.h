@@ -35,10 +35,10 @@ public:
     bool SetGain(int gain);
     int Gain() const;
     int SelectedOrder() const;
-    /// Of the two sensors: order 0 is the left one, order 1 the right one.
-    std::array<SensorSetting, 2> Sensors() const;
     /// Everything is as it was at first.
     void PowerOff();
+    /// Of the two sensors: order 0 is the left one, order 1 the right one.
+    std::array<SensorSetting, 2> Sensors() const;
 
 private:
     bool GainInRange(int gain) const { return gain >= m_gainLow && gain <= m_gainHigh; }

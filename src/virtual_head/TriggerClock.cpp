@@ -44,7 +44,7 @@ bool StartsTrigger(Kind before, Kind after) {
 }  // namespace
 
 TriggerClock::TriggerClock(bool color, Faults& faults, const SensorSettings* sensors)
-    : m_color(color), m_faults(faults), m_output(faults.Frames(), sensors) {
+    : m_color(color), m_faults(faults), m_sensors(sensors), m_output(faults.Frames()) {
     if (!m_thread.Start([this] { Run(); })) {
         throw std::runtime_error("no thread for the trigger clock of the virtual head");
     }
@@ -85,7 +85,7 @@ void TriggerClock::Apply(const BoardState& board, bool modeWritten) {
         m_next = (before == Kind::Running ? last : steady_clock::now()) + Period();
     }
     if (gives) {
-        m_output.GiveTrigger(false, true, m_board);
+        m_output.GiveTrigger(false, true, Moment());
     }
     m_changed.notify_all();
 }
@@ -140,10 +140,19 @@ void TriggerClock::Run() {
         } else if (!Announced()) {
             BeginDueFaults(lock);
         } else {
-            m_output.GiveTrigger(true, m_color && GivesColor(m_board.triggerMode), m_board);
+            m_output.GiveTrigger(true, m_color && GivesColor(m_board.triggerMode), Moment());
             m_next = (now - m_next > kMostLate ? now : m_next) + Period();
         }
     }
+}
+
+Exposure TriggerClock::Moment() const {
+    Exposure moment;
+    moment.light = m_board;
+    if (m_sensors != nullptr) {
+        moment.sensors = m_sensors->Sensors();
+    }
+    return moment;
 }
 
 bool TriggerClock::Announced() const {

@@ -12,11 +12,11 @@
 #include "virtual_head/ExposureOutput.h"
 #include "virtual_head/ExposureQueue.h"
 #include "virtual_head/HeadCounts.h"
+#include "virtual_head/SensorSettings.h"
 
 namespace Korvex3Sync::virtual_head {
 
 class Faults;
-class SensorSettings;
 
 /// The board's trigger output: a thread that, at the trigger period and in the trigger mode, hands
 /// an exposure to every queue that is attached. It runs in real time, as a device does, and holds
@@ -26,9 +26,8 @@ class SensorSettings;
 class KORVEX_VIRTUAL_HEAD_API TriggerClock {
 public:
     /// `color`: the head makes colour exposures. `sensors` may be null: then exposures have the
-    /// settings of power-on. Both references outlive the clock. Throws std::runtime_error without a
-    /// thread.
-    TriggerClock(bool color, Faults& faults, const SensorSettings* sensors = nullptr);
+    /// settings of power-on; it outlives the clock. Throws std::runtime_error without a thread.
+    explicit TriggerClock(bool color, Faults& faults, const SensorSettings* sensors = nullptr);
     /// Ends.
     ~TriggerClock();
     TriggerClock(const TriggerClock&) = delete;
@@ -56,12 +55,14 @@ public:
 
 private:
     void Run();
+    Exposure Moment() const;
     bool Announced() const;
     void BeginDueFaults(std::unique_lock<std::mutex>& lock);
     std::chrono::steady_clock::duration Period() const;
 
     const bool m_color;
     Faults& m_faults;
+    const SensorSettings* const m_sensors;
     mutable std::mutex m_mutex;
     std::condition_variable m_changed;
     bool m_end = false;

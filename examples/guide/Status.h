@@ -1,0 +1,29 @@
+#pragma once
+
+#include <Korvex3Sync/Korvex3Sync.h>
+
+#include <memory>
+#include <stdexcept>
+#include <string>
+
+namespace guide {
+
+using namespace Korvex3Sync;
+
+/// A status in words.
+inline std::string Describe(RETSTATUS status) {
+    char none = 0;
+    char* text = &none;  // any pointer but null: null gets no text
+    GetStatusDescriptionString(status, text);
+    const std::unique_ptr<char[]> owned(text);  // the text is a new buffer, and ours
+    return owned.get();
+}
+
+/// Throws when an operation did not succeed.
+inline void Require(RETSTATUS status, const std::string& operation) {
+    if (status != STATUS_SUCCESS) {
+        throw std::runtime_error(operation + ": " + Describe(status));
+    }
+}
+
+}  // namespace guide

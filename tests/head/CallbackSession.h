@@ -1,0 +1,135 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <chrono>
+#include <cstddef>
+#include <functional>
+#include <thread>
+#include <utility>
+#include <vector>
+
+#include "head/HeadSession.h"
+#include "platform/os/Event.h"
+#include "platform/os/TimeScale.h"
+
+namespace Korvex3Sync {
+
+/// What a callback does. It is called with the number of the call, from 0.
+using Action = std::function<void(std::size_t number)>;
+
+/// Counts the calls of a callback, scan or status, and lets each do something.
+class Called {
+public:
+    static constexpr std::chrono::seconds kDeadline{60};
+
+    explicit Called(Action action = [](std::size_t) {}) : m_action(std::move(action)) {}
+
+    static void OnSet(const void* const& context, std::vector<unsigned char*>&, const int&,
+                      const int&, std::vector<int>&) {
+        Of(context).Call();
+    }
+    static void OnStatus(const void* const& context, const unsigned char&, const unsigned char&) {
+        Of(context).Call();
+    }
+
+    std::size_t Count() const { return m_count; }
+    bool WaitFor(std::size_t count) const {
+        return WaitUntil([&] { return m_count >= count; });
+    }
+    template <class Condition>
+    static bool WaitUntil(Condition condition) {
+        const auto end = std::chrono::steady_clock::now() + kDeadline;
+        while (!condition()) {
+            if (std::chrono::steady_clock::now() > end) {
+                return false;
+            }
+            std::this_thread::yield();
+        }
+        return true;
+    }
+
+private:
+    static Called& Of(const void* context) {
+        return *static_cast<Called*>(const_cast<void*>(context));
+    }
+    void Call() {
+        struct Counted {
+            std::atomic<std::size_t>& count;
+            ~Counted() { ++count; }
+        } counted{m_count};
+        m_action(m_count);
+    }
+
+    const Action m_action;
+    std::atomic<std::size_t> m_count{0};
+};
+
+/// Keeps the first call of a callback inside until it is opened.
+class Gate {
+public:
+    Action AsAction() {
+        return [this](std::size_t number) {
+            if (number == 0) {
+                m_entered.Set();
+                m_open.Wait();
+                m_left = true;
+            }
+        };
+    }
+    void Open() { m_open.Set(); }
+    bool WaitUntilEntered() {
+        return m_entered.Wait(std::chrono::minutes(10)) == os::WaitResult::Signalled;
+    }
+    /// Whether the call that was kept is over.
+    bool Left() const { return m_left; }
+
+private:
+    os::Event m_entered;
+    os::Event m_open;
+    std::atomic<bool> m_left{false};
+};
+
+/// A connected head whose callbacks do what the test says.
+class CallbackSession : public HeadSession {
+protected:
+    void ConnectSmallHead() {
+        Request(SmallHead());
+        ASSERT_EQ(Connect(), STATUS_SUCCESS);
+    }
+    RETSTATUS SetScan(Called* called) {
+        return SetScanCallBackFunction(m_handle, called != nullptr ? &Called::OnSet : nullptr,
+                                       called);
+    }
+    RETSTATUS SetStatus(Called* called) {
+        return SetStatusCallBackFunction(m_handle, called != nullptr ? &Called::OnStatus : nullptr,
+                                         called);
+    }
+    ScanStatistics Statistics() {
+        ScanStatistics statistics;
+        EXPECT_EQ(GetScanStatistics(m_handle, statistics), STATUS_SUCCESS);
+        return statistics;
+    }
+    /// Stands below everything that the callbacks of a test use, so that they end before it.
+    class EndedFirst {
+    public:
+        explicit EndedFirst(CallbackSession& test) : m_test(test) {}
+        ~EndedFirst() {
+            m_test.m_gate.Open();
+            DisConnectDevice(m_test.m_handle);
+        }
+        EndedFirst(const EndedFirst&) = delete;
+        EndedFirst& operator=(const EndedFirst&) = delete;
+
+    private:
+        CallbackSession& m_test;
+    };
+
+    Gate m_gate;
+
+private:
+    os::ScopedTimeScale m_scale{0.05};
+};
+
+}  // namespace Korvex3Sync

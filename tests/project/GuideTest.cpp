@@ -1,0 +1,169 @@
+#include <gmock/gmock.h>
+
+#include <algorithm>
+#include <cctype>
+#include <filesystem>
+#include <set>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "project/SourceTree.h"
+#include "support/ChildProcess.h"
+
+namespace Korvex3Sync::tests {
+
+namespace {
+
+constexpr char kGuide[] = "docs/guide.md";
+constexpr char kSamples[] = "examples/guide";
+
+/// The lines without the blanks that they begin with: a sample in the guide stands at the margin.
+std::string WithoutIndentation(const std::string& text) {
+    std::istringstream lines(text);
+    std::string result;
+    for (std::string line; std::getline(lines, line);) {
+        const auto start = line.find_first_not_of(' ');
+        result += (start == std::string::npos ? "" : line.substr(start)) + '\n';
+    }
+    return result;
+}
+
+/// The fenced blocks of a language.
+std::vector<std::string> Blocks(const std::string& text, const std::string& language) {
+    const std::string open = "```" + language + '\n';
+    std::vector<std::string> blocks;
+    for (auto start = text.find(open); start != std::string::npos; start = text.find(open, start)) {
+        start += open.size();
+        const auto end = text.find("```", start);
+        blocks.push_back(text.substr(start, end - start));
+        start = end;
+    }
+    return blocks;
+}
+
+TEST(Guide, ShowsItsSamplesAsTheyAreBuilt) {
+    const auto blocks = Blocks(ReadProjectFile(kGuide), "cpp");
+    EXPECT_GE(blocks.size(), 10u) << "the blocks were not found";
+    const SourceTree samples = ReadSourceTree({kSamples});
+    for (const std::string& block : blocks) {
+        const bool stands = std::any_of(samples.begin(), samples.end(), [&](const auto& sample) {
+            return WithoutIndentation(sample.second).find(WithoutIndentation(block)) !=
+                   std::string::npos;
+        });
+        EXPECT_TRUE(stands) << "in no file of " << kSamples << ":\n" << block;
+    }
+}
+
+TEST(Guide, ShowsTheHeadFileOfItsTests) {
+    EXPECT_THAT(Blocks(ReadProjectFile(kGuide), "toml"),
+                testing::ElementsAre(ReadProjectFile(std::string(kSamples) + "/small_head.toml")));
+}
+
+TEST(Guide, NamesEverySampleFile) {
+    const std::string guide = ReadProjectFile(kGuide);
+    for (const auto& [path, text] : ReadSourceTree({kSamples})) {
+        const std::string file = path.substr(std::string(kSamples).size() + 1);
+        EXPECT_NE(guide.find('`' + file + '`'), std::string::npos) << file;
+    }
+}
+
+/// The names by which a page's headings are linked to.
+std::set<std::string> Anchors(const std::string& page) {
+    std::istringstream lines(page);
+    std::set<std::string> anchors;
+    for (std::string line; std::getline(lines, line);) {
+        const auto start = line.find_first_not_of('#');
+        if (start == 0 || start == std::string::npos || line[start] != ' ') {
+            continue;
+        }
+        std::string anchor;
+        for (const char letter : line.substr(start + 1)) {
+            const auto code = static_cast<unsigned char>(letter);
+            if (letter == ' ') {
+                anchor += '-';
+            } else if (std::isalnum(code) != 0 || letter == '-' || letter == '_') {
+                anchor += static_cast<char>(std::tolower(code));
+            }
+        }
+        anchors.insert(anchor);
+    }
+    return anchors;
+}
+
+TEST(Guide, LinksOfAllPagesLeadSomewhere) {
+    const std::filesystem::path docs = std::filesystem::path(KORVEX_SOURCE_DIR) / "docs";
+    std::size_t links = 0;
+    for (const auto& entry : std::filesystem::directory_iterator(docs)) {
+        const std::string page = entry.path().filename().string();
+        if (entry.path().extension() != ".md") {
+            continue;
+        }
+        const std::string text = ReadProjectFile("docs/" + page);
+        for (auto start = text.find("]("); start != std::string::npos;
+             start = text.find("](", start + 1), ++links) {
+            const std::string link = text.substr(start + 2, text.find(')', start) - start - 2);
+            if (link.starts_with("http")) {
+                continue;
+            }
+            const auto mark = link.find('#');
+            const std::string file = mark == 0 ? page : link.substr(0, mark);
+            ASSERT_TRUE(std::filesystem::exists(docs / file)) << page << ": " << link;
+            if (mark != std::string::npos) {
+                EXPECT_TRUE(
+                    Anchors(ReadProjectFile("docs/" + file)).contains(link.substr(mark + 1)))
+                    << page << ": " << link;
+            }
+        }
+    }
+    EXPECT_GT(links, 20u) << "the links were not found";
+}
+
+struct SampleRow {
+    const char* name;
+    /// What its output holds when it has done its work over the virtual head.
+    std::vector<std::string> output;
+
+    friend void PrintTo(const SampleRow& row, std::ostream* stream) { *stream << row.name; }
+};
+
+class GuideSample : public testing::TestWithParam<SampleRow> {};
+
+TEST_P(GuideSample, DoesItsWorkOverTheVirtualHead) {
+    ChildOptions options;
+    options.environment = {
+        {"KORVEX_VIRTUAL_HEAD", std::string(KORVEX_SOURCE_DIR "/examples/guide/small_head.toml")}};
+    const auto result =
+        RunChild({std::string(KORVEX_GUIDE_SAMPLES "/guide_") + GetParam().name}, options);
+    EXPECT_EQ(result.exitCode, 0) << result.error;
+    for (const std::string& text : GetParam().output) {
+        EXPECT_THAT(result.output, testing::HasSubstr(text));
+    }
+}
+
+TEST_P(GuideSample, SaysThatThereIsNoHead) {
+    ChildOptions options;
+    options.environment = {{"KORVEX_VIRTUAL_HEAD", ""}};
+    const auto result =
+        RunChild({std::string(KORVEX_GUIDE_SAMPLES "/guide_") + GetParam().name}, options);
+    EXPECT_EQ(result.exitCode, 1);
+    EXPECT_THAT(result.error, testing::HasSubstr("no camera found\n"));
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    All, GuideSample,
+    testing::Values(
+        SampleRow{"find_cameras",
+                  {"camera KV00A1001, 320 x 240, colour\n",
+                   "the board does not run at USB 3 speed\n", "firmware 1.4.0"}},
+        SampleRow{"light", {"laser lines 60 %, strobe 80 100 100 %, a trigger every 10 ms\n"}},
+        SampleRow{"scan", {"images of 320 x 240\n", " with colour\n", "sets dropped by this"}},
+        SampleRow{"exposure", {"exposure 8.5 ms, gain 3\n"}},
+        SampleRow{"snapshot", {"an image of 76800 bytes\n"}},
+        SampleRow{"user_memory", {"calibrated by bench 7\n"}},
+        SampleRow{"reconnect", {"reconnected\n20 sets\n"}}),
+    [](const auto& row) { return row.param.name; });
+
+}  // namespace
+
+}  // namespace Korvex3Sync::tests
