@@ -1,19 +1,21 @@
+#include "virtual_head/ExposureQueue.h"
+
 #include "platform/os/Clock.h"
-#include "virtual_head/TriggerClock.h"
 
 namespace Korvex3Sync::virtual_head {
 
-void ExposureQueue::Push(const Exposure& exposure) {
+ExposureQueue::Pushed ExposureQueue::Push(const Exposure& exposure) {
     std::lock_guard lock(m_mutex);
     if (m_closed) {
-        return;
+        return Pushed::Closed;
     }
     if (m_waiting.size() >= m_most) {
         ++m_lost;
-        return;
+        return Pushed::NoRoom;
     }
     m_waiting.push_back(exposure);
     m_changed.notify_one();
+    return Pushed::Taken;
 }
 
 std::optional<Exposure> ExposureQueue::Pop(std::chrono::milliseconds limit) {
@@ -25,24 +27,41 @@ std::optional<Exposure> ExposureQueue::Pop(std::chrono::milliseconds limit) {
     }
     const Exposure exposure = m_waiting.front();
     m_waiting.pop_front();
+    if (exposure.counted) {
+        ++m_counts.fetched.at(exposure.color ? 1 : 0);
+    }
     return exposure;
 }
 
 void ExposureQueue::Clear() {
     std::lock_guard lock(m_mutex);
-    m_waiting.clear();
+    Drop();
 }
 
 void ExposureQueue::Close() {
     std::lock_guard lock(m_mutex);
     m_closed = true;
-    m_waiting.clear();
+    Drop();
     m_changed.notify_all();
 }
 
 std::uint64_t ExposureQueue::Lost() const {
     std::lock_guard lock(m_mutex);
     return m_lost;
+}
+
+ExposureQueue::Counts ExposureQueue::Counted() const {
+    std::lock_guard lock(m_mutex);
+    return m_counts;
+}
+
+void ExposureQueue::Drop() {
+    for (const Exposure& exposure : m_waiting) {
+        if (exposure.counted) {
+            ++m_counts.dropped.at(exposure.color ? 1 : 0);
+        }
+    }
+    m_waiting.clear();
 }
 
 }  // namespace Korvex3Sync::virtual_head

@@ -1,159 +1,137 @@
 #include "virtual_head/Faults.h"
 
-#include <algorithm>
-#include <array>
-#include <string_view>
+#include <iterator>
+#include <utility>
 
-#include "platform/board/protocol/Commands.h"
-#include "platform/os/Clock.h"
+#include "virtual_head/Journal.h"
 
 namespace Korvex3Sync::virtual_head {
-namespace {
 
-using namespace std::string_view_literals;
+Faults::Faults(Journal* journal)
+    : m_journal(journal),
+      m_board(journal),
+      m_frames(journal),
+      m_schedule(journal, [this](const FaultOrder& order) { return Order(order); }) {}
 
-// The calls that are no commands of the board's protocol.
-constexpr std::array kOtherCalls{"zr3DInitHidDev"sv,
-                                 "zr3DExitHidDev"sv,
-                                 "CreateCamera"sv,
-                                 "ReleaseCamera"sv,
-                                 "GetDeviceTotal"sv,
-                                 "OpenCamera"sv,
-                                 "CloseCamera"sv,
-                                 "StartCamera"sv,
-                                 "SnapShot"sv,
-                                 "GetSerialNo"sv,
-                                 "GetResolution"sv,
-                                 "GetColorMode"sv,
-                                 "GetGainRange"sv,
-                                 "SetExposureTime"sv,
-                                 "GetExposureTime"sv,
-                                 "SetGain"sv,
-                                 "GetGain"sv,
-                                 "SetCameraIntParam"sv,
-                                 "GetDeviceType"sv,
-                                 "ResetCameraState"sv,
-                                 "UnlockOthers"sv,
-                                 "EnumAllHCD"sv,
-                                 "GetSpecifyDeviceTreePath"sv,
-                                 "EraseList"sv};
-
-void Describe(const char* kind, const std::string& call, int left,
-              std::vector<std::string>& unused) {
-    if (left > 0) {
-        unused.push_back(std::string(kind) + " " + call + ": " + std::to_string(left) + " left");
-    }
+void Faults::Start(Hooks hooks, const std::vector<TimedFault>& timed, std::uint64_t seed) {
+    m_hooks = std::move(hooks);
+    m_schedule.Start(timed, seed);
 }
 
-}  // namespace
+void Faults::End() {
+    m_schedule.End();
+}
 
-bool Faults::Known(const std::string& call) {
-    const auto commands = board::AllCommands();
-    return std::any_of(commands.begin(), commands.end(),
-                       [&call](const auto& command) { return command.function == call; }) ||
-           std::find(kOtherCalls.begin(), kOtherCalls.end(), call) != kOtherCalls.end();
+bool Faults::Order(const FaultOrder& order) {
+    if (Check(order)) {
+        return false;
+    }
+    switch (order.kind) {
+        case FaultKind::Fail:
+        case FaultKind::Slow:
+        case FaultKind::Hang:
+            return OrderByCall(order);
+        case FaultKind::BoardVanish:
+            return OrderVanishing(m_board.Plugged(), order, FaultKind::BoardReturn,
+                                  m_hooks.boardVanished);
+        case FaultKind::BoardReturn:
+            return m_board.Plugged().Return(m_hooks.boardReturned);
+        case FaultKind::BoardMute:
+            m_board.Mute(order.opens);
+            return EndLater(order, FaultKind::BoardAnswer);
+        case FaultKind::BoardAnswer:
+            return m_board.Answer();
+        case FaultKind::BoardLate:
+            m_board.Late(order.extra, order.times);
+            return true;
+        case FaultKind::CameraVanish:
+            return OrderVanishing(m_camera, order, FaultKind::CameraReturn, m_hooks.cameraVanished);
+        case FaultKind::CameraReturn:
+            return m_camera.Return({});
+        default:
+            m_frames.Order(order);
+            return true;
+    }
 }
 
 bool Faults::Fail(const std::string& call, int times) {
-    if (!Known(call) || times < 1) {
-        return false;
-    }
-    std::lock_guard lock(m_mutex);
-    m_orders[call].fail += times;
-    return true;
+    return m_calls.Fail(call, times);
 }
 
 bool Faults::Slow(const std::string& call, std::chrono::milliseconds extra, int times) {
-    if (!Known(call) || times < 1 || extra.count() < 0) {
-        return false;
-    }
-    std::lock_guard lock(m_mutex);
-    Orders& orders = m_orders[call];
-    orders.slow += times;
-    orders.extra = extra;
-    return true;
+    return m_calls.Slow(call, extra, times);
 }
 
 bool Faults::Hang(const std::string& call) {
-    if (!Known(call)) {
-        return false;
-    }
-    std::lock_guard lock(m_mutex);
-    ++m_orders[call].hang;
-    return true;
+    return m_calls.Hang(call, 1, std::chrono::milliseconds(0));
 }
 
 void Faults::ReleaseHangs() {
-    std::lock_guard lock(m_mutex);
-    ++m_releases;
-    m_changed.notify_all();
+    m_calls.ReleaseHangs();
 }
 
 void Faults::ReleaseHangs(const std::string& call) {
-    std::lock_guard lock(m_mutex);
-    if (const auto found = m_orders.find(call); found != m_orders.end()) {
-        ++found->second.releases;
-        m_changed.notify_all();
-    }
+    m_calls.ReleaseHangs(call);
 }
 
 bool Faults::WaitForHang(const std::string& call, std::chrono::milliseconds limit) {
-    std::unique_lock lock(m_mutex);
-    return m_changed.wait_for(lock, limit, [this, &call] {
-        const auto found = m_orders.find(call);
-        return found != m_orders.end() && found->second.hanging > 0;
-    });
+    return m_calls.WaitForHang(call, limit);
 }
 
 std::vector<std::string> Faults::Unused() const {
-    std::lock_guard lock(m_mutex);
-    std::vector<std::string> unused;
-    for (const auto& [call, orders] : m_orders) {
-        Describe("fail", call, orders.fail, unused);
-        Describe("slow", call, orders.slow, unused);
-        Describe("hang", call, orders.hang, unused);
+    std::vector<std::string> unused = m_calls.Unused();
+    if (m_camera.Unnoticed()) {
+        unused.push_back(std::string(Name(FaultKind::CameraVanish)) + ": no call met it");
+    }
+    for (auto&& more : {m_board.Unused(), m_frames.Unused(), m_schedule.Unused()}) {
+        unused.insert(unused.end(), more.begin(), more.end());
     }
     return unused;
 }
 
 void Faults::Clear() {
-    std::lock_guard lock(m_mutex);
-    for (auto& [call, orders] : m_orders) {
-        orders.fail = 0;
-        orders.slow = 0;
-        orders.hang = 0;
+    m_schedule.Clear();
+    m_calls.Clear();
+    m_board.Clear();
+    m_frames.Clear();
+    m_camera.Forget();
+}
+
+bool Faults::ReachCamera(std::uint64_t plug, const std::string& call) {
+    return Reached(m_camera.Reach(plug), call);
+}
+
+bool Faults::ReachCamera(const std::string& call) {
+    return Reached(m_camera.Reach(), call);
+}
+
+bool Faults::Reached(bool reached, const std::string& call) {
+    if (!reached && m_journal != nullptr) {
+        m_journal->AddFault(std::string(Name(FaultKind::CameraVanish)) + ", " + call, "met");
+    }
+    return reached;
+}
+
+bool Faults::OrderByCall(const FaultOrder& order) {
+    switch (order.kind) {
+        case FaultKind::Fail:
+            return m_calls.Fail(order.call, order.times);
+        case FaultKind::Slow:
+            return m_calls.Slow(order.call, order.extra, order.times);
+        default:
+            return m_calls.Hang(order.call, order.times, order.lasting);
     }
 }
 
-bool Faults::Meet(const std::string& call) {
-    std::unique_lock lock(m_mutex);
-    const auto found = m_orders.find(call);
-    if (found == m_orders.end()) {
-        return false;
-    }
-    Orders& orders = found->second;  // orders are never erased: the reference outlives the waits
-    if (orders.hang > 0) {
-        --orders.hang;
-        ++orders.hanging;
-        m_changed.notify_all();
-        m_changed.wait(lock, [this, &orders, all = m_releases, own = orders.releases] {
-            return m_releases != all || orders.releases != own;
-        });
-        --orders.hanging;
-        return true;
-    }
-    bool fails = false;
-    if (orders.fail > 0) {
-        --orders.fail;
-        fails = true;
-    }
-    if (orders.slow > 0) {
-        --orders.slow;
-        const std::chrono::milliseconds extra = orders.extra;
-        lock.unlock();
-        os::SleepFor(extra);
-    }
-    return fails;
+bool Faults::OrderVanishing(Presence& device, const FaultOrder& order, FaultKind end,
+                            const std::function<void()>& hook) {
+    return device.Vanish(hook) && EndLater(order, end);
+}
+
+bool Faults::EndLater(const FaultOrder& order, FaultKind end) {
+    FaultOrder ending;
+    ending.kind = end;
+    return order.lasting.count() == 0 || m_schedule.After(order.lasting, ending);
 }
 
 }  // namespace Korvex3Sync::virtual_head

@@ -4,6 +4,9 @@
 #include <cstdint>
 #include <filesystem>
 #include <string>
+#include <vector>
+
+#include "virtual_head/FaultOrder.h"
 
 namespace Korvex3Sync::virtual_head {
 
@@ -33,6 +36,9 @@ struct HeadDescription {
     /// Folder with leftNN.png and rightNN.png (8-bit grey), and colorNN.png where there is a colour
     /// mosaic of its own; empty: the built-in test pattern.
     std::filesystem::path replayFolder;
+    /// Faults that begin by themselves, and the seed of their draws.
+    std::vector<TimedFault> faults;
+    std::uint64_t faultSeed = 1;
 };
 
 }  // namespace Korvex3Sync::virtual_head

@@ -9,6 +9,7 @@
 #include <utility>
 #include <vector>
 
+#include "virtual_head/FaultKeys.h"
 #include "virtual_head/FileBytes.h"
 #include "virtual_head/HeadRules.h"
 #include "virtual_head/UserMemoryKeys.h"
@@ -27,6 +28,9 @@ public:
         for (const auto& [key, value] : root) {
             const int line = LineOf(key);
             const toml::table* table = value.as_table();
+            if (ReadFaultTables(key.str(), value)) {
+                continue;
+            }
             if (key != "camera" && key != "board" && key != "replay") {
                 Find(line, "unknown key \"" + std::string(key.str()) + "\"");
             } else if (table == nullptr) {
@@ -60,6 +64,18 @@ private:
             const auto line = m_lines.find({broken->where.table, broken->where.key});
             Find(line == m_lines.end() ? 1 : line->second, broken->message);
         }
+    }
+
+    /// False when the key is not one of the faults'.
+    bool ReadFaultTables(std::string_view key, const toml::node& value) {
+        if (key != "fault" && key != "faults") {
+            return false;
+        }
+        if (auto wrong = key == "fault" ? ReadFaults(value, m_description)
+                                        : ReadFaultSeed(value, m_description)) {
+            Find(wrong->line, std::move(wrong->what));
+        }
+        return true;
     }
 
     void ReadTable(std::string_view table, const toml::table& values) {

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <array>
 
+#include "virtual_head/FaultOrder.h"
+
 namespace Korvex3Sync::virtual_head {
 namespace {
 
@@ -86,6 +88,11 @@ std::optional<BrokenRule> Check(const HeadDescription& description) {
     for (const TextRule& rule : kTextRules) {
         if (auto broken = Check(rule, description.*rule.member)) {
             return broken;
+        }
+    }
+    for (const TimedFault& fault : description.faults) {
+        if (auto wrong = Check(fault)) {
+            return BrokenRule{{"fault", "what"}, "[[fault]] " + *wrong};
         }
     }
     return CheckTogether(description);

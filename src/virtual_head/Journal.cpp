@@ -12,7 +12,7 @@ constexpr std::size_t kManyThreads = 256;
 constexpr std::size_t kMostOpen = 8;
 
 bool BelongsToStream(const std::string& call) {
-    return call == "SnapShot" || call == "GetResolution";
+    return call == "SnapShot" || call == "GetResolution" || call == "fault";
 }
 
 }  // namespace

@@ -7,6 +7,7 @@
 #include <mutex>
 #include <string>
 #include <thread>
+#include <utility>
 #include <vector>
 
 #include "virtual_head/Export.h"
@@ -29,14 +30,18 @@ struct JournalEntry {
 
 /// What happened to the head, in order. A call that equals the latest one of its thread is counted
 /// there and makes no entry of its own, also when other threads made entries in between. The calls
-/// that a running stream makes for each frame (SnapShot, GetResolution) are counted at any equal
-/// one since the thread's latest other call, so that a long scan does not push the rest out.
-/// Bounded: the oldest entries go first and are counted. Thread-safe.
+/// that a running stream makes for each frame (SnapShot, GetResolution, and the faults that they
+/// meet) are counted at any equal one since the thread's latest other call, so that a long scan
+/// does not push the rest out. Bounded: the oldest entries go first and are counted. Thread-safe.
 class KORVEX_VIRTUAL_HEAD_API Journal {
 public:
     static constexpr std::size_t kMostEntries = 20000;
 
     void Add(std::string call, std::string arguments, std::string result);
+    /// The entry of a fault, under the call "fault". It folds as the calls of a stream do.
+    void AddFault(std::string fault, std::string outcome) {
+        Add("fault", std::move(fault), std::move(outcome));
+    }
     std::vector<JournalEntry> Entries() const;
     /// Texts of the entries whose call is one of `calls` (all entries when empty), in order.
     std::vector<std::string> Texts(const std::vector<std::string>& calls = {}) const;

@@ -10,9 +10,16 @@ constexpr long kMicrosecondsPerTenth = 100;
 
 SensorSettings::SensorSettings(const HeadDescription& description)
     : m_gainLow(description.gainLow), m_gainHigh(description.gainHigh) {
+    PowerOff();
+}
+
+void SensorSettings::PowerOff() {
+    std::lock_guard lock(m_mutex);
     for (Setting& setting : m_settings) {
+        setting = {};
         setting.gain = m_gainLow;
     }
+    m_selected = 0;
 }
 
 bool SensorSettings::ApplyWord(int word) {

@@ -29,6 +29,8 @@ public:
     bool SetGain(int gain);
     int Gain() const;
     int SelectedOrder() const;
+    /// Everything is as it was at first.
+    void PowerOff();
 
 private:
     struct Setting {

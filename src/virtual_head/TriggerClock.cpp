@@ -4,6 +4,7 @@
 #include <stdexcept>
 
 #include "platform/os/Clock.h"
+#include "virtual_head/Faults.h"
 
 namespace Korvex3Sync::virtual_head {
 namespace {
@@ -42,13 +43,18 @@ bool StartsTrigger(Kind before, Kind after) {
 
 }  // namespace
 
-TriggerClock::TriggerClock(bool color) : m_color(color) {
+TriggerClock::TriggerClock(bool color, Faults& faults)
+    : m_color(color), m_faults(faults), m_output(faults.Frames()) {
     if (!m_thread.Start([this] { Run(); })) {
         throw std::runtime_error("no thread for the trigger clock of the virtual head");
     }
 }
 
 TriggerClock::~TriggerClock() {
+    End();
+}
+
+void TriggerClock::End() {
     {
         std::lock_guard lock(m_mutex);
         m_end = true;
@@ -58,49 +64,68 @@ TriggerClock::~TriggerClock() {
 }
 
 void TriggerClock::Apply(const BoardState& board, bool modeWritten) {
-    std::lock_guard lock(m_mutex);
-    const Kind before = KindOf(m_board.triggerMode);
+    std::unique_lock lock(m_mutex);
     const Kind after = KindOf(board.triggerMode);
+    const bool gives = after == Kind::Single && modeWritten && m_color;
+    if (gives && m_power && !Announced()) {
+        BeginDueFaults(lock);
+    }
+    if (!m_power) {
+        return;
+    }
+    const Kind before = KindOf(m_board.triggerMode);
     const steady_clock::time_point last = m_next - Period();
     m_board = board;
     if (StartsTrigger(before, after)) {
-        m_trigger = 0;
+        m_output.Start();
+    } else if (after == Kind::Off || (before == Kind::Running && after == Kind::Single)) {
+        m_output.ReleaseHeld();
     }
     if (after == Kind::Running) {
         m_next = (before == Kind::Running ? last : steady_clock::now()) + Period();
     }
-    if (after == Kind::Single && modeWritten && m_color) {
-        GiveTrigger(false, true);
+    if (gives) {
+        m_output.GiveTrigger(false, true, m_board);
     }
+    m_changed.notify_all();
+}
+
+void TriggerClock::SetPower(bool on) {
+    std::lock_guard lock(m_mutex);
+    m_power = on;
+    m_board = BoardState{};
+    m_output.ReleaseHeld();
     m_changed.notify_all();
 }
 
 void TriggerClock::Attach(const std::shared_ptr<ExposureQueue>& queue) {
     std::lock_guard lock(m_mutex);
-    if (queue && std::find(m_queues.begin(), m_queues.end(), queue) == m_queues.end()) {
-        m_queues.push_back(queue);
-    }
+    m_output.Attach(queue);
 }
 
 void TriggerClock::Detach(const std::shared_ptr<ExposureQueue>& queue) {
     std::lock_guard lock(m_mutex);
-    if (std::erase(m_queues, queue) > 0) {
-        m_lostDetached += queue->Lost();
-    }
+    m_output.Detach(queue);
+}
+
+void TriggerClock::DetachAll() {
+    std::lock_guard lock(m_mutex);
+    m_output.DetachAll();
 }
 
 std::uint64_t TriggerClock::Triggers() const {
     std::lock_guard lock(m_mutex);
-    return m_total;
+    return m_output.Triggers();
+}
+
+HeadCounts TriggerClock::Counts() const {
+    std::lock_guard lock(m_mutex);
+    return m_output.Counts();
 }
 
 std::uint64_t TriggerClock::Lost() const {
     std::lock_guard lock(m_mutex);
-    std::uint64_t lost = m_lostDetached;
-    for (const auto& queue : m_queues) {
-        lost += queue->Lost();
-    }
-    return lost;
+    return m_output.Lost();
 }
 
 void TriggerClock::Run() {
@@ -112,30 +137,27 @@ void TriggerClock::Run() {
         } else if (now < m_next) {
             const steady_clock::time_point next = m_next;
             m_changed.wait_until(lock, next);
+        } else if (!Announced()) {
+            BeginDueFaults(lock);
         } else {
-            GiveTrigger(true, m_color && GivesColor(m_board.triggerMode));
+            m_output.GiveTrigger(true, m_color && GivesColor(m_board.triggerMode), m_board);
             m_next = (now - m_next > kMostLate ? now : m_next) + Period();
         }
     }
 }
 
-void TriggerClock::GiveTrigger(bool mono, bool color) {
-    if (mono) {
-        Hand(false);
-    }
-    if (color) {
-        Hand(true);
-    }
-    ++m_trigger;
-    ++m_total;
+bool TriggerClock::Announced() const {
+    return m_announced > m_output.Triggers();
 }
 
-void TriggerClock::Hand(bool color) {
-    const Exposure exposure{m_trigger, static_cast<std::uint8_t>(m_trigger & 0xFFU), color,
-                            m_board};
-    for (const auto& queue : m_queues) {
-        queue->Push(exposure);
-    }
+// Without the lock: a fault may end the trigger that it comes with.
+void TriggerClock::BeginDueFaults(std::unique_lock<std::mutex>& lock) {
+    const std::uint64_t number = m_output.Triggers();
+    const bool attended = m_output.Attended();
+    m_announced = number + 1;
+    lock.unlock();
+    m_faults.Schedule().BeforeTrigger(number, attended);
+    lock.lock();
 }
 
 steady_clock::duration TriggerClock::Period() const {

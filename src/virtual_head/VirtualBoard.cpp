@@ -89,11 +89,18 @@ std::optional<board::Report> VirtualBoard::Execute(const board::Report& command)
         return board::EncodeReply(reply);
     }
 
+    if (m_faults.Board().SaysNothing(info->function)) {
+        return std::nullopt;
+    }
+    const std::uint64_t powerCycle = PowerCycles();
     if (FirstReport(*message) && m_faults.Meet(info->function)) {
         reply.status = Status::Failed;
     } else if (ChangesTrigger(message->command)) {
         std::lock_guard order(m_triggerMutex);
         std::unique_lock lock(m_mutex);
+        if (m_powerCycles != powerCycle) {
+            return std::nullopt;
+        }
         reply.status = RunCommand(*message, m_description, m_state, m_userMemory, reply.payload);
         const BoardState state = m_state;
         lock.unlock();
@@ -102,6 +109,9 @@ std::optional<board::Report> VirtualBoard::Execute(const board::Report& command)
         }
     } else {
         std::lock_guard lock(m_mutex);
+        if (m_powerCycles != powerCycle) {
+            return std::nullopt;
+        }
         reply.status = RunCommand(*message, m_description, m_state, m_userMemory, reply.payload);
     }
 
@@ -115,6 +125,23 @@ std::optional<board::Report> VirtualBoard::Execute(const board::Report& command)
 BoardState VirtualBoard::State() const {
     std::lock_guard lock(m_mutex);
     return m_state;
+}
+
+void VirtualBoard::PowerOff() {
+    std::lock_guard lock(m_mutex);
+    m_state = BoardState{};
+    ++m_powerCycles;
+}
+
+void VirtualBoard::PowerOn(const std::function<void()>& powered) {
+    std::lock_guard order(m_triggerMutex);
+    PowerOff();
+    powered();
+}
+
+std::uint64_t VirtualBoard::PowerCycles() const {
+    std::lock_guard lock(m_mutex);
+    return m_powerCycles;
 }
 
 void VirtualBoard::SetStatus(std::uint8_t first, std::uint8_t second) {

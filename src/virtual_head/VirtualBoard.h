@@ -28,16 +28,24 @@ public:
                  TriggerChanged triggerChanged);
 
     /// Executes one command report and gives the reply report; nothing when the board does not
-    /// answer (a report that it cannot read).
+    /// answer (a report that it cannot read, a board that is mute, or one that vanished meanwhile).
     /// Blocks as long as a fault that was ordered for the command lets it. The journal gets one
     /// entry for each call of a platform function, also when it takes several reports.
     std::optional<board::Report> Execute(const board::Report& command);
 
     BoardState State() const;
+    /// The board lost its power and what it held, but for the user memory. What runs in it now
+    /// changes nothing any more.
+    void PowerOff();
+    /// The board is as it was when it was switched on. Calls `powered` when no change of the
+    /// trigger from before is on its way.
+    void PowerOn(const std::function<void()>& powered);
     void SetStatus(std::uint8_t first, std::uint8_t second);
     const HeadDescription& Description() const { return m_description; }
 
 private:
+    std::uint64_t PowerCycles() const;
+
     const HeadDescription m_description;
     Journal& m_journal;
     Faults& m_faults;
@@ -49,6 +57,7 @@ private:
     mutable std::mutex m_mutex;
     BoardState m_state;
     std::array<std::uint8_t, 4096> m_userMemory;
+    std::uint64_t m_powerCycles = 0;
 };
 
 }  // namespace Korvex3Sync::virtual_head

@@ -20,7 +20,7 @@ class ImageSource;
 class KORVEX_VIRTUAL_HEAD_API VirtualHead {
 public:
     /// `images` is not null and fits the description. Throws std::runtime_error without a thread
-    /// for the trigger clock.
+    /// for the trigger clock or for timed faults.
     VirtualHead(HeadDescription description, std::shared_ptr<ImageSource> images);
     ~VirtualHead();
     VirtualHead(const VirtualHead&) = delete;
@@ -31,6 +31,7 @@ public:
     Faults& GetFaults() { return m_faults; }
     VirtualBoard& Board() { return m_board; }
     TriggerClock& Clock() { return m_clock; }
+    HeadCounts Counts() const { return m_clock.Counts(); }
     SensorSettings& Sensors() { return m_sensors; }
     ImageSource& Images() { return *m_images; }
 

@@ -4,6 +4,8 @@
 
 #include <thread>
 
+#include "virtual_head/Faults.h"
+
 namespace Korvex3Sync::virtual_head {
 namespace {
 
@@ -16,7 +18,7 @@ constexpr int kOff = 5;
 
 class TriggerClockTest : public testing::Test {
 protected:
-    explicit TriggerClockTest(bool color = true) : m_clock(color) { m_clock.Attach(m_queue); }
+    explicit TriggerClockTest(bool color = true) : m_clock(color, m_faults) { m_clock.Attach(m_queue); }
 
     void Write(int mode, int period = 1) {
         BoardState board;
@@ -37,6 +39,7 @@ protected:
     void ExpectNothing() { EXPECT_FALSE(m_queue->Pop(kShort)); }
 
     std::shared_ptr<ExposureQueue> m_queue = std::make_shared<ExposureQueue>(100000);
+    Faults m_faults;
     TriggerClock m_clock;
 };
 

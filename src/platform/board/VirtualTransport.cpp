@@ -2,7 +2,9 @@
 
 #include <glog/logging.h>
 
+#include <algorithm>
 #include <atomic>
+#include <functional>
 #include <string>
 #include <utility>
 #include <variant>
@@ -26,14 +28,14 @@ std::chrono::steady_clock::time_point ReplyDeadline() {
 // A call that is no report: the head meets the faults ordered for it and enters it in the journal.
 // False when it fails or takes longer than the reply limit.
 bool Announce(const std::shared_ptr<VirtualHead>& head, const std::string& call,
-              const std::string& arguments, bool possible) {
+              const std::string& arguments, const std::function<bool(VirtualHead&)>& possible) {
     bool done = false;
     DeviceThread device(head);
     const bool given =
         device.Start() && device.Give(
                               call,
                               [&](VirtualHead& met) {
-                                  done = !met.GetFaults().Meet(call) && possible;
+                                  done = !met.GetFaults().Meet(call) && possible(met);
                                   met.GetJournal().Add(call, arguments, done ? "true" : "false");
                               },
                               ReplyDeadline());
@@ -68,21 +70,29 @@ std::unique_ptr<ByteTransport> VirtualTransport::Open(const BoardSelection& sele
         return nullptr;
     }
     const bool meant = Selects(selection, kVendorId, kProductId, head->Description().boardSerial);
-    if (purpose == Purpose::Use) {
-        if (!Announce(head, "zr3DInitHidDev", SelectionText(selection), meant)) {
+    const bool use = purpose == Purpose::Use;
+    const std::string call =
+        use ? "zr3DInitHidDev" : FindCommand(Command::QueryFirmwareVersionFast)->function;
+    const auto found = [&](VirtualHead& met) {
+        return meant &&
+               (use ? met.GetFaults().Board().Open(call) : met.GetFaults().Board().Reach(call));
+    };
+    // The board itself meets a query that finds it.
+    if (use || !meant || !head->GetFaults().Board().Plugged().Here()) {
+        if (!Announce(head, call, use ? SelectionText(selection) : selection.serial, found) ||
+            !use) {
             return nullptr;
         }
-    } else if (!meant) {
-        Announce(head, FindCommand(Command::QueryFirmwareVersionFast)->function, selection.serial,
-                 false);
-        return nullptr;
     }
     std::unique_ptr<VirtualTransport> transport(new VirtualTransport(head, purpose));
     return transport->m_device.Start() ? std::move(transport) : nullptr;
 }
 
 VirtualTransport::VirtualTransport(const std::shared_ptr<VirtualHead>& head, Purpose purpose)
-    : m_head(head), m_purpose(purpose), m_device(head) {}
+    : m_head(head),
+      m_plug(head->GetFaults().Board().Plugged().Plug()),
+      m_purpose(purpose),
+      m_device(head) {}
 
 VirtualTransport::~VirtualTransport() {
     VirtualTransport::Close();
@@ -93,25 +103,43 @@ bool VirtualTransport::Send(const Report& report, Deadline deadline) {
     if (Closed() || !head || virtual_head::RequestedVirtualHead() != head) {
         return false;
     }
+    const std::string call = FunctionOf(report);
+    if (!head->GetFaults().Board().Reach(m_plug, call)) {
+        return false;
+    }
     return m_device.Give(
-        FunctionOf(report),
-        [this, report](VirtualHead& met) {
-            if (const auto reply = met.Board().Execute(report)) {
-                std::lock_guard lock(m_mutex);
-                m_replies.push_back(*reply);
-                m_changed.notify_all();
-            }
-        },
-        deadline);
+        call, [this, report, call](VirtualHead& met) { Serve(met, report, call); }, deadline);
+}
+
+void VirtualTransport::Serve(VirtualHead& head, const Report& report, const std::string& call) {
+    virtual_head::BoardFaults& faults = head.GetFaults().Board();
+    if (!faults.Reach(m_plug, call)) {
+        return;
+    }
+    const auto reply = head.Board().Execute(report);
+    if (!reply || !faults.Reach(m_plug, call)) {
+        return;
+    }
+    const auto from = std::chrono::steady_clock::now() + os::Scaled(faults.Lateness(call));
+    std::lock_guard lock(m_mutex);
+    m_replies.push_back({*reply, from});
+    m_changed.notify_all();
 }
 
 std::optional<ReceivedBytes> VirtualTransport::Receive(Deadline deadline) {
     std::unique_lock lock(m_mutex);
     m_changed.wait_until(lock, deadline, [this] { return !m_replies.empty() || m_closed; });
+    if (!m_replies.empty()) {
+        const Deadline from = m_replies.front().from;
+        m_changed.wait_until(lock, std::min(from, deadline), [this] { return m_closed; });
+        if (from > deadline) {
+            return std::nullopt;
+        }
+    }
     if (m_replies.empty() || m_closed) {
         return std::nullopt;
     }
-    const ReceivedBytes received{m_replies.front(), kReportSize};
+    const ReceivedBytes received{m_replies.front().report, kReportSize};
     m_replies.pop_front();
     return received;
 }
@@ -126,7 +154,8 @@ bool VirtualTransport::Close() {
     }
     m_device.End();
     const auto head = m_head.lock();
-    return !head || m_purpose != Purpose::Use || Announce(head, "zr3DExitHidDev", "", true);
+    return !head || m_purpose != Purpose::Use ||
+           Announce(head, "zr3DExitHidDev", "", [](VirtualHead&) { return true; });
 }
 
 bool VirtualTransport::Closed() const {

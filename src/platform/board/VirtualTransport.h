@@ -1,9 +1,11 @@
 #pragma once
 
 #include <condition_variable>
+#include <cstdint>
 #include <deque>
 #include <memory>
 #include <mutex>
+#include <string>
 
 #include "platform/board/BoardSelection.h"
 #include "platform/board/ByteTransport.h"
@@ -18,12 +20,13 @@ enum class Purpose {
 };
 
 /// The way to the board of the virtual head that was requested for this process. It ends with that
-/// head: after another request nothing passes any more. `m_mutex` guards the replies and the closed
-/// state and is not held during a call to the head.
+/// head: after another request nothing passes any more; nor does it when the board was gone since.
+/// `m_mutex` guards the replies and the closed state and is not held during a call to the head.
 class VirtualTransport final : public ByteTransport {
 public:
-    /// Null when no head is requested, when the head's board is not the one that is meant, or when
-    /// opening it fails. Waits for the head's answer for the reply limit, and then for its end.
+    /// Null when no head is requested, when the head's board is not the one that is meant or gone,
+    /// or when opening it fails. Waits for the head's answer for the reply limit, and then for its
+    /// end.
     static std::unique_ptr<ByteTransport> Open(const BoardSelection& selection, Purpose purpose);
 
     ~VirtualTransport() override;
@@ -39,11 +42,19 @@ public:
 private:
     VirtualTransport(const std::shared_ptr<virtual_head::VirtualHead>& head, Purpose purpose);
 
+    /// The board's side of a report, on the device thread.
+    void Serve(virtual_head::VirtualHead& head, const Report& report, const std::string& call);
+
     const std::weak_ptr<virtual_head::VirtualHead> m_head;
+    const std::uint64_t m_plug;  // of the board that was opened
     const Purpose m_purpose;
     mutable std::mutex m_mutex;
     std::condition_variable m_changed;
-    std::deque<Report> m_replies;
+    struct Reply {
+        Report report;
+        Deadline from;  // not given out before
+    };
+    std::deque<Reply> m_replies;
     bool m_closed = false;
     DeviceThread m_device;
 };

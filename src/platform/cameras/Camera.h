@@ -33,7 +33,8 @@ public:
     virtual int OpenSerial(std::string_view serial, int width, int height) = 0;
     virtual int Close() = 0;
     virtual int Start(double value) = 0;
-    /// Blocks at most kSnapLimit. On failure `image` is null.
+    /// Blocks at most kSnapLimit. On failure `image` is null, but for a frame that is refused
+    /// (torn, incomplete): then it is that frame's buffer.
     virtual int Snap(unsigned char*& image) = 0;
     virtual int Serial(std::string& serial) = 0;
     virtual int Resolution(int& width, int& height) = 0;

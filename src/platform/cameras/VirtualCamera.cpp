@@ -1,5 +1,6 @@
 #include "platform/cameras/VirtualCamera.h"
 
+#include <algorithm>
 #include <locale>
 #include <sstream>
 #include <utility>
@@ -13,6 +14,8 @@ namespace {
 
 constexpr int kSensors = 2;
 constexpr int kPresentType = 1;
+// More than any image has.
+constexpr int kImpossibleSize = 5000;
 constexpr std::size_t kLongestArgument = 80;
 
 std::string Text(bool result) {
@@ -69,13 +72,20 @@ Result VirtualCamera::Call(const char* name, const std::string& arguments, Resul
 template <class Result, class Work>
 Result VirtualCamera::CallOpen(const char* name, const std::string& arguments, Result failed,
                                Work work) {
-    return Call(name, arguments, failed,
-                [&](Head& head) { return OpenStream() ? work(head) : failed; });
+    return Call(name, arguments, failed, [&](Head& head) {
+        return OpenStream() && Reaches(head, name) ? work(head) : failed;
+    });
 }
 
 std::shared_ptr<VirtualCamera::Stream> VirtualCamera::OpenStream() const {
     std::lock_guard lock(m_mutex);
     return m_stream;
+}
+
+bool VirtualCamera::Reaches(Head& head, const char* call) const {
+    const std::shared_ptr<Stream> stream = OpenStream();
+    virtual_head::Faults& faults = head.GetFaults();
+    return stream ? faults.ReachCamera(stream->plug, call) : faults.ReachCamera(call);
 }
 
 void VirtualCamera::EndStream() {
@@ -112,7 +122,7 @@ int VirtualCamera::DeviceTotal(int& total) {
         const auto& description = head.Description();
         const bool meant = description.cameraType.starts_with(m_typeOrSerial) ||
                            description.cameraSerial == m_typeOrSerial;
-        total = meant ? kSensors : 0;
+        total = meant && head.GetFaults().ReachCamera("GetDeviceTotal") ? kSensors : 0;
         return kOk;
     });
 }
@@ -134,10 +144,12 @@ int VirtualCamera::Open(Head& head, bool found, int width, int height) {
     const virtual_head::HeadDescription& description = head.Description();
     const bool native =
         (width == 0 && height == 0) || (width == description.width && height == description.height);
-    if (!found || !native) {
+    const std::uint64_t plug = head.GetFaults().Camera().Plug();
+    if (!head.GetFaults().ReachCamera(plug, "OpenCamera") || !found || !native) {
         return kFailed;
     }
     auto stream = std::make_shared<Stream>();
+    stream->plug = plug;
     stream->queue = std::make_shared<virtual_head::ExposureQueue>(
         static_cast<std::size_t>(description.cameraBuffers));
     stream->buffer.resize(std::size_t{2} * static_cast<std::size_t>(description.width) *
@@ -166,6 +178,12 @@ int VirtualCamera::Start(double value) {
             return kFailed;
         }
         head.Clock().Attach(m_stream->queue);
+        // Looked at behind the attaching: the unplugging itself detaches what was attached before.
+        if (!head.GetFaults().ReachCamera(m_stream->plug, "StartCamera")) {
+            head.Clock().Detach(m_stream->queue);
+            return kFailed;
+        }
+        head.GetFaults().Frames().CameraStarted();
         return kOk;
     });
 }
@@ -181,10 +199,11 @@ int VirtualCamera::Snap(unsigned char*& image) {
 
 int VirtualCamera::Fetch(Head& head, unsigned char*& image) {
     const std::shared_ptr<Stream> stream = OpenStream();
-    if (!stream) {
+    if (!stream || !head.GetFaults().ReachCamera(stream->plug, "SnapShot")) {
         m_released.Wait(kSnapLimit);
         return kFailed;
     }
+    stream->misSized = false;
     const std::optional<virtual_head::Exposure> exposure = stream->queue->Pop(kSnapLimit);
     if (!exposure) {
         return kFailed;
@@ -192,13 +211,18 @@ int VirtualCamera::Fetch(Head& head, unsigned char*& image) {
     {
         std::lock_guard writing(stream->writing);
         head.Images().WritePacked(*exposure, stream->buffer.data());
+        if (exposure->torn) {
+            const auto half = static_cast<std::ptrdiff_t>(stream->buffer.size() / 2);
+            std::fill(stream->buffer.begin() + half, stream->buffer.end(), std::uint8_t{0});
+        }
+        stream->misSized = exposure->misSized;
     }
     // Closed meanwhile: nothing keeps the buffer alive for the caller.
     if (OpenStream() != stream) {
         return kFailed;
     }
     image = stream->buffer.data();
-    return kOk;
+    return exposure->torn ? kFailed : kOk;
 }
 
 int VirtualCamera::Serial(std::string& serial) {
@@ -210,8 +234,10 @@ int VirtualCamera::Serial(std::string& serial) {
 
 int VirtualCamera::Resolution(int& width, int& height) {
     return CallOpen("GetResolution", "", kFailed, [&](Head& head) {
-        width = head.Description().width;
-        height = head.Description().height;
+        const std::shared_ptr<Stream> stream = OpenStream();
+        const bool misSized = stream && stream->misSized;
+        width = misSized ? kImpossibleSize : head.Description().width;
+        height = misSized ? kImpossibleSize : head.Description().height;
         return kOk;
     });
 }
@@ -263,16 +289,19 @@ bool VirtualCamera::SetIntParameter(int parameter, int value) {
 }
 
 bool VirtualCamera::DeviceType(int& type) {
-    return Call("GetDeviceType", "", false, [&type](Head&) {
+    return Call("GetDeviceType", "", false, [this, &type](Head& head) {
+        if (!Reaches(head, "GetDeviceType")) {
+            return false;
+        }
         type = kPresentType;
         return true;
     });
 }
 
 bool VirtualCamera::ResetState() {
-    return Call("ResetCameraState", "", false, [this](Head&) {
+    return Call("ResetCameraState", "", false, [this](Head& head) {
         const std::shared_ptr<Stream> stream = OpenStream();
-        if (!stream) {
+        if (!stream || !head.GetFaults().ReachCamera(stream->plug, "ResetCameraState")) {
             return false;
         }
         stream->queue->Clear();
@@ -282,7 +311,8 @@ bool VirtualCamera::ResetState() {
 
 bool VirtualCamera::UnlockOthers() {
     // Instances of the virtual head never lock each other out.
-    return Call("UnlockOthers", "", false, [](Head&) { return true; });
+    return Call("UnlockOthers", "", false,
+                [this](Head& head) { return Reaches(head, "UnlockOthers"); });
 }
 
 }  // namespace Korvex3Sync::cameras

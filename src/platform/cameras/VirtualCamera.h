@@ -1,5 +1,7 @@
 #pragma once
 
+#include <atomic>
+#include <cstdint>
 #include <memory>
 #include <mutex>
 #include <string>
@@ -20,7 +22,9 @@ namespace Korvex3Sync::cameras {
 /// An instance of the virtual head's driver. The head has two sensors that share one serial and one
 /// packed frame: both indices open the same. An instance belongs to the head that was requested
 /// when it was made; when that one is replaced or withdrawn, everything but Close and Release
-/// fails. Every call first meets the head's faults and then goes into its journal.
+/// fails. The same holds from when the camera is unplugged until the instance is closed and opened
+/// again on the one that came back. Every call first meets the head's faults and then goes into its
+/// journal.
 class VirtualCamera : public Camera {
 public:
     /// `typeOrSerial` is what the instance was created for: the cameras of the head are counted
@@ -54,7 +58,9 @@ private:
     /// What an open camera has; a snap in progress keeps it alive beyond the closing.
     struct Stream {
         std::shared_ptr<virtual_head::ExposureQueue> queue;
-        std::mutex writing;  // snaps of several threads share the buffer
+        std::uint64_t plug = 0;              // of the camera that was opened
+        std::atomic<bool> misSized = false;  // the latest frame came with an impossible size
+        std::mutex writing;                  // snaps of several threads share the buffer
         std::vector<unsigned char> buffer;
     };
 
@@ -69,6 +75,8 @@ private:
     Result CallOpen(const char* name, const std::string& arguments, Result failed, Work work);
 
     std::shared_ptr<Stream> OpenStream() const;
+    /// Whether a call gets to the camera: to the one that was opened, or to any when none was.
+    bool Reaches(Head& head, const char* call) const;
     int Open(Head& head, bool found, int width, int height);
     int Fetch(Head& head, unsigned char*& image);
     void EndStream();

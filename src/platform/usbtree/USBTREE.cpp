@@ -22,7 +22,10 @@ usbtree::DeviceTree& Tree() {
     return *tree;
 }
 
-std::vector<usbtree::Device> Devices(const VirtualHead& head) {
+std::vector<usbtree::Device> Devices(VirtualHead& head) {
+    if (!head.GetFaults().Board().Reach("EnumAllHCD")) {
+        return {};
+    }
     return {
         {board::kVendorId, board::kProductId, usbtree::DevicePath(head.Description().usbSpeed)}};
 }
