@@ -1,19 +1,24 @@
 #include "sync/KeyTracker.h"
 
+#include <algorithm>
+
 namespace Korvex3Sync {
 namespace {
 
 constexpr unsigned kKeyMask = 0xFF;
 constexpr unsigned kLastKey = 0xFF;
 /// One round of keys after a start every frame is of the new run.
-constexpr int kUnsettledFrames = 256;
+constexpr int kUnsettledKeys = 256;
+/// Fewer where the new run may have begun with key 0 already: a gap of its own across the next wrap
+/// must not look like a beginning.
+constexpr int kUnsettledAfterWrap = 128;
 
 }  // namespace
 
 KeyStep KeyTracker::Take(unsigned key, std::uint64_t starts) {
     if (starts != m_starts) {
         m_starts = starts;
-        m_unsettled = kUnsettledFrames;
+        m_unsettled = kUnsettledKeys;
     }
     const KeyStep step = Judge(key);
     m_last = key;
@@ -29,13 +34,14 @@ KeyStep KeyTracker::Judge(unsigned key) {
     const bool repeated = key == *m_last;
     const unsigned missing = repeated ? 0 : (key - *m_last - 1) & kKeyMask;
     if (m_unsettled > 0) {
-        --m_unsettled;
-        // After the last key both readings miss the same, whichever holds: the next keys tell.
-        const bool newRun = key < missing || (key == missing && *m_last != kLastKey);
-        if (newRun) {
+        if (*m_last == kLastKey && !repeated) {
+            // Both readings miss the same, and only the next keys can tell which one holds.
+            m_unsettled = std::min(m_unsettled, kUnsettledAfterWrap);
+        } else if (key <= missing) {
             m_unsettled = 0;
             return {key, false};
         }
+        m_unsettled -= static_cast<int>(missing) + 1;
     }
     return {missing, repeated};
 }

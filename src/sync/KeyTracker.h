@@ -31,7 +31,7 @@ private:
 
     std::optional<unsigned> m_last;
     std::uint64_t m_starts = 0;
-    int m_unsettled = 0;  // frames for which the next may still be of the former run
+    int m_unsettled = 0;  // keys for which a frame may still be of the former run
 };
 
 }  // namespace Korvex3Sync

@@ -45,6 +45,7 @@ TEST_F(Pairing, AColourFrameWithoutItsMonoIsReleasedAndNothingIsDelivered) {
     EXPECT_TRUE(m_ledger.delivered.empty());
     EXPECT_EQ(m_ledger.Live(), 0u);
     EXPECT_EQ(m_pairing.Size(), 0u);
+    EXPECT_EQ(m_ledger.colorsLost, 1);
 }
 
 TEST_F(Pairing, MonoThenItsColourIsOneSetOfThree) {
@@ -54,6 +55,33 @@ TEST_F(Pairing, MonoThenItsColourIsOneSetOfThree) {
     EXPECT_EQ(m_ledger.delivered, Sets{"1 2 3 8x4 c1 c1 c1"});
     EXPECT_EQ(m_pairing.Size(), 0u);
     EXPECT_EQ(m_ledger.released, (std::vector<std::uintptr_t>{1, 2, 3}));
+    EXPECT_EQ(m_ledger.colorsLost, 0);
+}
+
+TEST_F(Pairing, ASetMissesItsColourOnlyWhereOneWasToCome) {
+    for (bool expected : {true, false, true}) {
+        DecodedFrame frame = Frame(expected ? 1 : 2, 2);
+        frame.colorExpected = expected;
+        m_pairing.TakeMono(frame, m_ledger);
+    }
+    EXPECT_EQ(m_ledger.colorsMissing, 1) << "the second set is of a mode without colour";
+    Color(1);
+    EXPECT_EQ(m_ledger.delivered.size(), 3u);
+    EXPECT_EQ(m_ledger.colorsMissing, 1) << "the third set has its colour";
+}
+
+TEST_F(Pairing, ASetWhoseColourWentElsewhereDoesNotMissIt) {
+    for (unsigned key : {1u, 2u}) {
+        DecodedFrame frame = Frame(key, 2);
+        frame.colorExpected = true;
+        m_pairing.TakeMono(frame, m_ledger);
+        m_pairing.ForgoColor(7);
+        m_pairing.ForgoColor(1);
+    }
+    EXPECT_EQ(m_ledger.delivered.size(), 1u);
+    EXPECT_EQ(m_ledger.colorsMissing, 0);
+    Mono(3);
+    EXPECT_EQ(m_ledger.colorsMissing, 1) << "key 2 misses its own";
 }
 
 TEST_F(Pairing, AMonoWithoutItsColourIsDeliveredAtTheNextMono) {
@@ -143,6 +171,9 @@ TEST_F(Pairing, DroppingTakesTheSmallestKeyColourFirst) {
     // Key 20 holds images 4, 5, 6: colour goes first, then the monos.
     EXPECT_EQ(m_ledger.released, (std::vector<std::uintptr_t>{6, 4, 5}));
     EXPECT_EQ(m_pairing.Size(), 2u);
+    EXPECT_EQ(m_ledger.setsLost, 1);
+    m_pairing.Clear(m_ledger);
+    EXPECT_EQ(m_ledger.setsLost, 3) << "what is cleared is lost too";
     EXPECT_TRUE(m_ledger.delivered.empty());
 }
 

@@ -15,8 +15,9 @@ protected:
         m_pairing.Clear(m_ledger);
         EXPECT_EQ(m_ledger.Live(), 0u) << "images were lost";
     }
-    Routed Route(unsigned key, int images) {
+    Routed Route(unsigned key, int images, bool colorExpected = false) {
         DecodedFrame frame;
+        frame.colorExpected = colorExpected;
         frame.key = key;
         frame.width = 8;
         for (int i = 0; i < images; ++i) {
@@ -46,6 +47,7 @@ TEST_F(FrameRouting, AWaitingSnapshotTakesThreeColourFramesAndTheFourthGoesTheNo
     EXPECT_TRUE(m_log.Has("ManagerSync: m_bSingleSnapColor=1"));
     EXPECT_EQ(Route(7, 1), Routed::Paired);
     EXPECT_EQ(m_ledger.delivered, std::vector<std::string>{"1 2 6 8x4 c1 c1 c1"});
+    EXPECT_EQ(m_ledger.colorsLost, 0);
 }
 
 TEST_F(FrameRouting, MonoFramesPassASnapshotBy) {
@@ -53,6 +55,31 @@ TEST_F(FrameRouting, MonoFramesPassASnapshotBy) {
     EXPECT_EQ(Route(7, 2), Routed::Paired);
     EXPECT_EQ(m_pairing.Size(), 1u);
     EXPECT_TRUE(m_catch.Armed());
+}
+
+TEST_F(FrameRouting, ASetWhoseColourASnapshotTookDoesNotMissIt) {
+    Route(7, 2, true);
+    m_catch.Arm();
+    EXPECT_EQ(Route(7, 1), Routed::Caught);
+    Route(8, 2, true);
+    EXPECT_EQ(m_ledger.delivered, std::vector<std::string>{"1 2 8x4 c1 c1"});
+    EXPECT_EQ(m_ledger.colorsMissing, 0);
+    EXPECT_EQ(m_ledger.colorsLost, 0);
+    Route(9, 2, true);
+    EXPECT_EQ(m_ledger.colorsMissing, 1);
+}
+
+TEST_F(FrameRouting, AMonoSetThatTheBoundDropsIsLost) {
+    for (unsigned key : {70u, 30u, 60u, 40u, 20u}) {
+        VideoItem item;
+        item.pMonoImage0 = m_ledger.Make();
+        item.pMonoImage1 = key == 20 ? m_ledger.Make() : nullptr;
+        m_pairing.Store(key, item);
+    }
+    Route(200, 1);
+    EXPECT_EQ(m_pairing.Size(), 4u);
+    EXPECT_EQ(m_ledger.setsLost, 1);
+    EXPECT_EQ(m_ledger.colorsLost, 1);
 }
 
 TEST_F(FrameRouting, MoreThanFourItemsLoseTheSmallestKeyOneForEachFrame) {

@@ -1,0 +1,94 @@
+#include "sync/TriggerStarts.h"
+
+#include <gtest/gtest.h>
+
+namespace Korvex3Sync {
+namespace {
+
+constexpr int kMono = 1;
+constexpr int kMonoPattern = 2;
+constexpr int kColorPattern = 3;
+constexpr int kSingle = 4;
+constexpr int kOff = 5;
+constexpr int kColor = 6;
+
+class Starts : public testing::Test {
+protected:
+    /// How many starts this write is.
+    std::uint64_t Write(int mode, bool accepted = true) {
+        const auto before = m_starts.Current().starts;
+        m_starts.Writing(mode);
+        const auto started = m_starts.Current().starts - before;
+        m_starts.Written(accepted);
+        EXPECT_EQ(m_starts.Current().starts - before, started) << "counted before the write";
+        return started;
+    }
+    bool GivesColor() const { return m_starts.Current().givesColor; }
+
+    TriggerStarts m_starts;
+};
+
+TEST_F(Starts, AreWhatTurnsARunningModeOn) {
+    EXPECT_EQ(Write(kMono), 1u) << "from unknown";
+    EXPECT_EQ(Write(kOff), 0u);
+    EXPECT_EQ(Write(kColor), 1u) << "from off";
+    EXPECT_EQ(Write(kSingle), 0u);
+    EXPECT_EQ(Write(kMonoPattern), 1u) << "from single exposures";
+    EXPECT_EQ(Write(99), 0u) << "a mode that the board does not know is off";
+    EXPECT_EQ(Write(kColorPattern), 1u);
+}
+
+TEST_F(Starts, AChangeOfTheModeWhileTheTriggerRunsIsNone) {
+    Write(kMono);
+    for (int mode : {kMono, kMonoPattern, kColorPattern, kColor, kMono}) {
+        EXPECT_EQ(Write(mode), 0u) << mode;
+    }
+}
+
+TEST_F(Starts, AfterARefusedWriteTheTriggerMayBeInAnyMode) {
+    Write(kMono);
+    EXPECT_EQ(Write(kOff, false), 0u);
+    EXPECT_EQ(Write(kMono), 1u);
+}
+
+TEST_F(Starts, StartingAnewIsAStartAndSoIsTheNextRun) {
+    Write(kMono);
+    const auto before = m_starts.Current().starts;
+    m_starts.StartAnew();
+    EXPECT_EQ(m_starts.Current().starts, before + 1);
+    EXPECT_EQ(Write(kMono), 1u);
+}
+
+TEST_F(Starts, ColourIsExpectedInTheModesThatGiveIt) {
+    EXPECT_FALSE(GivesColor());
+    Write(kColor);
+    EXPECT_TRUE(GivesColor());
+    Write(kMonoPattern);
+    EXPECT_FALSE(GivesColor());
+    Write(kColorPattern);
+    EXPECT_TRUE(GivesColor());
+}
+
+TEST_F(Starts, AStopLeavesTheExpectationForTheFramesThatWait) {
+    Write(kColor);
+    Write(kOff);
+    EXPECT_TRUE(GivesColor());
+    Write(kMono);
+    Write(kOff);
+    EXPECT_FALSE(GivesColor());
+}
+
+TEST_F(Starts, WhileTheModeChangesNoColourIsExpected) {
+    Write(kMono);
+    m_starts.Writing(kColor);
+    EXPECT_FALSE(GivesColor()) << "frames of the former mode still come";
+    m_starts.Written(true);
+    EXPECT_TRUE(GivesColor());
+    m_starts.Writing(kMono);
+    EXPECT_FALSE(GivesColor()) << "frames of the new mode already come";
+    m_starts.Written(false);
+    EXPECT_TRUE(GivesColor()) << "refused";
+}
+
+}  // namespace
+}  // namespace Korvex3Sync
