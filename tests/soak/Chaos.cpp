@@ -16,34 +16,48 @@ using virtual_head::FaultOrder;
 /// Calls that may fail. Those that close or release are not among them: what a library refuses to
 /// release is lost, and would look like a leak of ours.
 const std::vector<std::string>& CallsThatFail() {
-    static const std::vector<std::string> calls{
-        "zr3DInitHidDev",   "zr3DQueryCurrentStatus", "zr3DSetVideoTrigleMode",
-        "zr3DEnableHeartbeat", "zr3DSetLaserEnable",  "zr3DResetDevice",
-        "zr3DProject",      "OpenCamera",             "StartCamera",
-        "SnapShot",         "SetCameraIntParam",      "GetResolution",
-        "ResetCameraState", "GetDeviceType",          "GetExposureTime"};
+    static const std::vector<std::string> calls{"zr3DInitHidDev",
+                                                "zr3DQueryCurrentStatus",
+                                                "zr3DSetVideoTrigleMode",
+                                                "zr3DEnableHeartbeat",
+                                                "zr3DSetLaserEnable",
+                                                "zr3DResetDevice",
+                                                "zr3DProject",
+                                                "OpenCamera",
+                                                "StartCamera",
+                                                "SnapShot",
+                                                "SetCameraIntParam",
+                                                "GetResolution",
+                                                "ResetCameraState",
+                                                "GetDeviceType",
+                                                "GetExposureTime"};
     return calls;
 }
 
 /// Calls that may be slow or hang; closing ones too.
 const std::vector<std::string>& CallsThatHang() {
-    static const std::vector<std::string> calls{
-        "zr3DInitHidDev", "zr3DQueryCurrentStatus", "zr3DSetVideoTrigleMode", "zr3DExitHidDev",
-        "OpenCamera",     "CloseCamera",            "StartCamera",            "SnapShot",
-        "SetCameraIntParam"};
+    static const std::vector<std::string> calls{"zr3DInitHidDev",
+                                                "zr3DQueryCurrentStatus",
+                                                "zr3DSetVideoTrigleMode",
+                                                "zr3DExitHidDev",
+                                                "OpenCamera",
+                                                "CloseCamera",
+                                                "StartCamera",
+                                                "SnapShot",
+                                                "SetCameraIntParam"};
     return calls;
 }
 
 /// One fault: how often it happens in comparison, and what it is.
 FaultOrder Throw(Dice& dice) {
     static const std::vector<FaultKind> kinds{
-        FaultKind::Fail,        FaultKind::Fail,        FaultKind::Slow,
-        FaultKind::Hang,        FaultKind::BoardVanish, FaultKind::BoardMute,
-        FaultKind::BoardLate,   FaultKind::CameraVanish, FaultKind::CameraStop,
-        FaultKind::LoseMono,    FaultKind::LoseColor,   FaultKind::LoseBoth,
-        FaultKind::TearMono,    FaultKind::TearColor,   FaultKind::MisSizeMono,
-        FaultKind::MisSizeColor, FaultKind::RepeatMono, FaultKind::RepeatColor,
-        FaultKind::Delay,       FaultKind::SkipKeys};
+        FaultKind::Fail,         FaultKind::Fail,         FaultKind::Slow,
+        FaultKind::Hang,         FaultKind::BoardVanish,  FaultKind::BoardMute,
+        FaultKind::BoardLate,    FaultKind::CameraVanish, FaultKind::CameraStop,
+        FaultKind::LoseMono,     FaultKind::LoseColor,    FaultKind::LoseBoth,
+        FaultKind::TearMono,     FaultKind::TearColor,    FaultKind::MisSizeMono,
+        FaultKind::MisSizeColor, FaultKind::RepeatMono,   FaultKind::RepeatColor,
+        FaultKind::Delay,        FaultKind::SkipKeys};
     FaultOrder order;
     order.kind = dice.OneOf(kinds);
     const milliseconds lasting(dice.From(5, 120));

@@ -12,9 +12,7 @@ class Dice {
 public:
     explicit Dice(std::uint64_t seed) : m_engine(seed) {}
 
-    int From(int low, int high) {
-        return std::uniform_int_distribution<int>(low, high)(m_engine);
-    }
+    int From(int low, int high) { return std::uniform_int_distribution<int>(low, high)(m_engine); }
     bool Once(int in) { return From(1, in) == 1; }
     template <class Element>
     const Element& OneOf(const std::vector<Element>& elements) {

@@ -89,7 +89,11 @@ std::vector<Call> OrdinaryCalls() {
     return {
         {"Project", any, [](H h, D d) { Project(h, Value<PROJECTWORKTYPES>(d)); }},
         {"SetProjectorBrightness", any, [](H h, D d) { SetProjectorBrightness(h, Number(d)); }},
-        {"GetProjectorBrightness", any, [](H h, D) { int v = 0; GetProjectorBrightness(h, v); }},
+        {"GetProjectorBrightness", any,
+         [](H h, D) {
+             int v = 0;
+             GetProjectorBrightness(h, v);
+         }},
         {"EnableBlueLaser", any,
          [](H h, D d) { EnableBlueLaser(h, Value<LASERWORKMODE>(d), d.Once(2)); }},
         {"EnableIRLaser", any, [](H h, D d) { EnableIRLaser(h, d.Once(2)); }},
@@ -102,34 +106,70 @@ std::vector<Call> OrdinaryCalls() {
         {"SetStrobeDutioRatio", any,
          [](H h, D d) { SetStrobeDutioRatio(h, Number(d), Number(d), Number(d)); }},
         {"GetStrobeDutioRatio", any,
-         [](H h, D) { int a = 0, b = 0, c = 0; GetStrobeDutioRatio(h, a, b, c); }},
+         [](H h, D) {
+             int a = 0, b = 0, c = 0;
+             GetStrobeDutioRatio(h, a, b, c);
+         }},
         {"SetLaserLineDutioRatio", any, [](H h, D d) { SetLaserLineDutioRatio(h, Number(d)); }},
-        {"GetLaserLineDutioRatio", any, [](H h, D) { int v = 0; GetLaserLineDutioRatio(h, v); }},
+        {"GetLaserLineDutioRatio", any,
+         [](H h, D) {
+             int v = 0;
+             GetLaserLineDutioRatio(h, v);
+         }},
         {"SetProjectDutioRatio", any, [](H h, D d) { SetProjectDutioRatio(h, Number(d)); }},
         {"SetIRLaserDutioRatio", any, [](H h, D d) { SetIRLaserDutioRatio(h, Number(d)); }},
         {"SetStrobeWorkTime", any, [](H h, D d) { SetStrobeWorkTime(h, Number(d), Number(d)); }},
-        {"GetStrobeWorkTime", any, [](H h, D) { int a = 0, b = 0; GetStrobeWorkTime(h, a, b); }},
+        {"GetStrobeWorkTime", any,
+         [](H h, D) {
+             int a = 0, b = 0;
+             GetStrobeWorkTime(h, a, b);
+         }},
         {"SetLaserLineWorkTime", any, [](H h, D d) { SetLaserLineWorkTime(h, Number(d)); }},
         {"SetProjectWorkTime", any, [](H h, D d) { SetProjectWorkTime(h, Number(d)); }},
         {"SetIRLaserWorkTime", any, [](H h, D d) { SetIRLaserWorkTime(h, Number(d)); }},
         {"SetVideoTriggerPeriod", any, [](H h, D d) { SetVideoTriggerPeriod(h, d.From(-1, 4)); }},
-        {"GetVideoTriggerPeriod", any, [](H h, D) { int v = 0; GetVideoTriggerPeriod(h, v); }},
+        {"GetVideoTriggerPeriod", any,
+         [](H h, D) {
+             int v = 0;
+             GetVideoTriggerPeriod(h, v);
+         }},
         {"EnableVideoTrigger", any,
          [](H h, D d) { EnableVideoTrigger(h, Value<CAMERA_TRIGGER_MODE>(d), !d.Once(4)); }},
         {"SetDistanceIndicate", any,
          [](H h, D d) { SetDistanceIndicate(h, Value<DISTANCESTATUS>(d)); }},
-        {"EnableHeartbeat", any, [](H h, D d) { bool on = d.Once(2); EnableHeartbeat(h, on); }},
-        {"GetConnectCameraCount", any, [](H h, D) { int n = 0; GetConnectCameraCount(h, n); }},
+        {"EnableHeartbeat", any,
+         [](H h, D d) {
+             bool on = d.Once(2);
+             EnableHeartbeat(h, on);
+         }},
+        {"GetConnectCameraCount", any,
+         [](H h, D) {
+             int n = 0;
+             GetConnectCameraCount(h, n);
+         }},
         {"GetCameraSerialNumber", any, ReadSerial},
         {"GetCameraResolution", any,
-         [](H h, D d) { int w = 0, v = 0; GetCameraResolution(h, d.From(-1, 3), w, v); }},
+         [](H h, D d) {
+             int w = 0, v = 0;
+             GetCameraResolution(h, d.From(-1, 3), w, v);
+         }},
         {"SetCameraExposureAndGain", any,
-         [](H h, D d) { SetCameraExposureAndGain(h, d.From(-1, 4), d.From(0, 300) / 10.0, Number(d)); }},
+         [](H h, D d) {
+             SetCameraExposureAndGain(h, d.From(-1, 4), d.From(0, 300) / 10.0, Number(d));
+         }},
         {"GetCameraExposureAndGain", any,
-         [](H h, D d) { double e = 0; int g = 0; GetCameraExposureAndGain(h, d.From(0, 3), e, g); }},
+         [](H h, D d) {
+             double e = 0;
+             int g = 0;
+             GetCameraExposureAndGain(h, d.From(0, 3), e, g);
+         }},
         {"ReadUserInfomation", any, ReadUserPage},
         {"WriteUserInfomation", any, WriteUserPage},
-        {"GetScanStatistics", any, [](H h, D) { ScanStatistics s; GetScanStatistics(h, s); }},
+        {"GetScanStatistics", any,
+         [](H h, D) {
+             ScanStatistics s;
+             GetScanStatistics(h, s);
+         }},
     };
 }
 
@@ -142,7 +182,10 @@ std::vector<Call> SeldomCalls() {
         {"ReconnectDevice(two flags)", other,
          [](H h, D d) { ReconnectDevice(h, d.Once(2), d.Once(2)); }},
         {"CloseDeviceCamera, ReconnectDevice", other,
-         [](H h, D) { CloseDeviceCamera(h); ReconnectDevice(h); }},
+         [](H h, D) {
+             CloseDeviceCamera(h);
+             ReconnectDevice(h);
+         }},
         {"SnapColorImage", other, TakeSnapshot},
         {"SnapColorImageForIR", other, TakeIrSnapshot},
     };
@@ -169,8 +212,8 @@ void RandomCalls::Run(const std::atomic<bool>& stop, Watchdog::Watched& watched)
             }
         }
         watched.Doing("rests");
-        std::this_thread::sleep_for(std::chrono::milliseconds(
-            dice.From(0, static_cast<int>(kLongestRest.count()))));
+        std::this_thread::sleep_for(
+            std::chrono::milliseconds(dice.From(0, static_cast<int>(kLongestRest.count()))));
     }
 }
 
