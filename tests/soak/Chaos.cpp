@@ -1,0 +1,123 @@
+#include "soak/Chaos.h"
+
+#include <chrono>
+#include <thread>
+#include <vector>
+
+#include "soak/Dice.h"
+
+namespace Korvex3Sync::soak {
+namespace {
+
+using std::chrono::milliseconds;
+using virtual_head::FaultKind;
+using virtual_head::FaultOrder;
+
+/// Calls that may fail. Those that close or release are not among them: what a library refuses to
+/// release is lost, and would look like a leak of ours.
+const std::vector<std::string>& CallsThatFail() {
+    static const std::vector<std::string> calls{"zr3DInitHidDev",
+                                                "zr3DQueryCurrentStatus",
+                                                "zr3DSetVideoTrigleMode",
+                                                "zr3DEnableHeartbeat",
+                                                "zr3DSetLaserEnable",
+                                                "zr3DResetDevice",
+                                                "zr3DProject",
+                                                "OpenCamera",
+                                                "StartCamera",
+                                                "SnapShot",
+                                                "SetCameraIntParam",
+                                                "GetResolution",
+                                                "ResetCameraState",
+                                                "GetDeviceType",
+                                                "GetExposureTime"};
+    return calls;
+}
+
+/// Calls that may be slow or hang; closing ones too.
+const std::vector<std::string>& CallsThatHang() {
+    static const std::vector<std::string> calls{"zr3DInitHidDev",
+                                                "zr3DQueryCurrentStatus",
+                                                "zr3DSetVideoTrigleMode",
+                                                "zr3DExitHidDev",
+                                                "OpenCamera",
+                                                "CloseCamera",
+                                                "StartCamera",
+                                                "SnapShot",
+                                                "SetCameraIntParam"};
+    return calls;
+}
+
+/// One fault: how often it happens in comparison, and what it is.
+FaultOrder Throw(Dice& dice) {
+    static const std::vector<FaultKind> kinds{
+        FaultKind::Fail,         FaultKind::Fail,         FaultKind::Slow,
+        FaultKind::Hang,         FaultKind::BoardVanish,  FaultKind::BoardMute,
+        FaultKind::BoardLate,    FaultKind::CameraVanish, FaultKind::CameraStop,
+        FaultKind::LoseMono,     FaultKind::LoseColor,    FaultKind::LoseBoth,
+        FaultKind::TearMono,     FaultKind::TearColor,    FaultKind::MisSizeMono,
+        FaultKind::MisSizeColor, FaultKind::RepeatMono,   FaultKind::RepeatColor,
+        FaultKind::Delay,        FaultKind::SkipKeys};
+    FaultOrder order;
+    order.kind = dice.OneOf(kinds);
+    const milliseconds lasting(dice.From(5, 120));
+    switch (order.kind) {
+        case FaultKind::Fail:
+            order.call = dice.OneOf(CallsThatFail());
+            order.times = dice.From(1, 3);
+            break;
+        case FaultKind::Slow:
+            order.call = dice.OneOf(CallsThatHang());
+            order.times = dice.From(1, 3);
+            order.extra = milliseconds(dice.From(1, 30));
+            break;
+        case FaultKind::Hang:
+            order.call = dice.OneOf(CallsThatHang());
+            order.lasting = lasting;
+            break;
+        case FaultKind::BoardVanish:
+        case FaultKind::BoardMute:
+        case FaultKind::CameraVanish:
+            order.lasting = lasting;
+            break;
+        case FaultKind::BoardLate:
+            order.times = dice.From(1, 5);
+            order.extra = milliseconds(dice.From(1, 50));
+            break;
+        case FaultKind::Delay:
+            order.byTriggers = dice.From(1, 4);
+            break;
+        default:
+            order.times = dice.From(1, 10);
+            break;
+    }
+    return order;
+}
+
+}  // namespace
+
+void Chaos::Run(const std::atomic<bool>& stop, Watchdog::Watched& watched) {
+    Dice dice(m_seed);
+    while (!stop) {
+        {
+            watched.Doing("waits for the calm to end");
+            const std::lock_guard lock(m_mutex);
+            const FaultOrder order = Throw(dice);
+            watched.Doing(Name(order.kind));
+            if (m_head->GetFaults().Order(order)) {
+                ++m_counts[Name(order.kind)];
+            }
+        }
+        std::this_thread::sleep_for(milliseconds(dice.From(1, 40)));
+    }
+}
+
+Chaos::Calm::Calm(Chaos& chaos) : m_lock(chaos.m_mutex) {
+    virtual_head::Faults& faults = chaos.m_head->GetFaults();
+    faults.Clear();
+    faults.ReleaseHangs();
+    faults.Order({FaultKind::BoardReturn});
+    faults.Order({FaultKind::CameraReturn});
+}
+
+}  // namespace Korvex3Sync::soak

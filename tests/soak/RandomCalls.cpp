@@ -1,0 +1,220 @@
+#include "soak/RandomCalls.h"
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "platform/os/Clock.h"
+#include "soak/Dice.h"
+
+namespace Korvex3Sync::soak {
+namespace {
+
+/// What a call may run beside.
+enum class Beside {
+    Anything,   // any other call
+    OtherKinds  // none of these: it ends the connection to the devices, or takes a snapshot
+};
+
+struct Call {
+    const char* name;
+    Beside beside;
+    std::function<void(void* const& handle, Dice& dice)> make;
+};
+
+constexpr std::chrono::milliseconds kLongestRest{2};
+constexpr int kUserPage = 256;
+/// One call in so many is one of those that stop the stream for a while.
+constexpr int kSeldom = 40;
+
+int Number(Dice& dice) {
+    static const std::vector<int> odd{-1, 0, 101, 255, 256, 70000, -2147483647 - 1, 2147483647};
+    return dice.Once(8) ? dice.OneOf(odd) : dice.From(0, 100);
+}
+
+template <class Enumeration>
+Enumeration Value(Dice& dice) {
+    return static_cast<Enumeration>(dice.From(-1, 8));
+}
+
+void Free(std::vector<unsigned char*>& images) {
+    for (unsigned char* image : images) {
+        delete[] image;
+    }
+}
+
+void TakeSnapshot(void* const& handle, Dice& dice) {
+    std::vector<unsigned char*> images;
+    int width = 0;
+    int height = 0;
+    double exposure = dice.From(0, 260) / 10.0;
+    int gain = dice.From(-1, 20);
+    SnapColorImage(handle, images, width, height, dice.From(-1, 4), exposure, gain,
+                   Value<CONTROLROUTE>(dice));
+    Free(images);
+}
+
+void TakeIrSnapshot(void* const& handle, Dice& dice) {
+    std::vector<unsigned char*> images;
+    int width = 0;
+    int height = 0;
+    std::vector<double> exposures(static_cast<std::size_t>(dice.Once(4) ? 1 : 2), 3.0);
+    std::vector<int> gains(2, dice.From(0, 16));
+    SnapColorImageForIR(handle, images, width, height, dice.From(0, 3), exposures, gains,
+                        Value<CONTROLROUTE>(dice));
+    Free(images);
+}
+
+void ReadSerial(void* const& handle, Dice& dice) {
+    char* serial = nullptr;
+    GetCameraSerialNumber(handle, dice.From(-1, 3), serial);
+    delete[] serial;
+}
+
+void ReadUserPage(void* const& handle, Dice& dice) {
+    char page[kUserPage] = {};
+    char* data = page;
+    ReadUserInfomation(handle, dice.From(-1, 16), data);
+}
+
+void WriteUserPage(void* const& handle, Dice& dice) {
+    const std::string data(kUserPage, 'k');
+    WriteUserInfomation(handle, dice.From(-1, 16), data.c_str(), dice.From(0, kUserPage));
+}
+
+std::vector<Call> OrdinaryCalls() {
+    constexpr Beside any = Beside::Anything;
+    using H = void* const&;
+    using D = Dice&;
+    return {
+        {"Project", any, [](H h, D d) { Project(h, Value<PROJECTWORKTYPES>(d)); }},
+        {"SetProjectorBrightness", any, [](H h, D d) { SetProjectorBrightness(h, Number(d)); }},
+        {"GetProjectorBrightness", any,
+         [](H h, D) {
+             int v = 0;
+             GetProjectorBrightness(h, v);
+         }},
+        {"EnableBlueLaser", any,
+         [](H h, D d) { EnableBlueLaser(h, Value<LASERWORKMODE>(d), d.Once(2)); }},
+        {"EnableIRLaser", any, [](H h, D d) { EnableIRLaser(h, d.Once(2)); }},
+        {"SetIRLaserBrightnessLevel", any,
+         [](H h, D d) { SetIRLaserBrightnessLevel(h, Number(d)); }},
+        {"SetStrobeControlledByTrigger", any,
+         [](H h, D d) {
+             SetStrobeControlledByTrigger(h, Value<CONTROLROUTE>(d), Value<STROBE_STATE>(d));
+         }},
+        {"SetStrobeDutioRatio", any,
+         [](H h, D d) { SetStrobeDutioRatio(h, Number(d), Number(d), Number(d)); }},
+        {"GetStrobeDutioRatio", any,
+         [](H h, D) {
+             int a = 0, b = 0, c = 0;
+             GetStrobeDutioRatio(h, a, b, c);
+         }},
+        {"SetLaserLineDutioRatio", any, [](H h, D d) { SetLaserLineDutioRatio(h, Number(d)); }},
+        {"GetLaserLineDutioRatio", any,
+         [](H h, D) {
+             int v = 0;
+             GetLaserLineDutioRatio(h, v);
+         }},
+        {"SetProjectDutioRatio", any, [](H h, D d) { SetProjectDutioRatio(h, Number(d)); }},
+        {"SetIRLaserDutioRatio", any, [](H h, D d) { SetIRLaserDutioRatio(h, Number(d)); }},
+        {"SetStrobeWorkTime", any, [](H h, D d) { SetStrobeWorkTime(h, Number(d), Number(d)); }},
+        {"GetStrobeWorkTime", any,
+         [](H h, D) {
+             int a = 0, b = 0;
+             GetStrobeWorkTime(h, a, b);
+         }},
+        {"SetLaserLineWorkTime", any, [](H h, D d) { SetLaserLineWorkTime(h, Number(d)); }},
+        {"SetProjectWorkTime", any, [](H h, D d) { SetProjectWorkTime(h, Number(d)); }},
+        {"SetIRLaserWorkTime", any, [](H h, D d) { SetIRLaserWorkTime(h, Number(d)); }},
+        {"SetVideoTriggerPeriod", any, [](H h, D d) { SetVideoTriggerPeriod(h, d.From(-1, 4)); }},
+        {"GetVideoTriggerPeriod", any,
+         [](H h, D) {
+             int v = 0;
+             GetVideoTriggerPeriod(h, v);
+         }},
+        {"EnableVideoTrigger", any,
+         [](H h, D d) { EnableVideoTrigger(h, Value<CAMERA_TRIGGER_MODE>(d), !d.Once(4)); }},
+        {"SetDistanceIndicate", any,
+         [](H h, D d) { SetDistanceIndicate(h, Value<DISTANCESTATUS>(d)); }},
+        {"EnableHeartbeat", any,
+         [](H h, D d) {
+             bool on = d.Once(2);
+             EnableHeartbeat(h, on);
+         }},
+        {"GetConnectCameraCount", any,
+         [](H h, D) {
+             int n = 0;
+             GetConnectCameraCount(h, n);
+         }},
+        {"GetCameraSerialNumber", any, ReadSerial},
+        {"GetCameraResolution", any,
+         [](H h, D d) {
+             int w = 0, v = 0;
+             GetCameraResolution(h, d.From(-1, 3), w, v);
+         }},
+        {"SetCameraExposureAndGain", any,
+         [](H h, D d) {
+             SetCameraExposureAndGain(h, d.From(-1, 4), d.From(0, 300) / 10.0, Number(d));
+         }},
+        {"GetCameraExposureAndGain", any,
+         [](H h, D d) {
+             double e = 0;
+             int g = 0;
+             GetCameraExposureAndGain(h, d.From(0, 3), e, g);
+         }},
+        {"ReadUserInfomation", any, ReadUserPage},
+        {"WriteUserInfomation", any, WriteUserPage},
+        {"GetScanStatistics", any,
+         [](H h, D) {
+             ScanStatistics s;
+             GetScanStatistics(h, s);
+         }},
+    };
+}
+
+std::vector<Call> SeldomCalls() {
+    constexpr Beside other = Beside::OtherKinds;
+    using H = void* const&;
+    using D = Dice&;
+    return {
+        {"ReconnectDevice", other, [](H h, D) { ReconnectDevice(h); }},
+        {"ReconnectDevice(two flags)", other,
+         [](H h, D d) { ReconnectDevice(h, d.Once(2), d.Once(2)); }},
+        {"CloseDeviceCamera, ReconnectDevice", other,
+         [](H h, D) {
+             CloseDeviceCamera(h);
+             ReconnectDevice(h);
+         }},
+        {"SnapColorImage", other, TakeSnapshot},
+        {"SnapColorImageForIR", other, TakeIrSnapshot},
+    };
+}
+
+}  // namespace
+
+void RandomCalls::Run(const std::atomic<bool>& stop, Watchdog::Watched& watched) {
+    const std::vector<Call> ordinary = OrdinaryCalls();
+    const std::vector<Call> seldom = SeldomCalls();
+    Dice dice(m_seed);
+    while (!stop) {
+        const Call& call = dice.OneOf(dice.Once(kSeldom) ? seldom : ordinary);
+        {
+            const std::shared_lock lock(m_head.using_);
+            watched.Doing(call.name);
+            if (m_head.handle != nullptr) {
+                std::unique_lock turn(m_head.turn, std::defer_lock);
+                if (call.beside == Beside::OtherKinds) {
+                    turn.lock();
+                }
+                call.make(m_head.handle, dice);
+                ++m_counts[call.name];
+            }
+        }
+        watched.Doing("rests");
+        std::this_thread::sleep_for(
+            std::chrono::milliseconds(dice.From(0, static_cast<int>(kLongestRest.count()))));
+    }
+}
+
+}  // namespace Korvex3Sync::soak

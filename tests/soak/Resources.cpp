@@ -1,0 +1,49 @@
+#include "soak/Resources.h"
+
+#include <malloc.h>
+
+#include <algorithm>
+#include <filesystem>
+
+// Where a sanitizer has taken the allocator over, it is the one to ask.
+extern "C" std::size_t __sanitizer_get_current_allocated_bytes() __attribute__((weak));
+
+namespace Korvex3Sync::soak {
+namespace {
+
+constexpr std::size_t kWarmingUp = 3;
+/// Buffers of logs and queues that grow to their bound late; a lost image set of each connection
+/// would be past it in no time.
+constexpr std::size_t kMostGrowth = std::size_t{4} << 20U;
+
+}  // namespace
+
+Resources Resources::Now() {
+    const std::filesystem::directory_iterator tasks("/proc/self/task");
+    Resources now;
+    now.threads = static_cast<std::size_t>(std::distance(begin(tasks), end(tasks)));
+    now.bytes = __sanitizer_get_current_allocated_bytes != nullptr
+                    ? __sanitizer_get_current_allocated_bytes()
+                    : mallinfo2().uordblks + mallinfo2().hblkhd;
+    return now;
+}
+
+std::string ResourceWatch::Look() {
+    m_last = Resources::Now();
+    if (++m_looks <= kWarmingUp) {
+        m_first = {std::max(m_first.threads, m_last.threads),
+                   std::max(m_first.bytes, m_last.bytes)};
+        return "";
+    }
+    if (m_last.threads > m_first.threads) {
+        return "threads grew from " + std::to_string(m_first.threads) + " to " +
+               std::to_string(m_last.threads);
+    }
+    if (m_last.bytes > m_first.bytes + kMostGrowth) {
+        return "memory grew from " + std::to_string(m_first.bytes) + " to " +
+               std::to_string(m_last.bytes) + " bytes";
+    }
+    return "";
+}
+
+}  // namespace Korvex3Sync::soak

@@ -1,0 +1,275 @@
+// Scans a virtual head while a second thread makes random calls and a third injects random faults.
+// Whatever happens: nothing crashes, nothing hangs, nothing grows, and every trigger is delivered
+// or counted as lost with its place. Prints its seed first; with --seed it throws the same dice.
+
+#include <glog/logging.h>
+
+#include <CLI/CLI.hpp>
+#include <atomic>
+#include <chrono>
+#include <cstdio>
+#include <random>
+#include <string>
+#include <thread>
+
+#include "platform/os/TimeScale.h"
+#include "soak/Accounts.h"
+#include "soak/Chaos.h"
+#include "soak/Dice.h"
+#include "soak/RandomCalls.h"
+#include "soak/Resources.h"
+#include "soak/SoakHead.h"
+#include "soak/Watchdog.h"
+#include "virtual_head/Request.h"
+
+namespace Korvex3Sync::soak {
+namespace {
+
+using std::chrono::milliseconds;
+using std::chrono::seconds;
+using std::chrono::steady_clock;
+
+/// A snapshot's 100 s become 0.5 s, a board restart's 7 s become 35 ms.
+constexpr double kTimeScale = 0.005;
+constexpr seconds kHangLimit{90};
+constexpr seconds kDeadline{60};
+constexpr unsigned long kCalmSets = 30;
+
+struct Options {
+    int seconds = 30;
+    std::uint64_t seed = 0;
+};
+
+class Soak {
+public:
+    Soak(const Options& options, std::shared_ptr<virtual_head::VirtualHead> head)
+        : m_end(steady_clock::now() + seconds(options.seconds)),
+          m_virtualHead(head),
+          m_dice(options.seed),
+          m_calls(m_head, options.seed + 1),
+          m_chaos(std::move(head), options.seed + 2),
+          m_watchdog(kHangLimit) {}
+
+    bool Run() {
+        std::thread caller([this] { m_calls.Run(m_stop, m_watchdog.Of(Watchdog::Caller)); });
+        std::thread faults([this] { m_chaos.Run(m_stop, m_watchdog.Of(Watchdog::FaultThread)); });
+        while (m_wrong.empty() && steady_clock::now() < m_end) {
+            OneConnection();
+        }
+        m_stop = true;
+        Doing("waits for the others to stop");
+        caller.join();
+        faults.join();
+        Print();
+        return m_wrong.empty();
+    }
+
+private:
+    void Doing(const char* what) { m_watchdog.Of(Watchdog::Scanner).Doing(what); }
+    void Wrong(const std::string& what) { m_wrong.push_back(what); }
+
+    void OneConnection() {
+        const virtual_head::HeadCounts before = m_virtualHead->Counts();
+        if (!Connect()) {
+            return;
+        }
+        ++m_connections;
+        for (int scan = m_dice.From(1, 5); scan > 0 && steady_clock::now() < m_end; --scan) {
+            Scan();
+            if (m_dice.Once(3)) {
+                ScanInCalm();
+            }
+        }
+        Disconnect(before);
+    }
+
+    bool Connect() {
+        const std::unique_lock alone(m_head.using_);
+        Doing("connects");
+        const RETSTATUS status = m_head.Connect();
+        if (status != STATUS_SUCCESS) {
+            ++m_refused;
+        }
+        return status == STATUS_SUCCESS;
+    }
+
+    /// Whatever the faults and the other calls make of it.
+    void Scan() {
+        const unsigned long sets = SoakHead::Sets();
+        const auto until = steady_clock::now() + milliseconds(m_dice.From(50, 400));
+        while (steady_clock::now() < until && SoakHead::Sets() < sets + 100) {
+            const std::shared_lock lock(m_head.using_);
+            Doing("scans");
+            EnableVideoTrigger(m_head.handle, Mode(), true);
+            std::this_thread::sleep_for(milliseconds(m_dice.From(5, 30)));
+        }
+    }
+
+    CAMERA_TRIGGER_MODE Mode() {
+        return static_cast<CAMERA_TRIGGER_MODE>(
+            m_dice.From(TRIGGER_LASER_LINES, TRIGGER_LASER_LINES_COLOR));
+    }
+
+    /// Without faults and other calls, a reconnection brings everything back and nothing is lost.
+    void ScanInCalm() {
+        const std::unique_lock alone(m_head.using_);
+        Doing("waits for calm");
+        const Chaos::Calm calm(m_chaos);
+        Doing("reconnects in calm");
+        const RETSTATUS reconnected = ReconnectDevice(m_head.handle);
+        if (reconnected != STATUS_SUCCESS) {
+            Wrong("a reconnection in calm answered " + std::to_string(reconnected));
+            return;
+        }
+        Doing("stops the trigger in calm");
+        Require([&] { return EnableVideoTrigger(m_head.handle, Mode(), false); },
+                "the trigger was not switched off in calm");
+        SetVideoTriggerPeriod(m_head.handle, 2);
+        DrainFrames();
+        ScanStatistics before;
+        GetScanStatistics(m_head.handle, before);
+        const unsigned long sets = SoakHead::Sets();
+        Require([&] { return EnableVideoTrigger(m_head.handle, Mode(), true); },
+                "the trigger was not switched on in calm");
+        Doing("scans in calm");
+        WaitUntil([&] { return SoakHead::Sets() >= sets + kCalmSets; }, "no sets came in calm");
+        ScanStatistics after;
+        GetScanStatistics(m_head.handle, after);
+        if (after.missingKeys + after.refusedFrames + after.rejectedGeometry !=
+            before.missingKeys + before.refusedFrames + before.rejectedGeometry) {
+            Wrong("frames were lost in calm: " + std::to_string(after.missingKeys) + " keys, " +
+                  std::to_string(before.missingKeys) + " before");
+        }
+        ++m_calmScans;
+    }
+
+    /// Waits until no camera has a frame waiting: from then on every key is of the next run.
+    void DrainFrames() {
+        Doing("drains the cameras in calm");
+        WaitUntil(
+            [&] {
+                const virtual_head::HeadCounts counts = m_virtualHead->Counts();
+                return counts.mono.handed == counts.mono.fetched + counts.mono.dropped &&
+                       counts.color.handed == counts.color.fetched + counts.color.dropped;
+            },
+            "frames stayed in a camera in calm");
+    }
+
+    template <class Call>
+    void Require(Call call, const char* otherwise) {
+        // A board that was lost answers again once a poll has found it.
+        WaitUntil([&] { return call() == STATUS_SUCCESS; }, otherwise);
+    }
+
+    template <class Condition>
+    void WaitUntil(Condition condition, const char* otherwise) {
+        const auto deadline = steady_clock::now() + kDeadline;
+        while (!condition()) {
+            if (steady_clock::now() > deadline) {
+                Wrong(otherwise);
+                return;
+            }
+            std::this_thread::sleep_for(milliseconds(1));
+        }
+    }
+
+    void Disconnect(const virtual_head::HeadCounts& before) {
+        const std::unique_lock alone(m_head.using_);
+        Doing("waits for calm");
+        const Chaos::Calm calm(m_chaos);
+        Doing("closes the cameras");
+        // From here on no frame is taken: what is read stays true.
+        CloseDeviceCamera(m_head.handle);
+        ScanStatistics library;
+        GetScanStatistics(m_head.handle, library);
+        Doing("disconnects");
+        m_head.Disconnect();
+        Doing("settles the accounts");
+        // A board whose trigger was left running gives triggers that no camera sees; switch it off.
+        const auto head = Between(before, m_virtualHead->Counts());
+        for (const std::string& difference : Differences(head, library)) {
+            Wrong(difference);
+        }
+        Add(library, m_all);
+        m_triggers += head.triggers;
+        m_virtualHead->GetJournal().Clear();
+        if (const std::string grown = m_resources.Look(); !grown.empty()) {
+            Wrong(grown);
+        }
+    }
+
+    void Print() const {
+        std::fprintf(stderr, "connections %lu (refused %lu), scans in calm %lu, triggers %llu\n",
+                     m_connections, m_refused, m_calmScans,
+                     static_cast<unsigned long long>(m_triggers));
+        std::fprintf(stderr, "%s", Text(m_all).c_str());
+        std::fprintf(stderr, "status callbacks %lu\n", SoakHead::Statuses());
+        std::fprintf(stderr, "bytes in use %zu at first, %zu at last; threads %zu, %zu\n",
+                     m_resources.First().bytes, m_resources.Last().bytes,
+                     m_resources.First().threads, m_resources.Last().threads);
+        PrintCounts("calls", m_calls.Counts());
+        PrintCounts("faults", m_chaos.Counts());
+        for (const std::string& wrong : m_wrong) {
+            std::fprintf(stderr, "WRONG: %s\n", wrong.c_str());
+        }
+    }
+
+    static void PrintCounts(const char* title, const std::map<std::string, unsigned long>& counts) {
+        std::string text = std::string(title) + ":";
+        for (const auto& [name, count] : counts) {
+            text += " " + name + " " + std::to_string(count) + ",";
+        }
+        text.back() = '\n';
+        std::fputs(text.c_str(), stderr);
+    }
+
+    const steady_clock::time_point m_end;
+    const std::shared_ptr<virtual_head::VirtualHead> m_virtualHead;
+    Dice m_dice;
+    SoakHead m_head;
+    RandomCalls m_calls;
+    Chaos m_chaos;
+    Watchdog m_watchdog;
+    std::atomic<bool> m_stop{false};
+    ResourceWatch m_resources;
+    ScanStatistics m_all;
+    std::uint64_t m_triggers = 0;
+    unsigned long m_connections = 0;
+    unsigned long m_refused = 0;
+    unsigned long m_calmScans = 0;
+    std::vector<std::string> m_wrong;
+};
+
+int Run(const Options& options) {
+    std::fprintf(stderr, "seed %llu\n", static_cast<unsigned long long>(options.seed));
+    // The library prints a line for each failed snap.
+    if (std::freopen("/dev/null", "w", stdout) == nullptr) {
+        return 2;
+    }
+    FLAGS_minloglevel = google::GLOG_FATAL;
+    const os::ScopedTimeScale scale(kTimeScale);
+    virtual_head::HeadDescription description;
+    description.width = 64;
+    description.height = 32;
+    std::string error;
+    if (!virtual_head::RequestVirtualHead(description, error)) {
+        std::fprintf(stderr, "%s\n", error.c_str());
+        return 2;
+    }
+    return Soak(options, virtual_head::RequestedVirtualHead()).Run() ? 0 : 1;
+}
+
+}  // namespace
+}  // namespace Korvex3Sync::soak
+
+int main(int count, char** arguments) {
+    CLI::App app("Scans, random calls and random faults at once.", "korvex_soak");
+    Korvex3Sync::soak::Options options;
+    options.seed = std::random_device()();
+    app.add_option("--seconds", options.seconds, "How long, in seconds")
+        ->check(CLI::Range(1, 1'000'000))
+        ->capture_default_str();
+    app.add_option("--seed", options.seed, "Of an earlier run, to throw its dice again");
+    CLI11_PARSE(app, count, arguments);
+    return Korvex3Sync::soak::Run(options);
+}

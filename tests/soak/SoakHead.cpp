@@ -1,0 +1,57 @@
+#include "soak/SoakHead.h"
+
+#include <atomic>
+
+namespace Korvex3Sync::soak {
+namespace {
+
+// The built-in head's two sensors, of the size that Soak.cpp asks for.
+char g_serial[] = "KV00A1001";
+constexpr int kWidth = 64;
+constexpr int kHeight = 32;
+
+std::atomic<unsigned long> g_sets{0};
+std::atomic<unsigned long> g_statuses{0};
+int g_context = 0;
+
+void OnSet(const void* const&, std::vector<unsigned char*>& images, const int& width,
+           const int& height, std::vector<int>&) {
+    // Read every byte: a released image would be found.
+    unsigned sum = 0;
+    for (const unsigned char* image : images) {
+        for (int i = 0; i < width * height; ++i) {
+            sum += image[i];
+        }
+    }
+    g_sets += sum == 0 ? 1 : 1;
+}
+
+void OnStatus(const void* const&, const unsigned char&, const unsigned char&) {
+    ++g_statuses;
+}
+
+}  // namespace
+
+RETSTATUS SoakHead::Connect() {
+    const RETSTATUS status = ConnectDevice("KV00", "", {g_serial, g_serial}, {kWidth, kWidth},
+                                           {kHeight, kHeight}, handle);
+    if (status == STATUS_SUCCESS) {
+        SetScanCallBackFunction(handle, OnSet, &g_context);
+        SetStatusCallBackFunction(handle, OnStatus, &g_context);
+    }
+    return status;
+}
+
+void SoakHead::Disconnect() {
+    DisConnectDevice(handle);
+}
+
+unsigned long SoakHead::Sets() {
+    return g_sets;
+}
+
+unsigned long SoakHead::Statuses() {
+    return g_statuses;
+}
+
+}  // namespace Korvex3Sync::soak
