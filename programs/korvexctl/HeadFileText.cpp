@@ -131,6 +131,7 @@ seed = 1
 #at_ms = 10000
 
 #[[fault]]
+# A board that opens and does not answer, 20 s after the head was asked for.
 #what = "board-mute"
 #at_ms = 20000
 # board-vanish, board-mute, camera-vanish and hang only: it ends by itself after this time.
@@ -140,6 +141,7 @@ seed = 1
 #opens = 1
 
 #[[fault]]
+# The frames of one trigger that come late.
 #what = "delay"
 #at_trigger = 500
 # delay only: how many triggers later the frames come. A count, 1 to 10000.
