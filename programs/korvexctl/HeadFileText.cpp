@@ -121,6 +121,7 @@ seed = 1
 #chance = 0.01
 
 #[[fault]]
+# Answers that come late for once.
 #what = "slow"
 # fail, slow and hang only: the platform function that meets it.
 #call = "zr3DQueryCurrentStatus"
