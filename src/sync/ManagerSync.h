@@ -196,6 +196,8 @@ private:
 
     /// Reconnects, a second time after a restart of a board that does not answer.
     int ReConnectOrRestart();
+    /// A reset command of the board library, sent to the open board.
+    bool SendReset(bool (*reset)(void* board));
     void ReOpenCameras() KORVEX_REQUIRES(m_csDevice);
     /// `record` is logged for each camera.
     void PauseAndReleaseCameras(const char* record) KORVEX_REQUIRES(m_csDevice);

@@ -52,7 +52,7 @@ int IManagerSync::ReConnectOrRestart() {
     }
     if (result == kBoardSilent) {
         PrintAndLog("Start Send Restart Report Command to Device");
-        if (board::zr3DResetDevice(m_hDevice)) {
+        if (SendReset(&board::zr3DResetDevice)) {
             PrintAndLog("Send Restart Report Command to Device");
             os::SleepFor(kRestartTime);
             result = ReConnectDevice();
@@ -157,9 +157,14 @@ RETSTATUS IManagerSync::ResetBoard(bool resetFPGA, bool resetDevice) {
     if (!resetDevice && !resetFPGA) {
         return STATUS_SUCCESS;
     }
-    const bool reset =
-        resetDevice ? board::zr3DResetDevice(m_hDevice) : board::zr3DResetFPGA(m_hDevice);
+    const bool reset = SendReset(resetDevice ? &board::zr3DResetDevice : &board::zr3DResetFPGA);
     return reset ? STATUS_SUCCESS : STATUS_FAILED;
+}
+
+bool IManagerSync::SendReset(bool (*reset)(void* board)) {
+    const bool accepted = reset(m_hDevice);
+    m_triggerStarts.ForgetState();  // either reset switches the trigger off
+    return accepted;
 }
 
 }  // namespace Korvex3Sync

@@ -51,6 +51,11 @@ void TriggerStarts::Written(bool accepted) {
     }
 }
 
+void TriggerStarts::ForgetState() {
+    os::MutexGuard lock(m_mutex);
+    m_state = State::Unknown;
+}
+
 void TriggerStarts::StartAnew() {
     os::MutexGuard lock(m_mutex);
     ++m_run.starts;

@@ -21,7 +21,10 @@ public:
     void Writing(int mode);
     /// It accepted the mode, or not: then its trigger may be in any mode.
     void Written(bool accepted);
-    /// Whether the trigger runs is not known any more, and the next run counts as a start.
+    /// Whether the trigger runs is not known any more: the next write of a running mode counts as a
+    /// start. For a reset of the board, which ends the run; from any thread, also beside a write.
+    void ForgetState();
+    /// The same, and what comes from now on counts as a start already.
     void StartAnew();
 
     Run Current() const;

@@ -147,6 +147,21 @@ TEST_F(Losses, AChangeOfTheModeWhileTheTriggerRunsMissesNothing) {
     EXPECT_EQ(Statistics().colorWithoutMono, 0u);
 }
 
+TEST_F(Losses, ARunThatAResetOfTheFpgaEndedAndTheNextOneMissNothing) {
+    Request(SmallHead());
+    ASSERT_EQ(Connect(), STATUS_SUCCESS);
+    SetCollector sets;
+    SetScanCallBackFunction(m_handle, &SetCollector::Receive, &sets);
+    for (int run = 0; run < 2; ++run) {
+        ASSERT_EQ(Trigger(TRIGGER_LASER_LINES, 2), STATUS_SUCCESS);
+        ASSERT_TRUE(WaitForTriggers(Head().Clock().Triggers() + 20));
+        ASSERT_EQ(ReconnectDevice(m_handle, true, false), STATUS_SUCCESS);
+    }
+    const ScanStatistics statistics = Drained(1, 1);
+    EXPECT_EQ(AccountedTriggers(statistics), Head().Clock().Triggers());
+    ExpectNothingLost(statistics);
+}
+
 TEST_F(Losses, FramesThatWaitInTheCameraOverAStopAndAStartAreNotMissing) {
     Request(SmallHead());
     ASSERT_EQ(Connect(), STATUS_SUCCESS);

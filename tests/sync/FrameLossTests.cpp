@@ -181,6 +181,23 @@ TEST_F(FrameLosses, AReconnectionStartsTheKeysAnew) {
     EXPECT_EQ(Handled().missingKeys, 0u);
 }
 
+TEST_F(FrameLosses, ARunAfterAResetOfTheBoardStartsTheKeysAnew) {
+    for (const bool wholeDevice : {false, true}) {
+        m_manager = std::make_unique<IManagerSync>();
+        Scan();
+        ASSERT_EQ(Trigger(TRIGGER_LASER_LINES), STATUS_SUCCESS);
+        for (unsigned char key = 0; key < 100; ++key) {
+            Mono(key);
+        }
+        EXPECT_EQ(Handled().missingKeys, 0u);
+        ASSERT_EQ(m_manager->ResetBoard(true, wholeDevice), STATUS_SUCCESS);
+        ASSERT_EQ(Trigger(TRIGGER_LASER_LINES), STATUS_SUCCESS);
+        Mono(0);
+        Mono(1);
+        EXPECT_EQ(Handled().missingKeys, 0u) << wholeDevice;
+    }
+}
+
 TEST_F(FrameLosses, SetsThatAreCompleteWithoutACallback) {
     Scan();
     m_manager->SetScanCallBackFunction(nullptr, nullptr);

@@ -59,6 +59,14 @@ TEST_F(Starts, StartingAnewIsAStartAndSoIsTheNextRun) {
     EXPECT_EQ(Write(kMono), 1u);
 }
 
+TEST_F(Starts, AfterAResetTheNextRunIsAStart) {
+    Write(kMono);
+    const auto before = m_starts.Current().starts;
+    m_starts.ForgetState();
+    EXPECT_EQ(m_starts.Current().starts, before) << "nothing runs yet";
+    EXPECT_EQ(Write(kMono), 1u);
+}
+
 TEST_F(Starts, ColourIsExpectedInTheModesThatGiveIt) {
     EXPECT_FALSE(GivesColor());
     Write(kColor);
