@@ -67,7 +67,8 @@ bool CPhysicalCameraThread::SnapOnce(zr3DCamera::ZR_IMG_FORMAT mode) {
     m_lastSnapGood = false;
     ++m_counters->failedSnaps;
     if (result != 0 && m_image != nullptr) {
-        ++m_counters->refusedFrames;
+        // Without a camera the buffer is that of its last frame, which was taken.
+        m_counters->refusedFrames += m_camera != nullptr ? 1 : 0;
         KORVEX_LOG(kLog) << "Camera " << m_cameraID << " Snap Failed and data not null. "
                          << "ret=" << result;
     }

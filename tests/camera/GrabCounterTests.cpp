@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <memory>
+#include <thread>
 
 #include "camera/Listener.h"
 #include "camera/PhysicalCameraThread.h"
@@ -59,6 +60,26 @@ TEST_F(GrabCounting, ASnapWithoutAFrameIsAFailureAndNoRefusal) {
     EXPECT_GE(m_counters->failedSnaps, 2u);
     EXPECT_EQ(m_counters->refusedFrames, 0u);
     EXPECT_EQ(m_counters->framesAccepted, 0u);
+}
+
+TEST_F(GrabCounting, ACameraThatWasReleasedRefusesNothing) {
+    CPhysicalCameraThread camera(&m_listener);
+    camera.CountInto(m_counters);
+    ASSERT_TRUE(camera.InializeCamera("KV00R1"));
+    ASSERT_TRUE(camera.OpenCamera("KV00R1", 8, 4));
+    // Each snap gives a frame, so that the last one before the pause does.
+    Recorder::Get().OnCall("SnapShot", [] { Recorder::Get().PushSnap(Good()); });
+    ASSERT_TRUE(camera.StartThread());
+    ASSERT_TRUE(Recorder::Get().WaitForHandled(1));
+    camera.PauseThread();
+    ASSERT_EQ(m_counters->failedSnaps, 0u);
+    camera.ReleaseCamera();
+    camera.ResumeThread();
+    while (m_counters->failedSnaps == 0) {
+        std::this_thread::yield();
+    }
+    camera.StopThread();
+    EXPECT_EQ(m_counters->refusedFrames, 0u);
 }
 
 TEST_F(GrabCounting, EverySnapIsCountedOnce) {
