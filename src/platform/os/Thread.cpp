@@ -1,5 +1,6 @@
 #include "platform/os/Thread.h"
 
+#include <new>
 #include <system_error>
 #include <thread>
 #include <utility>
@@ -20,14 +21,16 @@ bool Thread::Start(std::function<void()> procedure) {
     if (m_impl) {
         return false;
     }
-    auto impl = std::make_unique<Impl>();
     try {
+        auto impl = std::make_unique<Impl>();
         impl->thread = std::thread(std::move(procedure));
+        m_impl = std::move(impl);
+        return true;
     } catch (const std::system_error&) {
         return false;
+    } catch (const std::bad_alloc&) {
+        return false;
     }
-    m_impl = std::move(impl);
-    return true;
 }
 
 void Thread::Join() {

@@ -13,7 +13,7 @@ public:
     Thread(const Thread&) = delete;
     Thread& operator=(const Thread&) = delete;
 
-    /// False when the system gives no thread, or when one is running already.
+    /// False when the system gives no thread or no memory, or when one is running already.
     bool Start(std::function<void()> procedure);
     /// Waits without limit for the end of the procedure and forgets the thread. A thread that joins
     /// itself is let go instead, and ends by itself.
