@@ -1,5 +1,6 @@
 #include "camera/CameraDiscovery.h"
 
+#include <algorithm>
 #include <cstring>
 #include <memory>
 #include <string>
@@ -23,6 +24,80 @@ std::unique_ptr<char[]> CopySerial(const std::string& serial) {
     auto buffer = std::make_unique<char[]>(kSerialBuffer);
     std::strncpy(buffer.get(), serial.c_str(), kSerialBuffer - 1);
     return buffer;
+}
+
+/// Closes and releases the instances at the positions below `total`, also when memory ran out.
+class ReleaseAtEnd {
+public:
+    ReleaseAtEnd(std::vector<void*>& instances, int total)
+        : m_instances(instances), m_total(total) {}
+    ~ReleaseAtEnd() {
+        for (int i = 0; i < m_total; ++i) {
+            void*& camera = m_instances[static_cast<std::size_t>(i)];
+            if (camera != nullptr) {
+                zr3DCamera::CloseCamera(camera);
+                zr3DCamera::ReleaseCamera(camera);
+                camera = nullptr;
+            }
+        }
+    }
+    ReleaseAtEnd(const ReleaseAtEnd&) = delete;
+    ReleaseAtEnd& operator=(const ReleaseAtEnd&) = delete;
+
+private:
+    std::vector<void*>& m_instances;
+    const int m_total;
+};
+
+/// Room for as many more, so that appending them to several lists fails in none.
+template <class List>
+void MakeRoom(List& list, int more) {
+    list.reserve(list.size() + static_cast<std::size_t>(std::max(more, 0)));
+}
+
+/// Reads the camera of each instance; closes and releases the instances.
+int ReadCameras(std::vector<void*>& instances, int total, std::vector<char*>& serials,
+                std::vector<int>& widths, std::vector<int>& heights, std::vector<bool>& isColor) {
+    const ReleaseAtEnd release(instances, total);
+    MakeRoom(serials, total);
+    MakeRoom(widths, total);
+    MakeRoom(heights, total);
+    MakeRoom(isColor, total);
+    int read = 0;
+    for (int i = 0; i < total; ++i) {
+        void* const camera = instances[static_cast<std::size_t>(i)];
+        if (camera == nullptr) {
+            continue;
+        }
+        const int native = 0;
+        if (zr3DCamera::OpenCamera(camera, i, native, native) != 0) {
+            std::printf("Open Camera %d Failed\n", i);
+            continue;
+        }
+        std::string serial;
+        if (zr3DCamera::GetSerialNo(camera, serial) != 0) {
+            std::printf("Get Camera %d Serial Failed\n", i);
+            continue;
+        }
+        int width = 0;
+        int height = 0;
+        zr3DCamera::GetResolution(camera, width, height);
+        auto text = CopySerial(serial);
+        widths.push_back(width);
+        heights.push_back(height);
+        serials.push_back(text.release());
+        zr3DCamera::ZR_IMG_FORMAT mode{1};
+        zr3DCamera::GetColorMode(camera, mode);
+        const bool color = IsColorCamera(mode);
+        std::printf("Camera Is Color Mode: %d\n", color ? 1 : 0);
+        isColor.push_back(color);
+        ++read;
+        int low = 0;
+        int high = 0;
+        zr3DCamera::GetGainRange(camera, low, high);
+        std::printf("Camera %d gain range %d - %d\n", i, low, high);
+    }
+    return read;
 }
 
 }  // namespace
@@ -58,49 +133,7 @@ int GetAllSpecifyTypeCameraInformation(const char* const& cameraType, std::vecto
         total = static_cast<int>(instances.size());
     }
 
-    int read = 0;
-    for (int i = 0; i < total; ++i) {
-        void* const camera = instances[static_cast<std::size_t>(i)];
-        if (camera == nullptr) {
-            continue;
-        }
-        const int native = 0;
-        if (zr3DCamera::OpenCamera(camera, i, native, native) != 0) {
-            std::printf("Open Camera %d Failed\n", i);
-            continue;
-        }
-        std::string serial;
-        if (zr3DCamera::GetSerialNo(camera, serial) != 0) {
-            std::printf("Get Camera %d Serial Failed\n", i);
-            continue;
-        }
-        int width = 0;
-        int height = 0;
-        zr3DCamera::GetResolution(camera, width, height);
-        auto text = CopySerial(serial);
-        widths.push_back(width);
-        heights.push_back(height);
-        serials.push_back(text.release());
-        zr3DCamera::ZR_IMG_FORMAT mode{1};
-        zr3DCamera::GetColorMode(camera, mode);
-        const bool color = IsColorCamera(mode);
-        std::printf("Camera Is Color Mode: %d\n", color ? 1 : 0);
-        isColor.push_back(color);
-        ++read;
-        int low = 0;
-        int high = 0;
-        zr3DCamera::GetGainRange(camera, low, high);
-        std::printf("Camera %d gain range %d - %d\n", i, low, high);
-    }
-
-    for (int i = 0; i < total; ++i) {
-        void*& camera = instances[static_cast<std::size_t>(i)];
-        if (camera != nullptr) {
-            zr3DCamera::CloseCamera(camera);
-            zr3DCamera::ReleaseCamera(camera);
-            camera = nullptr;
-        }
-    }
+    const int read = ReadCameras(instances, total, serials, widths, heights, isColor);
     KORVEX_LOG(kLog) << "GetAllSpecifyTypeCameraInformation tmpRealCount=" << read;
     return read;
 }

@@ -2,6 +2,7 @@
 
 #include <cstring>
 #include <memory>
+#include <new>
 #include <thread>
 
 #include "camera/CameraDiscovery.h"
@@ -133,6 +134,20 @@ TEST_F(Discovery, WithNoCameraTheFirstInstanceIsNeitherClosedNorReleased) {
     Recorder::Get().Attach({});
     EXPECT_EQ(Read("KV00"), 0);
     EXPECT_EQ(Recorder::Get().Calls(), (Calls{"CreateCamera(KV00)", "GetDeviceTotal(C1)"}));
+}
+
+TEST_F(Discovery, WithoutMemoryKeepsNoCameraOpenAndTheListsOfOneLength) {
+    Recorder::Get().OnCall("GetGainRange", [] { throw std::bad_alloc(); });
+    testing::internal::CaptureStdout();
+    EXPECT_THROW(
+        GetAllSpecifyTypeCameraInformation("KV", m_serials, m_widths, m_heights, m_isColor),
+        std::bad_alloc);
+    testing::internal::GetCapturedStdout();
+    EXPECT_EQ(Recorder::Get().Count("CreateCamera"), 2u);
+    EXPECT_EQ(Recorder::Get().Count("CloseCamera"), 2u);
+    EXPECT_EQ(Recorder::Get().Count("ReleaseCamera"), 2u);
+    EXPECT_EQ(m_serials.size(), 1u);
+    EXPECT_EQ(m_isColor.size(), 1u);
 }
 
 TEST_F(Discovery, AppendsToWhatTheCallerHas) {
