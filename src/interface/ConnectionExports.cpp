@@ -45,8 +45,10 @@ RETSTATUS ConnectDevice(const char* const& deviceType, const char* const& projec
     }
     return NoThrow([&] {
         auto manager = std::make_unique<IManagerSync>();
-        const RETSTATUS status =
-            manager->Connect(deviceType, projectorId, cameraNames, cameraParamA, cameraParamB);
+        const RETSTATUS status = NoThrow([&] {
+            return manager->Connect(deviceType, projectorId, cameraNames, cameraParamA,
+                                    cameraParamB);
+        });
         if (status == STATUS_SUCCESS) {
             handle = manager.release();
             KORVEX_LOG(kInterfaceLog) << "Success Connnect Device hSync=" << handle;
@@ -117,9 +119,11 @@ RETSTATUS GetFirewareVersion(void* handle, const char* deviceType, const char* p
         return ServiceCall();
     }
     return NoThrow([&] {
-        const RETSTATUS status = handle != nullptr
-                                     ? ManagerOf(handle).GetFirewareVersion(projectorId, version)
+        // A query that runs out of memory is a failed one, and ends the connection as any does.
+        const RETSTATUS status = NoThrow([&] {
+            return handle != nullptr ? ManagerOf(handle).GetFirewareVersion(projectorId, version)
                                      : IManagerSync().GetFirewareVersion(projectorId, version);
+        });
         if (status == STATUS_SUCCESS) {
             KORVEX_LOG(kInterfaceLog) << "versionString=" << version;
         } else {

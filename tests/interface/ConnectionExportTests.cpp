@@ -1,7 +1,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <new>
 #include <sstream>
+#include <utility>
 
 #include "interface/Connected.h"
 #include "support/LogCapture.h"
@@ -46,6 +48,17 @@ TEST_F(ConnectionExports, AFailedConnectLeavesTheHandleAndDestroysTheManager) {
     EXPECT_TRUE(m_log.Has("KorvexSyncControl: Connect Device Failed!"));
     EXPECT_TRUE(m_log.Has(kEndRecord));
     EXPECT_TRUE(m_log.Has("KorvexSyncControl: ConnectDevice leave"));
+    EXPECT_EQ(Recorder::Get().Calls().back(), "zr3DExitHidDev(B1)");
+}
+
+TEST_F(ConnectionExports, AConnectThatRunsOutOfMemoryIsAFailedOne) {
+    Recorder::Get().OnCall("StartCamera", [] { throw std::bad_alloc(); });
+    EXPECT_EQ(Connect(), STATUS_FAILED);
+    EXPECT_EQ(m_handle, nullptr);
+    EXPECT_TRUE(m_log.Has("KorvexSyncControl: Connect Device Failed!"));
+    EXPECT_TRUE(m_log.Has(kEndRecord));
+    EXPECT_TRUE(m_log.Has("KorvexSyncControl: ConnectDevice leave"));
+    EXPECT_EQ(Recorder::Get().Count("ReleaseCamera"), 1u);
     EXPECT_EQ(Recorder::Get().Calls().back(), "zr3DExitHidDev(B1)");
 }
 
@@ -183,6 +196,17 @@ TEST_F(ConnectionExports, AFailedFirmwareQueryThroughAHandleEndsTheConnection) {
     EXPECT_TRUE(m_log.Has("KorvexSyncControl: Get FWVersion Failed"));
     EXPECT_TRUE(m_log.Has("KorvexSyncControl: DisConnectDevice hSync=" + Pointer(stale)));
     EXPECT_TRUE(m_log.Has(kEndRecord));
+    EXPECT_TRUE(m_log.Has("KorvexSyncControl: GetFirewareVersion leave"));
+}
+
+TEST_F(ConnectionExports, AFirmwareQueryThatRunsOutOfMemoryEndsTheConnectionToo) {
+    ASSERT_EQ(Connect(), STATUS_SUCCESS);
+    void* const stale = std::exchange(m_handle, nullptr);
+    Recorder::Get().OnCall("zr3DQueryProjectorFirewareVersion", [] { throw std::bad_alloc(); });
+    std::string version;
+    EXPECT_EQ(GetFirewareVersion(stale, nullptr, nullptr, version), STATUS_FAILED);
+    EXPECT_EQ(Recorder::Get().Calls().back(), "zr3DExitHidDev(B1)");
+    EXPECT_TRUE(m_log.Has("KorvexSyncControl: DisConnectDevice hSync=" + Pointer(stale)));
     EXPECT_TRUE(m_log.Has("KorvexSyncControl: GetFirewareVersion leave"));
 }
 
