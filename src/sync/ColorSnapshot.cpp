@@ -28,6 +28,18 @@ constexpr CONTROLROUTE kInfraredRoute = CONTROL_ROUTE_1;
 /// Exposures and gains of an infrared snapshot: one each for the second and third image.
 constexpr std::size_t kInfraredSettings = 2;
 
+/// Keeps a camera paused for a scope.
+class Paused {
+public:
+    explicit Paused(CPhysicalCameraThread& camera) : m_camera(camera) { m_camera.PauseThread(); }
+    ~Paused() { m_camera.ResumeThread(); }
+    Paused(const Paused&) = delete;
+    Paused& operator=(const Paused&) = delete;
+
+private:
+    CPhysicalCameraThread& m_camera;
+};
+
 }  // namespace
 
 struct IManagerSync::SnapPhase {
@@ -57,9 +69,19 @@ void IManagerSync::RestartCameras() {
     CheckNotInScanCallback(this);
     os::CriticalSectionGuard device(m_csDevice);
     for (auto& camera : m_cameras) {
-        camera->PauseThread();
+        const Paused paused(*camera);
         camera->ResetCameraState();
-        camera->ResumeThread();
+    }
+}
+
+template <class Steps>
+RETSTATUS IManagerSync::Snapshot(Steps steps) {
+    try {
+        return steps();
+    } catch (...) {
+        m_colorCatch.End();
+        m_colorCatch.ReleaseAll();
+        throw;
     }
 }
 
@@ -124,18 +146,20 @@ RETSTATUS IManagerSync::HandOver(std::size_t count, std::vector<unsigned char*>&
 RETSTATUS IManagerSync::SnapColorImage(std::vector<unsigned char*>& images, int& width, int& height,
                                        const int& camOrder, const double& exposure, const int& gain,
                                        const CONTROLROUTE& route) {
-    if (!SnapFirst(route)) {
-        return STATUS_FAILED;
-    }
-    const bool caught = SnapNext(
-        {"SnapColorImage1", "SnapColorImage2", route, kNextStrobe, camOrder, exposure, gain, true});
-    m_colorCatch.End();
-    if (!caught) {
-        m_colorCatch.ReleaseFirst(1);
-        KORVEX_LOG(kLog) << "SnapColorImage end failed";
-        return STATUS_FAILED;
-    }
-    return HandOver(2, images, width, height);
+    return Snapshot([&] {
+        if (!SnapFirst(route)) {
+            return STATUS_FAILED;
+        }
+        const bool caught = SnapNext({"SnapColorImage1", "SnapColorImage2", route, kNextStrobe,
+                                      camOrder, exposure, gain, true});
+        m_colorCatch.End();
+        if (!caught) {
+            m_colorCatch.ReleaseFirst(1);
+            KORVEX_LOG(kLog) << "SnapColorImage end failed";
+            return STATUS_FAILED;
+        }
+        return HandOver(2, images, width, height);
+    });
 }
 
 RETSTATUS IManagerSync::SnapColorImageForIR(std::vector<unsigned char*>& images, int& width,
@@ -146,25 +170,27 @@ RETSTATUS IManagerSync::SnapColorImageForIR(std::vector<unsigned char*>& images,
     if (exposures.size() != kInfraredSettings || gains.size() != kInfraredSettings) {
         return STATUS_PARAMETER;
     }
-    if (!SnapFirst(route)) {
-        return STATUS_FAILED;
-    }
-    if (!SnapNext({"SnapColorImage1", "SnapColorImage1", route, kNextStrobe, camOrder, exposures[0],
-                   gains[0], true})) {
-        m_colorCatch.ReleaseFirst(1);
+    return Snapshot([&] {
+        if (!SnapFirst(route)) {
+            return STATUS_FAILED;
+        }
+        if (!SnapNext({"SnapColorImage1", "SnapColorImage1", route, kNextStrobe, camOrder,
+                       exposures[0], gains[0], true})) {
+            m_colorCatch.ReleaseFirst(1);
+            m_colorCatch.End();
+            KORVEX_LOG(kLog) << "SnapColorImage end failed";
+            return STATUS_FAILED;
+        }
+        const bool caught = SnapNext({"SnapColorImage2", "SnapColorImage2", kInfraredRoute,
+                                      kFirstStrobe, camOrder, exposures[1], gains[1], false});
         m_colorCatch.End();
-        KORVEX_LOG(kLog) << "SnapColorImage end failed";
-        return STATUS_FAILED;
-    }
-    const bool caught = SnapNext({"SnapColorImage2", "SnapColorImage2", kInfraredRoute,
-                                  kFirstStrobe, camOrder, exposures[1], gains[1], false});
-    m_colorCatch.End();
-    if (!caught) {
-        m_colorCatch.ReleaseFirst(2);
-        KORVEX_LOG(kLog) << "SnapColorImage end failed";
-        return STATUS_FAILED;
-    }
-    return HandOver(3, images, width, height);
+        if (!caught) {
+            m_colorCatch.ReleaseFirst(2);
+            KORVEX_LOG(kLog) << "SnapColorImage end failed";
+            return STATUS_FAILED;
+        }
+        return HandOver(3, images, width, height);
+    });
 }
 
 }  // namespace Korvex3Sync

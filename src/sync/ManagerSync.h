@@ -31,9 +31,10 @@ namespace Korvex3Sync {
 /// One connected head in direct mode: the board, its cameras, the pairing of their frames and the
 /// status thread.
 ///
-/// Locks, each taken alone but for these orders: m_csDevice before m_csStatus, and m_csDevice
-/// before a camera's pause lock. m_csDevice covers board I/O and the camera list, m_csFrame the
-/// pairing and the scan callback (which runs with it held), m_csStatus the status callback (which
+/// Locks, each taken alone but for these orders: m_csDevice before m_csStatus; m_csDevice before a
+/// camera's pause lock; a camera's pause and snap locks before m_csFrame, on its grab thread.
+/// m_csDevice covers board I/O and the camera list, m_csFrame the pairing and the scan callback
+/// (which runs with these three held), m_csStatus the status callback (which
 /// runs with m_csDevice and m_csStatus held). The camera list changes only while no grab thread
 /// runs, so the frame handler reads it under m_csFrame alone.
 class IManagerSync : public PhysicalCameraThreadListener {
@@ -194,6 +195,8 @@ private:
     bool OpenAndStartCameras();
     void StartGrabbing(std::size_t serialCount);
 
+    class Parked;
+
     /// Reconnects, a second time after a restart of a board that does not answer.
     int ReConnectOrRestart();
     /// A reset command of the board library, sent to the open board.
@@ -208,6 +211,10 @@ private:
     int ChannelCount() const;
 
     void SwitchSnapTrigger(bool on);
+    /// Runs the steps of a snapshot. What one that threw had caught is freed, and nothing is caught
+    /// for it any more.
+    template <class Steps>
+    RETSTATUS Snapshot(Steps steps);
     /// Whether the frame came.
     bool SnapFirst(const CONTROLROUTE& route);
     bool SnapNext(const SnapPhase& phase);

@@ -35,13 +35,28 @@ void PrintAndLog(const char* text) {
 
 }  // namespace
 
+/// Parks the status thread while it lives. At its end, also when memory ran out meanwhile, that
+/// thread and the grab threads go on.
+class IManagerSync::Parked {
+public:
+    explicit Parked(IManagerSync& manager) : m_manager(manager) {
+        m_manager.m_bPauseStatusCheck = true;
+    }
+    ~Parked() {
+        m_manager.m_bPauseStatusCheck = false;
+        m_manager.ReInitializeCamera(false);
+    }
+    Parked(const Parked&) = delete;
+    Parked& operator=(const Parked&) = delete;
+
+private:
+    IManagerSync& m_manager;
+};
+
 int IManagerSync::ReConnectDeviceEx() {
-    m_bPauseStatusCheck = true;
+    const Parked parked(*this);
     ReInitializeCamera(true);
-    const int result = ReConnectOrRestart();
-    m_bPauseStatusCheck = false;
-    ReInitializeCamera(false);
-    return result;
+    return ReConnectOrRestart();
 }
 
 int IManagerSync::ReConnectOrRestart() {

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <new>
 #include <thread>
 
 #include "sync/ReconnectedManager.h"
@@ -83,6 +84,20 @@ TEST_F(AroundReconnection, TheStatusThreadLeavesTheBoardAloneWhileItRestarts) {
     ASSERT_TRUE(Recorder::Get().WaitForCount("zr3DQueryCurrentStatus",
                                              Recorder::Get().Count("zr3DQueryCurrentStatus") + 3))
         << "it goes on afterwards";
+}
+
+TEST_F(AroundReconnection, OneThatRunsOutOfMemoryLetsEverythingGoOn) {
+    Connect();
+    m_manager->SetStatusCallBackFunction(&IgnoreStatus, &m_frames);
+    Recorder::Get().OnCall("GetDeviceType", [] { throw std::bad_alloc(); });
+    EXPECT_THROW(Reconnect(), std::bad_alloc);
+    testing::internal::GetCapturedStdout();
+    EXPECT_TRUE(FramesFlow()) << "the cameras are not paused";
+    const auto polls = Recorder::Get().Count("zr3DQueryCurrentStatus");
+    EXPECT_TRUE(Recorder::Get().WaitForCount("zr3DQueryCurrentStatus", polls + 2))
+        << "the status thread is not parked";
+    Recorder::Get().OnCall("GetDeviceType", {});
+    EXPECT_EQ(Reconnect(), 0);
 }
 
 TEST_F(AroundReconnection, TwoResetsAtOnceOpenTheBoardOnce) {

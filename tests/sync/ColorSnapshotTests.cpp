@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <memory>
+#include <new>
 #include <optional>
 
 #include "platform/os/TimeScale.h"
@@ -243,6 +244,18 @@ TEST_F(ColorSnapshot, ColourFramesGoTheNormalWayOnceItIsOver) {
     PushColor();
     ASSERT_TRUE(Recorder::Get().WaitForHandled(m_pushed));
     EXPECT_EQ(caught(), 2);
+}
+
+TEST_F(ColorSnapshot, OneThatRunsOutOfMemoryLeavesNothingBehind) {
+    m_handledBeforeWait = true;
+    Recorder::Get().OnCall("ResetCameraState", [] { throw std::bad_alloc(); });
+    EXPECT_THROW(Snap(), std::bad_alloc);
+    EXPECT_TRUE(m_images.empty());
+    Recorder::Get().OnCall("ResetCameraState", {});
+    PushColor();
+    ASSERT_TRUE(Recorder::Get().WaitForHandled(m_pushed)) << "the camera is not paused";
+    EXPECT_EQ(Snap(), STATUS_SUCCESS);
+    EXPECT_THAT(Values(), ElementsAre(3, 4)) << "nothing was caught before";
 }
 
 TEST_F(ColorSnapshot, ARouteThatIsNoneStopsNothing) {
