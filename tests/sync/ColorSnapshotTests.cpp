@@ -1,10 +1,12 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <memory>
 #include <new>
 #include <optional>
 
+#include "platform/os/Clock.h"
 #include "platform/os/TimeScale.h"
 #include "recorder/SingleColor.h"
 #include "support/LogCapture.h"
@@ -165,6 +167,15 @@ TEST_F(ColorSnapshot, WithoutAFirstFrameFailsAndLeavesTheTriggerOn) {
         EXPECT_TRUE(m_images.empty());
         EXPECT_EQ(m_width, 1);
     }
+}
+
+TEST_F(ColorSnapshot, WaitsAHundredSecondsForItsFrame) {
+    m_framesWanted = 0;
+    const auto begin = std::chrono::steady_clock::now();
+    EXPECT_EQ(Snap(), STATUS_FAILED);
+    ASSERT_TRUE(m_short) << "the time of the wait";
+    EXPECT_GE(std::chrono::steady_clock::now() - begin, os::Scaled(std::chrono::seconds(100)))
+        << "it may take longer";
 }
 
 TEST_F(ColorSnapshot, WithoutASecondFrameFailsAndDropsTheFirst) {

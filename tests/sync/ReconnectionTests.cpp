@@ -1,7 +1,9 @@
 #include <gmock/gmock.h>
 
 #include <algorithm>
+#include <chrono>
 
+#include "platform/os/Clock.h"
 #include "sync/ReconnectedManager.h"
 
 namespace Korvex3Sync {
@@ -164,6 +166,18 @@ TEST_F(Reconnection, ASilentBoardIsRestartedAndTriedOnceMoreThenItIsThree) {
                                "QueryCurrentStatus failed.",
                                "ReConnectDevice ret=3",
                                "ReConnectDeviceEx ret=3"}));
+}
+
+TEST_F(Reconnection, ABoardIsGivenSevenSecondsToRestart) {
+    using Clock = std::chrono::steady_clock;
+    Connect();
+    Clock::time_point restarted;
+    Clock::time_point openedAgain;
+    Recorder::Get().OnCall("zr3DResetDevice", [&] { restarted = Clock::now(); });
+    Recorder::Get().OnCall("zr3DInitHidDev", [&] { openedAgain = Clock::now(); });
+    Recorder::Get().FailNth("zr3DQueryCurrentStatus", 1);
+    EXPECT_EQ(Reconnect(), 0);
+    EXPECT_GE(openedAgain - restarted, os::Scaled(std::chrono::seconds(7))) << "it may take longer";
 }
 
 TEST_F(Reconnection, ABoardThatAnswersAfterItsRestartIsReconnected) {
