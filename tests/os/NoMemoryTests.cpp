@@ -12,9 +12,10 @@ thread_local int t_untilFailure = 0;
 
 }  // namespace
 
-// This program's own allocation, so that it can fail when told.
+// This program's own allocation, so that it can fail when told. Inlined, the pairs would look
+// mismatched.
 
-void* operator new(std::size_t bytes) {
+[[gnu::noinline]] void* operator new(std::size_t bytes) {
     void* const block =
         t_untilFailure > 0 && --t_untilFailure == 0 ? nullptr : std::malloc(bytes > 0 ? bytes : 1);
     if (block == nullptr) {
@@ -22,10 +23,10 @@ void* operator new(std::size_t bytes) {
     }
     return block;
 }
-void operator delete(void* block) noexcept {
+[[gnu::noinline]] void operator delete(void* block) noexcept {
     std::free(block);
 }
-void operator delete(void* block, std::size_t) noexcept {
+[[gnu::noinline]] void operator delete(void* block, std::size_t) noexcept {
     std::free(block);
 }
 
