@@ -159,6 +159,7 @@ RETSTATUS IManagerSync::ResetBoard(bool resetFPGA, bool resetDevice) {
     }
     const bool reset =
         resetDevice ? board::zr3DResetDevice(m_hDevice) : board::zr3DResetFPGA(m_hDevice);
+    m_triggerStarts.BoardReset();
     return reset ? STATUS_SUCCESS : STATUS_FAILED;
 }
 
