@@ -58,7 +58,8 @@ protected:
             return Taken(counts) + counts.mono.dropped + counts.color.dropped ==
                        counts.mono.handed + counts.color.handed &&
                    s.framesAccepted + s.refusedFrames + s.rejectedGeometry == Taken(counts) &&
-                   support::AccountedTriggers(s) == Known(counts);
+                   support::AccountedTriggers(s) == Known(counts) &&
+                   s.setsPending == (counts.color.made > 0 ? 0U : 1U);  // none is being delivered
         }));
     }
 
