@@ -64,7 +64,7 @@ struct ScanStatistics {
     std::uint64_t repeatedKeys = 0;
     /// Sets dropped because too many were waiting, or because the waiting ones were cleared.
     std::uint64_t setsDropped = 0;
-    /// Keys whose mono frame never came, counted from each trigger start.
+    /// Keys whose mono frame never came, counted from each trigger start or reconnection on.
     std::uint64_t missingKeys = 0;
     /// Sets that were complete while no scan callback was set, or whose callback threw.
     std::uint64_t setsWithoutCallback = 0;

@@ -101,7 +101,7 @@ Routed IManagerSync::HandleFrame(int cameraId, const unsigned char* raw, int wid
     if (decoded.images.size() == kMonoImages) {
         const TriggerStarts::Run run = m_triggerStarts.Current();
         decoded.colorExpected = run.givesColor;
-        m_scanCounters.MonoArrived(m_keys[slot].Take(decoded.key, run.starts));
+        m_scanCounters.MonoArrived(m_keys[slot].Take(decoded.key, run));
     }
     SetSink sink(*this);
     const Routed routed = RouteFrame(decoded, m_pairing, m_colorCatch, sink);

@@ -15,9 +15,14 @@ constexpr int kUnsettledAfterWrap = 128;
 
 }  // namespace
 
-KeyStep KeyTracker::Take(unsigned key, std::uint64_t starts) {
-    if (starts != m_starts) {
-        m_starts = starts;
+KeyStep KeyTracker::Take(unsigned key, const TriggerStarts::Run& run) {
+    if (run.anew > m_starts) {
+        m_last.reset();
+        m_starts = run.anew;
+        m_unsettled = 0;
+    }
+    if (run.starts != m_starts) {
+        m_starts = run.starts;
         m_unsettled = kUnsettledKeys;
     }
     const KeyStep step = Judge(key);

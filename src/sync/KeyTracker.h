@@ -3,6 +3,8 @@
 #include <cstdint>
 #include <optional>
 
+#include "sync/TriggerStarts.h"
+
 namespace Korvex3Sync {
 
 /// What a mono frame's key tells about the frames before it.
@@ -18,13 +20,14 @@ struct KeyStep {
 /// may be lost. So from a start on each key is read both ways, as one more of the former run and as
 /// one of the new run, and the reading that misses fewer keys holds; of two that miss as many, the
 /// new run. The first key of the new run ends this. Before the first start a key is compared with
-/// the one before it only: the trigger may have run for long.
+/// the one before it only: the trigger may have run for long. After a start anew it is the same,
+/// and no key from before it is compared with.
 ///
 /// No threads, no locks: the owner's lock guards it.
 class KeyTracker {
 public:
-    /// `key` is 0..255. `starts` counts the starts of the trigger; it changes with each.
-    KeyStep Take(unsigned key, std::uint64_t starts);
+    /// `key` is 0..255. `run` is what is known of the trigger now.
+    KeyStep Take(unsigned key, const TriggerStarts::Run& run);
 
 private:
     KeyStep Judge(unsigned key);

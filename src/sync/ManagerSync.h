@@ -155,8 +155,8 @@ public:
 
     /// Any thread; takes none of the locks above.
     RETSTATUS GetScanStatistics(ScanStatistics& statistics) const;
-    /// For a reconnection, before the cameras give frames again: the next run of the trigger counts
-    /// as a start, whatever the board did meanwhile.
+    /// For a reconnection, before the cameras give frames again: no key is missing before the first
+    /// one that comes then, whatever the board did meanwhile.
     void StartKeysAnew();
 
     // Status and heartbeat (StatusThread.cpp).

@@ -30,7 +30,7 @@ void TriggerStarts::Writing(int mode) {
     if (StateOf(mode) != State::Running) {
         return;
     }
-    if (m_state != State::Running) {
+    if (m_state != State::Running && m_state != State::Anew) {
         ++m_run.starts;
     }
     // Around a change of the mode no colour is expected rather than one too many.
@@ -41,7 +41,7 @@ void TriggerStarts::Written(bool accepted) {
     os::MutexGuard lock(m_mutex);
     if (!accepted) {
         m_run.givesColor = m_colorBefore;
-        m_state = State::Unknown;
+        m_state = m_state == State::Anew ? State::Anew : State::Unknown;
         return;
     }
     m_state = StateOf(m_asked);
@@ -58,8 +58,8 @@ void TriggerStarts::ForgetState() {
 
 void TriggerStarts::StartAnew() {
     os::MutexGuard lock(m_mutex);
-    ++m_run.starts;
-    m_state = State::Unknown;
+    m_run.anew = ++m_run.starts;
+    m_state = State::Anew;
 }
 
 TriggerStarts::Run TriggerStarts::Current() const {

@@ -12,7 +12,8 @@ namespace Korvex3Sync {
 class TriggerStarts {
 public:
     struct Run {
-        std::uint64_t starts = 0;  // changes with each start
+        std::uint64_t starts = 0;  // grows with each start
+        std::uint64_t anew = 0;    // the start with which nothing before counts any more
         bool givesColor = false;   // each mono frame is followed by a colour frame
     };
 
@@ -24,13 +25,15 @@ public:
     /// Whether the trigger runs is not known any more: the next write of a running mode counts as a
     /// start. For a reset of the board, which ends the run; from any thread, also beside a write.
     void ForgetState();
-    /// The same, and what comes from now on counts as a start already.
+    /// The board was opened anew: it may have lost its power, or its trigger may have run all the
+    /// time. So keys go on from anywhere, and the next write of a running mode, which either starts
+    /// the trigger or changes nothing, is no start of its own.
     void StartAnew();
 
     Run Current() const;
 
 private:
-    enum class State { Unknown, Off, Single, Running };
+    enum class State { Unknown, Anew, Off, Single, Running };
     static State StateOf(int mode);
 
     mutable os::Mutex m_mutex;

@@ -1,9 +1,9 @@
 #include <gmock/gmock.h>
 
 #include <atomic>
-#include <optional>
 #include <thread>
 
+#include "head/EverySetting.h"
 #include "head/HeadSession.h"
 #include "platform/os/TimeScale.h"
 
@@ -14,22 +14,6 @@ using testing::Contains;
 using testing::ElementsAre;
 using testing::Not;
 using Calls = std::vector<std::string>;
-
-/// Everything that a reconnection writes to the board.
-const Calls kWritten{"zr3DOpenOrCloseStrobeFlicker",
-                     "zr3DSetDistanceIndicateState",
-                     "zr3DProject",
-                     "zr3DSetProjectorBrightness",
-                     "zr3DSetWorkTime",
-                     "zr3DSetIRLaserLevel",
-                     "zr3DSetLaserEnable",
-                     "zr3DSetDutioRatio",
-                     "zr3DSetIRLaserEnable",
-                     "zr3DSetVideoTrigleMode",
-                     "zr3DSetVideoTriggerPeriod",
-                     "zr3DSetLedDutioRatio",
-                     "zr3DSetLedWorkTime",
-                     "zr3DEnableHeartbeat"};
 
 class ReconnectedHead : public HeadSession {
 protected:
@@ -56,6 +40,12 @@ protected:
                       &m_reports),
                   STATUS_SUCCESS);
     }
+    void ExpectNothingMissing() {
+        ScanStatistics statistics;
+        EXPECT_EQ(GetScanStatistics(m_handle, statistics), STATUS_SUCCESS);
+        EXPECT_EQ(statistics.missingKeys, 0U);
+        EXPECT_EQ(statistics.repeatedKeys, 0U);
+    }
     virtual_head::Faults& Faults() { return Head().GetFaults(); }
     Calls Journal(const Calls& calls = {}) { return Head().GetJournal().Texts(calls); }
 
@@ -70,37 +60,9 @@ protected:
 };
 
 TEST_F(ReconnectedHead, WritesEverySettingBackInOrder) {
-    SetLaserLineDutioRatio(m_handle, 61);
-    SetProjectDutioRatio(m_handle, 62);
-    SetIRLaserDutioRatio(m_handle, 63);
-    SetStrobeDutioRatio(m_handle, -1, 30, -1);
-    SetStrobeWorkTime(m_handle, 301, 302);
-    SetLaserLineWorkTime(m_handle, 303);
-    SetProjectWorkTime(m_handle, 304);
-    SetProjectorBrightness(m_handle, 77);
-    SetVideoTriggerPeriod(m_handle, 9);
-    SetDistanceIndicate(m_handle, DISTANCE_STATUS_2);
-    EnableBlueLaser(m_handle, LASER_WORK_MODE_2, true);
-    EnableIRLaser(m_handle, true);
-    SetIRLaserBrightnessLevel(m_handle, 6);
-    Project(m_handle, PROJECT_PATTERN_2);
-    SetStrobeControlledByTrigger(m_handle, CONTROL_ROUTE_0, STROBE_STATE_3);
-    EnableVideoTrigger(m_handle, TRIGGER_LASER_LINES_COLOR, true);
-    Head().GetJournal().Clear();
+    SetEverySetting(m_handle);
     EXPECT_EQ(ReconnectDevice(m_handle), STATUS_SUCCESS);
-    EXPECT_THAT(
-        Journal(kWritten),
-        ElementsAre("zr3DOpenOrCloseStrobeFlicker(0, 3) = true",
-                    "zr3DSetDistanceIndicateState(3) = true", "zr3DProject(2) = true",
-                    "zr3DSetProjectorBrightness(77) = true", "zr3DSetWorkTime(84, 304) = true",
-                    "zr3DSetIRLaserLevel(6) = true", "zr3DSetLaserEnable(1, 2) = true",
-                    "zr3DSetDutioRatio(49, 61) = true", "zr3DSetWorkTime(82, 1000) = true",
-                    "zr3DSetIRLaserEnable(1) = true", "zr3DSetWorkTime(86, 303) = true",
-                    "zr3DSetDutioRatio(53, 63) = true", "zr3DSetVideoTrigleMode(6) = true",
-                    "zr3DSetVideoTriggerPeriod(9) = true", "zr3DSetDutioRatio(51, 62) = true",
-                    "zr3DSetLedDutioRatio(41, 100, 30, 100) = true",
-                    "zr3DSetLedWorkTime(1, 301) = true", "zr3DSetLedWorkTime(0, 302) = true",
-                    "zr3DEnableHeartbeat(1) = true"));
+    EXPECT_EQ(WrittenSinceOpening(Head()), EverySettingWritten());
     EXPECT_TRUE(Head().Board().State().heartbeat);
 }
 
@@ -132,6 +94,26 @@ TEST_F(ReconnectedHead, AScanGoesOnThroughManyOfThem) {
         std::this_thread::yield();  // the polls go on too; the test's own limit ends this
     }
     EXPECT_EQ(TriggerOff(), STATUS_SUCCESS);
+}
+
+TEST_F(ReconnectedHead, NothingIsMissingAcrossIt) {
+    Scan();
+    for (int round = 0; round < 5; ++round) {
+        ASSERT_EQ(ReconnectDevice(m_handle), STATUS_SUCCESS);
+        ASSERT_TRUE(ScanGoesOn()) << round;
+        ExpectNothingMissing();
+    }
+}
+
+TEST_F(ReconnectedHead, NothingIsMissingAfterAResetOfTheBoard) {
+    Scan();
+    for (const bool wholeDevice : {false, true}) {
+        ASSERT_TRUE(ScanGoesOn());
+        ASSERT_EQ(ReconnectDevice(m_handle, !wholeDevice, wholeDevice), STATUS_SUCCESS);
+        ASSERT_EQ(Trigger(TRIGGER_LASER_LINES_COLOR, 2), STATUS_SUCCESS);
+        ASSERT_TRUE(ScanGoesOn());
+        ExpectNothingMissing();
+    }
 }
 
 TEST_F(ReconnectedHead, ABoardThatDoesNotOpenIsTriedAgainUntilItDoes) {

@@ -3,7 +3,8 @@
 #include <malloc.h>
 
 #include <algorithm>
-#include <filesystem>
+
+#include "support/ThreadCount.h"
 
 // Where a sanitizer has taken the allocator over, it is the one to ask.
 extern "C" std::size_t __sanitizer_get_current_allocated_bytes() __attribute__((weak));
@@ -19,9 +20,8 @@ constexpr std::size_t kMostGrowth = std::size_t{4} << 20U;
 }  // namespace
 
 Resources Resources::Now() {
-    const std::filesystem::directory_iterator tasks("/proc/self/task");
     Resources now;
-    now.threads = static_cast<std::size_t>(std::distance(begin(tasks), end(tasks)));
+    now.threads = support::ThreadCount();
     now.bytes = __sanitizer_get_current_allocated_bytes != nullptr
                     ? __sanitizer_get_current_allocated_bytes()
                     : mallinfo2().uordblks + mallinfo2().hblkhd;

@@ -175,10 +175,16 @@ TEST_F(FrameLosses, AReconnectionStartsTheKeysAnew) {
         Mono(key);
     }
     EXPECT_EQ(Handled().missingKeys, 0u);
-    m_manager->StartKeysAnew();
-    Mono(0);
-    Mono(1);
-    EXPECT_EQ(Handled().missingKeys, 0u);
+    // Restarted, running on, gone round.
+    for (const unsigned char key : std::vector<unsigned char>{0, 137, 120}) {
+        m_manager->StartKeysAnew();
+        ASSERT_EQ(Trigger(TRIGGER_LASER_LINES), STATUS_SUCCESS);
+        Mono(key);
+        Mono(static_cast<unsigned char>(key + 1));
+        EXPECT_EQ(Handled().missingKeys, 0u) << int{key};
+    }
+    Mono(124);
+    EXPECT_EQ(Handled().missingKeys, 2u);
 }
 
 TEST_F(FrameLosses, ARunAfterAResetOfTheBoardStartsTheKeysAnew) {

@@ -21,12 +21,13 @@ struct Taken {
 
 class Keys : public testing::Test {
 protected:
-    void Start() { ++m_starts; }
+    void Start() { ++m_run.starts; }
+    void StartAnew() { m_run.anew = ++m_run.starts; }
     /// What these keys add.
     Taken Take(const std::vector<unsigned>& keys) {
         Taken taken;
         for (unsigned key : keys) {
-            const KeyStep step = m_tracker.Take(key, m_starts);
+            const KeyStep step = m_tracker.Take(key, m_run);
             taken.missing += step.missing;
             taken.repeated += step.repeated ? 1 : 0;
         }
@@ -34,7 +35,7 @@ protected:
     }
 
     KeyTracker m_tracker;
-    std::uint64_t m_starts = 0;
+    TriggerStarts::Run m_run;
 };
 
 TEST_F(Keys, WithoutAStartTheFirstKeyIsWhereCountingBegins) {
@@ -129,6 +130,45 @@ TEST_F(Keys, OneRoundAfterAStartAllIsSettled) {
     }
     Take({0, 1, 2, 3});
     EXPECT_EQ(Take({1}), (Taken{253, 0}));
+}
+
+TEST_F(Keys, AfterAStartAnewTheFirstKeyIsWhereCountingBegins) {
+    Start();
+    Take({0, 1, 2, 3});
+    StartAnew();
+    EXPECT_EQ(Take({137, 138}), (Taken{0, 0}));
+    EXPECT_EQ(Take({141}), (Taken{2, 0}));
+    EXPECT_EQ(Take({141}), (Taken{0, 1}));
+}
+
+TEST_F(Keys, AfterAStartAnewTheKeyOfBeforeIsNoRepeat) {
+    Start();
+    Take({0, 1, 2, 3});
+    StartAnew();
+    EXPECT_EQ(Take({3, 4}), (Taken{0, 0}));
+}
+
+TEST_F(Keys, StartsBeforeAStartAnewAreForgottenWithIt) {
+    Take({7, 8, 9});
+    Start();
+    StartAnew();
+    EXPECT_EQ(Take({5, 6}), (Taken{0, 0})) << "of those starts no key came";
+    Start();
+    Take({0});
+    StartAnew();
+    EXPECT_EQ(Take({200, 201, 3, 4}), (Taken{57, 0})) << "nothing is unsettled any more";
+}
+
+TEST_F(Keys, AStartAfterAStartAnewIsOneLikeAnyOther) {
+    Start();
+    Take({0, 1, 2, 3});
+    StartAnew();
+    Start();
+    EXPECT_EQ(Take({2, 3}), (Taken{2, 0}));
+    StartAnew();
+    Take({90, 91});
+    Start();
+    EXPECT_EQ(Take({92, 1, 2}), (Taken{1, 0}));
 }
 
 /// Runs of any length, each with some frames that come only after the next start, and with losses

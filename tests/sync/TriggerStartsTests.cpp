@@ -51,12 +51,41 @@ TEST_F(Starts, AfterARefusedWriteTheTriggerMayBeInAnyMode) {
     EXPECT_EQ(Write(kMono), 1u);
 }
 
-TEST_F(Starts, StartingAnewIsAStartAndSoIsTheNextRun) {
+TEST_F(Starts, AfterARestartOfTheBoardTheNextRunIsOne) {
+    Write(kMono);
+    const auto before = m_starts.Current().starts;
+    m_starts.ForgetState();
+    EXPECT_EQ(m_starts.Current().starts, before) << "frames of the run before may still come";
+    EXPECT_EQ(Write(kMono), 1u);
+}
+
+TEST_F(Starts, StartingAnewIsAStartAndTheNextRunBelongsToIt) {
     Write(kMono);
     const auto before = m_starts.Current().starts;
     m_starts.StartAnew();
     EXPECT_EQ(m_starts.Current().starts, before + 1);
+    EXPECT_EQ(m_starts.Current().anew, before + 1);
+    EXPECT_EQ(Write(kMono), 0u) << "the trigger may have run all the time";
+    EXPECT_EQ(Write(kOff), 0u);
     EXPECT_EQ(Write(kMono), 1u);
+    EXPECT_EQ(m_starts.Current().anew, before + 1);
+}
+
+TEST_F(Starts, AnewTheTriggerIsOffOnceThatIsWritten) {
+    for (int mode : {kOff, kSingle}) {
+        m_starts.StartAnew();
+        EXPECT_EQ(Write(mode), 0u) << mode;
+        EXPECT_EQ(Write(kMono), 1u) << mode;
+    }
+}
+
+TEST_F(Starts, AnewARefusedWriteTellsNothing) {
+    m_starts.StartAnew();
+    EXPECT_EQ(Write(kMono, false), 0u);
+    EXPECT_EQ(Write(kMono), 0u);
+    m_starts.StartAnew();
+    EXPECT_EQ(Write(kOff, false), 0u);
+    EXPECT_EQ(Write(kMono), 0u);
 }
 
 TEST_F(Starts, AfterAResetTheNextRunIsAStart) {

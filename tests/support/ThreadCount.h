@@ -1,0 +1,15 @@
+#pragma once
+
+#include <cstddef>
+#include <filesystem>
+#include <iterator>
+
+namespace support {
+
+/// The threads that this process has now.
+inline std::size_t ThreadCount() {
+    const std::filesystem::directory_iterator tasks("/proc/self/task");
+    return static_cast<std::size_t>(std::distance(begin(tasks), end(tasks)));
+}
+
+}  // namespace support
