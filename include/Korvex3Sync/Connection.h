@@ -44,8 +44,9 @@ KORVEX3SYNC_API RETSTATUS ConnectDevice(const char* const& deviceType,
 ///
 /// Returns 7; 6 for a null handle. Blocks for a running callback, at most one snap (100 ms) per
 /// camera, and the board's answers when it is switched off and closed. Never from a callback, and
-/// not beside another operation on the handle. While it runs, a status callback may still come once
-/// with 255 and 255.
+/// not beside another operation on the handle. While the cameras are being stopped, the status
+/// callback goes on as before; between the closing of the board and the end of the status thread it
+/// may be told 255 and 255.
 KORVEX3SYNC_API RETSTATUS DisConnectDevice(void*& handle);
 
 /// Closes and releases the cameras but keeps the connection: board operations go on as before, no

@@ -1,3 +1,5 @@
+#include "korvexctl/GetCommand.h"
+
 #include <CLI/CLI.hpp>
 #include <memory>
 #include <nlohmann/json.hpp>
@@ -31,9 +33,17 @@ Outcome RunGet(const Asked& asked, Output& output) {
     }
 
     Outcome outcome;
+    ShowSettings(head.Handle(), settings, outcome, output);
+    return outcome;
+}
+
+}  // namespace
+
+void ShowSettings(void* const& handle, std::span<const Setting* const> settings, Outcome& outcome,
+                  Output& output) {
     nlohmann::json& figures = outcome.figures["settings"] = nlohmann::json::object();
     for (const Setting* setting : settings) {
-        const Reading reading = ReadSetting(head.Handle(), *setting);
+        const Reading reading = ReadSetting(handle, *setting);
         output.Line(setting->name + " " + reading.Text());
         nlohmann::json& figure = figures[setting->name] = DescribeSetting(*setting);
         figure["value"] = reading.ToJson();
@@ -42,10 +52,7 @@ Outcome RunGet(const Asked& asked, Output& output) {
             outcome.message = "get " + setting->name + ": " + StatusText(reading.status);
         }
     }
-    return outcome;
 }
-
-}  // namespace
 
 RunCommand AddGet(CLI::App& command) {
     const auto asked = std::make_shared<Asked>();

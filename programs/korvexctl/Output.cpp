@@ -1,5 +1,7 @@
 #include "korvexctl/Output.h"
 
+#include <cstdio>
+
 #include "korvexctl/system/Descriptors.h"
 
 namespace Korvex3Sync::korvexctl {
@@ -16,6 +18,10 @@ std::string Dump(const nlohmann::json& document, int indent) {
 }
 
 }  // namespace
+
+void Say(const std::string& message) {
+    std::fprintf(stderr, "korvexctl: %s\n", message.c_str());
+}
 
 nlohmann::json Outcome::ToJson() const {
     nlohmann::json document = figures;

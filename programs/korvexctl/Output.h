@@ -27,6 +27,9 @@ private:
     nlohmann::json ToJson() const;
 };
 
+/// Writes "korvexctl: MESSAGE" as a line to standard error. Any thread.
+void Say(const std::string& message);
+
 /// What a command says to a person. With --json it says nothing: standard output belongs to the
 /// document.
 class Output {

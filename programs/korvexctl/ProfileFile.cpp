@@ -52,10 +52,7 @@ std::variant<double, std::string> ReadField(const Field& field, const toml::node
     if (!value) {
         return std::string(TypeText(field)) + " is expected";
     }
-    if (std::optional<std::string> wrong = CheckValue(field, *value)) {
-        return *wrong;
-    }
-    return *value;
+    return ReadNumber(field, *value);
 }
 
 /// Takes the values of one parsed text over and gathers what is wrong.

@@ -15,10 +15,6 @@ namespace Korvex3Sync::korvexctl {
 
 namespace {
 
-void SayWrong(const std::string& message) {
-    std::fprintf(stderr, "korvexctl: %s\n", message.c_str());
-}
-
 Outcome RunAsked(const CommandLine& line, Output& output) {
     if (!line.virtualHead.empty()) {
         std::string error;
@@ -80,7 +76,7 @@ int RunProgram(int count, const char* const* arguments) noexcept {
         TurnWriteSignalsIntoErrors();
         const Outcome outcome = Caught([&] { return Run(ReadCommandLine(count, arguments)); });
         if (outcome.code != ExitCode::Done) {
-            SayWrong(outcome.message);
+            Say(outcome.message);
         }
         return static_cast<int>(outcome.code);
     } catch (...) {

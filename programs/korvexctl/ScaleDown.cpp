@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <cstddef>
 
 #include "korvexctl/Picture.h"
@@ -23,10 +24,10 @@ Picture ScaleDown(const Picture& picture, int width, int height) {
                         channels);
     for (int y = 0; y < height; ++y) {
         const std::size_t top = Edge(y, picture.height, height);
-        const std::size_t bottom = Edge(y + 1, picture.height, height);
+        const std::size_t bottom = std::max(top + 1, Edge(y + 1, picture.height, height));
         for (int x = 0; x < width; ++x) {
             const std::size_t left = Edge(x, picture.width, width);
-            const std::size_t right = Edge(x + 1, picture.width, width);
+            const std::size_t right = std::max(left + 1, Edge(x + 1, picture.width, width));
             const std::size_t count = (bottom - top) * (right - left);
             for (std::size_t channel = 0; channel < channels; ++channel) {
                 std::size_t sum = 0;

@@ -64,7 +64,7 @@ bool Scan(const HeadChoice& choice, ScanReport& report, ScanRecorder& recorder,
     recorder.Prepare(report.cameras.front().width, report.cameras.front().height, onKept);
     boardWatch.Watch(session);
     const Illumination illumination(session, options.light);
-    const Trigger trigger(session, recorder, options.light.mode);
+    const Trigger trigger(session, options.light.mode, ScanRecorder::OnSet, recorder.Context());
     const bool inTime = WaitForSets(recorder, options, output);
     report.losses.Ask(session);
     report.boardLost = boardWatch.Lost();

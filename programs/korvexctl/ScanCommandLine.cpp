@@ -1,11 +1,10 @@
 #include <CLI/CLI.hpp>
-#include <map>
 #include <memory>
 
 #include "korvexctl/Commands.h"
+#include "korvexctl/ModeOption.h"
 #include "korvexctl/NumberOption.h"
 #include "korvexctl/ScanCommand.h"
-#include "korvexctl/TriggerModes.h"
 
 namespace Korvex3Sync::korvexctl {
 
@@ -22,18 +21,9 @@ constexpr int kHighestIrLevel = 10;
 constexpr int kHighestLaserMode = 3;
 
 void AddLightOptions(CLI::App& command, LightOptions& light) {
-    std::map<std::string, CAMERA_TRIGGER_MODE> modes;
-    std::string names;
-    for (const TriggerMode& known : kTriggerModes) {
-        modes[known.name] = known.mode;
-        names += (names.empty() ? "" : ", ") + std::string(known.name);
-    }
-    command
-        .add_option("--mode", light.mode,
-                    "Light and images of each set: " + names + " (default " + ModeName(light.mode) +
-                        "); with color each set has a colour image")
-        ->type_name("MODE")
-        ->transform(CLI::CheckedTransformer(modes).description(""));
+    AddModeOption(
+        command, light.mode, "Light and images of each set: ",
+        " (default " + ModeName(light.mode) + "); with color each set has a colour image");
     AddNumber(command, "--period", light.periodMs, "MS", 1, kLongestPeriodMs,
               "Time from trigger to trigger in milliseconds");
     AddNumber(command, "--laser-mode", light.laserMode, "N", 0, kHighestLaserMode,

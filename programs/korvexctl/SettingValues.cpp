@@ -30,10 +30,6 @@ const Word* FindWord(const Field& field, double value) {
     return found == field.words.end() ? nullptr : &*found;
 }
 
-double Rounded(const Field& field, double value) {
-    return field.kind == FieldKind::Tenths ? std::round(value * kStepsInOne) / kStepsInOne : value;
-}
-
 std::string FieldText(const Field& field, double value) {
     if (field.kind == FieldKind::Switch) {
         return value != 0 ? "on" : "off";
@@ -123,16 +119,21 @@ std::optional<std::string> CheckValue(const Field& field, double value) {
     return std::nullopt;
 }
 
+std::variant<double, std::string> ReadNumber(const Field& field, double value) {
+    if (std::optional<std::string> wrong = CheckValue(field, value)) {
+        return *wrong;
+    }
+    return field.kind == FieldKind::Tenths ? std::round(value * kStepsInOne) / kStepsInOne
+                                           : std::round(value);
+}
+
 std::variant<double, std::string> ReadValueText(const Field& field, std::string_view text) {
     const std::optional<double> value = Meaning(field, text);
     if (!value) {
         return "\"" + std::string(text) + "\" is not " +
                (field.kind == FieldKind::Switch ? "" : "one of ") + RangeText(field);
     }
-    if (std::optional<std::string> wrong = CheckValue(field, *value)) {
-        return *wrong;
-    }
-    return Rounded(field, *value);
+    return ReadNumber(field, *value);
 }
 
 std::string RangeText(const Field& field) {

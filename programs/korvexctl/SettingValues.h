@@ -38,6 +38,9 @@ using SettingValue = std::vector<double>;
 /// What is wrong with a value, as "150 is not in 0 to 100"; empty when nothing is.
 std::optional<std::string> CheckValue(const Field& field, double value);
 
+/// The number, rounded to the steps of the field, or what is wrong with it.
+std::variant<double, std::string> ReadNumber(const Field& field, double value);
+
 /// Reads a value as a person types it ("60", "8.5", "on", "laser"): the value, rounded to the steps
 /// of the field, or what is wrong with the text.
 std::variant<double, std::string> ReadValueText(const Field& field, std::string_view text);

@@ -1,5 +1,6 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <atomic>
 #include <filesystem>
 #include <memory>
 #include <nlohmann/json.hpp>
@@ -10,6 +11,7 @@
 #include "korvexctl/NumberOption.h"
 #include "korvexctl/Picture.h"
 #include "korvexctl/Snapshot.h"
+#include "korvexctl/system/Signals.h"
 
 namespace Korvex3Sync::korvexctl {
 
@@ -39,6 +41,26 @@ void RequireColor(const std::vector<Camera>& cameras) {
     }
 }
 
+/// Takes the images, unless someone interrupts; what is taken then is thrown away.
+std::vector<Mosaic> Take(const ConnectedHead& head, const SnapshotOptions& options,
+                         const std::atomic<bool>& interrupted) {
+    const auto endIfInterrupted = [&interrupted] {
+        if (interrupted) {
+            throw CommandError(ExitCode::Interrupted, "interrupted: no image was written");
+        }
+    };
+    endIfInterrupted();
+    std::vector<Mosaic> mosaics;
+    try {
+        mosaics = TakeSnapshot(head, options);
+    } catch (const CommandError&) {
+        endIfInterrupted();
+        throw;
+    }
+    endIfInterrupted();
+    return mosaics;
+}
+
 Outcome RunSnap(const Asked& asked, Output& output) {
     std::vector<Camera> cameras = FindCameras(asked.head.cameraType);
     if (!cameras.empty()) {
@@ -46,8 +68,15 @@ Outcome RunSnap(const Asked& asked, Output& output) {
         RequireColor(cameras);
         PrepareFolder(asked.folder);
     }
+    std::atomic<bool> interrupted{false};
+    const InterruptWatch interruptWatch([&interrupted] {
+        interrupted = true;
+        // The library takes a snapshot to its end.
+        Say("interrupted; trigger and strobe are put back when the snapshot ends, which takes up "
+            "to 100 s for an image that does not come; a second time ends at once");
+    });
     const ConnectedHead head(asked.head, std::move(cameras));
-    const std::vector<Mosaic> mosaics = TakeSnapshot(head, asked.snapshot);
+    const std::vector<Mosaic> mosaics = Take(head, asked.snapshot, interrupted);
 
     const Camera& camera = head.cameras.front();
     Outcome outcome;
@@ -115,7 +144,8 @@ RunCommand AddSnapCommand(CLI::App& command, bool infrared) {
     command.footer(
         "An image that does not come is waited for 100 s. Afterwards the trigger is off, the "
         "strobe\n"
-        "is in state 1, and exposure and gain are what they were, if the camera tells them.");
+        "is in state 1, and exposure and gain are what they were, if the camera tells them; also\n"
+        "after Ctrl-C, which waits for this and writes nothing. A second Ctrl-C ends at once.");
     return [asked](Output& output) { return RunSnap(*asked, output); };
 }
 

@@ -1,18 +1,15 @@
-#include <Korvex3Sync/Images.h>
-#include <Korvex3Sync/Light.h>
 #include <CLI/CLI.hpp>
-
-#include <map>
 #include <memory>
 #include <optional>
 
 #include "korvexctl/Commands.h"
 #include "korvexctl/ConnectedHead.h"
+#include "korvexctl/ModeOption.h"
 #include "korvexctl/NumberOption.h"
 #include "korvexctl/ScanLosses.h"
 #include "korvexctl/StatusReport.h"
 #include "korvexctl/StatusWatch.h"
-#include "korvexctl/TriggerModes.h"
+#include "korvexctl/Trigger.h"
 #include "korvexctl/system/Signals.h"
 
 namespace Korvex3Sync::korvexctl {
@@ -28,33 +25,9 @@ struct Asked {
     std::optional<CAMERA_TRIGGER_MODE> mode;
 };
 
+// Nobody looks at the sets: they are there to be counted. The context only has to be there.
 void TakeSet(const void* const&, std::vector<unsigned char*>&, const int&, const int&,
              std::vector<int>&) {}
-
-/// The running trigger of a head whose sets nobody looks at: they are there to be counted.
-class IdleTrigger {
-public:
-    IdleTrigger(const ConnectedHead& head, CAMERA_TRIGGER_MODE mode) : m_head(head), m_mode(mode) {
-        Require(SetScanCallBackFunction(head.Handle(), TakeSet, this), "set the scan callback");
-        const RETSTATUS status = EnableVideoTrigger(head.Handle(), mode, true);
-        if (status != STATUS_SUCCESS) {
-            Off();
-            Require(status, "switch the trigger on");
-        }
-    }
-    ~IdleTrigger() { Off(); }
-    IdleTrigger(const IdleTrigger&) = delete;
-    IdleTrigger& operator=(const IdleTrigger&) = delete;
-
-private:
-    void Off() const {
-        EnableVideoTrigger(m_head.Handle(), m_mode, false);
-        SetScanCallBackFunction(m_head.Handle(), nullptr, nullptr);
-    }
-
-    const ConnectedHead& m_head;
-    const CAMERA_TRIGGER_MODE m_mode;
-};
 
 /// The losses that the library counts, by place; null when it does not tell.
 nlohmann::json AskLosses(const Session& session) {
@@ -78,9 +51,9 @@ Outcome RunStatus(const Asked& asked, Output& output) {
     // Its end is a person's Ctrl-C, unless it has one of its own.
     const InterruptWatch interrupt([&watch] { watch.Stop(); });
     const ConnectedHead head(asked.head);
-    std::optional<IdleTrigger> trigger;
+    std::optional<Trigger> trigger;
     if (asked.mode) {
-        trigger.emplace(head, *asked.mode);
+        trigger.emplace(head.session, *asked.mode, TakeSet, &watch);
     }
     watch.Watch(head.session);
     std::optional<std::chrono::steady_clock::time_point> end;
@@ -111,17 +84,8 @@ RunCommand AddStatus(CLI::App& command) {
                     "End after so many seconds, 0.1 to 1e+07 (without it: at Ctrl-C)")
         ->type_name("S")
         ->check(InRange(kShortestSeconds, kLongestSeconds));
-    std::map<std::string, CAMERA_TRIGGER_MODE> modes;
-    std::string names;
-    for (const TriggerMode& known : kTriggerModes) {
-        modes[known.name] = known.mode;
-        names += (names.empty() ? "" : ", ") + std::string(known.name);
-    }
-    command
-        .add_option("--mode", asked->mode,
-                    "Switch the trigger on meanwhile, so that losses can show: " + names)
-        ->type_name("MODE")
-        ->transform(CLI::CheckedTransformer(modes).description(""));
+    AddModeOption(command, asked->mode,
+                  "Switch the trigger on meanwhile, so that losses can show: ");
     command.footer("With --json one object a line, for each change.");
     return [asked](Output& output) { return RunStatus(*asked, output); };
 }

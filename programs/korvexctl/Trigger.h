@@ -4,21 +4,24 @@
 
 namespace Korvex3Sync::korvexctl {
 
-class ScanRecorder;
 class Session;
 
-/// The running trigger of a scan: image sets go to the recorder from construction on; once it is
-/// destroyed the trigger is off and no more set comes. Session and recorder must live longer.
+/// The running trigger of a session: image sets go to the scan callback from construction on; once
+/// it is destroyed the trigger is off and no more set comes. Session and context must live longer.
 class Trigger {
 public:
-    /// Throws CommandError(DeviceRefused).
-    Trigger(const Session& session, ScanRecorder& recorder, CAMERA_TRIGGER_MODE mode);
+    /// Throws CommandError(DeviceRefused); then the trigger is off.
+    Trigger(const Session& session, CAMERA_TRIGGER_MODE mode, ScanCallBackFunction callback,
+            void* context);
     ~Trigger();
     Trigger(const Trigger&) = delete;
     Trigger& operator=(const Trigger&) = delete;
 
-private:
+    /// Switches the trigger off ahead of the end: what is on its way still comes.
     void Off() const;
+
+private:
+    void End() const;
 
     const Session& m_session;
     const CAMERA_TRIGGER_MODE m_mode;

@@ -71,8 +71,8 @@ TEST(KorvexctlInfo, ShowsCamerasFirmwareAndSettings) {
     const ChildResult result = RunKorvexctl({"--virtual", "info"});
     EXPECT_EQ(result.exitCode, 0);
     EXPECT_THAT(result.output, AllOf(HasSubstr("camera KV00A1001"), HasSubstr("firmware 1.4.0\n"),
-                                     HasSubstr("USB 3 yes\n"), HasSubstr("trigger period 10 ms\n"),
-                                     HasSubstr("laser line work time 1000 us\n")));
+                                     HasSubstr("USB 3 yes\n"), HasSubstr("trigger-period 10 ms\n"),
+                                     HasSubstr("laser-line-work-time 1000 us\n")));
 }
 
 TEST(KorvexctlInfo, JsonTellsWhatTheHeadFileSays) {
@@ -85,8 +85,19 @@ TEST(KorvexctlInfo, JsonTellsWhatTheHeadFileSays) {
     EXPECT_EQ(document["firmware"], "9.8.7");
     EXPECT_EQ(document["usb3"], false);
     EXPECT_EQ(document["cameras"].size(), 2U);
-    EXPECT_EQ(document["board"]["trigger_period_ms"], 10);
-    EXPECT_EQ(document["board"]["strobe_plain_duty_percent"], 100);
+    EXPECT_EQ(document["settings"]["trigger-period"]["value"], 10);
+    EXPECT_EQ(document["settings"]["strobe-duty"]["value"]["plain"], 100);
+}
+
+TEST(KorvexctlInfo, ItsSettingsAreThoseThatGetCanRead) {
+    nlohmann::json readable =
+        ParseJson(RunKorvexctl({"--virtual", "get", "--json"}).output)["settings"];
+    ASSERT_TRUE(readable.contains("project"));
+    for (auto setting = readable.begin(); setting != readable.end();) {
+        setting = (*setting)["readable"] == true ? ++setting : readable.erase(setting);
+    }
+    EXPECT_EQ(ParseJson(RunKorvexctl({"--virtual", "info", "--json"}).output)["settings"],
+              readable);
 }
 
 TEST(KorvexctlInfo, WithoutAHeadThereIsNoCamera) {

@@ -81,6 +81,13 @@ TEST(ProfileFile, AnEmptyTextIsAnEmptyProfile) {
     EXPECT_TRUE(Parsed("# nothing\n").settings.empty());
 }
 
+TEST(ProfileFile, ANumberBesideAStepIsTheStep) {
+    const Profile profile = Parsed("exposure.0 = 8.50000001\nexposure.1 = 25.49999999\n");
+    ASSERT_EQ(profile.settings.size(), 2U);
+    EXPECT_EQ(profile.settings[0].value, SettingValue{8.5});
+    EXPECT_EQ(profile.settings[1].value, SettingValue{25.5});
+}
+
 TEST(ProfileFile, AWholeNumberIsAnExposureToo) {
     const Profile profile = Parsed("exposure.1 = 8\n\"exposure.0\" = 0.1\n[gain]\n1 = 3\n");
     ASSERT_EQ(profile.settings.size(), 3U);

@@ -52,6 +52,7 @@ TEST(SettingValues, ReadsWhatAPersonTypes) {
     EXPECT_EQ(ValueOf(kPercent, "100"), 100);
     EXPECT_EQ(ValueOf(kTenths, "8.5"), 8.5);
     EXPECT_EQ(ValueOf(kTenths, "25.5"), 25.5);
+    EXPECT_EQ(ValueOf(kPercent, "59.9999999"), 60);
     EXPECT_EQ(ValueOf(kSwitch, "on"), 1);
     EXPECT_EQ(ValueOf(kSwitch, "false"), 0);
 }

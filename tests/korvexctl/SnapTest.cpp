@@ -1,6 +1,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <csignal>
+
 #include "korvexctl/CommandOverHead.h"
 #include "virtual_head/TestFiles.h"
 
@@ -84,6 +86,50 @@ TEST_F(KorvexctlSnap, AFolderThatCannotBeMadeIsToldBeforeAnythingIsTaken) {
     EXPECT_EQ(RunHere({"snap", "--out", m_out.string()}).code, ExitCode::NotWritable);
     EXPECT_THAT(head->GetJournal().Texts({"zr3DInitHidDev"}), IsEmpty());
 }
+
+/// A snapshot in a child process, over a head that meets a fault in the first SnapShot call.
+class KorvexctlSnapInterrupt : public KorvexctlSnap, public ::testing::WithParamInterface<int> {
+protected:
+    /// The child, once it takes images.
+    std::unique_ptr<ChildProcess> StartSnap(const std::string& fault) const {
+        const auto head = WriteSmallHead(
+            m_folder.Path(), "[[fault]]\ncall = \"SnapShot\"\ntimes = 1\nat_ms = 0\n" + fault);
+        auto snap =
+            std::make_unique<ChildProcess>(KorvexctlCommand({"--virtual=" + head.string(), "snap",
+                                                             "--out", m_out.string(), "--verbose"}),
+                                           WithoutHead());
+        EXPECT_TRUE(snap->WaitForError("SnapColorImage0"));
+        return snap;
+    }
+};
+
+TEST_P(KorvexctlSnapInterrupt, PutsTheHeadBackAndWritesNothing) {
+    // Long enough for the signal to come before the images.
+    const auto snap = StartSnap("what = \"slow\"\nextra_ms = 2000\n");
+    snap->Signal(GetParam());
+    const ChildResult result = snap->Wait();
+    EXPECT_EQ(result.exitCode, static_cast<int>(ExitCode::Interrupted));
+    EXPECT_THAT(FileNames(m_out), IsEmpty());
+    const std::string after =
+        result.error.substr(result.error.find("korvexctl: interrupted; trigger and strobe"));
+    EXPECT_THAT(after, ::testing::ContainsRegex(
+                           "SnapColorImage end ok(.|\n)*EnableVideoTrigger enter(.|\n)*"
+                           "SetStrobeControlledByTrigger enter(.|\n)*DisConnectDevice"));
+    EXPECT_THAT(after, HasSubstr("korvexctl: interrupted: no image was written\n"));
+}
+
+TEST_P(KorvexctlSnapInterrupt, ASecondTimeEndsAtOnce) {
+    const auto snap = StartSnap("what = \"hang\"\n");
+    snap->Signal(GetParam());
+    ASSERT_TRUE(snap->WaitForError("a second time ends at once"));
+    snap->Signal(GetParam());
+    const ChildResult result = snap->Wait();
+    EXPECT_EQ(result.exitCode, static_cast<int>(ExitCode::Interrupted));
+    EXPECT_THAT(result.error, ::testing::Not(HasSubstr("DisConnectDevice")));
+    EXPECT_THAT(FileNames(m_out), IsEmpty());
+}
+
+INSTANTIATE_TEST_SUITE_P(Signals, KorvexctlSnapInterrupt, ::testing::Values(SIGINT, SIGTERM));
 
 }  // namespace
 

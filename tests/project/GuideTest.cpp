@@ -55,9 +55,11 @@ TEST(Guide, ShowsItsSamplesAsTheyAreBuilt) {
     }
 }
 
-TEST(Guide, ShowsTheHeadFileOfItsTests) {
+TEST(Guide, ShowsTheHeadFilesOfItsTests) {
+    const std::string samples = kSamples;
     EXPECT_THAT(Blocks(ReadProjectFile(kGuide), "toml"),
-                testing::ElementsAre(ReadProjectFile(std::string(kSamples) + "/small_head.toml")));
+                testing::ElementsAre(ReadProjectFile(samples + "/small_head.toml"),
+                                     ReadProjectFile(samples + "/unplugged_head.toml")));
 }
 
 TEST(Guide, NamesEverySampleFile) {
@@ -129,23 +131,35 @@ struct SampleRow {
 
 class GuideSample : public testing::TestWithParam<SampleRow> {};
 
-TEST_P(GuideSample, DoesItsWorkOverTheVirtualHead) {
+/// Runs a sample; `head` is what KORVEX_VIRTUAL_HEAD says.
+ChildResult RunSample(const std::string& name, const std::string& head) {
     ChildOptions options;
-    options.environment = {
-        {"KORVEX_VIRTUAL_HEAD", std::string(KORVEX_SOURCE_DIR "/examples/guide/small_head.toml")}};
-    const auto result =
-        RunChild({std::string(KORVEX_GUIDE_SAMPLES "/guide_") + GetParam().name}, options);
+    options.environment = {{"KORVEX_VIRTUAL_HEAD", head}};
+    return RunChild({KORVEX_GUIDE_SAMPLES "/guide_" + name}, options);
+}
+
+std::string HeadFile(const std::string& name) {
+    return KORVEX_SOURCE_DIR "/examples/guide/" + name;
+}
+
+TEST_P(GuideSample, DoesItsWorkOverTheVirtualHead) {
+    const auto result = RunSample(GetParam().name, HeadFile("small_head.toml"));
     EXPECT_EQ(result.exitCode, 0) << result.error;
     for (const std::string& text : GetParam().output) {
         EXPECT_THAT(result.output, testing::HasSubstr(text));
     }
 }
 
+TEST(Guide, ReconnectBringsAnUnpluggedHeadBack) {
+    const auto result = RunSample("reconnect", HeadFile("unplugged_head.toml"));
+    EXPECT_EQ(result.exitCode, 0) << result.error;
+    const auto silent = result.output.find("the board is silent\n");
+    ASSERT_NE(silent, std::string::npos) << result.output;
+    EXPECT_THAT(result.output.substr(silent), testing::HasSubstr("reconnected\n20 sets\n"));
+}
+
 TEST_P(GuideSample, SaysThatThereIsNoHead) {
-    ChildOptions options;
-    options.environment = {{"KORVEX_VIRTUAL_HEAD", ""}};
-    const auto result =
-        RunChild({std::string(KORVEX_GUIDE_SAMPLES "/guide_") + GetParam().name}, options);
+    const auto result = RunSample(GetParam().name, "");
     EXPECT_EQ(result.exitCode, 1);
     EXPECT_THAT(result.error, testing::HasSubstr("no camera found\n"));
 }

@@ -113,8 +113,8 @@ bool ChildProcess::ReadSome() {
     return true;
 }
 
-bool ChildProcess::WaitForOutput(const std::string& text) {
-    while (m_result.output.find(text) == std::string::npos) {
+bool ChildProcess::WaitFor(const std::string& collected, const std::string& text) {
+    while (collected.find(text) == std::string::npos) {
         if (!ReadSome()) {
             return false;
         }

@@ -41,11 +41,14 @@ public:
     void Signal(int signal) const;
     /// Waits until standard output contains the text; false when the child ends or the deadline
     /// passes without it.
-    bool WaitForOutput(const std::string& text);
+    bool WaitForOutput(const std::string& text) { return WaitFor(m_result.output, text); }
+    /// The same for standard error.
+    bool WaitForError(const std::string& text) { return WaitFor(m_result.error, text); }
     /// Waits for the end.
     ChildResult Wait();
 
 private:
+    bool WaitFor(const std::string& collected, const std::string& text);
     /// Reads what there is; false once both ends are closed, or at the deadline.
     bool ReadSome();
     void Reap();

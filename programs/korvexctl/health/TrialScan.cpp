@@ -1,13 +1,11 @@
 #include "korvexctl/health/TrialScan.h"
 
-#include <Korvex3Sync/Images.h>
-#include <Korvex3Sync/Light.h>
-
 #include <algorithm>
 #include <nlohmann/json.hpp>
 
 #include "korvexctl/ConnectedHead.h"
 #include "korvexctl/Illumination.h"
+#include "korvexctl/Trigger.h"
 #include "korvexctl/TriggerModes.h"
 #include "korvexctl/health/LossPlaces.h"
 
@@ -18,36 +16,6 @@ namespace {
 constexpr std::chrono::milliseconds kShortestQuiet{100};
 constexpr std::chrono::milliseconds kLongestLate{2000};
 constexpr int kQuietPeriods = 3;
-
-/// The trigger of a trial. Apart from the callback's end, so that what is on its way when the
-/// trigger stops still comes.
-class TrialTrigger {
-public:
-    TrialTrigger(const ConnectedHead& head, SetCheck& check, CAMERA_TRIGGER_MODE mode)
-        : m_head(head), m_mode(mode) {
-        Require(SetScanCallBackFunction(head.Handle(), SetCheck::OnSet, check.Context()),
-                "set the scan callback");
-        const RETSTATUS status = EnableVideoTrigger(head.Handle(), mode, true);
-        if (status != STATUS_SUCCESS) {
-            End();
-            Require(status, "switch the trigger on");
-        }
-    }
-    ~TrialTrigger() { End(); }
-    TrialTrigger(const TrialTrigger&) = delete;
-    TrialTrigger& operator=(const TrialTrigger&) = delete;
-
-    void Off() const { EnableVideoTrigger(m_head.Handle(), m_mode, false); }
-
-private:
-    void End() const {
-        Off();
-        SetScanCallBackFunction(m_head.Handle(), nullptr, nullptr);
-    }
-
-    const ConnectedHead& m_head;
-    const CAMERA_TRIGGER_MODE m_mode;
-};
 
 std::optional<ScanStatistics> Ask(const ConnectedHead& head) {
     ScanStatistics statistics;
@@ -88,7 +56,7 @@ TrialResult RunTrial(const ConnectedHead& head, const TrialOptions& options) {
     SetCheck check(before ? before->setsPending : 0, camera.width, camera.height);
     TrialResult result;
     {
-        const TrialTrigger trigger(head, check, options.light.mode);
+        const Trigger trigger(head.session, options.light.mode, SetCheck::OnSet, check.Context());
         check.WaitFor(options.sets, options.limit);
         trigger.Off();
         const std::chrono::milliseconds period(options.light.periodMs);

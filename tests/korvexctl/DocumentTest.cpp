@@ -1,0 +1,151 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <map>
+#include <regex>
+#include <set>
+#include <sstream>
+
+#include "korvexctl/Commands.h"
+#include "korvexctl/ExitCodes.h"
+#include "korvexctl/Settings.h"
+#include "project/SourceTree.h"
+
+namespace Korvex3Sync::tests {
+
+namespace {
+
+namespace fs = std::filesystem;
+using korvexctl::Setting;
+using ::testing::ElementsAreArray;
+
+constexpr char kPage[] = "docs/korvexctl.md";
+
+std::vector<std::string> Lines(const std::string& text) {
+    std::istringstream stream(text);
+    std::vector<std::string> lines;
+    for (std::string line; std::getline(stream, line);) {
+        lines.push_back(line);
+    }
+    return lines;
+}
+
+/// The rows of the table that begins with this line, without its head.
+std::vector<std::string> TableRows(const std::string& head) {
+    const std::vector<std::string> lines = Lines(ReadProjectFile(kPage));
+    auto row = std::find(lines.begin(), lines.end(), head);
+    std::vector<std::string> rows;
+    if (std::distance(row, lines.end()) < 2) {
+        ADD_FAILURE() << "no table " << head;
+        return rows;
+    }
+    for (row += 2; row != lines.end() && row->starts_with('|'); ++row) {
+        rows.push_back(*row);
+    }
+    return rows;
+}
+
+std::string Range(const Setting& setting) {
+    std::string range = RangeText(setting);
+    const std::string unit = std::string(setting.unit) + ", ";
+    return *setting.unit == 0 ? range : range.substr(unit.size());
+}
+
+TEST(KorvexctlDocument, HasEverySettingWithUnitAndRange) {
+    std::vector<std::string> rows;
+    for (const Setting& setting : korvexctl::AllSettings()) {
+        if (setting.cameraOrder > 0) {
+            continue;
+        }
+        std::string name = '`' + setting.name + '`';
+        if (setting.cameraOrder == 0) {
+            const std::string kind = setting.name.substr(0, setting.name.size() - 1);
+            name += " to `" + kind + std::to_string(korvexctl::kCameraOrders - 1) + '`';
+        }
+        rows.push_back("| " + name + " | " + setting.unit + (*setting.unit == 0 ? "| " : " | ") +
+                       Range(setting) + " | " + (setting.read ? "yes" : "no") + " | " +
+                       setting.help + " |");
+    }
+    EXPECT_THAT(TableRows("| name | unit | range | readable | meaning |"), ElementsAreArray(rows));
+}
+
+TEST(KorvexctlDocument, HasEveryExitCode) {
+    std::vector<std::string> rows;
+    for (const std::string& line : Lines(korvexctl::ExitCodeTable())) {
+        std::istringstream words(line);
+        int code = 0;
+        std::string meaning;
+        if (words >> code >> std::ws && std::getline(words, meaning)) {
+            rows.push_back("| " + std::to_string(code) + " | " + meaning + " |");
+        }
+    }
+    EXPECT_GT(rows.size(), 15U) << "the codes were not found";
+    std::vector<std::string> written = TableRows("| code | meaning |");
+    for (std::string& row : written) {
+        std::erase(row, '`');
+    }
+    EXPECT_EQ(written, rows);
+}
+
+/// Where a page shows a command line of the program: between backticks, or at the margin of an
+/// indented block. What follows the options that stand before the command is the first match.
+const std::regex kShown(
+    "(?:`|\n    (?:\\$ )?)korvexctl(?: -[^ `\n]+(?: [A-Z]+)?)* "
+    "([a-z][a-z-]*)");
+/// The same, followed by what the command ends with.
+const std::regex kEnds("`korvexctl ([a-z-]+)[^`]*` ends\\s+with\\s+(?:exit\\s+code\\s+)?([0-9]+)");
+
+/// README and the pages, by path.
+std::map<std::string, std::string> Pages() {
+    std::map<std::string, std::string> pages{{"README.md", ReadProjectFile("README.md")}};
+    for (const auto& entry : fs::directory_iterator(fs::path(KORVEX_SOURCE_DIR) / "docs")) {
+        if (entry.path().extension() == ".md") {
+            const std::string path = "docs/" + entry.path().filename().string();
+            pages[path] = ReadProjectFile(path);
+        }
+    }
+    return pages;
+}
+
+TEST(KorvexctlDocument, EveryCommandThatAPageShowsExists) {
+    std::set<std::string> known;
+    for (const korvexctl::Command& command : korvexctl::Commands()) {
+        known.insert(command.name);
+    }
+    std::set<std::string> shown;
+    for (const auto& [path, text] : Pages()) {
+        for (std::sregex_iterator match(text.begin(), text.end(), kShown), end; match != end;
+             ++match) {
+            const std::string name = (*match)[1];
+            shown.insert(name);
+            EXPECT_TRUE(known.contains(name)) << path << ": korvexctl " << name;
+        }
+    }
+    EXPECT_GT(shown.size(), 10U) << "the commands were not found";
+}
+
+TEST(KorvexctlDocument, TroubleshootingTellsTheCodesThatAreMeant) {
+    using korvexctl::ExitCode;
+    // Each is what the command ends with in its own tests.
+    const std::map<std::string, ExitCode> meant{{"list", ExitCode::NoCamera},
+                                                {"info", ExitCode::NotConnected},
+                                                {"usb", ExitCode::NotOnUsb3},
+                                                {"doctor", ExitCode::NotHealthy},
+                                                {"selftest", ExitCode::SelftestFailed}};
+    const std::string page = ReadProjectFile("docs/troubleshooting.md");
+    std::set<std::string> told;
+    for (std::sregex_iterator match(page.begin(), page.end(), kEnds), end; match != end; ++match) {
+        const std::string name = (*match)[1];
+        told.insert(name);
+        const auto code = meant.find(name);
+        ASSERT_NE(code, meant.end()) << (*match)[0];
+        EXPECT_EQ(std::stoi((*match)[2]), static_cast<int>(code->second)) << (*match)[0];
+    }
+    EXPECT_EQ(told.size(), meant.size());
+}
+
+}  // namespace
+
+}  // namespace Korvex3Sync::tests
