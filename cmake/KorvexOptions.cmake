@@ -4,7 +4,7 @@ option(KORVEX_CHECKS "Check rules of use at run time (development and test build
 option(KORVEX_THREAD_SAFETY "Treat clang's thread-safety findings as errors" OFF)
 option(KORVEX_FUZZ "Build the fuzz targets (clang only)" OFF)
 option(KORVEX_COVERAGE "Count the lines that run (g++)" OFF)
-option(KORVEX_PRECOMPILE_TESTS "Precompile the headers that every test includes" OFF)
+option(KORVEX_PRECOMPILE "Precompile the headers that take most of the compile time" OFF)
 set(KORVEX_SANITIZE "" CACHE STRING "Sanitizers, as for -fsanitize= (for example address,undefined)")
 
 set(CMAKE_CXX_STANDARD 20)
