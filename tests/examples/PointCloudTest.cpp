@@ -85,7 +85,7 @@ private:
         return {a[0] - b[0], a[1] - b[1], a[2] - b[2]};
     }
 
-    const virtual_head::SceneDescription m_scene;
+    const virtual_head::SceneDescription m_scene{};
 };
 
 ChildResult PointCloud(const std::vector<std::string>& arguments, const std::string& head) {
