@@ -22,9 +22,10 @@ ChildOptions WithHead(const std::string& head) {
     return options;
 }
 
-ChildResult LiveStatistics(std::vector<std::string> arguments, const std::string& head) {
-    arguments.insert(arguments.begin(), KORVEX_LIVE_STATISTICS);
-    return RunChild(arguments, WithHead(head));
+ChildResult LiveStatistics(const std::vector<std::string>& arguments, const std::string& head) {
+    std::vector<std::string> command{KORVEX_LIVE_STATISTICS};
+    command.insert(command.end(), arguments.begin(), arguments.end());
+    return RunChild(command, WithHead(head));
 }
 
 /// Small images, so that the test costs little.
