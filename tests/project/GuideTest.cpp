@@ -42,16 +42,31 @@ std::vector<std::string> Blocks(const std::string& text, const std::string& lang
     return blocks;
 }
 
+/// The pages of `docs/`: their names and texts.
+SourceTree Pages() {
+    SourceTree pages;
+    for (const auto& entry :
+         std::filesystem::directory_iterator(std::filesystem::path(KORVEX_SOURCE_DIR) / "docs")) {
+        if (entry.path().extension() == ".md") {
+            const std::string name = entry.path().filename().string();
+            pages.emplace(name, ReadProjectFile("docs/" + name));
+        }
+    }
+    return pages;
+}
+
 TEST(Guide, ShowsItsSamplesAsTheyAreBuilt) {
-    const auto blocks = Blocks(ReadProjectFile(kGuide), "cpp");
-    EXPECT_GE(blocks.size(), 10u) << "the blocks were not found";
+    EXPECT_GE(Blocks(ReadProjectFile(kGuide), "cpp").size(), 10u) << "the blocks were not found";
     const SourceTree samples = ReadSourceTree({kSamples});
-    for (const std::string& block : blocks) {
-        const bool stands = std::any_of(samples.begin(), samples.end(), [&](const auto& sample) {
-            return WithoutIndentation(sample.second).find(WithoutIndentation(block)) !=
-                   std::string::npos;
-        });
-        EXPECT_TRUE(stands) << "in no file of " << kSamples << ":\n" << block;
+    for (const auto& [page, text] : Pages()) {
+        for (const std::string& block : Blocks(text, "cpp")) {
+            const bool stands =
+                std::any_of(samples.begin(), samples.end(), [&](const auto& sample) {
+                    return WithoutIndentation(sample.second).find(WithoutIndentation(block)) !=
+                           std::string::npos;
+                });
+            EXPECT_TRUE(stands) << page << ", in no file of " << kSamples << ":\n" << block;
+        }
     }
 }
 
@@ -96,12 +111,7 @@ std::set<std::string> Anchors(const std::string& page) {
 TEST(Guide, LinksOfAllPagesLeadSomewhere) {
     const std::filesystem::path docs = std::filesystem::path(KORVEX_SOURCE_DIR) / "docs";
     std::size_t links = 0;
-    for (const auto& entry : std::filesystem::directory_iterator(docs)) {
-        const std::string page = entry.path().filename().string();
-        if (entry.path().extension() != ".md") {
-            continue;
-        }
-        const std::string text = ReadProjectFile("docs/" + page);
+    for (const auto& [page, text] : Pages()) {
         for (auto start = text.find("]("); start != std::string::npos;
              start = text.find("](", start + 1), ++links) {
             const std::string link = text.substr(start + 2, text.find(')', start) - start - 2);

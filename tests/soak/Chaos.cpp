@@ -48,7 +48,7 @@ const std::vector<std::string>& CallsThatHang() {
     return calls;
 }
 
-/// One fault: how often it happens in comparison, and what it is.
+/// A fault at random: its kind, and how long or how often it works.
 FaultOrder Throw(Dice& dice) {
     static const std::vector<FaultKind> kinds{
         FaultKind::Fail,         FaultKind::Fail,         FaultKind::Slow,

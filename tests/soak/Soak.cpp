@@ -185,7 +185,7 @@ private:
         Doing("disconnects");
         m_head.Disconnect();
         Doing("settles the accounts");
-        // A board whose trigger was left running gives triggers that no camera sees; switch it off.
+        // What a running trigger exposed since the cameras were closed counts as unattended.
         const auto head = Between(before, m_virtualHead->Counts());
         for (const std::string& difference : Differences(head, library)) {
             Wrong(difference);

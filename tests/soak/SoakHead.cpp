@@ -12,18 +12,20 @@ constexpr int kHeight = 32;
 
 std::atomic<unsigned long> g_sets{0};
 std::atomic<unsigned long> g_statuses{0};
+std::atomic<unsigned> g_brightness{0};
 int g_context = 0;
 
 void OnSet(const void* const&, std::vector<unsigned char*>& images, const int& width,
            const int& height, std::vector<int>&) {
-    // Read every byte: a released image would be found.
+    // Every byte is read, so that the address sanitizer finds an image that was released.
     unsigned sum = 0;
     for (const unsigned char* image : images) {
         for (int i = 0; i < width * height; ++i) {
             sum += image[i];
         }
     }
-    g_sets += sum == 0 ? 1 : 1;
+    g_brightness = sum;
+    ++g_sets;
 }
 
 void OnStatus(const void* const&, const unsigned char&, const unsigned char&) {
