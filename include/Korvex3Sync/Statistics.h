@@ -62,11 +62,13 @@ struct ScanStatistics {
     std::uint64_t monoWithoutColor = 0;
     /// Mono frames with the key of the mono frame before: delivered, each as one set too many.
     std::uint64_t repeatedKeys = 0;
-    /// Sets dropped because too many were waiting, or because the waiting ones were cleared.
+    /// Sets dropped because too many were waiting, because the waiting ones were cleared, or because
+    /// there was no memory for one more to wait.
     std::uint64_t setsDropped = 0;
     /// Keys whose mono frame never came, counted from each trigger start or reconnection on.
     std::uint64_t missingKeys = 0;
-    /// Sets that were complete while no scan callback was set, or whose callback threw.
+    /// Sets that were complete while no scan callback was set, whose callback threw, or for whose
+    /// callback there was no memory.
     std::uint64_t setsWithoutCallback = 0;
     /// Colour frames that a snapshot took out of the stream; not lost.
     std::uint64_t colorForSnapshot = 0;

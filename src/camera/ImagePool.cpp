@@ -11,7 +11,20 @@ ImagePool::~ImagePool() {
     }
 }
 
+bool ImagePool::MakeRoom() {
+    try {
+        m_lent.reserve(m_lent.size() + 1);
+        m_free.reserve(m_free.size() + m_lent.size() + 1);
+        return true;
+    } catch (const std::bad_alloc&) {
+        return false;
+    }
+}
+
 unsigned char* ImagePool::Take(std::size_t bytes) {
+    if (!MakeRoom()) {
+        return nullptr;
+    }
     const auto fits = std::find_if(m_free.begin(), m_free.end(),
                                    [bytes](const Block& block) { return block.bytes == bytes; });
     Block block{nullptr, bytes};

@@ -30,6 +30,10 @@ private:
         std::size_t bytes;
     };
 
+    /// Room for one more lent buffer, and to take all lent ones back: only Take can run out of
+    /// memory.
+    bool MakeRoom();
+
     std::vector<Block> m_lent;
     std::vector<Block> m_free;
 };

@@ -1,4 +1,4 @@
-#include <array>
+#include <new>
 
 #include "camera/ColorMode.h"
 #include "camera/PackedFrameSplit.h"
@@ -8,6 +8,18 @@ namespace Korvex3Sync {
 namespace {
 
 constexpr std::size_t kMarkerBytes = 12;
+constexpr std::size_t kMostImages = 2;
+
+/// Room in every list for the images of a frame; false without memory.
+template <class... Lists>
+bool MakeRoom(Lists&... lists) {
+    try {
+        (lists.reserve(lists.size() + kMostImages), ...);
+        return true;
+    } catch (const std::bad_alloc&) {
+        return false;
+    }
+}
 
 }  // namespace
 
@@ -15,7 +27,8 @@ bool CPhysicalCameraThread::SplitPackedFrame(std::vector<unsigned char*>& images
                                              std::vector<int>& widths, std::vector<int>& heights,
                                              std::vector<int>& channels, const unsigned char* data,
                                              ImagePool& pool) const {
-    if (m_camera == nullptr || data == nullptr || m_width <= 0 || m_height <= 0) {
+    if (m_camera == nullptr || data == nullptr || m_width <= 0 || m_height <= 0 ||
+        !MakeRoom(images, widths, heights, channels)) {
         return false;
     }
     const std::size_t pixels =

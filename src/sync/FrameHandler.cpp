@@ -32,20 +32,21 @@ public:
             counters.SetWithoutCallback();
             return;
         }
-        // Copies: what the application does to its vectors changes nothing here.
-        m_manager.m_callbackImages.assign(images.begin(), images.end());
-        m_manager.m_callbackInfo.assign(channels.begin(), channels.end());
         const void* const context = m_manager.m_pScanContext;
         InScanCallback mark(&m_manager);
         const auto begin = std::chrono::steady_clock::now();
         const auto took = [&] { return std::chrono::steady_clock::now() - begin; };
         try {
+            // Copies: what the application does to its vectors changes nothing here.
+            m_manager.m_callbackImages.assign(images.begin(), images.end());
+            m_manager.m_callbackInfo.assign(channels.begin(), channels.end());
             m_manager.m_pScanCallBack(context, m_manager.m_callbackImages, width, height,
                                       m_manager.m_callbackInfo);
             counters.SetDelivered(took(), images.size() > kMonoImages, colorMissing);
         } catch (...) {
             counters.SetThrown(took());
-            LOG(ERROR) << "a scan callback threw; its set is lost";
+            LOG(ERROR)
+                << "a scan callback threw, or there was no memory to call it; its set is lost";
         }
     }
     void Lose(PairingLoss loss) override {

@@ -1,7 +1,11 @@
 #include "sync/FramePairing.h"
 
+#include <new>
+
 namespace Korvex3Sync {
 namespace {
+
+constexpr std::size_t kMostImages = 3;  // of a set: two mono images and a colour image
 
 bool HasMono(const VideoItem& item) {
     return item.pMonoImage0 != nullptr && item.pMonoImage1 != nullptr;
@@ -17,6 +21,11 @@ void ReleaseImages(std::initializer_list<unsigned char*> images, FramePairing::S
 }
 
 }  // namespace
+
+FramePairing::FramePairing() {
+    m_set.reserve(kMostImages);
+    m_setChannels.reserve(kMostImages);
+}
 
 void FramePairing::TakeColor(const DecodedFrame& frame, Sink& sink) {
     unsigned char* const color = frame.images.front();
@@ -57,7 +66,10 @@ void FramePairing::TakeMono(const DecodedFrame& frame, Sink& sink) {
     item.nMonoWidth = frame.width;
     item.nMonoChannels = frame.channels.front();
     item.bColorExpected = frame.colorExpected;
-    Store(frame.key, item);
+    if (!Store(frame.key, item)) {
+        sink.Lose(PairingLoss::Set);
+        ReleaseSet(frame.images, sink);
+    }
 }
 
 void FramePairing::Flush(const DecodedFrame& newer, Sink& sink) {
@@ -84,8 +96,13 @@ void FramePairing::ForgoColor(unsigned int key) {
     }
 }
 
-void FramePairing::Store(unsigned int key, const VideoItem& item) {
-    _mapVideoItems.emplace(key, item);
+bool FramePairing::Store(unsigned int key, const VideoItem& item) {
+    try {
+        _mapVideoItems.emplace(key, item);
+        return true;
+    } catch (const std::bad_alloc&) {
+        return false;
+    }
 }
 
 void FramePairing::DropFirst(Sink& sink) {

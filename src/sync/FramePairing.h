@@ -57,14 +57,16 @@ public:
     /// Most items that stay after a frame.
     static constexpr std::size_t kMostItems = 4;
 
+    FramePairing();
+
     /// Takes over the one image of a colour frame.
     void TakeColor(const DecodedFrame& frame, Sink& sink);
     /// Takes over the two images of a mono frame.
     void TakeMono(const DecodedFrame& frame, Sink& sink);
     /// The colour frame of this key went elsewhere: a set that waits for it does not miss it.
     void ForgoColor(unsigned int key);
-    /// Puts an item under a key that is free.
-    void Store(unsigned int key, const VideoItem& item);
+    /// Puts an item under a key that is free; false without memory.
+    bool Store(unsigned int key, const VideoItem& item);
     /// Releases the item with the smallest key; there must be one.
     void DropFirst(Sink& sink);
     /// Releases everything, delivers nothing.

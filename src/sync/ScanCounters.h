@@ -29,7 +29,7 @@ public:
 
     /// The callback returned. `colorMissing`: it has no colour image though one was to come.
     void SetDelivered(Duration took, bool withColor, bool colorMissing);
-    /// The callback threw.
+    /// The callback threw, or there was no memory to call it.
     void SetThrown(Duration took);
     void SetWithoutCallback();
     void SetDropped();
