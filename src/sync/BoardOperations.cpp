@@ -36,6 +36,7 @@ RememberedSettings IManagerSync::SettingsToRestore() {
 
 RETSTATUS IManagerSync::SetStrobeControlledByTrigger(const CONTROLROUTE& route,
                                                      const STROBE_STATE& state) {
+    os::CriticalSectionGuard device(m_csDevice);
     if (m_hDevice == nullptr) {
         return STATUS_NOT_CONNECTED;
     }

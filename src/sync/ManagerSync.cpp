@@ -33,10 +33,11 @@ IManagerSync::~IManagerSync() {
     for (auto& camera : m_cameras) {
         camera->ResetStatusToInitialize();
         camera->StopThread();
+        // A status callback may be reading from it.
+        os::CriticalSectionGuard device(m_csDevice);
         camera->CloseCamera();
         camera.reset();
     }
-    m_cameras.clear();
     if (m_hDevice != nullptr) {
         SetScanCallBackFunction(nullptr, nullptr);
         os::CriticalSectionGuard device(m_csDevice);

@@ -174,7 +174,7 @@ private:
     };
     enum class DeviceLost { Refuses, Ignored };
 
-    /// Every board operation: 6 without a board; under the device lock, remember, refuse with 0
+    /// Every board operation, under the device lock: 6 without a board; remember, refuse with 0
     /// where a lost board refuses, else call the library: true is 7, false 0.
     template <class Remember, class Call>
     RETSTATUS BoardOperation(DeviceLost lost, Remember remember, Call call);
@@ -251,7 +251,9 @@ private:
     unsigned m_allCamerasMask = 0;
 
     std::atomic<bool> m_bContinueStatusThread{false};
-    std::atomic<bool> m_bPauseStatusCheck{false};
+    std::atomic<bool> m_bPauseStatusCheck{false};  // while m_reconnections is not 0
+    os::Mutex m_parkMutex;
+    int m_reconnections KORVEX_GUARDED_BY(m_parkMutex) = 0;
     os::Thread m_hStatusThread;
     os::Event m_statusWake;  // ends the status thread's waits
     StatusCallBackFunction m_pStatusCallBack KORVEX_GUARDED_BY(m_csStatus) = nullptr;
@@ -286,19 +288,16 @@ inline constexpr char kManagerSyncLog[] = "sync/ManagerSync";
 
 template <class Remember, class Call>
 RETSTATUS IManagerSync::BoardOperation(DeviceLost lost, Remember remember, Call call) {
-    if (m_hDevice == nullptr) {
-        return STATUS_NOT_CONNECTED;
-    }
     CheckNotInScanCallback(this);
+    // A reconnection closes the board for a while, under the lock: whoever meets it waits.
     os::CriticalSectionGuard device(m_csDevice);
-    remember(m_remembered);
-    if (lost == DeviceLost::Refuses && m_bDeviceLost) {
-        return STATUS_FAILED;
-    }
-    // The board may have been closed while this thread waited for the lock.
     void* const handle = m_hDevice;
     if (handle == nullptr) {
         return STATUS_NOT_CONNECTED;
+    }
+    remember(m_remembered);
+    if (lost == DeviceLost::Refuses && m_bDeviceLost) {
+        return STATUS_FAILED;
     }
     return call(handle) ? STATUS_SUCCESS : STATUS_FAILED;
 }

@@ -36,14 +36,22 @@ void PrintAndLog(const char* text) {
 }  // namespace
 
 /// Parks the status thread while it lives. At its end, also when memory ran out meanwhile, that
-/// thread and the grab threads go on.
+/// thread and the grab threads go on, unless another reconnection of the same head is not through.
 class IManagerSync::Parked {
 public:
     explicit Parked(IManagerSync& manager) : m_manager(manager) {
+        os::MutexGuard lock(m_manager.m_parkMutex);
+        ++m_manager.m_reconnections;
         m_manager.m_bPauseStatusCheck = true;
     }
     ~Parked() {
-        m_manager.m_bPauseStatusCheck = false;
+        {
+            os::MutexGuard lock(m_manager.m_parkMutex);
+            if (--m_manager.m_reconnections > 0) {
+                return;
+            }
+            m_manager.m_bPauseStatusCheck = false;
+        }
         m_manager.ReInitializeCamera(false);
     }
     Parked(const Parked&) = delete;

@@ -2,8 +2,11 @@
 
 #include <algorithm>
 #include <atomic>
+#include <chrono>
+#include <future>
 #include <new>
 #include <thread>
+#include <utility>
 
 #include "sync/ReconnectedManager.h"
 
@@ -84,6 +87,59 @@ TEST_F(AroundReconnection, TheStatusThreadLeavesTheBoardAloneWhileItRestarts) {
     ASSERT_TRUE(Recorder::Get().WaitForCount("zr3DQueryCurrentStatus",
                                              Recorder::Get().Count("zr3DQueryCurrentStatus") + 3))
         << "it goes on afterwards";
+}
+
+TEST_F(AroundReconnection, ASecondOneDoesNotWakeTheStatusThreadForTheFirst) {
+    Connect();
+    m_manager->SetStatusCallBackFunction(&IgnoreStatus, &m_frames);
+    bool inside = false;
+    std::size_t before = 0;
+    std::size_t after = 0;
+    const auto polls = [] { return Recorder::Get().CallsOfOthers().size(); };
+    Recorder::Get().OnCall("zr3DResetDevice", [&] {
+        // The first one is about to wait for the board; another begins and ends meanwhile.
+        if (std::exchange(inside, true)) {
+            return;
+        }
+        Recorder::Get().FailAlways("zr3DQueryCurrentStatus", false);
+        EXPECT_EQ(m_manager->ReConnectDeviceEx(), 0);
+        before = polls();
+        Recorder::Get().OnCall("zr3DInitHidDev", [&] { after = polls(); });
+    });
+    Recorder::Get().FailAlways("zr3DQueryCurrentStatus");
+    EXPECT_EQ(Reconnect(), 0);
+    ASSERT_GT(after, 0u) << "the first one went on";
+    EXPECT_LE(after, before + 1) << "35 polls would fit; one may have been past the mark";
+    const auto count = Recorder::Get().Count("zr3DQueryCurrentStatus");
+    EXPECT_TRUE(Recorder::Get().WaitForCount("zr3DQueryCurrentStatus", count + 2))
+        << "it goes on afterwards";
+    EXPECT_TRUE(FramesFlow());
+}
+
+TEST_F(AroundReconnection, AnOperationThatMeetsItWaitsForItsEnd) {
+    Connect();
+    std::future<RETSTATUS> operation;
+    Recorder::Get().OnCall("zr3DInitHidDev", [&] {  // the board is closed just now
+        operation =
+            std::async(std::launch::async, [&] { return m_manager->SetLaserLineDutioRatio(77); });
+        EXPECT_EQ(operation.wait_for(std::chrono::milliseconds(100)), std::future_status::timeout);
+    });
+    EXPECT_EQ(Reconnect(), 0);
+    EXPECT_EQ(operation.get(), STATUS_SUCCESS);
+    EXPECT_EQ(m_manager->SettingsToRestore().laserLineDuty, 77);
+}
+
+TEST_F(AroundReconnection, AnOperationThatMeetsOneThatFailsIsNotRemembered) {
+    Connect();
+    std::future<RETSTATUS> operation;
+    Recorder::Get().OnCall("zr3DInitHidDev", [&] {
+        operation =
+            std::async(std::launch::async, [&] { return m_manager->SetLaserLineDutioRatio(77); });
+    });
+    Recorder::Get().FailAlways("zr3DInitHidDev");
+    EXPECT_EQ(Reconnect(), 1);
+    EXPECT_EQ(operation.get(), STATUS_NOT_CONNECTED);
+    EXPECT_EQ(m_manager->SettingsToRestore().laserLineDuty, 100);
 }
 
 TEST_F(AroundReconnection, OneThatRunsOutOfMemoryLetsEverythingGoOn) {

@@ -1,11 +1,14 @@
 #include <gtest/gtest.h>
 
 #include <condition_variable>
+#include <memory>
 #include <mutex>
 #include <stdexcept>
+#include <thread>
 #include <utility>
 
 #include "platform/os/Clock.h"
+#include "platform/os/Event.h"
 #include "platform/os/TimeScale.h"
 #include "support/LogCapture.h"
 #include "sync/Head.h"
@@ -217,6 +220,34 @@ TEST(StatusThreadEnd, TheDestructorEndsTheThreadAtOnceAndSaysSo) {
     EXPECT_NE(testing::internal::GetCapturedStdout().find("Exit Status Thread\n"),
               std::string::npos);
     EXPECT_TRUE(log.Has("ManagerSync: Exit Status Thread"));
+}
+
+TEST(StatusThreadEnd, TheDestructorLeavesACameraAloneThatTheCallbackUses) {
+    Recorder::Get().Reset();
+    const os::ScopedTimeScale fast(0.01);
+    auto manager = std::make_unique<IManagerSync>();
+    ASSERT_EQ(ConnectRecorded(*manager), STATUS_SUCCESS);
+    Reports reports;
+    reports.action = [&used = *manager, first = true]() mutable {
+        double exposure = 0.0;
+        int gain = 0;
+        if (std::exchange(first, false)) {
+            used.GetCameraExposureAndGain(0, exposure, gain);
+        }
+    };
+    os::Event inUse;
+    bool leftAlone = false;
+    Recorder::Get().OnCall("GetGain", [&] {
+        inUse.Set();
+        Recorder::Get().WaitForCount("UnlockOthers", 1);  // the grab thread has ended
+        std::this_thread::sleep_for(std::chrono::milliseconds(50));
+        leftAlone = Recorder::Get().Count("CloseCamera") == 0;
+    });
+    manager->SetStatusCallBackFunction(&Reports::Receive, &reports);
+    inUse.Wait();
+    manager.reset();
+    EXPECT_TRUE(leftAlone);
+    EXPECT_EQ(Recorder::Get().Count("CloseCamera"), 1u);
 }
 
 }  // namespace
