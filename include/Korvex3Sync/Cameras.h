@@ -9,13 +9,14 @@ namespace Korvex3Sync {
 // may be called from any thread, also from a status callback, but not from a scan callback; wait
 // for operations of other threads on the same handle, a reconnection included, and then block for
 // the camera's answer and for the times given below. GetConnectCameraCount waits for nothing. They
-// look neither at the board nor at whether it is marked lost.
+// look neither at the board nor at whether it is marked lost. Where 7 is promised whatever the
+// camera does, 0 is still the answer when memory ran out.
 //
 // All of them reach the first camera. A camera index is the position of a sensor in the head, 0 to
 // 3; it selects whose exposure and gain that camera takes or gives.
 
 /// Number of cameras that were opened; a camera that several sensors share counts once. Cameras
-/// that were closed with CloseDeviceCamera count too. Always 7.
+/// that were closed with CloseDeviceCamera count too. Returns 7.
 KORVEX3SYNC_API RETSTATUS GetConnectCameraCount(void* const& handle, int& count);
 
 /// Serial of the first camera. `cameraIndex` counts the entries of the list that the head was

@@ -40,11 +40,15 @@ KORVEX3SYNC_API RETSTATUS SetStatusCallBackFunction(void* const& handle,
 /// Trigger and strobe stay as the snapshot left them (trigger mode TRIGGER_SINGLE_COLOR, strobe
 /// state 1), also after a failure: set them as they shall be. Exposure and gain stay too.
 ///
+/// A route outside 0..2 does not stop the snapshot: the strobe is not switched then.
+///
 /// Returns 7; 6 for a null handle; 0 when a frame did not come: nothing is appended then. A board
 /// that is lost, not open or refuses, and cameras that were closed, are not told apart from frames
-/// that do not come. Any thread outside the callbacks; one snapshot at a time on a handle, and not
-/// beside DisConnectDevice. Blocks for the frames, **up to 100 s for each image**, and for
-/// operations of other threads.
+/// that do not come. **An image that a failed snapshot caught may stay** and come out of the next
+/// successful one, in the place of its second or third image: after a failure take one snapshot
+/// more and discard it. Any thread outside the callbacks; one snapshot at a time on a handle, and
+/// not beside DisConnectDevice. Blocks for the frames, **up to 100 s for each image**, and for
+/// operations of other threads; nothing ends the wait for a frame early.
 KORVEX3SYNC_API RETSTATUS SnapColorImage(void* const& handle, std::vector<unsigned char*>& images,
                                          int& width, int& height, const int& cameraIndex,
                                          double& exposure, int& gain, const CONTROLROUTE& route);
@@ -54,8 +58,8 @@ KORVEX3SYNC_API RETSTATUS SnapColorImage(void* const& handle, std::vector<unsign
 /// third image. The second and the third image may be null. Trigger and strobe output 1 stay as the
 /// third image left them. Always runs in direct mode: never with a handle of service mode.
 ///
-/// Returns as SnapColorImage does; 3 when `exposures` or `gains` does not hold two entries: nothing
-/// is done then.
+/// Returns and blocks as SnapColorImage does; 3 when `exposures` or `gains` does not hold two
+/// entries: nothing is done then.
 KORVEX3SYNC_API RETSTATUS SnapColorImageForIR(void* const& handle,
                                               std::vector<unsigned char*>& images, int& width,
                                               int& height, const int& cameraIndex,

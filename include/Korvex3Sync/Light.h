@@ -9,8 +9,14 @@ namespace Korvex3Sync {
 // Operations on the board. All of them: return 7 for success, 6 for a null handle or a board that
 // is not open, 0 when the board is marked lost (a status poll failed) or refuses; may be called
 // from any thread, also from a status callback, but not from a scan callback; block for the board's
-// answer and for the board operation of another thread. Numbers go to the board as they are. What a
-// setter was asked for is remembered, also when it failed, and written back by ReconnectDevice.
+// answer, for the board operation of another thread and for a running reconnection. What a setter
+// was asked for is remembered, also when it failed (but not when it was answered 6), and written
+// back by ReconnectDevice. Outputs of getters stay as they are on failure, but for
+// GetStrobeWorkTime.
+//
+// Numbers go to the board as they are, and its firmware decides what it takes. korvexctl accepts 0
+// to 100 for brightness and duty ratios, 0 to 1000000 for work times and 1 to 10000 for the trigger
+// period; the virtual board stores every number (docs/board-protocol.md, docs/virtual-head.md).
 
 /// Shows a projector pattern; a type outside 0..2 switches the projection off.
 KORVEX3SYNC_API RETSTATUS Project(void* const& handle, const PROJECTWORKTYPES& type);
@@ -26,8 +32,8 @@ KORVEX3SYNC_API RETSTATUS EnableBlueLaser(void* const& handle, const LASERWORKMO
 /// Switches the infrared laser.
 KORVEX3SYNC_API RETSTATUS EnableIRLaser(void* const& handle, const bool& enable);
 
-/// Infrared laser level, 1 to 10. Direct mode only (4 in service mode); sent also to a board that
-/// is marked lost.
+/// Infrared laser level, 1 to 10 (unchecked, see above). Direct mode only (4 in service mode); sent
+/// also to a board that is marked lost.
 KORVEX3SYNC_API RETSTATUS SetIRLaserBrightnessLevel(void* const& handle, const int& level);
 
 /// Couples a strobe output to the trigger. A route outside 0..2 or a state outside 1..4 is refused
@@ -61,7 +67,7 @@ KORVEX3SYNC_API RETSTATUS GetIRLaserDutioRatio(void* const& handle, int& ratio);
 /// Strobe work times with and without texture. The second is not sent when the first is refused.
 KORVEX3SYNC_API RETSTATUS SetStrobeWorkTime(void* const& handle, const int& timeWithTexture,
                                             const int& time);
-/// Both are asked for; 0 when either query fails.
+/// Both are asked for; 0 when either query fails: the output of the other may be written then.
 KORVEX3SYNC_API RETSTATUS GetStrobeWorkTime(void* const& handle, int& timeWithTexture, int& time);
 
 /// Laser line work time. It is remembered as the infrared laser's, so ReconnectDevice writes 1000

@@ -62,8 +62,8 @@ struct ScanStatistics {
     std::uint64_t monoWithoutColor = 0;
     /// Mono frames with the key of the mono frame before: delivered, each as one set too many.
     std::uint64_t repeatedKeys = 0;
-    /// Sets dropped because too many were waiting, because the waiting ones were cleared, or because
-    /// there was no memory for one more to wait.
+    /// Sets dropped because too many were waiting, because the waiting ones were cleared, or
+    /// because there was no memory for one more to wait.
     std::uint64_t setsDropped = 0;
     /// Keys whose mono frame never came, counted from each trigger start or reconnection on.
     std::uint64_t missingKeys = 0;

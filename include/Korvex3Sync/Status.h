@@ -5,8 +5,11 @@
 namespace Korvex3Sync {
 
 /// Result of every operation. Callers compare the numbers; they never change.
+///
+/// Every operation that takes memory answers 0 too when there was none, also one whose comment
+/// names no 0; so no 7 is promised without it. Outputs and settings may be half done then.
 enum RETSTATUS : int {
-    STATUS_FAILED = 0,            ///< the device or the library call failed
+    STATUS_FAILED = 0,            ///< the device or the library call failed, or memory ran out
     STATUS_PROJECTOR = 1,         ///< the board is not connected or could not be opened
     STATUS_CAMERA = 2,            ///< a camera is not connected or could not be opened
     STATUS_PARAMETER = 3,         ///< bad parameter: null pointer, vectors of unequal length

@@ -27,10 +27,12 @@ enum CAMERA_TRIGGER_MODE : int {
 /// What the projector shows.
 enum PROJECTWORKTYPES : int { PROJECT_OFF = 0, PROJECT_PATTERN_1 = 1, PROJECT_PATTERN_2 = 2 };
 
-/// Which output of the board a strobe setting applies to.
+/// Which output of the board a strobe setting applies to. What hangs on each is the firmware's; in
+/// the virtual head 0 and 1 are one ring of lights each, 2 both (docs/virtual-head.md).
 enum CONTROLROUTE : int { CONTROL_ROUTE_0 = 0, CONTROL_ROUTE_1 = 1, CONTROL_ROUTE_2 = 2 };
 
-/// How a strobe follows the trigger.
+/// How a strobe follows the trigger. What the states mean is the firmware's; the virtual head
+/// lights mono and colour frames in 1, mono in 2, colour in 3, none in 4 (docs/virtual-head.md).
 enum STROBE_STATE : int {
     STROBE_STATE_1 = 1,
     STROBE_STATE_2 = 2,
@@ -62,7 +64,8 @@ using ScanCallBackFunction = void (*)(const void* const& context,
                                       const int& height, std::vector<int>& imageInfo);
 
 /// Receives the two status bytes of the board, about every 200 ms; 255 and 255 when the board did
-/// not answer. `statusA` is the second byte of the board's answer and `statusB` the first.
+/// not answer. `statusA` is the second byte of the board's answer and `statusB` the first. While
+/// ReconnectDevice runs the board is not polled, but for a poll that was due when it began.
 ///
 /// Called on the status thread of the connection, with its board lock held: return promptly, other
 /// threads' board operations wait meanwhile. Board operations on the same handle may be called in
