@@ -260,8 +260,8 @@ TEST_F(CameraThread, ALoopWithoutACameraWaitsInsteadOfSpinning) {
     m_camera.PauseThread();
     testing::internal::CaptureStdout();
     m_camera.ReleaseCamera();
-    m_camera.ResumeThread();
     const auto begin = std::chrono::steady_clock::now();
+    m_camera.ResumeThread();
     std::this_thread::sleep_for(std::chrono::milliseconds(250));
     m_camera.StopThread();
     const auto slept = std::chrono::steady_clock::now() - begin;

@@ -25,6 +25,10 @@ std::uint64_t Taken(const HeadCounts& counts) {
 /// What the head did is what the library says that it delivered and lost.
 class Account : public HeadSession {
 protected:
+    ~Account() override {
+        DisConnectDevice(m_handle);  // before the collector goes
+    }
+
     ScanStatistics Statistics() const {
         ScanStatistics statistics;
         EXPECT_EQ(GetScanStatistics(m_handle, statistics), STATUS_SUCCESS);
@@ -200,6 +204,7 @@ TEST_F(Account, OfFullBuffersAddsUp) {
     Scan({}, 4);
     std::atomic<bool> hold = true;
     SetCollector slow([&](const ImageSet&, std::size_t) { WaitUntil([&] { return !hold; }); });
+    const EndedFirst ended(*this);
     ASSERT_EQ(SetScanCallBackFunction(m_handle, &SetCollector::Receive, &slow), STATUS_SUCCESS);
     ASSERT_EQ(Trigger(TRIGGER_LASER_LINES, kPeriodMs), STATUS_SUCCESS);
     EXPECT_TRUE(WaitUntil([this] { return Head().Counts().mono.lostInBuffers >= 10; }));
@@ -218,7 +223,6 @@ TEST_F(Account, OfFullBuffersAddsUp) {
     EXPECT_EQ(head.mono.made, head.mono.handed + head.mono.lostInBuffers);
     EXPECT_EQ(support::AccountedTriggers(Statistics()) - Statistics().missingKeys,
               head.mono.handed);
-    SetScanCallBackFunction(m_handle, nullptr, nullptr);
 }
 
 TEST_F(Account, OfALateOrMuteBoardLosesNoSet) {

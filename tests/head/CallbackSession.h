@@ -6,13 +6,13 @@
 #include <chrono>
 #include <cstddef>
 #include <functional>
-#include <thread>
 #include <utility>
 #include <vector>
 
 #include "head/HeadSession.h"
 #include "platform/os/Event.h"
 #include "platform/os/TimeScale.h"
+#include "support/WaitUntil.h"
 
 namespace Korvex3Sync {
 
@@ -36,18 +36,7 @@ public:
 
     std::size_t Count() const { return m_count; }
     bool WaitFor(std::size_t count) const {
-        return WaitUntil([&] { return m_count >= count; });
-    }
-    template <class Condition>
-    static bool WaitUntil(Condition condition) {
-        const auto end = std::chrono::steady_clock::now() + kDeadline;
-        while (!condition()) {
-            if (std::chrono::steady_clock::now() > end) {
-                return false;
-            }
-            std::this_thread::yield();
-        }
-        return true;
+        return support::WaitUntil([&] { return m_count >= count; });
     }
 
 private:
@@ -111,19 +100,17 @@ protected:
         EXPECT_EQ(GetScanStatistics(m_handle, statistics), STATUS_SUCCESS);
         return statistics;
     }
-    /// Stands below everything that the callbacks of a test use, so that they end before it.
-    class EndedFirst {
+    /// Opens the gate as well, which a callback may still wait at.
+    class EndedFirst : public HeadSession::EndedFirst {
     public:
-        explicit EndedFirst(CallbackSession& test) : m_test(test) {}
-        ~EndedFirst() {
-            m_test.m_gate.Open();
-            DisConnectDevice(m_test.m_handle);
-        }
+        explicit EndedFirst(CallbackSession& test)
+            : HeadSession::EndedFirst(test), m_gate(test.m_gate) {}
+        ~EndedFirst() { m_gate.Open(); }
         EndedFirst(const EndedFirst&) = delete;
         EndedFirst& operator=(const EndedFirst&) = delete;
 
     private:
-        CallbackSession& m_test;
+        Gate& m_gate;
     };
 
     Gate m_gate;

@@ -132,10 +132,10 @@ TEST_F(Callbacks, WhatAScanCallbackHeldUpUntilItWasLostIsCounted) {
     ASSERT_EQ(Trigger(TRIGGER_LASER_LINES, 2), STATUS_SUCCESS);
     ASSERT_TRUE(m_gate.WaitUntilEntered());
     const auto before = Head().Clock().Lost();
-    ASSERT_TRUE(Called::WaitUntil([&] { return Head().Clock().Lost() >= before + 5; }));
+    ASSERT_TRUE(support::WaitUntil([&] { return Head().Clock().Lost() >= before + 5; }));
     m_gate.Open();
     ASSERT_TRUE(scan.WaitFor(5));
-    EXPECT_TRUE(Called::WaitUntil([&] { return Statistics().missingKeys >= 5; }));
+    EXPECT_TRUE(support::WaitUntil([&] { return Statistics().missingKeys >= 5; }));
     TriggerOff();
 }
 
@@ -157,7 +157,7 @@ TEST_F(Callbacks, AScanCallbackThatWasReplacedIsNotCalledAgain) {
     ASSERT_EQ(SetScan(nullptr), STATUS_SUCCESS);
     const std::size_t count = second.Count();
     const auto without = Statistics().setsWithoutCallback;
-    ASSERT_TRUE(Called::WaitUntil([&] { return Statistics().setsWithoutCallback > without + 5; }))
+    ASSERT_TRUE(support::WaitUntil([&] { return Statistics().setsWithoutCallback > without + 5; }))
         << "the frames run on";
     EXPECT_EQ(second.Count(), count);
     TriggerOff();
@@ -190,7 +190,7 @@ TEST_F(Callbacks, AScanCallbackThatThrowsLosesItsSetAndNoOther) {
     const EndedFirst ended(*this);
     SetScan(&scan);
     ASSERT_EQ(Trigger(TRIGGER_LASER_LINES_COLOR, 2), STATUS_SUCCESS);
-    ASSERT_TRUE(Called::WaitUntil([&] { return Statistics().setsDelivered >= 5; }));
+    ASSERT_TRUE(support::WaitUntil([&] { return Statistics().setsDelivered >= 5; }));
     TriggerOff();
     EXPECT_EQ(Statistics().setsWithoutCallback, 3u);
     EXPECT_EQ(log.Errors(), 3) << "one record for each";

@@ -1,7 +1,6 @@
-#include <thread>
-
 #include "head/HeadSession.h"
 #include "platform/os/TimeScale.h"
+#include "support/WaitUntil.h"
 
 namespace Korvex3Sync {
 namespace {
@@ -37,9 +36,7 @@ protected:
 TEST_F(DeviceFaults, AStoppedCameraIsStartedByAReconnection) {
     Order(FaultKind::CameraStop);
     const auto lost = Head().Counts().mono.lost;
-    while (Head().Counts().mono.lost < lost + 10) {
-        std::this_thread::yield();  // the test's own limit ends this
-    }
+    ASSERT_TRUE(support::WaitUntil([&] { return Head().Counts().mono.lost >= lost + 10; }));
     EXPECT_EQ(ReconnectDevice(m_handle), STATUS_SUCCESS);
     EXPECT_TRUE(ScanGoesOn());
 }

@@ -63,6 +63,18 @@ protected:
     RETSTATUS Trigger(CAMERA_TRIGGER_MODE mode, int periodMs);
     RETSTATUS TriggerOff();
 
+    /// Stands below everything that the callbacks of a test use, so that they end before it.
+    class EndedFirst {
+    public:
+        explicit EndedFirst(HeadSession& test) : m_test(test) {}
+        ~EndedFirst() { DisConnectDevice(m_test.m_handle); }
+        EndedFirst(const EndedFirst&) = delete;
+        EndedFirst& operator=(const EndedFirst&) = delete;
+
+    private:
+        HeadSession& m_test;
+    };
+
     void* m_handle = nullptr;
 
 private:

@@ -6,11 +6,13 @@
 #include "head/HeadSession.h"
 #include "platform/os/Event.h"
 #include "support/Accounted.h"
+#include "support/WaitUntil.h"
 
 namespace Korvex3Sync {
 namespace {
 
 using support::AccountedTriggers;
+using support::WaitUntil;
 
 constexpr std::chrono::milliseconds kDeadline{60000};
 
@@ -22,29 +24,22 @@ protected:
         EXPECT_EQ(GetScanStatistics(m_handle, statistics), STATUS_SUCCESS);
         return statistics;
     }
-    template <class Condition>
-    static bool WaitUntil(Condition condition) {
-        const auto end = std::chrono::steady_clock::now() + kDeadline;
-        while (!condition()) {
-            if (std::chrono::steady_clock::now() > end) {
-                return false;
-            }
-            std::this_thread::sleep_for(std::chrono::milliseconds(1));
-        }
-        return true;
-    }
     bool WaitForTriggers(std::uint64_t triggers) {
         return WaitUntil([&] { return Head().Clock().Triggers() >= triggers; });
     }
-    /// The account once the cameras have given all frames and `pending` sets are left.
+    /// The account once the cameras have given all frames, each has come to its end, and `pending`
+    /// sets are left. A frame counts as accepted before it is dealt with.
     ScanStatistics Drained(std::uint64_t framesPerTrigger, std::uint64_t pending) {
         const std::uint64_t frames =
             framesPerTrigger * Head().Clock().Triggers() - Head().Clock().Lost();
         EXPECT_TRUE(WaitUntil([&] {
             const ScanStatistics now = Statistics();
-            return now.framesAccepted == frames && now.setsPending == pending;
+            return now.framesAccepted == frames && now.setsPending == pending &&
+                   AccountedTriggers(now) - now.missingKeys == frames / framesPerTrigger;
         })) << Statistics().framesAccepted
-            << " of " << frames << " frames, " << Statistics().setsPending << " sets pending";
+            << " of " << frames << " frames, " << Statistics().setsPending << " sets pending, "
+            << AccountedTriggers(Statistics()) << " triggers accounted for, "
+            << Statistics().missingKeys << " of them missing";
         return Statistics();
     }
     static void ExpectNothingLost(const ScanStatistics& statistics) {
@@ -78,6 +73,7 @@ TEST_P(LossesInModes, TheTriggersOfTwoRunsAddUpAndNothingIsLost) {
     Request(SmallHead());
     ASSERT_EQ(Connect(), STATUS_SUCCESS);
     SetCollector sets([](const ImageSet&, std::size_t) {});
+    const EndedFirst ended(*this);
     SetScanCallBackFunction(m_handle, &SetCollector::Receive, &sets);
     for (std::uint64_t run = 1; run <= 2; ++run) {
         ASSERT_EQ(Trigger(row.mode, 1), STATUS_SUCCESS);
@@ -104,6 +100,7 @@ TEST_F(Losses, SingleColourExposuresStandBesideTheSets) {
     Request(SmallHead());
     ASSERT_EQ(Connect(), STATUS_SUCCESS);
     SetCollector sets;
+    const EndedFirst ended(*this);
     SetScanCallBackFunction(m_handle, &SetCollector::Receive, &sets);
     ASSERT_EQ(Trigger(TRIGGER_LASER_LINES_COLOR, 2), STATUS_SUCCESS);
     ASSERT_TRUE(WaitForTriggers(10));
@@ -131,6 +128,7 @@ TEST_F(Losses, AChangeOfTheModeWhileTheTriggerRunsMissesNothing) {
     Request(SmallHead());
     ASSERT_EQ(Connect(), STATUS_SUCCESS);
     SetCollector sets;
+    const EndedFirst ended(*this);
     SetScanCallBackFunction(m_handle, &SetCollector::Receive, &sets);
     ASSERT_EQ(Trigger(TRIGGER_LASER_LINES, 2), STATUS_SUCCESS);
     ASSERT_TRUE(WaitForTriggers(20));
@@ -151,6 +149,7 @@ TEST_F(Losses, ARunThatAResetOfTheFpgaEndedAndTheNextOneMissNothing) {
     Request(SmallHead());
     ASSERT_EQ(Connect(), STATUS_SUCCESS);
     SetCollector sets;
+    const EndedFirst ended(*this);
     SetScanCallBackFunction(m_handle, &SetCollector::Receive, &sets);
     for (int run = 0; run < 2; ++run) {
         ASSERT_EQ(Trigger(TRIGGER_LASER_LINES, 2), STATUS_SUCCESS);
@@ -173,6 +172,7 @@ TEST_F(Losses, FramesThatWaitInTheCameraOverAStopAndAStartAreNotMissing) {
             go.Wait(kDeadline);
         }
     });
+    const EndedFirst ended(*this);
     SetScanCallBackFunction(m_handle, &SetCollector::Receive, &sets);
     ASSERT_EQ(Trigger(TRIGGER_LASER_LINES, 2), STATUS_SUCCESS);
     EXPECT_EQ(entered.Wait(kDeadline), os::WaitResult::Signalled);
@@ -200,6 +200,7 @@ TEST_F(Losses, ASlowCallbackShowsInItsTimes) {
             std::this_thread::sleep_for(kSlept);
         }
     });
+    const EndedFirst ended(*this);
     SetScanCallBackFunction(m_handle, &SetCollector::Receive, &sets);
     EXPECT_EQ(Statistics().callbackLongestUs, 0u);
     ASSERT_EQ(Trigger(TRIGGER_LASER_LINES_COLOR, 2), STATUS_SUCCESS);
@@ -222,6 +223,7 @@ TEST_F(Losses, CanBeReadInsideAScanCallback) {
         EXPECT_EQ(inside.setsDelivered, number) << "this one has not returned";
         EXPECT_EQ(AccountedTriggers(inside), number + inside.setsPending);
     });
+    const EndedFirst ended(*this);
     SetScanCallBackFunction(m_handle, &SetCollector::Receive, &sets);
     ASSERT_EQ(Trigger(TRIGGER_LASER_LINES, 2), STATUS_SUCCESS);
     EXPECT_TRUE(WaitForTriggers(20));
@@ -244,6 +246,7 @@ TEST_F(Losses, WhatFindsNoRoomInTheCameraIsMissing) {
             go.Wait(kDeadline);
         }
     });
+    const EndedFirst ended(*this);
     SetScanCallBackFunction(m_handle, &SetCollector::Receive, &sets);
     ASSERT_EQ(Trigger(TRIGGER_LASER_LINES, 10), STATUS_SUCCESS);
     EXPECT_EQ(entered.Wait(kDeadline), os::WaitResult::Signalled);

@@ -66,6 +66,7 @@ TEST_F(RealPairs, ArriveUnchangedInOrderEachWithItsPartner) {
         EXPECT_TRUE(set.images[1] == right) << "set " << number;
         EXPECT_TRUE(set.images[2] == color) << "set " << number;
     });
+    const EndedFirst ended(*this);
     SetScanCallBackFunction(m_handle, &SetCollector::Receive, &sets);
     ASSERT_EQ(Trigger(TRIGGER_PATTERN_COLOR, 20), STATUS_SUCCESS);
     EXPECT_TRUE(sets.WaitFor(60)) << sets.Count();

@@ -6,10 +6,12 @@
 #include "head/EverySetting.h"
 #include "head/HeadSession.h"
 #include "platform/os/TimeScale.h"
+#include "support/WaitUntil.h"
 
 namespace Korvex3Sync {
 namespace {
 
+using support::WaitUntil;
 using testing::Contains;
 using testing::ElementsAre;
 using testing::Not;
@@ -90,9 +92,7 @@ TEST_F(ReconnectedHead, AScanGoesOnThroughManyOfThem) {
         << "a reconnection makes no losses up";
     EXPECT_EQ(statistics.repeatedKeys, 0u);
     const int reports = m_reports;
-    while (m_reports == reports) {
-        std::this_thread::yield();  // the polls go on too; the test's own limit ends this
-    }
+    EXPECT_TRUE(WaitUntil([&] { return m_reports != reports; })) << "the polls go on too";
     EXPECT_EQ(TriggerOff(), STATUS_SUCCESS);
 }
 
@@ -155,9 +155,7 @@ TEST_F(ReconnectedHead, ClosedCamerasComeBack) {
     EXPECT_EQ(CloseDeviceCamera(m_handle), STATUS_SUCCESS);
     const std::size_t sets = m_sets.Count();
     const auto triggers = Head().Clock().Triggers();
-    while (Head().Clock().Triggers() < triggers + 20) {
-        std::this_thread::yield();
-    }
+    ASSERT_TRUE(WaitUntil([&] { return Head().Clock().Triggers() >= triggers + 20; }));
     EXPECT_EQ(m_sets.Count(), sets) << "the board triggers, and nobody looks";
     EXPECT_EQ(ReconnectDevice(m_handle), STATUS_SUCCESS);
     EXPECT_TRUE(ScanGoesOn());
@@ -175,9 +173,7 @@ TEST_F(ReconnectedHead, ACameraThatDoesNotOpenGivesNoFramesUntilTheNextReconnect
     EXPECT_EQ(ReconnectDevice(m_handle), STATUS_SUCCESS) << "the board is what counts";
     const std::size_t sets = m_sets.Count();
     const auto triggers = Head().Clock().Triggers();
-    while (Head().Clock().Triggers() < triggers + 20) {
-        std::this_thread::yield();
-    }
+    ASSERT_TRUE(WaitUntil([&] { return Head().Clock().Triggers() >= triggers + 20; }));
     EXPECT_EQ(m_sets.Count(), sets);
     EXPECT_EQ(ReconnectDevice(m_handle), STATUS_SUCCESS);
     EXPECT_TRUE(ScanGoesOn());

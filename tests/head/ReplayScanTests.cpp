@@ -62,6 +62,7 @@ protected:
             ExpectLetterboxed(set.images[1], m_rights[pair], true, number);
             ExpectLetterboxed(set.images[2], m_colors[pair], true, number);
         });
+        const EndedFirst ended(*this);
         SetScanCallBackFunction(m_handle, &SetCollector::Receive, &sets);
         ASSERT_EQ(Trigger(TRIGGER_LASER_LINES_COLOR, 20), STATUS_SUCCESS);
         EXPECT_TRUE(sets.WaitFor(2 * pairs + 1)) << sets.Count();

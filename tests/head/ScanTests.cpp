@@ -1,8 +1,14 @@
+#include <chrono>
+#include <thread>
+
 #include "head/HeadSession.h"
+#include "support/WaitUntil.h"
 #include "virtual_head/ImageSource.h"
 
 namespace Korvex3Sync {
 namespace {
+
+using support::WaitUntil;
 
 class Scan : public HeadSession {};
 
@@ -17,6 +23,7 @@ TEST_P(ScanModes, GiveTheSetsOfTheModeInTheOrderOfTheTriggers) {
     Request(SmallHead());
     ASSERT_EQ(Connect(), STATUS_SUCCESS);
     SetCollector sets;
+    const EndedFirst ended(*this);
     ASSERT_EQ(SetScanCallBackFunction(m_handle, &SetCollector::Receive, &sets), STATUS_SUCCESS);
     ASSERT_EQ(Trigger(GetParam().mode, 2), STATUS_SUCCESS);
     ASSERT_TRUE(sets.WaitFor(300)) << sets.Count();
@@ -47,6 +54,7 @@ TEST_F(Scan, DeliversTheVeryPixelsThatTheSensorsSaw) {
     Request(SmallHead());
     ASSERT_EQ(Connect(), STATUS_SUCCESS);
     SetCollector sets;
+    const EndedFirst ended(*this);
     SetScanCallBackFunction(m_handle, &SetCollector::Receive, &sets);
     ASSERT_EQ(Trigger(TRIGGER_LASER_LINES_COLOR, 2), STATUS_SUCCESS);
     ASSERT_TRUE(sets.WaitFor(20));
@@ -76,15 +84,14 @@ TEST_F(Scan, NothingComesOnceTheTriggerIsOffAndTheCallbackCleared) {
     Request(SmallHead());
     ASSERT_EQ(Connect(), STATUS_SUCCESS);
     SetCollector sets;
+    const EndedFirst ended(*this);
     SetScanCallBackFunction(m_handle, &SetCollector::Receive, &sets);
     ASSERT_EQ(Trigger(TRIGGER_LASER_LINES_COLOR, 2), STATUS_SUCCESS);
     ASSERT_TRUE(sets.WaitFor(5));
     SetScanCallBackFunction(m_handle, nullptr, nullptr);
     const std::size_t count = sets.Count();
     const auto triggers = Head().Clock().Triggers();
-    while (Head().Clock().Triggers() < triggers + 20) {
-        std::this_thread::yield();
-    }
+    ASSERT_TRUE(WaitUntil([&] { return Head().Clock().Triggers() >= triggers + 20; }));
     EXPECT_EQ(sets.Count(), count);
     TriggerOff();
 }
@@ -94,15 +101,14 @@ TEST_F(Scan, DisconnectingWhileSetsStreamEndsEverything) {
     for (int round = 0; round < 10; ++round) {
         ASSERT_EQ(Connect(), STATUS_SUCCESS);
         SetCollector sets;
+        const EndedFirst ended(*this);
         SetScanCallBackFunction(m_handle, &SetCollector::Receive, &sets);
         ASSERT_EQ(Trigger(TRIGGER_LASER_LINES_COLOR, 1), STATUS_SUCCESS);
         ASSERT_TRUE(sets.WaitFor(5));
         ASSERT_EQ(DisConnectDevice(m_handle), STATUS_SUCCESS);
         const std::size_t count = sets.Count();
         const auto triggers = Head().Clock().Triggers();
-        while (Head().Clock().Triggers() < triggers + 5) {
-            std::this_thread::yield();
-        }
+        ASSERT_TRUE(WaitUntil([&] { return Head().Clock().Triggers() >= triggers + 5; }));
         ASSERT_EQ(sets.Count(), count) << "a set came after the disconnect";
     }
 }
@@ -118,6 +124,7 @@ TEST_F(Scan, ASlowCallbackDelaysSetsButMixesNoneUp) {
         ASSERT_EQ(set.images.size(), 3u);
         EXPECT_EQ(set.images[2][3], set.Key());
     });
+    const EndedFirst ended(*this);
     SetScanCallBackFunction(m_handle, &SetCollector::Receive, &sets);
     ASSERT_EQ(Trigger(TRIGGER_PATTERN_COLOR, 2), STATUS_SUCCESS);
     EXPECT_TRUE(sets.WaitFor(100));
@@ -135,6 +142,7 @@ TEST_F(Scan, AFullSizeHeadGivesTwoHundredWholeSets) {
         EXPECT_EQ(set.images.size(), 3u);
         EXPECT_EQ(set.width * set.height, 1280 * 1024);
     });
+    const EndedFirst ended(*this);
     SetScanCallBackFunction(m_handle, &SetCollector::Receive, &sets);
     ASSERT_EQ(Trigger(TRIGGER_LASER_LINES_COLOR, 5), STATUS_SUCCESS);
     EXPECT_TRUE(sets.WaitFor(200)) << sets.Count();

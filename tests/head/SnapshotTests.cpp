@@ -102,6 +102,7 @@ TEST_F(SnapshotOfHead, ForInfraredGivesThree) {
 TEST_F(SnapshotOfHead, InARunningScanTakesItsImagesAndTheScanGoesOnWhenItIsTriggeredAgain) {
     Open();
     SetCollector sets([](const ImageSet&, std::size_t) {});
+    const EndedFirst ended(*this);
     SetScanCallBackFunction(m_handle, &SetCollector::Receive, &sets);
     for (int round = 0; round < 3; ++round) {
         ASSERT_EQ(Trigger(TRIGGER_LASER_LINES_COLOR, 2), STATUS_SUCCESS);

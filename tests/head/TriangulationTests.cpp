@@ -52,6 +52,7 @@ protected:
         ASSERT_EQ(Connect(), STATUS_SUCCESS);
         ASSERT_EQ(EnableBlueLaser(m_handle, mode, true), STATUS_SUCCESS);
         SetCollector sets;
+        const EndedFirst ended(*this);
         SetScanCallBackFunction(m_handle, &SetCollector::Receive, &sets);
         ASSERT_EQ(Trigger(TRIGGER_LASER_LINES_COLOR, 20), STATUS_SUCCESS);
         const auto poses = static_cast<std::size_t>(Poses());

@@ -174,6 +174,9 @@ protected:
     void InterruptSnapshot() {
         EndPolls();  // a board that they find lost is not triggered
         const bool succeeds = TheTrouble().snapshot == STATUS_SUCCESS;
+        if (!succeeds) {
+            EndScan();
+        }
         int width = 0;
         int height = 0;
         const auto snap = [&] {
@@ -186,6 +189,19 @@ protected:
                   TheTrouble().snapshot);
         EXPECT_EQ(m_images.size(), succeeds ? 2U : 0U);
         EXPECT_EQ(width, succeeds ? 1280 : 0);
+    }
+
+    /// No frame of the scan is left, so that none is taken for one of a snapshot.
+    void EndScan() {
+        ASSERT_EQ(TriggerOff(), STATUS_SUCCESS);
+        ASSERT_TRUE(WaitUntil([this] {
+            const virtual_head::HeadCounts counts = Head().Counts();
+            const std::uint64_t fetched = counts.mono.fetched + counts.color.fetched;
+            const std::uint64_t dropped = counts.mono.dropped + counts.color.dropped;
+            const ScanStatistics library = Statistics();
+            return counts.mono.handed + counts.color.handed == fetched + dropped &&
+                   library.framesAccepted == fetched && library.setsPending == 0;
+        }));
     }
 
     void InterruptPoll() {
