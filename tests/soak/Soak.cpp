@@ -251,6 +251,8 @@ int Run(const Options& options) {
     virtual_head::HeadDescription description;
     description.width = 64;
     description.height = 32;
+    // A grab thread that the machine holds up for a while loses no key in calm.
+    description.cameraBuffers = 4096;
     std::string error;
     if (!virtual_head::RequestVirtualHead(description, error)) {
         std::fprintf(stderr, "%s\n", error.c_str());
