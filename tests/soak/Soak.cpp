@@ -20,6 +20,7 @@
 #include "soak/Resources.h"
 #include "soak/SoakHead.h"
 #include "soak/Watchdog.h"
+#include "support/Accounted.h"
 #include "virtual_head/Request.h"
 
 namespace Korvex3Sync::soak {
@@ -77,7 +78,7 @@ private:
         for (int scan = m_dice.From(1, 5); scan > 0 && steady_clock::now() < m_end; --scan) {
             Scan();
             if (m_dice.Once(3)) {
-                ScanInCalm();
+                ScanInCalm(before);
             }
         }
         Disconnect(before);
@@ -111,7 +112,8 @@ private:
     }
 
     /// Without faults and other calls, a reconnection brings everything back and nothing is lost.
-    void ScanInCalm() {
+    /// `connected`: what the head had done when the connection was made.
+    void ScanInCalm(const virtual_head::HeadCounts& connected) {
         const std::unique_lock alone(m_head.using_);
         Doing("waits for calm");
         const Chaos::Calm calm(m_chaos);
@@ -125,14 +127,19 @@ private:
         Require([&] { return EnableVideoTrigger(m_head.handle, Mode(), false); },
                 "the trigger was not switched off in calm");
         SetVideoTriggerPeriod(m_head.handle, 2);
-        DrainFrames();
+        DrainFrames(connected);
         ScanStatistics before;
         GetScanStatistics(m_head.handle, before);
+        const virtual_head::HeadCounts headBefore = m_virtualHead->Counts();
         const unsigned long sets = SoakHead::Sets();
         Require([&] { return EnableVideoTrigger(m_head.handle, Mode(), true); },
                 "the trigger was not switched on in calm");
         Doing("scans in calm");
         WaitUntil([&] { return SoakHead::Sets() >= sets + kCalmSets; }, "no sets came in calm");
+        Require([&] { return EnableVideoTrigger(m_head.handle, Mode(), false); },
+                "the trigger was not switched off after a scan in calm");
+        DrainFrames(connected);
+        CompareTriggers(Between(headBefore, m_virtualHead->Counts()), before);
         ScanStatistics after;
         GetScanStatistics(m_head.handle, after);
         if (after.missingKeys + after.refusedFrames + after.rejectedGeometry !=
@@ -143,16 +150,38 @@ private:
         ++m_calmScans;
     }
 
-    /// Waits until no camera has a frame waiting: from then on every key is of the next run.
-    void DrainFrames() {
+    /// Waits until no camera has a frame waiting and the grab thread has looked at all that it
+    /// took: from then on every key is of the next run.
+    void DrainFrames(const virtual_head::HeadCounts& connected) {
         Doing("drains the cameras in calm");
         WaitUntil(
             [&] {
-                const virtual_head::HeadCounts counts = m_virtualHead->Counts();
+                const auto counts = Between(connected, m_virtualHead->Counts());
+                ScanStatistics now;
+                GetScanStatistics(m_head.handle, now);
                 return counts.mono.handed == counts.mono.fetched + counts.mono.dropped &&
-                       counts.color.handed == counts.color.fetched + counts.color.dropped;
+                       counts.color.handed == counts.color.fetched + counts.color.dropped &&
+                       now.framesAccepted + now.refusedFrames + now.rejectedGeometry ==
+                           counts.mono.fetched + counts.color.fetched;
             },
             "frames stayed in a camera in calm");
+    }
+
+    /// Every trigger of a scan without faults is one that the library knows of.
+    void CompareTriggers(const virtual_head::HeadCounts& head, const ScanStatistics& before) {
+        Doing("compares the triggers in calm");
+        std::uint64_t accounted = 0;
+        const auto level = [&] {
+            ScanStatistics now;
+            GetScanStatistics(m_head.handle, now);
+            accounted = support::AccountedTriggers(now) - support::AccountedTriggers(before);
+            return accounted == head.triggers;
+        };
+        // The last frame may still be on its way into the pairing.
+        if (!Reaches(level)) {
+            Wrong("of " + std::to_string(head.triggers) + " triggers in calm the library knows " +
+                  std::to_string(accounted));
+        }
     }
 
     template <class Call>
@@ -163,14 +192,22 @@ private:
 
     template <class Condition>
     void WaitUntil(Condition condition, const char* otherwise) {
+        if (!Reaches(condition)) {
+            Wrong(otherwise);
+        }
+    }
+
+    /// Whether the condition holds before the deadline.
+    template <class Condition>
+    static bool Reaches(Condition condition) {
         const auto deadline = steady_clock::now() + kDeadline;
         while (!condition()) {
             if (steady_clock::now() > deadline) {
-                Wrong(otherwise);
-                return;
+                return false;
             }
             std::this_thread::sleep_for(milliseconds(1));
         }
+        return true;
     }
 
     void Disconnect(const virtual_head::HeadCounts& before) {
