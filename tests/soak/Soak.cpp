@@ -241,9 +241,10 @@ private:
                      static_cast<unsigned long long>(m_triggers));
         std::fprintf(stderr, "%s", Text(m_all).c_str());
         std::fprintf(stderr, "status callbacks %lu\n", SoakHead::Statuses());
-        std::fprintf(stderr, "bytes in use %zu at first, %zu at last; threads %zu, %zu\n",
-                     m_resources.First().bytes, m_resources.Last().bytes,
-                     m_resources.First().threads, m_resources.Last().threads);
+        std::fprintf(
+            stderr, "bytes in use %zu at first, %zu at last; threads %zu, %zu; files %zu, %zu\n",
+            m_resources.First().bytes, m_resources.Last().bytes, m_resources.First().threads,
+            m_resources.Last().threads, m_resources.First().files, m_resources.Last().files);
         PrintCounts("calls", m_calls.Counts());
         PrintCounts("faults", m_chaos.Counts());
         for (const std::string& wrong : m_wrong) {
