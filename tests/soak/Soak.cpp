@@ -118,6 +118,8 @@ private:
         Doing("waits for calm");
         const Chaos::Calm calm(m_chaos);
         Doing("reconnects in calm");
+        // Another call may have left none, and without one nobody polls for a lost board.
+        SoakHead::SetStatusCallback(m_head.handle, true);
         const RETSTATUS reconnected = ReconnectDevice(m_head.handle);
         if (reconnected != STATUS_SUCCESS) {
             Wrong("a reconnection in calm answered " + std::to_string(reconnected));
