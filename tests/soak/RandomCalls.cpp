@@ -276,8 +276,8 @@ std::vector<Call> SeldomCalls() {
 void RandomCalls::Run(const std::atomic<bool>& stop, Watchdog::Watched& watched) {
     const std::vector<Call> ordinary = OrdinaryCalls();
     const std::vector<Call> seldom = SeldomCalls();
-    Dice dice(m_seed);
-    while (!stop) {
+    for (std::uint64_t step = 0; !stop; ++step) {
+        Dice dice(m_seed, Thrower::Caller, step);
         const Call& call = dice.OneOf(dice.Once(kSeldom) ? seldom : ordinary);
         {
             const std::shared_lock lock(m_head.using_);

@@ -1,6 +1,7 @@
 // Scans a virtual head while a second thread makes random calls and a third injects random faults.
 // Whatever happens: nothing crashes, nothing hangs, nothing grows, and every trigger is delivered
-// or counted as lost with its place. Prints its seed first; with --seed it throws the same dice.
+// or counted as lost with its place. Prints its seed first; with --seed it throws the same dice,
+// each thread its own; only where they meet is up to the machine.
 
 #include <glog/logging.h>
 
@@ -35,6 +36,7 @@ constexpr double kTimeScale = 0.005;
 constexpr seconds kHangLimit{90};
 constexpr seconds kDeadline{60};
 constexpr unsigned long kCalmSets = 30;
+constexpr int kMostScans = 5;
 
 struct Options {
     int seconds = 30;
@@ -46,9 +48,9 @@ public:
     Soak(const Options& options, std::shared_ptr<virtual_head::VirtualHead> head)
         : m_end(steady_clock::now() + seconds(options.seconds)),
           m_virtualHead(head),
-          m_dice(options.seed),
-          m_calls(m_head, options.seed + 1),
-          m_chaos(std::move(head), options.seed + 2),
+          m_seed(options.seed),
+          m_calls(m_head, options.seed),
+          m_chaos(std::move(head), options.seed),
           m_watchdog(kHangLimit) {}
 
     bool Run() {
@@ -74,11 +76,18 @@ private:
         if (!Connect()) {
             return;
         }
+        // A step of the dice for the connection, and one for each of its scans. An attempt that was
+        // refused takes none.
+        const std::uint64_t first = m_connections * (kMostScans + 1);
         ++m_connections;
-        for (int scan = m_dice.From(1, 5); scan > 0 && steady_clock::now() < m_end; --scan) {
-            Scan();
-            if (m_dice.Once(3)) {
-                ScanInCalm(before);
+        const int scans = Dice(m_seed, Thrower::Scanner, first).From(1, kMostScans);
+        for (int scan = 1; scan <= scans && steady_clock::now() < m_end; ++scan) {
+            Dice dice(m_seed, Thrower::Scanner, first + static_cast<std::uint64_t>(scan));
+            const bool calmAfterwards = dice.Once(3);
+            const auto modeInCalm = Mode(dice);
+            Scan(dice);
+            if (calmAfterwards) {
+                ScanInCalm(before, modeInCalm);
             }
         }
         Disconnect(before);
@@ -95,25 +104,25 @@ private:
     }
 
     /// Whatever the faults and the other calls make of it.
-    void Scan() {
+    void Scan(Dice& dice) {
         const unsigned long sets = SoakHead::Sets();
-        const auto until = steady_clock::now() + milliseconds(m_dice.From(50, 400));
+        const auto until = steady_clock::now() + milliseconds(dice.From(50, 400));
         while (steady_clock::now() < until && SoakHead::Sets() < sets + 100) {
             const std::shared_lock lock(m_head.using_);
             Doing("scans");
-            EnableVideoTrigger(m_head.handle, Mode(), true);
-            std::this_thread::sleep_for(milliseconds(m_dice.From(5, 30)));
+            EnableVideoTrigger(m_head.handle, Mode(dice), true);
+            std::this_thread::sleep_for(milliseconds(dice.From(5, 30)));
         }
     }
 
-    CAMERA_TRIGGER_MODE Mode() {
+    static CAMERA_TRIGGER_MODE Mode(Dice& dice) {
         return static_cast<CAMERA_TRIGGER_MODE>(
-            m_dice.From(TRIGGER_LASER_LINES, TRIGGER_LASER_LINES_COLOR));
+            dice.From(TRIGGER_LASER_LINES, TRIGGER_LASER_LINES_COLOR));
     }
 
     /// Without faults and other calls, a reconnection brings everything back and nothing is lost.
     /// `connected`: what the head had done when the connection was made.
-    void ScanInCalm(const virtual_head::HeadCounts& connected) {
+    void ScanInCalm(const virtual_head::HeadCounts& connected, CAMERA_TRIGGER_MODE mode) {
         const std::unique_lock alone(m_head.using_);
         Doing("waits for calm");
         const Chaos::Calm calm(m_chaos);
@@ -126,7 +135,7 @@ private:
             return;
         }
         Doing("stops the trigger in calm");
-        Require([&] { return EnableVideoTrigger(m_head.handle, Mode(), false); },
+        Require([&] { return EnableVideoTrigger(m_head.handle, mode, false); },
                 "the trigger was not switched off in calm");
         SetVideoTriggerPeriod(m_head.handle, 2);
         DrainFrames(connected);
@@ -134,11 +143,11 @@ private:
         GetScanStatistics(m_head.handle, before);
         const virtual_head::HeadCounts headBefore = m_virtualHead->Counts();
         const unsigned long sets = SoakHead::Sets();
-        Require([&] { return EnableVideoTrigger(m_head.handle, Mode(), true); },
+        Require([&] { return EnableVideoTrigger(m_head.handle, mode, true); },
                 "the trigger was not switched on in calm");
         Doing("scans in calm");
         WaitUntil([&] { return SoakHead::Sets() >= sets + kCalmSets; }, "no sets came in calm");
-        Require([&] { return EnableVideoTrigger(m_head.handle, Mode(), false); },
+        Require([&] { return EnableVideoTrigger(m_head.handle, mode, false); },
                 "the trigger was not switched off after a scan in calm");
         DrainFrames(connected);
         CompareTriggers(Between(headBefore, m_virtualHead->Counts()), before);
@@ -265,7 +274,7 @@ private:
 
     const steady_clock::time_point m_end;
     const std::shared_ptr<virtual_head::VirtualHead> m_virtualHead;
-    Dice m_dice;
+    const std::uint64_t m_seed;
     SoakHead m_head;
     RandomCalls m_calls;
     Chaos m_chaos;
