@@ -39,6 +39,7 @@ void ExposureOutput::GiveTrigger(bool mono, bool color, const Exposure& moment) 
     m_trigger += fate.keysSkipped;
     m_counts.triggers += fate.keysSkipped;
     m_counts.keysSkipped += fate.keysSkipped;
+    m_counts.colorOnly += mono ? 0 : 1;
     m_counts.delayed += fate.delay > 0 ? 1 : 0;
     const std::uint64_t release = m_given + static_cast<std::uint64_t>(fate.delay);
     if (mono) {

@@ -24,12 +24,13 @@ struct FrameCounts {
 
 /// What the head did with its triggers since it exists.
 ///
-/// A trigger has a mono exposure in the modes 1, 2, 3 and 6, so that in these
+/// A trigger has a mono exposure in the modes 1, 2, 3 and 6, and one of colour alone in mode 4:
 ///
-///     triggers = keysSkipped + mono.made
+///     triggers = keysSkipped + mono.made + colorOnly
 struct HeadCounts {
     std::uint64_t triggers = 0;     // skipped ones among them
     std::uint64_t keysSkipped = 0;  // triggers that no camera saw (skip-keys)
+    std::uint64_t colorOnly = 0;    // triggers that gave no mono exposure
     std::uint64_t delayed = 0;      // triggers whose exposures were held back by a delay of theirs
     FrameCounts mono;
     FrameCounts color;

@@ -58,6 +58,7 @@ HeadCounts Between(const HeadCounts& before, const HeadCounts& after) {
     HeadCounts difference;
     difference.triggers = after.triggers - before.triggers;
     difference.keysSkipped = after.keysSkipped - before.keysSkipped;
+    difference.colorOnly = after.colorOnly - before.colorOnly;
     difference.delayed = after.delayed - before.delayed;
     difference.mono = Minus(after.mono, before.mono);
     difference.color = Minus(after.color, before.color);
@@ -66,8 +67,7 @@ HeadCounts Between(const HeadCounts& before, const HeadCounts& after) {
 
 std::vector<std::string> Differences(const HeadCounts& head, const ScanStatistics& library) {
     std::vector<std::string> differences;
-    // Triggers that give a colour frame only have no mono exposure.
-    Compare("triggers", head.triggers, head.keysSkipped + head.mono.made, head.color.made,
+    Compare("triggers", head.triggers, head.keysSkipped + head.mono.made + head.colorOnly, 0,
             differences);
     for (const auto& [name, frames] :
          {std::pair{"mono", head.mono}, std::pair{"colour", head.color}}) {

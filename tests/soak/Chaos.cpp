@@ -97,8 +97,8 @@ FaultOrder Throw(Dice& dice) {
 }  // namespace
 
 void Chaos::Run(const std::atomic<bool>& stop, Watchdog::Watched& watched) {
-    Dice dice(m_seed);
-    while (!stop) {
+    for (std::uint64_t step = 0; !stop; ++step) {
+        Dice dice(m_seed, Thrower::Faults, step);
         {
             watched.Doing("waits for the calm to end");
             const std::lock_guard lock(m_mutex);

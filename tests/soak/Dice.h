@@ -7,10 +7,18 @@
 
 namespace Korvex3Sync::soak {
 
-/// Chance of one thread; the same seed gives the same throws.
+/// Who throws: no two of them share their throws.
+enum class Thrower : std::uint32_t { Scanner, Caller, Faults };
+
+/// Chance of one step of one thread. The same seed gives each step the same throws, however long
+/// the steps before it took and however much they threw.
 class Dice {
 public:
-    explicit Dice(std::uint64_t seed) : m_engine(seed) {}
+    Dice(std::uint64_t seed, Thrower thrower, std::uint64_t step) {
+        std::seed_seq words{Low(seed), High(seed), static_cast<std::uint32_t>(thrower), Low(step),
+                            High(step)};
+        m_engine.seed(words);
+    }
 
     int From(int low, int high) { return std::uniform_int_distribution<int>(low, high)(m_engine); }
     bool Once(int in) { return From(1, in) == 1; }
@@ -20,6 +28,9 @@ public:
     }
 
 private:
+    static std::uint32_t Low(std::uint64_t number) { return static_cast<std::uint32_t>(number); }
+    static std::uint32_t High(std::uint64_t number) { return Low(number >> 32U); }
+
     std::mt19937_64 m_engine;
 };
 

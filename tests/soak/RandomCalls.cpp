@@ -1,7 +1,9 @@
 #include "soak/RandomCalls.h"
 
+#include <chrono>
 #include <functional>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "platform/os/Clock.h"
@@ -82,6 +84,48 @@ void WriteUserPage(void* const& handle, Dice& dice) {
     WriteUserInfomation(handle, dice.From(-1, 16), data.c_str(), dice.From(0, kUserPage));
 }
 
+const char* Type(Dice& dice) {
+    static const std::vector<const char*> types{"KV00", "KV00", "KV99", "XX00", "", nullptr};
+    return dice.OneOf(types);
+}
+
+void FindCameras(void* const&, Dice& dice) {
+    std::vector<char*> serials;
+    std::vector<int> widths;
+    std::vector<int> heights;
+    std::vector<bool> isColor;
+    int count = 0;
+    GetCamerasInformation(Type(dice), serials, widths, heights, isColor, count);
+    for (const char* serial : serials) {
+        delete[] serial;
+    }
+}
+
+void CountCameras(void* const&, Dice& dice) {
+    int count = 0;
+    GetCameraCount(Type(dice), count);
+}
+
+void ReadFirmware(void* const&, Dice& dice) {
+    static const std::vector<const char*> boards{"", "VH3267-0001", "VH3267-9999", nullptr};
+    std::string version;
+    GetFirewareVersion(dice.OneOf(boards), version);
+}
+
+/// Takes the scan callback away for a moment and brings it back: the scans count on it.
+void SwapScanCallback(void* const& handle, Dice& dice) {
+    const bool on = dice.Once(2);
+    SoakHead::SetScanCallback(handle, on, dice.Once(2));
+    std::this_thread::sleep_for(std::chrono::milliseconds(dice.From(0, 5)));
+    SoakHead::SetScanCallback(handle, true);
+}
+
+/// Leaves what it sets. The first setting of a handle was made before anybody else had it.
+void ChangeStatusCallback(void* const& handle, Dice& dice) {
+    const bool on = !dice.Once(3);
+    SoakHead::SetStatusCallback(handle, on, !dice.Once(4));
+}
+
 std::vector<Call> OrdinaryCalls() {
     constexpr Beside any = Beside::Anything;
     using H = void* const&;
@@ -117,7 +161,17 @@ std::vector<Call> OrdinaryCalls() {
              GetLaserLineDutioRatio(h, v);
          }},
         {"SetProjectDutioRatio", any, [](H h, D d) { SetProjectDutioRatio(h, Number(d)); }},
+        {"GetProjectDutioRatio", any,
+         [](H h, D) {
+             int v = 0;
+             GetProjectDutioRatio(h, v);
+         }},
         {"SetIRLaserDutioRatio", any, [](H h, D d) { SetIRLaserDutioRatio(h, Number(d)); }},
+        {"GetIRLaserDutioRatio", any,
+         [](H h, D) {
+             int v = 0;
+             GetIRLaserDutioRatio(h, v);
+         }},
         {"SetStrobeWorkTime", any, [](H h, D d) { SetStrobeWorkTime(h, Number(d), Number(d)); }},
         {"GetStrobeWorkTime", any,
          [](H h, D) {
@@ -125,8 +179,23 @@ std::vector<Call> OrdinaryCalls() {
              GetStrobeWorkTime(h, a, b);
          }},
         {"SetLaserLineWorkTime", any, [](H h, D d) { SetLaserLineWorkTime(h, Number(d)); }},
+        {"GetLaserLineWorkTime", any,
+         [](H h, D) {
+             int v = 0;
+             GetLaserLineWorkTime(h, v);
+         }},
         {"SetProjectWorkTime", any, [](H h, D d) { SetProjectWorkTime(h, Number(d)); }},
+        {"GetProjectWorkTime", any,
+         [](H h, D) {
+             int v = 0;
+             GetProjectWorkTime(h, v);
+         }},
         {"SetIRLaserWorkTime", any, [](H h, D d) { SetIRLaserWorkTime(h, Number(d)); }},
+        {"GetIRLaserWorkTime", any,
+         [](H h, D) {
+             int v = 0;
+             GetIRLaserWorkTime(h, v);
+         }},
         {"SetVideoTriggerPeriod", any, [](H h, D d) { SetVideoTriggerPeriod(h, d.From(-1, 4)); }},
         {"GetVideoTriggerPeriod", any,
          [](H h, D) {
@@ -165,6 +234,16 @@ std::vector<Call> OrdinaryCalls() {
          }},
         {"ReadUserInfomation", any, ReadUserPage},
         {"WriteUserInfomation", any, WriteUserPage},
+        {"SetScanCallBackFunction", any, SwapScanCallback},
+        {"SetStatusCallBackFunction", any, ChangeStatusCallback},
+        {"GetCamerasInformation", any, FindCameras},
+        {"GetCameraCount", any, CountCameras},
+        {"IsConnectedOnU3", any,
+         [](H, D) {
+             bool onU3 = false;
+             IsConnectedOnU3("", onU3);
+         }},
+        {"GetFirewareVersion", any, ReadFirmware},
         {"GetScanStatistics", any,
          [](H h, D) {
              ScanStatistics s;
@@ -181,6 +260,7 @@ std::vector<Call> SeldomCalls() {
         {"ReconnectDevice", other, [](H h, D) { ReconnectDevice(h); }},
         {"ReconnectDevice(two flags)", other,
          [](H h, D d) { ReconnectDevice(h, d.Once(2), d.Once(2)); }},
+        {"CloseDeviceCamera", other, [](H h, D) { CloseDeviceCamera(h); }},
         {"CloseDeviceCamera, ReconnectDevice", other,
          [](H h, D) {
              CloseDeviceCamera(h);
@@ -196,8 +276,8 @@ std::vector<Call> SeldomCalls() {
 void RandomCalls::Run(const std::atomic<bool>& stop, Watchdog::Watched& watched) {
     const std::vector<Call> ordinary = OrdinaryCalls();
     const std::vector<Call> seldom = SeldomCalls();
-    Dice dice(m_seed);
-    while (!stop) {
+    for (std::uint64_t step = 0; !stop; ++step) {
+        Dice dice(m_seed, Thrower::Caller, step);
         const Call& call = dice.OneOf(dice.Once(kSeldom) ? seldom : ordinary);
         {
             const std::shared_lock lock(m_head.using_);

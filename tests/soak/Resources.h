@@ -8,6 +8,7 @@ namespace Korvex3Sync::soak {
 /// What the process holds at this moment.
 struct Resources {
     std::size_t threads = 0;
+    std::size_t files = 0;  // open file descriptors
     std::size_t bytes = 0;  // taken from the allocator and not given back
 
     static Resources Now();

@@ -1,6 +1,7 @@
 // Scans a virtual head while a second thread makes random calls and a third injects random faults.
 // Whatever happens: nothing crashes, nothing hangs, nothing grows, and every trigger is delivered
-// or counted as lost with its place. Prints its seed first; with --seed it throws the same dice.
+// or counted as lost with its place. Prints its seed first; with --seed it throws the same dice,
+// each thread its own; only where they meet is up to the machine.
 
 #include <glog/logging.h>
 
@@ -20,6 +21,7 @@
 #include "soak/Resources.h"
 #include "soak/SoakHead.h"
 #include "soak/Watchdog.h"
+#include "support/Accounted.h"
 #include "virtual_head/Request.h"
 
 namespace Korvex3Sync::soak {
@@ -34,6 +36,7 @@ constexpr double kTimeScale = 0.005;
 constexpr seconds kHangLimit{90};
 constexpr seconds kDeadline{60};
 constexpr unsigned long kCalmSets = 30;
+constexpr int kMostScans = 5;
 
 struct Options {
     int seconds = 30;
@@ -45,9 +48,9 @@ public:
     Soak(const Options& options, std::shared_ptr<virtual_head::VirtualHead> head)
         : m_end(steady_clock::now() + seconds(options.seconds)),
           m_virtualHead(head),
-          m_dice(options.seed),
-          m_calls(m_head, options.seed + 1),
-          m_chaos(std::move(head), options.seed + 2),
+          m_seed(options.seed),
+          m_calls(m_head, options.seed),
+          m_chaos(std::move(head), options.seed),
           m_watchdog(kHangLimit) {}
 
     bool Run() {
@@ -73,11 +76,18 @@ private:
         if (!Connect()) {
             return;
         }
+        // A step of the dice for the connection, and one for each of its scans. An attempt that was
+        // refused takes none.
+        const std::uint64_t first = m_connections * (kMostScans + 1);
         ++m_connections;
-        for (int scan = m_dice.From(1, 5); scan > 0 && steady_clock::now() < m_end; --scan) {
-            Scan();
-            if (m_dice.Once(3)) {
-                ScanInCalm();
+        const int scans = Dice(m_seed, Thrower::Scanner, first).From(1, kMostScans);
+        for (int scan = 1; scan <= scans && steady_clock::now() < m_end; ++scan) {
+            Dice dice(m_seed, Thrower::Scanner, first + static_cast<std::uint64_t>(scan));
+            const bool calmAfterwards = dice.Once(3);
+            const auto modeInCalm = Mode(dice);
+            Scan(dice);
+            if (calmAfterwards) {
+                ScanInCalm(before, modeInCalm);
             }
         }
         Disconnect(before);
@@ -94,45 +104,53 @@ private:
     }
 
     /// Whatever the faults and the other calls make of it.
-    void Scan() {
+    void Scan(Dice& dice) {
         const unsigned long sets = SoakHead::Sets();
-        const auto until = steady_clock::now() + milliseconds(m_dice.From(50, 400));
+        const auto until = steady_clock::now() + milliseconds(dice.From(50, 400));
         while (steady_clock::now() < until && SoakHead::Sets() < sets + 100) {
             const std::shared_lock lock(m_head.using_);
             Doing("scans");
-            EnableVideoTrigger(m_head.handle, Mode(), true);
-            std::this_thread::sleep_for(milliseconds(m_dice.From(5, 30)));
+            EnableVideoTrigger(m_head.handle, Mode(dice), true);
+            std::this_thread::sleep_for(milliseconds(dice.From(5, 30)));
         }
     }
 
-    CAMERA_TRIGGER_MODE Mode() {
+    static CAMERA_TRIGGER_MODE Mode(Dice& dice) {
         return static_cast<CAMERA_TRIGGER_MODE>(
-            m_dice.From(TRIGGER_LASER_LINES, TRIGGER_LASER_LINES_COLOR));
+            dice.From(TRIGGER_LASER_LINES, TRIGGER_LASER_LINES_COLOR));
     }
 
     /// Without faults and other calls, a reconnection brings everything back and nothing is lost.
-    void ScanInCalm() {
+    /// `connected`: what the head had done when the connection was made.
+    void ScanInCalm(const virtual_head::HeadCounts& connected, CAMERA_TRIGGER_MODE mode) {
         const std::unique_lock alone(m_head.using_);
         Doing("waits for calm");
         const Chaos::Calm calm(m_chaos);
         Doing("reconnects in calm");
+        // Another call may have left none, and without one nobody polls for a lost board.
+        SoakHead::SetStatusCallback(m_head.handle, true);
         const RETSTATUS reconnected = ReconnectDevice(m_head.handle);
         if (reconnected != STATUS_SUCCESS) {
             Wrong("a reconnection in calm answered " + std::to_string(reconnected));
             return;
         }
         Doing("stops the trigger in calm");
-        Require([&] { return EnableVideoTrigger(m_head.handle, Mode(), false); },
+        Require([&] { return EnableVideoTrigger(m_head.handle, mode, false); },
                 "the trigger was not switched off in calm");
         SetVideoTriggerPeriod(m_head.handle, 2);
-        DrainFrames();
+        DrainFrames(connected);
         ScanStatistics before;
         GetScanStatistics(m_head.handle, before);
+        const virtual_head::HeadCounts headBefore = m_virtualHead->Counts();
         const unsigned long sets = SoakHead::Sets();
-        Require([&] { return EnableVideoTrigger(m_head.handle, Mode(), true); },
+        Require([&] { return EnableVideoTrigger(m_head.handle, mode, true); },
                 "the trigger was not switched on in calm");
         Doing("scans in calm");
         WaitUntil([&] { return SoakHead::Sets() >= sets + kCalmSets; }, "no sets came in calm");
+        Require([&] { return EnableVideoTrigger(m_head.handle, mode, false); },
+                "the trigger was not switched off after a scan in calm");
+        DrainFrames(connected);
+        CompareTriggers(Between(headBefore, m_virtualHead->Counts()), before);
         ScanStatistics after;
         GetScanStatistics(m_head.handle, after);
         if (after.missingKeys + after.refusedFrames + after.rejectedGeometry !=
@@ -143,16 +161,38 @@ private:
         ++m_calmScans;
     }
 
-    /// Waits until no camera has a frame waiting: from then on every key is of the next run.
-    void DrainFrames() {
+    /// Waits until no camera has a frame waiting and the grab thread has looked at all that it
+    /// took: from then on every key is of the next run.
+    void DrainFrames(const virtual_head::HeadCounts& connected) {
         Doing("drains the cameras in calm");
         WaitUntil(
             [&] {
-                const virtual_head::HeadCounts counts = m_virtualHead->Counts();
+                const auto counts = Between(connected, m_virtualHead->Counts());
+                ScanStatistics now;
+                GetScanStatistics(m_head.handle, now);
                 return counts.mono.handed == counts.mono.fetched + counts.mono.dropped &&
-                       counts.color.handed == counts.color.fetched + counts.color.dropped;
+                       counts.color.handed == counts.color.fetched + counts.color.dropped &&
+                       now.framesAccepted + now.refusedFrames + now.rejectedGeometry ==
+                           counts.mono.fetched + counts.color.fetched;
             },
             "frames stayed in a camera in calm");
+    }
+
+    /// Every trigger of a scan without faults is one that the library knows of.
+    void CompareTriggers(const virtual_head::HeadCounts& head, const ScanStatistics& before) {
+        Doing("compares the triggers in calm");
+        std::uint64_t accounted = 0;
+        const auto level = [&] {
+            ScanStatistics now;
+            GetScanStatistics(m_head.handle, now);
+            accounted = support::AccountedTriggers(now) - support::AccountedTriggers(before);
+            return accounted == head.triggers;
+        };
+        // The last frame may still be on its way into the pairing.
+        if (!Reaches(level)) {
+            Wrong("of " + std::to_string(head.triggers) + " triggers in calm the library knows " +
+                  std::to_string(accounted));
+        }
     }
 
     template <class Call>
@@ -163,14 +203,22 @@ private:
 
     template <class Condition>
     void WaitUntil(Condition condition, const char* otherwise) {
+        if (!Reaches(condition)) {
+            Wrong(otherwise);
+        }
+    }
+
+    /// Whether the condition holds before the deadline.
+    template <class Condition>
+    static bool Reaches(Condition condition) {
         const auto deadline = steady_clock::now() + kDeadline;
         while (!condition()) {
             if (steady_clock::now() > deadline) {
-                Wrong(otherwise);
-                return;
+                return false;
             }
             std::this_thread::sleep_for(milliseconds(1));
         }
+        return true;
     }
 
     void Disconnect(const virtual_head::HeadCounts& before) {
@@ -204,9 +252,10 @@ private:
                      static_cast<unsigned long long>(m_triggers));
         std::fprintf(stderr, "%s", Text(m_all).c_str());
         std::fprintf(stderr, "status callbacks %lu\n", SoakHead::Statuses());
-        std::fprintf(stderr, "bytes in use %zu at first, %zu at last; threads %zu, %zu\n",
-                     m_resources.First().bytes, m_resources.Last().bytes,
-                     m_resources.First().threads, m_resources.Last().threads);
+        std::fprintf(
+            stderr, "bytes in use %zu at first, %zu at last; threads %zu, %zu; files %zu, %zu\n",
+            m_resources.First().bytes, m_resources.Last().bytes, m_resources.First().threads,
+            m_resources.Last().threads, m_resources.First().files, m_resources.Last().files);
         PrintCounts("calls", m_calls.Counts());
         PrintCounts("faults", m_chaos.Counts());
         for (const std::string& wrong : m_wrong) {
@@ -225,7 +274,7 @@ private:
 
     const steady_clock::time_point m_end;
     const std::shared_ptr<virtual_head::VirtualHead> m_virtualHead;
-    Dice m_dice;
+    const std::uint64_t m_seed;
     SoakHead m_head;
     RandomCalls m_calls;
     Chaos m_chaos;
@@ -251,6 +300,8 @@ int Run(const Options& options) {
     virtual_head::HeadDescription description;
     description.width = 64;
     description.height = 32;
+    // A grab thread that the machine holds up for a while loses no key in calm.
+    description.cameraBuffers = 4096;
     std::string error;
     if (!virtual_head::RequestVirtualHead(description, error)) {
         std::fprintf(stderr, "%s\n", error.c_str());

@@ -38,14 +38,22 @@ RETSTATUS SoakHead::Connect() {
     const RETSTATUS status = ConnectDevice("KV00", "", {g_serial, g_serial}, {kWidth, kWidth},
                                            {kHeight, kHeight}, handle);
     if (status == STATUS_SUCCESS) {
-        SetScanCallBackFunction(handle, OnSet, &g_context);
-        SetStatusCallBackFunction(handle, OnStatus, &g_context);
+        SetScanCallback(handle, true);
+        SetStatusCallback(handle, true);
     }
     return status;
 }
 
 void SoakHead::Disconnect() {
     DisConnectDevice(handle);
+}
+
+void SoakHead::SetScanCallback(void* const& handle, bool on, bool withContext) {
+    SetScanCallBackFunction(handle, on ? OnSet : nullptr, withContext ? &g_context : nullptr);
+}
+
+void SoakHead::SetStatusCallback(void* const& handle, bool on, bool withContext) {
+    SetStatusCallBackFunction(handle, on ? OnStatus : nullptr, withContext ? &g_context : nullptr);
 }
 
 unsigned long SoakHead::Sets() {

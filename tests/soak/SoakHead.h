@@ -21,6 +21,10 @@ struct SoakHead {
     RETSTATUS Connect();
     void Disconnect();
 
+    /// Sets the callback that counts, or with `on` false none.
+    static void SetScanCallback(void* const& handle, bool on, bool withContext = true);
+    static void SetStatusCallback(void* const& handle, bool on, bool withContext = true);
+
     /// How often the callbacks were called, since the program began.
     static unsigned long Sets();
     static unsigned long Statuses();
