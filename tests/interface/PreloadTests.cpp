@@ -1,13 +1,16 @@
 #include <gtest/gtest.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
-#include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <string>
+#include <system_error>
 #include <vector>
+
+#include "support/ChildProcess.h"
+
+namespace Korvex3Sync::tests {
 
 namespace {
 
@@ -130,21 +133,42 @@ const std::vector<std::string> kExpected{
     "zr3DExitHidDev(B2)",
 };
 
+/// A folder of its own that goes with the object. The loader takes a space or a colon in LD_PRELOAD
+/// for the end of a path; there is none in this one.
+class PlainFolder {
+public:
+    PlainFolder() { EXPECT_NE(::mkdtemp(m_path.data()), nullptr); }
+    ~PlainFolder() {
+        std::error_code ignored;
+        std::filesystem::remove_all(m_path, ignored);
+    }
+    PlainFolder(const PlainFolder&) = delete;
+    PlainFolder& operator=(const PlainFolder&) = delete;
+
+    std::filesystem::path Path() const { return m_path; }
+
+private:
+    std::string m_path = "/tmp/korvex-recorder-XXXXXX";
+};
+
 TEST(PreloadedRecorder, ReceivesExactlyTheCallsOfTheLibraryInOrder) {
-    const auto log = std::filesystem::temp_directory_path() /
-                     ("korvex-recorder-" + std::to_string(::getpid()) + ".log");
-    std::filesystem::remove(log);
+    const PlainFolder folder;
+    const auto recorder = folder.Path() / "recorder.so";
+    const auto log = folder.Path() / "log";
+    std::filesystem::create_symlink(RECORDER_PRELOAD, recorder);
     // The sanitizers' run time libraries come second then, which they have to be told to accept.
-    const std::string command =
-        "ASAN_OPTIONS=verify_asan_link_order=0:$ASAN_OPTIONS LD_PRELOAD='" RECORDER_PRELOAD
-        "' KORVEX_RECORDER_LOG='" +
-        log.string() + "' '" RECORDED_SCAN "' >/dev/null 2>&1";
-    const int status = std::system(command.c_str());
-    const auto calls = Lines(log);
-    std::filesystem::remove(log);
-    ASSERT_TRUE(WIFEXITED(status));
-    EXPECT_EQ(WEXITSTATUS(status), 0);
-    EXPECT_EQ(calls, kExpected);
+    const char* const sanitizer = std::getenv("ASAN_OPTIONS");
+    ChildOptions options;
+    options.environment = {
+        {"ASAN_OPTIONS", std::string("verify_asan_link_order=0") +
+                             (sanitizer != nullptr ? std::string(":") + sanitizer : "")},
+        {"LD_PRELOAD", recorder.string()},
+        {"KORVEX_RECORDER_LOG", log.string()}};
+    const ChildResult result = RunChild({RECORDED_SCAN}, options);
+    EXPECT_EQ(result.exitCode, 0) << result.error;
+    EXPECT_EQ(Lines(log), kExpected);
 }
 
 }  // namespace
+
+}  // namespace Korvex3Sync::tests

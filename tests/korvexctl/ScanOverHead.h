@@ -19,7 +19,8 @@ class ScanOverHead : public ::testing::Test {
 protected:
     ScanOverHead() {
         m_options.sets = 5;
-        m_options.timeoutSeconds = 0.5;
+        // For scans that succeed, however slow the machine is.
+        m_options.timeoutSeconds = 30;
     }
 
     static virtual_head::HeadDescription SmallHead() {

@@ -50,6 +50,7 @@ TEST_F(ScanOverHead, PatternModesProjectInsteadOfTheLaserLines) {
 }
 
 TEST_F(ScanOverHead, NoSetInTimeEndsTheScan) {
+    m_options.timeoutSeconds = 0.5;
     LoseEveryFrame();
     const Outcome outcome = Scan();
     m_head->GetFaults().Clear();

@@ -127,7 +127,7 @@ TEST_F(KorvexctlScan, SettingsReachTheFigures) {
 
 TEST_F(KorvexctlScan, ATerminalShowsProgressAndAFileDoesNot) {
     const std::string scan =
-        std::string(KORVEX_KORVEXCTL) + " --virtual=" + m_head.string() + " scan --sets 20";
+        "'" KORVEX_KORVEXCTL "' '--virtual=" + m_head.string() + "' scan --sets 20";
     const ChildResult onTerminal =
         RunChild({"script", "--quiet", "--return", "--command", scan, "/dev/null"}, WithoutHead());
     EXPECT_EQ(onTerminal.exitCode, 0) << onTerminal.output;

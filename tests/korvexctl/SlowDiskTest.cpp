@@ -9,6 +9,7 @@
 #include "korvexctl/FileError.h"
 #include "korvexctl/Korvexctl.h"
 #include "korvexctl/ScanOverHead.h"
+#include "support/WaitUntil.h"
 #include "virtual_head/TestFiles.h"
 
 namespace Korvex3Sync::tests {
@@ -23,9 +24,14 @@ using ::testing::HasSubstr;
 /// A scan whose files meet a disk that does not keep up, or that is full.
 class SlowDisk : public ScanOverHead {
 protected:
-    SlowDisk() {
-        m_options.folder = m_folder.Path();
-        m_options.timeoutSeconds = 30;
+    SlowDisk() { m_options.folder = m_folder.Path(); }
+
+    /// The trigger goes off when every set was delivered.
+    bool WaitForTheEndOfTheScan() {
+        return support::WaitUntil([this] {
+            const auto modes = Commands({"zr3DSetVideoTrigleMode"});
+            return !modes.empty() && modes.back() == "zr3DSetVideoTrigleMode(5) = true";
+        });
     }
 
     TemporaryFolder m_folder;
@@ -37,13 +43,12 @@ TEST_F(SlowDisk, TheScanGoesOnAndWhatIsNotKeptIsCounted) {
     m_options.keep = kSets;
     m_options.buffers = 3;
     m_options.light.mode = TRIGGER_LASER_LINES;
-    // The first file takes as long as the whole scan does. The last set is sent on its way by the
-    // trigger after it.
+    // The first file takes as long as the whole scan does.
     bool first = true;
     const Outcome outcome = Scan([&](const auto& file, const auto& bytes) {
         if (first) {
             first = false;
-            WaitForTriggers(kSets + 1);
+            EXPECT_TRUE(WaitForTheEndOfTheScan());
         }
         korvexctl::StoreWhole(file, bytes);
     });

@@ -29,19 +29,35 @@ std::vector<nlohmann::json> Records(const std::string& output) {
     return records;
 }
 
-TEST(KorvexctlStatus, ShowsTheFirstStatusAndEndsByItself) {
-    const test::RequestedHead head(SmallHeadDescription());
-    const CommandResult result = RunHere({"status", "--seconds", "1.5"});
-    EXPECT_EQ(result.code, ExitCode::Done);
+TEST(KorvexctlStatus, ShowsTheFirstStatus) {
+    const TemporaryFolder folder;
+    ChildProcess status(
+        KorvexctlCommand({"--virtual=" + WriteSmallHead(folder.Path()).string(), "status"}),
+        WithoutHead());
+    ASSERT_TRUE(status.WaitForOutput("\n"));
+    status.Signal(SIGINT);
+    const ChildResult result = status.Wait();
+    EXPECT_EQ(result.exitCode, 0) << result.error;
     EXPECT_THAT(result.output, MatchesRegex("[0-9T:.-]+Z  status 1 0  [^\n]*\n"));
 }
 
-TEST(KorvexctlStatus, EachChangeIsOneRecord) {
+TEST(KorvexctlStatus, EndsByItself) {
     const test::RequestedHead head(SmallHeadDescription());
+    EXPECT_EQ(RunHere({"status", "--seconds", "0.1"}).code, ExitCode::Done);
+}
+
+TEST(KorvexctlStatus, EachChangeIsOneRecord) {
     // Four polls pass in silence; the next two go unanswered.
-    EXPECT_TRUE(head->GetFaults().Fail("zr3DQueryCurrentStatus", 6));
-    const CommandResult result = RunHere({"status", "--json", "--seconds", "2.5"});
-    EXPECT_EQ(result.code, ExitCode::Done);
+    const TemporaryFolder folder;
+    const auto head = WriteSmallHead(folder.Path(),
+                                     "[[fault]]\ncall = \"zr3DQueryCurrentStatus\"\n"
+                                     "what = \"fail\"\ntimes = 6\nat_ms = 0\n");
+    ChildProcess status(KorvexctlCommand({"--virtual=" + head.string(), "status", "--json"}),
+                        WithoutHead());
+    ASSERT_TRUE(status.WaitForOutput("\"status_a\":1,"));
+    status.Signal(SIGINT);
+    const ChildResult result = status.Wait();
+    EXPECT_EQ(result.exitCode, 0) << result.error;
     const std::vector<nlohmann::json> records = Records(result.output);
     ASSERT_EQ(records.size(), 2U) << result.output;
     EXPECT_EQ(records[0]["status_a"], 255);

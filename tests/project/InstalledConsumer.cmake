@@ -3,14 +3,21 @@
 
 cmake_minimum_required(VERSION 3.25)
 
+function(fail text)
+    file(REMOVE_RECURSE ${WORK_DIR})
+    message(FATAL_ERROR "${text}")
+endfunction()
+
 function(run)
     execute_process(COMMAND ${ARGN} RESULT_VARIABLE result)
     if(NOT result EQUAL 0)
-        message(FATAL_ERROR "failed (${result}): ${ARGN}")
+        fail("failed (${result}): ${ARGN}")
     endif()
 endfunction()
 
-file(REMOVE_RECURSE ${WORK_DIR})
+# Another run of the suite over the same build may be at it too, so each has a folder of its own.
+string(RANDOM LENGTH 12 unique)
+set(WORK_DIR ${WORK_DIR}-${unique})
 set(prefix ${WORK_DIR}/installed)
 # Away from the project's own tree, so that nothing of it is found by accident.
 file(COPY ${EXAMPLES_DIR}/ DESTINATION ${WORK_DIR}/source)
@@ -41,5 +48,6 @@ execute_process(
     RESULT_VARIABLE result OUTPUT_VARIABLE output ERROR_VARIABLE errors TIMEOUT 120)
 message("${output}${errors}")
 if(NOT result EQUAL 0 OR NOT output MATCHES "20 image sets")
-    message(FATAL_ERROR "the first program ended with ${result}")
+    fail("the first program ended with ${result}")
 endif()
+file(REMOVE_RECURSE ${WORK_DIR})

@@ -11,6 +11,7 @@
 #include <cerrno>
 #include <csignal>
 #include <cstdlib>
+#include <regex>
 
 namespace Korvex3Sync::tests {
 
@@ -115,6 +116,16 @@ bool ChildProcess::ReadSome() {
 
 bool ChildProcess::WaitFor(const std::string& collected, const std::string& text) {
     while (collected.find(text) == std::string::npos) {
+        if (!ReadSome()) {
+            return false;
+        }
+    }
+    return true;
+}
+
+bool ChildProcess::WaitForOutputMatching(const std::string& expression) {
+    const std::regex wanted(expression);
+    while (!std::regex_search(m_result.output, wanted)) {
         if (!ReadSome()) {
             return false;
         }

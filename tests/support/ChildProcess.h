@@ -42,7 +42,9 @@ public:
     /// Waits until standard output contains the text; false when the child ends or the deadline
     /// passes without it.
     bool WaitForOutput(const std::string& text) { return WaitFor(m_result.output, text); }
-    /// The same for standard error.
+    /// The same, until a part of standard output matches a regular expression.
+    bool WaitForOutputMatching(const std::string& expression);
+    /// The same as WaitForOutput for standard error.
     bool WaitForError(const std::string& text) { return WaitFor(m_result.error, text); }
     /// Waits for the end.
     ChildResult Wait();
