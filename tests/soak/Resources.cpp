@@ -19,8 +19,9 @@ namespace {
 constexpr std::size_t kWarmingUp = 3;
 /// A thread that was joined may stand in the list of the system a little longer.
 constexpr std::chrono::seconds kDeadline{20};
-/// What queues and tables that grow to their bound late may take: runs of a quarter of a minute were
-/// seen to grow by 29 KB at most. Some forty lost image sets (6 KiB of three images) are past it.
+/// What queues and tables that grow to their bound late may take: runs of a quarter of a minute
+/// were seen to grow by 29 KB at most. Some forty lost image sets (6 KiB of three images) are past
+/// it.
 constexpr std::size_t kMostGrowth = std::size_t{256} << 10U;
 
 /// With the one that reads the list, which is there each time.
