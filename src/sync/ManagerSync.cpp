@@ -33,10 +33,14 @@ IManagerSync::~IManagerSync() {
     for (auto& camera : m_cameras) {
         camera->ResetStatusToInitialize();
         camera->StopThread();
-        // A status callback may be reading from it.
-        os::CriticalSectionGuard device(m_csDevice);
-        camera->CloseCamera();
-        camera.reset();
+        std::unique_ptr<CPhysicalCameraThread> closed;
+        {
+            // A status callback may be reading from it.
+            os::CriticalSectionGuard device(m_csDevice);
+            camera->CloseCamera();
+            closed = std::move(camera);
+        }
+        // Freed without the device lock: a grab thread takes it after the lock that this takes.
     }
     if (m_hDevice != nullptr) {
         SetScanCallBackFunction(nullptr, nullptr);
