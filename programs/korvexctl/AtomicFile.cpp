@@ -2,64 +2,84 @@
 
 #include <cerrno>
 #include <system_error>
-#include <utility>
 
 #include "korvexctl/FileError.h"
+#include "korvexctl/system/Place.h"
 
 namespace Korvex3Sync::korvexctl {
 
 namespace fs = std::filesystem;
 
-AtomicFile::AtomicFile(fs::path path) : m_path(std::move(path)), m_temporary(m_path) {
-    m_temporary += ".part";
-    m_file.reset(std::fopen(m_temporary.string().c_str(), "wb"));
-    if (!m_file) {
-        throw FileError("cannot write " + m_path.string(), errno);
+namespace {
+
+std::string CannotWrite(const fs::path& path) {
+    return "cannot write " + path.string();
+}
+
+std::span<const unsigned char> Bytes(std::string_view text) {
+    return {reinterpret_cast<const unsigned char*>(text.data()), text.size()};
+}
+
+std::string_view Text(std::span<const unsigned char> bytes) {
+    return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
+}
+
+/// Writes a file that nobody sees. That it can be made does not say that there is room in it.
+void TryToWrite(const fs::path& place, const std::string& what) {
+    TemporaryFile(place, what).Write("can this be written?\n");
+}
+
+}  // namespace
+
+AtomicFile::AtomicFile(const fs::path& path, Existing existing)
+    : m_existing(existing), m_what(CannotWrite(path)) {
+    const Place place =
+        existing == Existing::Kept ? Place{Place::Kind::Free, path} : FindPlace(path, m_what);
+    if (place.kind == Place::Kind::Stream) {
+        m_stream = OpenStream(place, m_what);
+    } else {
+        m_file.emplace(place.path, m_what);
     }
 }
 
 void AtomicFile::Write(std::span<const unsigned char> bytes) {
-    if (std::fwrite(bytes.data(), 1, bytes.size(), m_file.get()) != bytes.size()) {
-        throw FileError("cannot write " + m_path.string(), errno);
+    if (m_file) {
+        m_file->Write(Text(bytes));
+    } else if (!WriteAll(m_stream.Get(), Text(bytes))) {
+        throw FileError(m_what, errno);
     }
 }
 
 void AtomicFile::Commit() {
-    std::FILE* file = m_file.release();
-    const bool flushed = std::fflush(file) == 0;
-    const int flushError = errno;
-    const bool closed = std::fclose(file) == 0;
-    const int closeError = errno;
-    std::error_code renamed;
-    if (flushed && closed) {
-        fs::rename(m_temporary, m_path, renamed);
-        if (!renamed) {
-            return;
+    if (!m_file) {
+        if (!m_stream.Close()) {
+            throw FileError(m_what, errno);
         }
-    }
-    std::error_code ignored;
-    fs::remove(m_temporary, ignored);
-    throw FileError("cannot write " + m_path.string(), !flushed  ? flushError
-                                                       : !closed ? closeError
-                                                                 : renamed.value());
-}
-
-AtomicFile::~AtomicFile() {
-    if (m_file) {
-        m_file.reset();
-        std::error_code ignored;
-        fs::remove(m_temporary, ignored);
+    } else if (m_existing == Existing::Kept) {
+        m_file->PutNew();
+    } else {
+        m_file->Replace();
     }
 }
 
 void WriteFile(const fs::path& path, std::span<const unsigned char> bytes) {
-    AtomicFile file(path);
-    file.Write(bytes);
+    WriteFile(path, Text(bytes));
+}
+
+void WriteFile(const fs::path& path, std::string_view text, Existing existing) {
+    AtomicFile file(path, existing);
+    file.Write(Bytes(text));
     file.Commit();
 }
 
-void WriteFile(const fs::path& path, std::string_view text) {
-    WriteFile(path, std::span(reinterpret_cast<const unsigned char*>(text.data()), text.size()));
+void RequireWritable(const fs::path& path) {
+    const std::string what = CannotWrite(path);
+    const Place place = FindPlace(path, what);
+    if (place.kind == Place::Kind::Stream) {
+        RequireWritableStream(place, what);
+    } else {
+        TryToWrite(place.path, what);
+    }
 }
 
 void PrepareFolder(const fs::path& folder) {
@@ -68,9 +88,7 @@ void PrepareFolder(const fs::path& folder) {
     if (error) {
         throw FileError("cannot make the folder " + folder.string(), error.value());
     }
-    const fs::path probe = folder / ".korvexctl";
-    WriteFile(probe, std::string_view("can this folder be written?\n"));
-    fs::remove(probe, error);
+    TryToWrite(folder / "korvexctl", "cannot write in the folder " + folder.string());
 }
 
 }  // namespace Korvex3Sync::korvexctl

@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "korvexctl/ExitCodes.h"
+#include "korvexctl/NotEmpty.h"
 #include "korvexctl/Version.h"
 
 namespace Korvex3Sync::korvexctl {
@@ -24,7 +25,8 @@ void AddGlobalOptions(CLI::App& app, CommandLine& line) {
     app.add_flag("-v,--verbose", line.verbose,
                  "Show what the library prints and logs on standard error");
     app.add_option("--log", line.logFile, "Append what the library prints and logs to this file")
-        ->type_name("FILE");
+        ->type_name("FILE")
+        ->check(NotEmpty());
 }
 
 }  // namespace

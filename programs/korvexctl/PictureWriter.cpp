@@ -1,23 +1,15 @@
 #include "korvexctl/PictureWriter.h"
 
-#include <array>
-#include <cstdio>
 #include <utility>
 
 #include "korvexctl/Picture.h"
+#include "korvexctl/ScanFiles.h"
 
 namespace Korvex3Sync::korvexctl {
 
 namespace {
 
-constexpr std::array kNames{"left", "right", "color"};
 constexpr std::size_t kColor = 2;
-
-std::string FileName(int number, const char* image) {
-    std::array<char, 64> name{};
-    std::snprintf(name.data(), name.size(), "set_%03d_%s.png", number, image);
-    return name.data();
-}
 
 }  // namespace
 
@@ -88,11 +80,11 @@ const KeptSet* PictureWriter::WaitForNext() {
 
 void PictureWriter::Write(const KeptSet& set) {
     std::vector<Picture> pictures;
-    for (std::size_t i = 0; i < (set.color ? kNames.size() : kColor); ++i) {
+    for (std::size_t i = 0; i < (set.color ? kImageNames.size() : kColor); ++i) {
         pictures.push_back(i == kColor ? Demosaic(set.images[i].data(), set.width, set.height)
                                        : Picture{set.width, set.height, 1, set.images[i]});
         if (set.chosen.pictures) {
-            Store(FileName(set.chosen.number, kNames[i]), pictures.back());
+            Store(PictureFile(set.chosen.number, kImageNames[i]), pictures.back());
         }
     }
     if (set.chosen.sheet) {
@@ -108,7 +100,7 @@ void PictureWriter::WriteSheet() {
         }
     }
     if (!m_sheet.Empty()) {
-        Store("contact-sheet.png", m_sheet.Compose());
+        Store(kContactSheetFile, m_sheet.Compose());
     }
 }
 

@@ -6,6 +6,7 @@
 #include "korvexctl/AtomicFile.h"
 #include "korvexctl/Commands.h"
 #include "korvexctl/ConnectedHead.h"
+#include "korvexctl/NotEmpty.h"
 #include "korvexctl/ProfileFile.h"
 #include "korvexctl/SetCommand.h"
 
@@ -31,8 +32,9 @@ std::vector<Reading> ReadAll(const ConnectedHead& head) {
 }
 
 Outcome SaveProfile(const Asked& asked, Output& output) {
-    const ConnectedHead head(asked.head);
-    const std::vector<Reading> readings = ReadAll(head);
+    RequireWritable(asked.file);
+    // Disconnected before the file is written: a FIFO may keep it waiting.
+    const std::vector<Reading> readings = ReadAll(ConnectedHead(asked.head));
     WriteFile(asked.file, WriteProfile(readings));
     Outcome outcome;
     nlohmann::json saved = nlohmann::json::object();
@@ -119,6 +121,7 @@ RunCommand AddProfile(CLI::App& command) {
         AddHeadOptions(subcommand, asked->head, true);
         subcommand.add_option("file", asked->file, "The profile (TOML)")
             ->type_name("FILE")
+            ->check(NotEmpty())
             ->required();
         subcommand.callback([chosen, run = action.run] { *chosen = run; });
     }

@@ -190,6 +190,13 @@ std::string OneLine(std::string text) {
 
 /// A folder opens like a file, and fails when it is read.
 std::string ReadText(const std::filesystem::path& file) {
+    std::error_code error;
+    const std::filesystem::file_status status = std::filesystem::status(file, error);
+    if (std::filesystem::exists(status) && !std::filesystem::is_regular_file(status) &&
+        !std::filesystem::is_directory(status)) {
+        // Opening a FIFO would wait for someone to write to it.
+        Refuse(file.string(), "is no ordinary file");
+    }
     errno = 0;
     std::ifstream stream(file, std::ios::binary);
     std::string text(kLargestFile + 1, '\0');

@@ -13,6 +13,7 @@
 #include "korvexctl/Illumination.h"
 #include "korvexctl/PictureWriter.h"
 #include "korvexctl/ProgressBar.h"
+#include "korvexctl/ScanFiles.h"
 #include "korvexctl/ScanRecorder.h"
 #include "korvexctl/ScanReport.h"
 #include "korvexctl/Session.h"
@@ -62,6 +63,10 @@ bool Scan(const HeadChoice& choice, ScanReport& report, ScanRecorder& recorder,
     Print(report.cameras, output);
     Print(report.head, output);
     recorder.Prepare(report.cameras.front().width, report.cameras.front().height, onKept);
+    if (!options.folder.empty()) {
+        // Not before the head is connected: what an earlier scan took is gone only for a new one.
+        RemoveScanFiles(options.folder);
+    }
     boardWatch.Watch(session);
     const Illumination illumination(session, options.light);
     const Trigger trigger(session, options.light.mode, ScanRecorder::OnSet, recorder.Context());
@@ -126,7 +131,7 @@ Outcome RunScan(const HeadChoice& choice, const ScanOptions& options, Output& ou
     try {
         writer.ThrowFailure();
         if (writes) {
-            WriteFile(options.folder / "scan.json", outcome.Document());
+            WriteFile(options.folder / kFiguresFile, outcome.Document());
         }
     } catch (const CommandError& error) {
         outcome.code = error.Code();

@@ -3,6 +3,7 @@
 
 #include "korvexctl/Commands.h"
 #include "korvexctl/ModeOption.h"
+#include "korvexctl/NotEmpty.h"
 #include "korvexctl/NumberOption.h"
 #include "korvexctl/ScanCommand.h"
 
@@ -43,11 +44,13 @@ void AddLightOptions(CLI::App& command, LightOptions& light) {
 void AddScanOptions(CLI::App& command, ScanOptions& scan) {
     AddNumber(command, "--sets", scan.sets, "N", 1, kMostSets, "Image sets to take, a count");
     command
-        .add_option("--out", scan.folder,
-                    "Folder for the pictures, contact-sheet.png and scan.json; made when it is "
-                    "missing (without it: "
-                    "nothing is written)")
-        ->type_name("DIR");
+        .add_option(
+            "--out", scan.folder,
+            "Folder for the pictures, contact-sheet.png and scan.json; made when it is "
+            "missing; files of these names that an earlier scan left in it are removed once "
+            "the head is connected (without it: nothing is written)")
+        ->type_name("DIR")
+        ->check(NotEmpty());
     AddNumber(command, "--keep", scan.keep, "K", 0, kMostKept,
               "Image sets to write as PNG, a count, spread over the scan");
     AddNumber(command, "--buffers", scan.buffers, "N", 1, kMostBuffers,

@@ -8,6 +8,7 @@
 #include "korvexctl/AtomicFile.h"
 #include "korvexctl/Commands.h"
 #include "korvexctl/ConnectedHead.h"
+#include "korvexctl/NotEmpty.h"
 #include "korvexctl/NumberOption.h"
 #include "korvexctl/Picture.h"
 #include "korvexctl/Snapshot.h"
@@ -140,7 +141,8 @@ RunCommand AddSnapCommand(CLI::App& command, bool infrared) {
         .add_option("--out", asked->folder,
                     "Folder for snap_0.png, snap_1.png and so on; made when it is missing "
                     "(default: the current one)")
-        ->type_name("DIR");
+        ->type_name("DIR")
+        ->check(NotEmpty());
     command.footer(
         "An image that does not come is waited for 100 s. Afterwards the trigger is off, the "
         "strobe\n"

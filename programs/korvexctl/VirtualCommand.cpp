@@ -7,6 +7,8 @@
 #include "korvexctl/AtomicFile.h"
 #include "korvexctl/Commands.h"
 #include "korvexctl/HeadFileText.h"
+#include "korvexctl/NotEmpty.h"
+#include "korvexctl/system/Place.h"
 
 namespace Korvex3Sync::korvexctl {
 
@@ -35,15 +37,22 @@ Outcome RunNew(const NewHeadFile& asked, Output& output) {
     if (asked.file == kStandardOutput) {
         return PrintNew(output);
     }
+    const bool stream =
+        FindPlace(asked.file, "cannot write " + asked.file).kind == Place::Kind::Stream;
     std::error_code unknown;
     if (!asked.force && fs::exists(fs::symlink_status(asked.file, unknown))) {
         throw CommandError(ExitCode::NotWritable,
-                           asked.file + " is there already; --force replaces it");
+                           asked.file + (stream ? " is no ordinary file; --force writes to it, and "
+                                                  "- is standard output"
+                                                : " is there already; --force replaces it"));
     }
-    WriteFile(asked.file, HeadFileText());
+    WriteFile(asked.file, HeadFileText(), asked.force ? Existing::Replaced : Existing::Kept);
     Outcome outcome;
     outcome.figures["file"] = asked.file;
-    output.Line("wrote " + asked.file + "; use it with --virtual=" + asked.file);
+    // Nothing can be read from a stream again, and it may be standard output itself.
+    if (!stream) {
+        output.Line("wrote " + asked.file + "; use it with --virtual=" + asked.file);
+    }
     return outcome;
 }
 
@@ -54,7 +63,9 @@ RunCommand AddVirtual(CLI::App& command) {
     CLI::App& create = *command.add_subcommand(
         "new", "Write a head file with every key at its default, each explained");
     const auto asked = std::make_shared<NewHeadFile>();
-    create.add_option("FILE", asked->file, "Where to write it; - is standard output")->required();
+    create.add_option("FILE", asked->file, "Where to write it; - is standard output")
+        ->check(NotEmpty())
+        ->required();
     create.add_flag("--force", asked->force, "Replace a file that is there already");
     return [asked](Output& output) { return RunNew(*asked, output); };
 }

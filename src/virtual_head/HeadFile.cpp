@@ -19,6 +19,25 @@ namespace Korvex3Sync::virtual_head {
 namespace {
 
 constexpr std::uintmax_t kLargestFile = 1U << 20U;
+constexpr const char* kReplay = "replay";
+constexpr const char* kReplayFolder = "folder";
+
+int LineOf(const toml::key& key) {
+    return static_cast<int>(key.source().begin.line);
+}
+
+/// Where the folder of images is named; 0 when it is not.
+int LineOfReplay(const toml::table& root) {
+    const toml::table* const replay = root[kReplay].as_table();
+    if (replay != nullptr) {
+        for (const auto& [key, value] : *replay) {
+            if (key == kReplayFolder) {
+                return LineOf(key);
+            }
+        }
+    }
+    return 0;
+}
 
 /// Takes the values of one parsed file over into a description and gathers what is wrong.
 class Reader {
@@ -32,7 +51,7 @@ public:
             if (ReadFaultTables(key.str(), value)) {
                 continue;
             }
-            if (key != "camera" && key != "board" && key != "replay" && key != "scene") {
+            if (key != "camera" && key != "board" && key != kReplay && key != "scene") {
                 Find(line, "unknown key \"" + std::string(key.str()) + "\"");
             } else if (table == nullptr) {
                 Find(line, "\"" + std::string(key.str()) + "\" is not a table");
@@ -56,8 +75,6 @@ public:
     HeadDescription& Description() { return m_description; }
 
 private:
-    static int LineOf(const toml::key& key) { return static_cast<int>(key.source().begin.line); }
-
     void Find(int line, std::string what) { m_findings.emplace_back(line, std::move(what)); }
 
     void Find(const std::optional<BrokenRule>& broken) {
@@ -129,7 +146,7 @@ private:
             }
             return true;
         }
-        if (where == std::pair<std::string, std::string>{"replay", "folder"}) {
+        if (where == std::pair<std::string, std::string>{kReplay, kReplayFolder}) {
             const auto* folder = value.as_string();
             if (folder != nullptr && !folder->get().empty()) {
                 m_description.replayFolder = m_folder / folder->get();
@@ -202,6 +219,20 @@ std::variant<HeadDescription, HeadFileError> ReadHeadFile(const std::filesystem:
     } catch (const std::exception& error) {
         return Refuse(file, 0, error.what());
     }
+}
+
+HeadFileError RefuseReplay(const std::filesystem::path& file, const std::string& what) {
+    int line = 0;
+    try {
+        // It was read well a moment ago.
+        const auto bytes = ReadFileBytes(file, kLargestFile);
+        if (const auto* text = std::get_if<std::string>(&bytes)) {
+            line = LineOfReplay(toml::parse(*text));
+        }
+    } catch (const std::exception&) {
+        line = 0;
+    }
+    return Refuse(file, line, std::string("[") + kReplay + "] " + kReplayFolder + ": " + what);
 }
 
 }  // namespace Korvex3Sync::virtual_head

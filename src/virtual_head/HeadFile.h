@@ -27,4 +27,7 @@ KORVEX_VIRTUAL_HEAD_API std::variant<HeadDescription, HeadFileError> ReadHeadFil
 KORVEX_VIRTUAL_HEAD_API std::variant<HeadDescription, HeadFileError> ParseHeadFile(
     std::string_view text, const std::filesystem::path& file);
 
+/// A head file that is fine by itself, but whose folder of images is not.
+HeadFileError RefuseReplay(const std::filesystem::path& file, const std::string& what);
+
 }  // namespace Korvex3Sync::virtual_head

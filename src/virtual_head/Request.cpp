@@ -69,7 +69,12 @@ std::shared_ptr<VirtualHead> MakeHead(const std::string& request, std::string& e
         error = refused->message;
         return nullptr;
     }
-    return MakeHead(std::get<HeadDescription>(read), error);
+    const auto& description = std::get<HeadDescription>(read);
+    auto head = MakeHead(description, error);
+    if (head == nullptr && !description.replayFolder.empty()) {
+        error = RefuseReplay(request, error).message;
+    }
+    return head;
 }
 
 /// Puts a head, or none, in the place of the one before; calls that hang in that one end.

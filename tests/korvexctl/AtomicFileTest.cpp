@@ -1,8 +1,14 @@
 #include "korvexctl/AtomicFile.h"
 
+#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/socket.h>
+#include <sys/stat.h>
+#include <sys/un.h>
+#include <unistd.h>
 
+#include <array>
 #include <cerrno>
 #include <string_view>
 
@@ -15,11 +21,14 @@ namespace Korvex3Sync::tests {
 namespace {
 
 using korvexctl::AtomicFile;
+using korvexctl::CommandError;
+using korvexctl::Existing;
 using korvexctl::ExitCode;
 using korvexctl::FileError;
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
+using ::testing::MatchesRegex;
 
 class AtomicFileTest : public ::testing::Test {
 protected:
@@ -60,24 +69,161 @@ TEST_F(AtomicFileTest, AnOlderFileStaysUntilTheNewOneIsWhole) {
     EXPECT_EQ(ReadText(m_file), "new");
 }
 
-TEST_F(AtomicFileTest, AFullDiskIsToldAndLeavesNothing) {
-    // What is written to the temporary name goes to a device that is always full.
-    std::filesystem::create_symlink("/dev/full", m_folder.Path() / "file.part");
+TEST_F(AtomicFileTest, AFullDiskIsTold) {
     try {
-        korvexctl::WriteFile(m_file, std::string(100'000, 'x'));
+        korvexctl::WriteFile("/dev/full", std::string_view("x"));
         FAIL() << "was written";
     } catch (const FileError& error) {
         EXPECT_EQ(error.Code(), ExitCode::DiskFull);
-        EXPECT_THAT(error.what(), HasSubstr("disk full: cannot write " + m_file.string()));
+        EXPECT_THAT(error.what(), HasSubstr("disk full: cannot write /dev/full"));
     }
-    EXPECT_THAT(FileNames(m_folder.Path()), IsEmpty());
+    EXPECT_TRUE(std::filesystem::is_character_file("/dev/full"));
 }
 
-TEST_F(AtomicFileTest, AFullDiskThatShowsOnClosingOnlyIsToldToo) {
-    std::filesystem::create_symlink("/dev/full", m_folder.Path() / "file.part");
-    // Short enough to stay in the buffer until then.
+TEST_F(AtomicFileTest, AFileOfSomeoneElseIsNeverTakenForATemporaryOne) {
+    for (const char* name : {"file.part", ".korvexctl"}) {
+        WriteText(m_folder.Path() / name, "mine");
+    }
+    korvexctl::PrepareFolder(m_folder.Path());
+    korvexctl::WriteFile(m_file, std::string_view("new"));
+    EXPECT_THAT(FileNames(m_folder.Path()), ElementsAre(".korvexctl", "file", "file.part"));
+    EXPECT_EQ(ReadText(m_folder.Path() / "file.part"), "mine");
+    EXPECT_EQ(ReadText(m_folder.Path() / ".korvexctl"), "mine");
+}
+
+TEST_F(AtomicFileTest, TwoWritersOfOneFileAreBothWhole) {
+    AtomicFile first(m_file);
+    AtomicFile second(m_file);
+    first.Write(Bytes("fir"));
+    second.Write(Bytes("second"));
+    first.Write(Bytes("st"));
+    first.Commit();
+    EXPECT_EQ(ReadText(m_file), "first");
+    second.Commit();
+    EXPECT_EQ(ReadText(m_file), "second");
+    EXPECT_THAT(FileNames(m_folder.Path()), ElementsAre("file"));
+}
+
+TEST_F(AtomicFileTest, AReplacedFileKeepsItsModeAndANewOneHasThatOfTheUmask) {
+    WriteText(m_file, "old");
+    constexpr auto kMode = static_cast<std::filesystem::perms>(0640);
+    std::filesystem::permissions(m_file, kMode);
+    korvexctl::WriteFile(m_file, std::string_view("new"));
+    EXPECT_EQ(std::filesystem::status(m_file).permissions(), kMode);
+    EXPECT_EQ(ReadText(m_file), "new");
+
+    const auto other = m_folder.Path() / "other";
+    const mode_t umaskBefore = ::umask(0027);
+    korvexctl::WriteFile(other, std::string_view("new"));
+    ::umask(umaskBefore);
+    EXPECT_EQ(std::filesystem::status(other).permissions(), kMode);
+}
+
+TEST_F(AtomicFileTest, ALinkStaysAndWhatItLeadsToIsReplaced) {
+    const auto target = m_folder.Path() / "there" / "target";
+    std::filesystem::create_directory(target.parent_path());
+    std::filesystem::create_symlink("second", m_file);
+    std::filesystem::create_symlink("there/target", m_folder.Path() / "second");
+    // At first the link leads to nothing.
+    for (const char* text : {"one", "two"}) {
+        korvexctl::WriteFile(m_file, std::string_view(text));
+        EXPECT_TRUE(std::filesystem::is_symlink(m_file));
+        EXPECT_TRUE(std::filesystem::is_symlink(m_folder.Path() / "second"));
+        EXPECT_TRUE(std::filesystem::is_regular_file(std::filesystem::symlink_status(target)));
+        EXPECT_EQ(ReadText(target), text);
+    }
+    EXPECT_THAT(FileNames(target.parent_path()), ElementsAre("target"));
+}
+
+TEST_F(AtomicFileTest, LinksInACircleAreTold) {
+    std::filesystem::create_symlink("file", m_file);
     EXPECT_THROW(korvexctl::WriteFile(m_file, std::string_view("x")), FileError);
+    EXPECT_THAT(FileNames(m_folder.Path()), ElementsAre("file"));
+}
+
+TEST_F(AtomicFileTest, AFifoGetsTheTextAndStays) {
+    ASSERT_EQ(::mkfifo(m_file.c_str(), 0600), 0);
+    const int reader = ::open(m_file.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+    ASSERT_GE(reader, 0);
+    korvexctl::WriteFile(m_file, std::string_view("text"));
+    std::array<char, 16> got{};
+    EXPECT_EQ(::read(reader, got.data(), got.size()), 4);
+    EXPECT_STREQ(got.data(), "text");
+    ::close(reader);
+    EXPECT_TRUE(std::filesystem::is_fifo(m_file));
+    EXPECT_THAT(FileNames(m_folder.Path()), ElementsAre("file"));
+}
+
+TEST_F(AtomicFileTest, AFifoThatNobodyReadsIsTold) {
+    ASSERT_EQ(::mkfifo(m_file.c_str(), 0600), 0);
+    try {
+        korvexctl::WriteFile(m_file, std::string_view("text"));
+        FAIL() << "was written";
+    } catch (const CommandError& error) {
+        EXPECT_EQ(error.Code(), ExitCode::NotWritable);
+        EXPECT_EQ(error.what(), "cannot write " + m_file.string() + ": nobody is there to read it");
+    }
+}
+
+TEST_F(AtomicFileTest, ASocketIsRefusedAndStays) {
+    const int listener = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    ASSERT_GE(listener, 0);
+    sockaddr_un address{};
+    address.sun_family = AF_UNIX;
+    ASSERT_LT(m_file.string().size(), sizeof(address.sun_path));
+    m_file.string().copy(address.sun_path, sizeof(address.sun_path) - 1);
+    ASSERT_EQ(::bind(listener, reinterpret_cast<const sockaddr*>(&address), sizeof(address)), 0);
+    EXPECT_THROW(korvexctl::WriteFile(m_file, std::string_view("x")), CommandError);
+    ::close(listener);
+    EXPECT_TRUE(std::filesystem::is_socket(m_file));
+}
+
+TEST_F(AtomicFileTest, WhereNothingMayBeReplacedAFileThatCameMeanwhileStays) {
+    AtomicFile file(m_file, Existing::Kept);
+    file.Write(Bytes("new"));
+    WriteText(m_file, "mine");
+    try {
+        file.Commit();
+        FAIL() << "was replaced";
+    } catch (const FileError& error) {
+        EXPECT_EQ(error.Code(), ExitCode::NotWritable);
+        EXPECT_THAT(error.what(), HasSubstr("cannot write " + m_file.string()));
+    }
+    EXPECT_EQ(ReadText(m_file), "mine");
+}
+
+TEST_F(AtomicFileTest, WhereNothingMayBeReplacedANewFileIsMade) {
+    korvexctl::WriteFile(m_file, std::string_view("new"), Existing::Kept);
+    EXPECT_EQ(ReadText(m_file), "new");
+    EXPECT_THAT(FileNames(m_folder.Path()), ElementsAre("file"));
+}
+
+TEST_F(AtomicFileTest, AskingWhetherItCanBeWrittenLeavesAllAsItIs) {
+    korvexctl::RequireWritable(m_file);
     EXPECT_THAT(FileNames(m_folder.Path()), IsEmpty());
+    WriteText(m_file, "old");
+    korvexctl::RequireWritable(m_file);
+    EXPECT_EQ(ReadText(m_file), "old");
+    korvexctl::RequireWritable("/dev/full");
+    EXPECT_THROW(korvexctl::RequireWritable(m_folder.Path()), FileError);
+    EXPECT_THROW(korvexctl::RequireWritable(m_folder.Path() / "none" / "file"), FileError);
+    EXPECT_THROW(korvexctl::RequireWritable(m_file / "below a file"), FileError);
+}
+
+/// No one can make a file in /proc, not even root.
+TEST_F(AtomicFileTest, WhatIsToldNamesTheFileAskedForAndNoTemporaryOne) {
+    const auto message = [](const auto& write) {
+        try {
+            write();
+        } catch (const FileError& error) {
+            return std::string(error.what());
+        }
+        return std::string("was written");
+    };
+    EXPECT_THAT(message([] { korvexctl::WriteFile("/proc/file", std::string_view("x")); }),
+                MatchesRegex("cannot write /proc/file: [A-Z][A-Za-z -]+"));
+    EXPECT_THAT(message([] { korvexctl::PrepareFolder("/proc"); }),
+                MatchesRegex("cannot write in the folder /proc: [A-Z][A-Za-z -]+"));
 }
 
 TEST_F(AtomicFileTest, AFolderInTheWayIsToldAndStays) {

@@ -1,5 +1,8 @@
+#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include "korvexctl/CommandOverHead.h"
 #include "virtual_head/TestFiles.h"
@@ -114,6 +117,30 @@ TEST_F(ProfileOverHead, AFolderThatIsNotThereCannotBeSavedTo) {
     const CommandResult result =
         RunHere({"profile", "save", (m_folder.Path() / "none" / "bench.toml").string()});
     EXPECT_EQ(result.code, ExitCode::NotWritable);
+    EXPECT_THAT(m_head->GetJournal().Texts(), IsEmpty()) << "found out over a connected head";
+}
+
+TEST_F(ProfileOverHead, AFifoThatNobodyWritesToIsNoProfile) {
+    ASSERT_EQ(::mkfifo(m_file.c_str(), 0600), 0);
+    for (const char* action : {"load", "diff"}) {
+        const CommandResult result = Profile(action);
+        EXPECT_EQ(result.code, ExitCode::ProfileRefused);
+        EXPECT_EQ(result.message, m_file.string() + ": is no ordinary file");
+    }
+}
+
+TEST_F(ProfileOverHead, AFifoThatIsReadGetsTheProfileOnceTheHeadIsFree) {
+    ASSERT_EQ(::mkfifo(m_file.c_str(), 0600), 0);
+    const int reader = ::open(m_file.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+    ASSERT_GE(reader, 0);
+    const CommandResult result = Profile("save");
+    EXPECT_EQ(result.code, ExitCode::Done) << result.message;
+    std::string got(1 << 16, '\0');
+    const ssize_t size = ::read(reader, got.data(), got.size());
+    ::close(reader);
+    ASSERT_GT(size, 0);
+    EXPECT_THAT(got, HasSubstr("\ntrigger-period = 10\n"));
+    EXPECT_TRUE(std::filesystem::is_fifo(m_file));
 }
 
 }  // namespace

@@ -143,6 +143,42 @@ TEST_F(KorvexctlScan, WithoutAFolderNothingIsWritten) {
     EXPECT_THAT(FileNames(m_folder.Path()), ElementsAre("head.toml"));
 }
 
+TEST_F(KorvexctlScan, FilesOfAnEarlierScanAreGoneAndAllOthersStay) {
+    std::filesystem::create_directories(m_out / "set_007_left.png");
+    const std::vector<std::string> earlier{"contact-sheet.png", "scan.json", "set_005_left.png",
+                                           "set_005_right.png", "set_1234_color.png"};
+    const std::vector<std::string> others{
+        "notes.txt",       "scan.json.bak",    "set_0005_left.png",  "set_005_left.jpg",
+        "set_005_leftpng", "set_005_mask.png", "set_5_left.png",     "set_+05_left.png",
+        "set_x_left.png",  "set_-05_left.png", "my set_005_left.png"};
+    for (const auto* names : {&earlier, &others}) {
+        for (const std::string& name : *names) {
+            WriteText(m_out / name, "of before");
+        }
+    }
+    const ChildResult result =
+        Scan({"--sets", "1", "--keep", "1", "--mode", "laser", "--out", m_out.string()});
+    ASSERT_EQ(result.exitCode, 0) << result.error;
+    std::vector<std::string> expected = others;
+    expected.insert(expected.end(), {"contact-sheet.png", "scan.json", "set_000_left.png",
+                                     "set_000_right.png", "set_007_left.png"});
+    std::sort(expected.begin(), expected.end());
+    EXPECT_EQ(FileNames(m_out), expected);
+    for (const std::string& name : others) {
+        EXPECT_EQ(ReadText(m_out / name), "of before") << name;
+    }
+    EXPECT_EQ(ParseJson(ReadText(m_out / "scan.json"))["sets"]["asked"], 1);
+}
+
+TEST_F(KorvexctlScan, AScanThatFindsNoHeadLeavesTheEarlierOne) {
+    std::filesystem::create_directories(m_out);
+    WriteText(m_out / "scan.json", "of before");
+    const ChildResult result = RunKorvexctl({"scan", "--out", m_out.string()});
+    EXPECT_EQ(result.exitCode, 3) << result.error;
+    EXPECT_THAT(FileNames(m_out), ElementsAre("scan.json"));
+    EXPECT_EQ(ReadText(m_out / "scan.json"), "of before");
+}
+
 TEST_F(KorvexctlScan, ReplayedPairsArriveInOrderAndUnchanged) {
     constexpr int kPairs = 5;
     const auto images = m_folder.Path() / "pairs";

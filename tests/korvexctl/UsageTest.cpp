@@ -1,5 +1,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include "korvexctl/ExitCodes.h"
 #include "korvexctl/Korvexctl.h"
@@ -83,6 +84,15 @@ TEST(KorvexctlUsage, AHeadFileWithErrorsIsRefusedWithFileAndLine) {
     EXPECT_THAT(result.error, HasSubstr("widht"));
 }
 
+TEST(KorvexctlUsage, AHeadFileWhoseImagesAreMissingIsRefusedWithFileAndLine) {
+    const TemporaryFolder folder;
+    const auto file = WriteSmallHead(folder.Path(), "\n[replay]\nfolder = \"none\"\n");
+    const ChildResult result = RunKorvexctl({"--virtual=" + file.string(), "list"});
+    EXPECT_EQ(result.exitCode, 8);
+    EXPECT_THAT(result.error, HasSubstr("korvexctl: " + file.string() + ":6: [replay] folder: " +
+                                        (folder.Path() / "none").string() + ": "));
+}
+
 TEST(KorvexctlUsage, AMissingHeadFileIsRefused) {
     const ChildResult result = RunKorvexctl({"list", "--virtual=/no/such/head.toml", "--json"});
     EXPECT_EQ(result.exitCode, 8);
@@ -96,6 +106,48 @@ TEST(KorvexctlUsage, ALogFileThatCannotBeOpenedIsRefused) {
     EXPECT_EQ(result.exitCode, 6);
     EXPECT_EQ(ParseJson(result.output)["error"]["exit_code"], 6);
 }
+
+TEST(KorvexctlUsage, ALogThatIsFullIsWarnedOfOnceAndTheCommandGoesOn) {
+    const ChildResult result =
+        RunKorvexctl({"list", "--virtual", "--json", "--verbose", "--log", "/dev/full"});
+    EXPECT_EQ(result.exitCode, 0) << result.error;
+    EXPECT_FALSE(ParseJson(result.output)["cameras"].empty());
+    const std::string warning = "korvexctl: the log file /dev/full is not whole: ";
+    const std::size_t first = result.error.find(warning);
+    ASSERT_NE(first, std::string::npos) << result.error;
+    EXPECT_EQ(result.error.find(warning, first + 1), std::string::npos) << result.error;
+}
+
+TEST(KorvexctlUsage, ALogThatNobodyReadsIsRefused) {
+    const TemporaryFolder folder;
+    const auto fifo = folder.Path() / "log";
+    ASSERT_EQ(::mkfifo(fifo.c_str(), 0600), 0);
+    const ChildResult result = RunKorvexctl({"list", "--virtual", "--log", fifo.string()});
+    EXPECT_EQ(result.exitCode, 6);
+    EXPECT_THAT(result.error, HasSubstr("cannot open the log file " + fifo.string() +
+                                        ": nobody is there to read it"));
+}
+
+class EmptyName : public ::testing::TestWithParam<std::vector<std::string>> {};
+
+TEST_P(EmptyName, IsRefusedWithItsOption) {
+    std::vector<std::string> arguments = GetParam();
+    const std::string option = arguments.back();
+    arguments.pop_back();
+    const ChildResult result = RunKorvexctl(arguments);
+    EXPECT_EQ(result.exitCode, kUsage);
+    EXPECT_THAT(result.error, HasSubstr("korvexctl: " + option + ": the name is empty"));
+}
+
+// What is expected to be named stands last.
+INSTANTIATE_TEST_SUITE_P(
+    CommandLines, EmptyName,
+    ::testing::Values(std::vector<std::string>{"--virtual", "scan", "--out", "", "--out"},
+                      std::vector<std::string>{"--virtual", "scan", "--out=", "--out"},
+                      std::vector<std::string>{"--virtual", "snap", "--out", "", "--out"},
+                      std::vector<std::string>{"--virtual", "list", "--log", "", "--log"},
+                      std::vector<std::string>{"virtual", "new", "", "FILE"},
+                      std::vector<std::string>{"--virtual", "profile", "save", "", "FILE"}));
 
 TEST(KorvexctlUsage, FullStandardOutputIsAnError) {
     ChildOptions options;

@@ -59,6 +59,36 @@ TEST_F(KorvexctlVirtualNew, DoesNotFollowALinkThatLeadsNowhere) {
     EXPECT_THAT(FileNames(m_folder.Path()), ElementsAre("bench.toml"));
 }
 
+TEST_F(KorvexctlVirtualNew, WritesToAStreamWhenForcedOnly) {
+    for (const char* stream : {"/dev/stdout", "/dev/null"}) {
+        const ChildResult refused = New({stream});
+        EXPECT_EQ(refused.exitCode, kNotWritable);
+        EXPECT_THAT(refused.error, HasSubstr("is no ordinary file; --force writes to it"));
+        EXPECT_THAT(refused.output, IsEmpty());
+    }
+    const ChildResult forced = New({"/dev/stdout", "--force"});
+    EXPECT_EQ(forced.exitCode, 0) << forced.error;
+    EXPECT_EQ(forced.output, korvexctl::HeadFileText());
+    EXPECT_EQ(New({"/dev/null", "--force"}).exitCode, 0);
+    EXPECT_TRUE(std::filesystem::is_character_file("/dev/null"));
+}
+
+TEST_F(KorvexctlVirtualNew, StandardOutputThatIsAFileIsWrittenToAndNotReplaced) {
+    ChildOptions options;
+    options.outputFile = m_file.string();
+    const ChildResult result = New({"/dev/stdout", "--force", "--json"}, options);
+    EXPECT_EQ(result.exitCode, 0) << result.error;
+    const std::string text = ReadText(m_file);
+    EXPECT_THAT(text, ::testing::StartsWith(korvexctl::HeadFileText()));
+    EXPECT_EQ(ParseJson(text.substr(korvexctl::HeadFileText().size()))["file"], "/dev/stdout");
+}
+
+TEST_F(KorvexctlVirtualNew, AFolderInTheWayIsNoFileToReplace) {
+    const ChildResult result = New({m_folder.Path().string()});
+    EXPECT_EQ(result.exitCode, kNotWritable);
+    EXPECT_THAT(result.error, HasSubstr("Is a directory"));
+}
+
 TEST_F(KorvexctlVirtualNew, AHyphenIsStandardOutput) {
     const ChildResult text = New({"-"});
     EXPECT_EQ(text.exitCode, 0) << text.error;

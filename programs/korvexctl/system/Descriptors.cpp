@@ -5,9 +5,11 @@
 
 #include <cerrno>
 #include <cstdio>
+#include <system_error>
 
-#include "korvexctl/ExitCodes.h"
 #include "korvexctl/FileError.h"
+#include "korvexctl/Output.h"
+#include "korvexctl/system/Place.h"
 
 namespace Korvex3Sync::korvexctl {
 
@@ -15,25 +17,15 @@ namespace {
 
 constexpr mode_t kLogFileMode = 0644;
 
-bool WriteAll(int descriptor, std::string_view text) noexcept {
-    while (!text.empty()) {
-        const ssize_t written = ::write(descriptor, text.data(), text.size());
-        if (written < 0 && errno == EINTR) {
-            continue;
-        }
-        if (written <= 0) {
-            return false;
-        }
-        text.remove_prefix(static_cast<std::size_t>(written));
-    }
-    return true;
-}
+// Of the one StandardOutput.
+int s_realOutput = -1;
 
 }  // namespace
 
 StandardOutput::StandardOutput(bool verbose) {
     std::fflush(stdout);
     m_real = ::fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
+    s_realOutput = m_real;
     if (verbose) {
         ::dup2(STDERR_FILENO, STDOUT_FILENO);
         return;
@@ -46,23 +38,30 @@ StandardOutput::StandardOutput(bool verbose) {
 }
 
 StandardOutput::~StandardOutput() {
-    std::fflush(stdout);
+    // What the library printed shows only now that it did not get into the log.
+    if (std::fflush(stdout) != 0 && m_log) {
+        WarnOfLog(errno);
+    }
     if (m_real >= 0) {
         ::dup2(m_real, STDOUT_FILENO);
         ::close(m_real);
-    }
-    if (m_log >= 0) {
-        ::close(m_log);
+        s_realOutput = -1;
     }
 }
 
 void StandardOutput::LogTo(const std::string& file) {
-    m_log = ::open(file.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, kLogFileMode);
-    if (m_log < 0) {
-        throw FileError("cannot open the log file " + file, errno);
+    const std::string what = "cannot open the log file " + file;
+    const Place place = FindPlace(file, what);
+    m_log = place.kind == Place::Kind::Stream
+                ? OpenStream(place, what)
+                : OpenedFile(::open(file.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC,
+                                    kLogFileMode));
+    if (!m_log) {
+        throw FileError(what, errno);
     }
+    m_logFile = file;
     std::fflush(stdout);
-    ::dup2(m_log, STDOUT_FILENO);
+    ::dup2(m_log.Get(), STDOUT_FILENO);
 }
 
 void StandardOutput::Write(std::string_view text) {
@@ -72,9 +71,26 @@ void StandardOutput::Write(std::string_view text) {
 }
 
 void StandardOutput::WriteLog(std::string_view text) const noexcept {
-    if (m_log >= 0) {
-        WriteAll(m_log, text);
+    if (m_log && !WriteAll(m_log.Get(), text)) {
+        WarnOfLog(errno);
     }
+}
+
+void StandardOutput::WarnOfLog(int error) const noexcept {
+    if (m_warned.exchange(true)) {
+        return;
+    }
+    try {
+        Say("the log file " + m_logFile +
+            " is not whole: " + std::generic_category().message(error) + "; going on without");
+    } catch (...) {
+        // No room for a message; the command goes on all the same.
+        return;
+    }
+}
+
+int DescriptorBefore(int number) {
+    return number == STDOUT_FILENO && s_realOutput >= 0 ? s_realOutput : number;
 }
 
 bool ErrorOutputIsTerminal() {

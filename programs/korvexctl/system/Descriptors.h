@@ -1,7 +1,10 @@
 #pragma once
 
+#include <atomic>
 #include <string>
 #include <string_view>
+
+#include "korvexctl/system/OpenedFile.h"
 
 namespace Korvex3Sync::korvexctl {
 
@@ -15,19 +18,26 @@ public:
     StandardOutput(const StandardOutput&) = delete;
     StandardOutput& operator=(const StandardOutput&) = delete;
 
-    /// Appends what the library prints to this file from now on. To be called at most once. Throws
-    /// CommandError when it cannot be opened.
+    /// Appends what the library prints to this file (or FIFO, or device) from now on. To be called
+    /// at most once. Throws CommandError when it cannot be opened.
     void LogTo(const std::string& file);
     /// Writes the whole text. Throws CommandError (NotWritable, DiskFull).
     void Write(std::string_view text);
     /// Appends to the log file; nothing without one. Never throws: a log that cannot be written
-    /// costs no scan. Any thread.
+    /// costs no scan, only a warning, once. Any thread.
     void WriteLog(std::string_view text) const noexcept;
 
 private:
+    void WarnOfLog(int error) const noexcept;
+
     int m_real = -1;
-    int m_log = -1;
+    OpenedFile m_log;
+    std::string m_logFile;
+    mutable std::atomic<bool> m_warned{false};
 };
+
+/// The descriptor that had this number before a StandardOutput was made.
+int DescriptorBefore(int number);
 
 /// Whether standard error is a terminal, where a progress bar is of use.
 bool ErrorOutputIsTerminal();
