@@ -29,6 +29,11 @@ void AddGlobalOptions(CLI::App& app, CommandLine& line) {
         ->check(NotEmpty());
 }
 
+bool Has(const char* const* arguments, int count, std::string_view word) {
+    return std::any_of(arguments, arguments + count,
+                       [word](std::string_view text) { return text == word; });
+}
+
 }  // namespace
 
 CommandLineResult ReadCommandLine(int count, const char* const* arguments) {
@@ -49,14 +54,17 @@ CommandLineResult ReadCommandLine(int count, const char* const* arguments) {
 
     try {
         app.parse(count, arguments);
+        // CLI11 takes it for the flag without a value.
+        if (Has(arguments, count, "--virtual=")) {
+            throw CLI::ValidationError("--virtual", kNameIsEmpty);
+        }
     } catch (const CLI::ParseError& error) {
         std::ostringstream out;
         std::ostringstream wrong;
         result.badUsage = app.exit(error, out, wrong) != 0;
         result.text = result.badUsage ? std::string(error.what()) + " (see --help)" : out.str();
         // It may stand behind the word that was not understood.
-        line.json = std::any_of(arguments, arguments + count,
-                                [](std::string_view text) { return text == "--json"; });
+        line.json = Has(arguments, count, "--json");
         return result;
     }
     // What CLI11 gives for a flag without a value.

@@ -146,6 +146,7 @@ INSTANTIATE_TEST_SUITE_P(
                       std::vector<std::string>{"--virtual", "scan", "--out=", "--out"},
                       std::vector<std::string>{"--virtual", "snap", "--out", "", "--out"},
                       std::vector<std::string>{"--virtual", "list", "--log", "", "--log"},
+                      std::vector<std::string>{"--virtual=", "list", "--virtual"},
                       std::vector<std::string>{"virtual", "new", "", "FILE"},
                       std::vector<std::string>{"--virtual", "profile", "save", "", "FILE"}));
 
