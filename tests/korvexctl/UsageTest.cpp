@@ -67,6 +67,7 @@ INSTANTIATE_TEST_SUITE_P(
                       std::vector<std::string>{"scan", "--mode", "5"},
                       std::vector<std::string>{"scan", "--laser-duty", "101"},
                       std::vector<std::string>{"scan", "--out"},
+                      std::vector<std::string>{"scan", "--out="},
                       std::vector<std::string>{"--virtual", "head.toml", "list"}));
 
 TEST(KorvexctlUsage, BadUsageWithJsonIsOneDocument) {
@@ -143,7 +144,6 @@ TEST_P(EmptyName, IsRefusedWithItsOption) {
 INSTANTIATE_TEST_SUITE_P(
     CommandLines, EmptyName,
     ::testing::Values(std::vector<std::string>{"--virtual", "scan", "--out", "", "--out"},
-                      std::vector<std::string>{"--virtual", "scan", "--out=", "--out"},
                       std::vector<std::string>{"--virtual", "snap", "--out", "", "--out"},
                       std::vector<std::string>{"--virtual", "list", "--log", "", "--log"},
                       std::vector<std::string>{"--virtual=", "list", "--virtual"},

@@ -74,6 +74,7 @@ TEST_F(KorvexctlVirtualNew, WritesToAStreamWhenForcedOnly) {
 }
 
 TEST_F(KorvexctlVirtualNew, StandardOutputThatIsAFileIsWrittenToAndNotReplaced) {
+    WriteText(m_file, "");
     ChildOptions options;
     options.outputFile = m_file.string();
     const ChildResult result = New({"/dev/stdout", "--force", "--json"}, options);
