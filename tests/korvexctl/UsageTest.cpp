@@ -148,7 +148,7 @@ INSTANTIATE_TEST_SUITE_P(
                       std::vector<std::string>{"--virtual", "list", "--log", "", "--log"},
                       std::vector<std::string>{"--virtual=", "list", "--virtual"},
                       std::vector<std::string>{"virtual", "new", "", "FILE"},
-                      std::vector<std::string>{"--virtual", "profile", "save", "", "FILE"}));
+                      std::vector<std::string>{"--virtual", "profile", "save", "", "file"}));
 
 TEST(KorvexctlUsage, FullStandardOutputIsAnError) {
     ChildOptions options;
