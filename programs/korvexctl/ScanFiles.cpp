@@ -21,8 +21,8 @@ constexpr std::string_view kPicturePrefix = "set_";
 
 std::string PictureFile(int number, const char* image) {
     std::array<char, 64> name{};
-    std::snprintf(name.data(), name.size(), "%s%03d_%s.png", kPicturePrefix.data(), number, image);
-    return name.data();
+    std::snprintf(name.data(), name.size(), "%03d_%s.png", number, image);
+    return std::string(kPicturePrefix) + name.data();
 }
 
 bool IsScanFile(const std::string& name) {
