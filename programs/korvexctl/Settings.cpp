@@ -185,10 +185,7 @@ RETSTATUS ReadCamera(void* const& handle, int order, double& exposure, int& gain
 
 Setting Exposure(int order) {
     return {"exposure." + std::to_string(order),
-            OnlySelects(order, kShortestExposureMs, 0)
-                ? "exposure time of the camera at this order; with gain 0 no less than 0.4, as 0.1 "
-                  "to 0.3 only select a camera then"
-                : "exposure time of the camera at this order",
+            "exposure time of the camera at this order; at order 0 with gain 0 no less than 0.4",
             "ms",
             {{"", FieldKind::Tenths, kShortestExposureMs, kLongestExposureMs}},
             [order](void* const& handle, SettingValue& value) {
