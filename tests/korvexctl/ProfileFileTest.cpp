@@ -80,11 +80,11 @@ TEST(ProfileFile, CommentsNameWhatTheFileTakes) {
     const Setting& light = *korvexctl::FindSetting("ir-laser");
     const Setting& mode = *korvexctl::FindSetting("trigger-mode");
     const std::vector<Reading> readings{{&light, STATUS_SUCCESS, {1}},
-                                        {&mode, STATUS_SUCCESS, {TRIGGER_LASER_LINES}}};
+                                        {&mode, STATUS_SUCCESS, SomeValue(mode)}};
     const std::string text = WriteProfile(readings);
     EXPECT_THAT(text, HasSubstr("# true or false\nir-laser = true\n"));
     EXPECT_THAT(text, HasSubstr("# \"off\", \"laser\", "));
-    EXPECT_THAT(text, HasSubstr("trigger-mode = \"laser\"\n"));
+    EXPECT_THAT(text, HasSubstr("trigger-mode = \"single-color\"\n"));
 }
 
 TEST(ProfileFile, AnEmptyTextIsAnEmptyProfile) {
