@@ -70,7 +70,7 @@ TEST_F(BoardCommands, ReconnectEndsWithABoardThatAnswers) {
 
 TEST_F(BoardCommands, ASlowReconnectionLeavesTheBoardItsTimeToAnswer) {
     // Longer than the timeout, when connecting and when reconnecting.
-    EXPECT_TRUE(Faults().Slow("zr3DInitHidDev", std::chrono::milliseconds(3200), 2));
+    EXPECT_TRUE(Faults().Slow("StartCamera", std::chrono::milliseconds(3200), 2));
     const CommandResult result = RunHere({"reconnect", "--timeout", "3"});
     EXPECT_EQ(result.code, ExitCode::Done) << result.message;
 }

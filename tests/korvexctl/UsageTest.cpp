@@ -115,6 +115,11 @@ struct Wrong {
     const char* message;
 };
 
+/// What the test is called after.
+void PrintTo(const Wrong& wrong, std::ostream* out) {
+    *out << ::testing::PrintToString(wrong.words);
+}
+
 class WrongWords : public ::testing::TestWithParam<Wrong> {};
 
 TEST_P(WrongWords, AreNamedWithWhatComesNear) {
