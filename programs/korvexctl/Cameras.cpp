@@ -8,6 +8,7 @@
 #include "korvexctl/ExitCodes.h"
 #include "korvexctl/Output.h"
 #include "korvexctl/Session.h"
+#include "virtual_head/Request.h"
 
 namespace Korvex3Sync::korvexctl {
 
@@ -32,7 +33,10 @@ std::vector<Camera> FindCameras(const std::string& type) {
 }
 
 std::string NoCameraMessage(const std::string& type) {
-    return "no camera found (type " + type + "); --virtual scans with a simulated head";
+    const std::string text = "no camera found (type " + type + ")";
+    return virtual_head::RequestedVirtualHead() != nullptr
+               ? text + "; the simulated head shows none"
+               : text + "; --virtual scans with a simulated head";
 }
 
 nlohmann::json ToJson(const std::vector<Camera>& cameras) {

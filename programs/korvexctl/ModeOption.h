@@ -1,9 +1,10 @@
 #pragma once
 
 #include <CLI/CLI.hpp>
-#include <map>
 #include <string>
+#include <vector>
 
+#include "korvexctl/NearNames.h"
 #include "korvexctl/TriggerModes.h"
 
 namespace Korvex3Sync::korvexctl {
@@ -14,15 +15,23 @@ namespace Korvex3Sync::korvexctl {
 template <typename Mode>
 void AddModeOption(CLI::App& command, Mode& mode, const std::string& help,
                    const std::string& more = "") {
-    std::map<std::string, CAMERA_TRIGGER_MODE> modes;
-    std::string names;
+    std::vector<std::string> names;
     for (const TriggerMode& known : kTriggerModes) {
-        modes[known.name] = known.mode;
-        names += (names.empty() ? "" : ", ") + std::string(known.name);
+        names.emplace_back(known.name);
     }
-    command.add_option("--mode", mode, help + names + more)
+    const std::string list = CLI::detail::join(names, ", ");
+    const auto read = [names, list](std::string& text) {
+        for (const TriggerMode& known : kTriggerModes) {
+            if (text == known.name) {
+                text = std::to_string(known.mode);
+                return std::string();
+            }
+        }
+        return "\"" + text + "\" is not one of " + list + DidYouMean(text, names);
+    };
+    command.add_option("--mode", mode, help + list + more)
         ->type_name("MODE")
-        ->transform(CLI::CheckedTransformer(modes).description(""));
+        ->transform(CLI::Validator(read, ""));
 }
 
 }  // namespace Korvex3Sync::korvexctl

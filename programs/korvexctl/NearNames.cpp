@@ -14,19 +14,23 @@ constexpr std::size_t kLongestTyped = 64;
 // One letter in so many may be wrong.
 constexpr std::size_t kLettersPerSlip = 3;
 
-/// Letters to insert, drop or replace to make one text the other.
+/// Letters to insert, drop or replace, or neighbours to swap, to make one text the other.
 std::size_t Distance(std::string_view a, std::string_view b) {
-    std::vector<std::size_t> row(b.size() + 1);
-    std::iota(row.begin(), row.end(), std::size_t{0});
+    std::vector<std::size_t> before;
+    std::vector<std::size_t> above(b.size() + 1);
+    std::iota(above.begin(), above.end(), std::size_t{0});
     for (std::size_t i = 0; i < a.size(); ++i) {
-        std::size_t diagonal = std::exchange(row[0], i + 1);
+        std::vector<std::size_t> row(b.size() + 1, i + 1);
         for (std::size_t j = 0; j < b.size(); ++j) {
-            const std::size_t replaced = diagonal + (a[i] == b[j] ? 0 : 1);
-            diagonal = row[j + 1];
-            row[j + 1] = std::min({replaced, row[j] + 1, diagonal + 1});
+            const std::size_t replaced = above[j] + (a[i] == b[j] ? 0 : 1);
+            row[j + 1] = std::min({replaced, row[j] + 1, above[j + 1] + 1});
+            if (i > 0 && j > 0 && a[i] == b[j - 1] && a[i - 1] == b[j]) {
+                row[j + 1] = std::min(row[j + 1], before[j - 1] + 1);
+            }
         }
+        before = std::exchange(above, std::move(row));
     }
-    return row.back();
+    return above.back();
 }
 
 /// Whether each part of `typed` between hyphens stands in the name.
@@ -64,6 +68,14 @@ std::vector<std::string> NearNames(std::string_view typed, const std::vector<std
         nearest.push_back(near[i].second);
     }
     return nearest;
+}
+
+std::string DidYouMean(std::string_view typed, const std::vector<std::string>& names) {
+    std::string text;
+    for (const std::string& near : NearNames(typed, names)) {
+        text += (text.empty() ? "; did you mean " : " or ") + near;
+    }
+    return text;
 }
 
 }  // namespace Korvex3Sync::korvexctl

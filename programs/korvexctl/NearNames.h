@@ -10,4 +10,7 @@ namespace Korvex3Sync::korvexctl {
 /// most: a few letters differ, or all the words between hyphens occur in it.
 std::vector<std::string> NearNames(std::string_view typed, const std::vector<std::string>& names);
 
+/// The same as the end of a message, "; did you mean a or b"; "" when there are none.
+std::string DidYouMean(std::string_view typed, const std::vector<std::string>& names);
+
 }  // namespace Korvex3Sync::korvexctl

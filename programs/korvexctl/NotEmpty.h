@@ -5,13 +5,11 @@
 
 namespace Korvex3Sync::korvexctl {
 
-inline constexpr const char* kNameIsEmpty = "the name is empty";
-
 /// Refuses an empty name of a file or folder, as an unset variable of a script gives.
 inline CLI::Validator NotEmpty() {
     return CLI::Validator(
         [](const std::string& text) {
-            return text.empty() ? std::string(kNameIsEmpty) : std::string();
+            return text.empty() ? std::string("the name is empty") : std::string();
         },
         "");
 }

@@ -115,7 +115,7 @@ RunCommand AddProfile(CLI::App& command) {
     const auto asked = std::make_shared<Asked>();
     const auto chosen = std::make_shared<Run>(nullptr);
     command.require_subcommand(1);
-    command.footer(SettingsTable());
+    command.footer(SettingsTable(Notation::Profile));
     for (const Action& action : kActions) {
         CLI::App& subcommand = *command.add_subcommand(action.name, action.help);
         AddHeadOptions(subcommand, asked->head, true);

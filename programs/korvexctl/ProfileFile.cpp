@@ -235,7 +235,7 @@ std::string WriteProfile(std::span<const Reading> readings) {
            "# leaves the rest as it is.\n";
     for (const Reading& reading : readings) {
         const Setting& setting = *reading.setting;
-        text << "\n# " << setting.help << "\n# " << RangeText(setting) << '\n';
+        text << "\n# " << setting.help << "\n# " << RangeText(setting, Notation::Profile) << '\n';
         if (reading.Known()) {
             text << setting.name << " = " << TomlValue(setting, reading.value) << '\n';
         } else {

@@ -14,7 +14,8 @@ namespace Korvex3Sync::korvexctl {
 
 namespace {
 
-constexpr double kShortestTimeoutSeconds = 1;
+// The first poll of a board that is back comes within a second.
+constexpr double kShortestTimeoutSeconds = 3;
 constexpr double kLongestTimeoutSeconds = 600;
 
 struct Asked {
@@ -40,8 +41,9 @@ Outcome RunReconnect(const Asked& asked, Output& output) {
     watch.Watch(head.session);
     const auto begin = Clock::now();
     Require(ReconnectDevice(head.Handle()), "reconnect");
-    const auto end = begin + std::chrono::duration_cast<Clock::duration>(
-                                 std::chrono::duration<double>(asked.timeoutSeconds));
+    // Reconnecting takes its own time, which nothing cuts short.
+    const auto end = Clock::now() + std::chrono::duration_cast<Clock::duration>(
+                                        std::chrono::duration<double>(asked.timeoutSeconds));
     watch.Forget();
     const bool answers = WaitForAnswer(watch, end);
     const auto took =
@@ -64,7 +66,9 @@ RunCommand AddReconnect(CLI::App& command) {
     const auto asked = std::make_shared<Asked>();
     AddHeadOptions(command, asked->head, true);
     AddNumber(command, "--timeout", asked->timeoutSeconds, "S", kShortestTimeoutSeconds,
-              kLongestTimeoutSeconds, "Give up when the board has not answered after seconds");
+              kLongestTimeoutSeconds,
+              "Give up when the board has not answered so many seconds after the devices were "
+              "opened again; the opening itself takes up to ten seconds more");
     return [asked](Output& output) { return RunReconnect(*asked, output); };
 }
 

@@ -37,7 +37,11 @@ Session::Session(const std::string& type, const std::string& board,
     const RETSTATUS status =
         ConnectDevice(type.c_str(), board.c_str(), names, widths, heights, m_handle);
     if (status != STATUS_SUCCESS) {
-        throw CommandError(ExitCode::NotConnected, "cannot connect: " + StatusText(status));
+        const char* const serial = board.empty() ? "" : "the serial of --board, ";
+        throw CommandError(ExitCode::NotConnected,
+                           "cannot connect: " + StatusText(status) + "; look at " + serial +
+                               "cable and power, this user's permissions, another program that "
+                               "uses the head, or ask korvexctl doctor");
     }
 }
 

@@ -1,28 +1,20 @@
 #include "korvexctl/SettingValues.h"
 
 #include <algorithm>
-#include <charconv>
 #include <cmath>
 #include <cstdint>
-#include <iomanip>
 #include <nlohmann/json.hpp>
-#include <sstream>
+
+#include "korvexctl/Decimal.h"
+#include "korvexctl/NearNames.h"
 
 namespace Korvex3Sync::korvexctl {
 
 namespace {
 
-constexpr int kDigits = 10;
 constexpr double kStepsInOne = 10;
 // Far above the rounding of a decimal number, far below a step.
 constexpr double kTolerance = 1e-6;
-
-std::string NumberText(double value) {
-    std::ostringstream text;
-    // Enough that every whole number of a range is written out.
-    text << std::setprecision(kDigits) << value;
-    return text.str();
-}
 
 const Word* FindWord(const Field& field, double value) {
     const auto found = std::find_if(field.words.begin(), field.words.end(),
@@ -37,7 +29,7 @@ std::string FieldText(const Field& field, double value) {
     if (const Word* word = FindWord(field, value)) {
         return word->text;
     }
-    return NumberText(value);
+    return DecimalText(value);
 }
 
 nlohmann::json FieldToJson(const Field& field, double value) {
@@ -56,7 +48,7 @@ nlohmann::json FieldToJson(const Field& field, double value) {
 
 nlohmann::json FieldRangeToJson(const Field& field) {
     if (field.kind == FieldKind::Switch) {
-        return nlohmann::json::object();
+        return {{"values", {false, true}}};
     }
     if (field.kind == FieldKind::Word) {
         nlohmann::json words = nlohmann::json::array();
@@ -82,6 +74,30 @@ nlohmann::json Gather(std::span<const Field> fields, const Call& call) {
     return all;
 }
 
+/// What goes before the range in "... is not".
+const char* KindText(const Field& field) {
+    switch (field.kind) {
+        case FieldKind::Switch:
+            return "";
+        case FieldKind::Word:
+            return "one of ";
+        case FieldKind::Tenths:
+            return "a number from ";
+        case FieldKind::Whole:
+            break;
+    }
+    return "a whole number from ";
+}
+
+/// "; did you mean laser", for what is nearly a word of the field.
+std::string NearWords(const Field& field, std::string_view text) {
+    std::vector<std::string> words;
+    for (const Word& word : field.words) {
+        words.emplace_back(word.text);
+    }
+    return DidYouMean(text, words);
+}
+
 /// The number or word that the text means, whatever the range.
 std::optional<double> Meaning(const Field& field, std::string_view text) {
     if (field.kind == FieldKind::Switch) {
@@ -98,10 +114,7 @@ std::optional<double> Meaning(const Field& field, std::string_view text) {
         }
         return std::nullopt;
     }
-    double value = 0;
-    const char* const end = text.data() + text.size();
-    const auto [rest, error] = std::from_chars(text.data(), end, value);
-    return error == std::errc() && rest == end ? std::optional(value) : std::nullopt;
+    return ReadDecimal<double>(text);
 }
 
 }  // namespace
@@ -112,9 +125,12 @@ std::optional<std::string> CheckValue(const Field& field, double value) {
     }
     // Also true for what is no number.
     const bool outside = !(value >= field.low && value <= field.high);
+    if (outside) {
+        return DecimalText(value) + " is not in " + RangeText(field);
+    }
     const double steps = field.kind == FieldKind::Tenths ? value * kStepsInOne : value;
-    if (outside || std::abs(steps - std::round(steps)) > kTolerance) {
-        return NumberText(value) + " is not in " + RangeText(field);
+    if (std::abs(steps - std::round(steps)) > kTolerance) {
+        return DecimalText(value) + " is not " + KindText(field) + RangeText(field);
     }
     return std::nullopt;
 }
@@ -130,25 +146,27 @@ std::variant<double, std::string> ReadNumber(const Field& field, double value) {
 std::variant<double, std::string> ReadValueText(const Field& field, std::string_view text) {
     const std::optional<double> value = Meaning(field, text);
     if (!value) {
-        return "\"" + std::string(text) + "\" is not " +
-               (field.kind == FieldKind::Switch ? "" : "one of ") + RangeText(field);
+        return "\"" + std::string(text) + "\" is not " + KindText(field) + RangeText(field) +
+               NearWords(field, text);
     }
     return ReadNumber(field, *value);
 }
 
-std::string RangeText(const Field& field) {
+std::string RangeText(const Field& field, Notation notation) {
+    const bool inProfile = notation == Notation::Profile;
     if (field.kind == FieldKind::Switch) {
-        return "on or off";
+        return inProfile ? "true or false" : "on or off";
     }
     if (field.kind == FieldKind::Word) {
+        const std::string quote = inProfile ? "\"" : "";
         std::string text;
         for (const Word& word : field.words) {
-            text += (text.empty() ? "" : ", ") + std::string(word.text);
+            text += (text.empty() ? "" : ", ") + quote + word.text + quote;
         }
         return text;
     }
     const char* steps = field.kind == FieldKind::Tenths ? " in steps of 0.1" : "";
-    return NumberText(field.low) + " to " + NumberText(field.high) + steps;
+    return RangeText(field.low, field.high) + steps;
 }
 
 std::string ValueText(std::span<const Field> fields, const SettingValue& value) {

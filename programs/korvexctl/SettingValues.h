@@ -23,6 +23,9 @@ enum class FieldKind {
     Word     // one of a few words
 };
 
+/// Where a value is written: a profile has a notation of its own for what is no number.
+enum class Notation { CommandLine, Profile };
+
 /// One value of a setting, and what it may be.
 struct Field {
     const char* name;  // tells the values of one setting apart; "" where there is only one
@@ -45,8 +48,8 @@ std::variant<double, std::string> ReadNumber(const Field& field, double value);
 /// of the field, or what is wrong with the text.
 std::variant<double, std::string> ReadValueText(const Field& field, std::string_view text);
 
-/// What the field may be, in words: "0 to 100", "on or off".
-std::string RangeText(const Field& field);
+/// What the field may be, in words: "0 to 100", "on or off" (in a profile "true or false").
+std::string RangeText(const Field& field, Notation notation = Notation::CommandLine);
 
 /// The values as ReadValueText takes them, with blanks between.
 std::string ValueText(std::span<const Field> fields, const SettingValue& value);
@@ -54,7 +57,8 @@ std::string ValueText(std::span<const Field> fields, const SettingValue& value);
 /// One field: a number, true or false, or a word. Several: an object of them by name.
 nlohmann::json ValueToJson(std::span<const Field> fields, const SettingValue& value);
 
-/// "low" and "high", or "words"; nothing for a switch. Several fields: an object of these by name.
+/// "low" and "high", or "words", or for a switch "values". Several fields: an object of these by
+/// name.
 nlohmann::json RangeToJson(std::span<const Field> fields);
 
 /// Whether both say the same to the device.

@@ -185,7 +185,7 @@ RETSTATUS ReadCamera(void* const& handle, int order, double& exposure, int& gain
 
 Setting Exposure(int order) {
     return {"exposure." + std::to_string(order),
-            "exposure time of the camera at this order",
+            "exposure time of the camera at this order; at order 0 with gain 0 no less than 0.4",
             "ms",
             {{"", FieldKind::Tenths, kShortestExposureMs, kLongestExposureMs}},
             [order](void* const& handle, SettingValue& value) {
@@ -235,6 +235,13 @@ std::vector<Setting> MakeSettings() {
 
 }  // namespace
 
+bool OnlySelects(int cameraOrder, double exposureMs, double gain) {
+    constexpr double kShortestTaken = 0.4;
+    // Halfway to the step below.
+    constexpr double kTolerance = 0.05;
+    return cameraOrder == 0 && gain == 0 && exposureMs < kShortestTaken - kTolerance;
+}
+
 std::span<const Setting> AllSettings() {
     static const std::vector<Setting> s_all = MakeSettings();
     return s_all;
@@ -260,31 +267,26 @@ std::string UnknownSetting(std::string_view name) {
     for (const Setting& setting : AllSettings()) {
         names.push_back(setting.name);
     }
-    std::string text = "unknown setting \"" + std::string(name) + "\"";
-    const char* before = "; did you mean ";
-    for (const std::string& near : NearNames(name, names)) {
-        text += before + near;
-        before = " or ";
-    }
-    return text;
+    return "unknown setting \"" + std::string(name) + "\"" + DidYouMean(name, names);
 }
 
-std::string RangeText(const Setting& setting) {
+std::string RangeText(const Setting& setting, Notation notation) {
     const std::string unit = setting.unit;
     std::string text = unit;
     for (const Field& field : setting.fields) {
         const std::string name = field.name;
-        text += (text.empty() ? "" : ", ") + name + (name.empty() ? "" : " ") + RangeText(field);
+        text += (text.empty() ? "" : ", ") + name + (name.empty() ? "" : " ") +
+                RangeText(field, notation);
     }
     return text;
 }
 
-std::string SettingsTable() {
+std::string SettingsTable(Notation notation) {
     std::ostringstream text;
     text << "Settings (name: unit, range: meaning):\n";
     for (const Setting& setting : AllSettings()) {
-        text << "  " << setting.name << ": " << RangeText(setting) << "\n      " << setting.help
-             << (setting.read ? "" : " (not readable)") << '\n';
+        text << "  " << setting.name << ": " << RangeText(setting, notation) << "\n      "
+             << setting.help << (setting.read ? "" : " (not readable)") << '\n';
     }
     return text.str();
 }

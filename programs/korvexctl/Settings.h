@@ -33,6 +33,10 @@ struct Setting {
 /// Exposures and gains are addressed by camera order, 0 to 3.
 inline constexpr int kCameraOrders = 4;
 
+/// Whether a camera takes this exposure with this gain for a mere selection of a camera order, and
+/// changes nothing: the word for it is as low as the number of an order.
+bool OnlySelects(int cameraOrder, double exposureMs, double gain);
+
 /// All settings, in the order in which a profile is written: lights first, then the trigger that
 /// fires them. They live as long as the program.
 std::span<const Setting> AllSettings();
@@ -47,9 +51,9 @@ const Setting& RequireSetting(std::string_view name);
 std::string UnknownSetting(std::string_view name);
 
 /// "percent, 0 to 100", or with several values "route 0 to 2, state 1 to 4".
-std::string RangeText(const Setting& setting);
+std::string RangeText(const Setting& setting, Notation notation = Notation::CommandLine);
 
 /// One line for each setting: name, unit, range and meaning, for the help.
-std::string SettingsTable();
+std::string SettingsTable(Notation notation = Notation::CommandLine);
 
 }  // namespace Korvex3Sync::korvexctl

@@ -17,27 +17,49 @@ std::string WithUnit(const Setting& setting, const std::string& value) {
 }
 
 /// The value that is asked for this half of a camera's pair; else the one that the head has.
-double PairValue(void* const& handle, std::span<const Assignment> assignments, CameraPart part,
-                 int order) {
+Reading PairReading(void* const& handle, std::span<const Assignment> assignments, CameraPart part,
+                    int order) {
     for (const Assignment& assignment : assignments) {
         if (assignment.setting->part == part && assignment.setting->cameraOrder == order) {
-            return assignment.value.at(0);
+            return {assignment.setting, STATUS_SUCCESS, assignment.value};
         }
     }
     for (const Setting& setting : AllSettings()) {
         if (setting.part == part && setting.cameraOrder == order) {
-            const Reading reading = ReadSetting(handle, setting);
-            if (!reading.Known()) {
-                throw CommandError(ExitCode::DeviceRefused,
-                                   "exposure and gain are set together, and the head does not tell "
-                                   "its present " +
-                                       setting.name + ": " + StatusText(reading.status) +
-                                       "; give both");
-            }
-            return reading.value.at(0);
+            return ReadSetting(handle, setting);
         }
     }
     throw std::logic_error("a camera order without settings");
+}
+
+double PairValue(void* const& handle, std::span<const Assignment> assignments, CameraPart part,
+                 int order) {
+    const Reading reading = PairReading(handle, assignments, part, order);
+    if (!reading.Known()) {
+        throw CommandError(ExitCode::DeviceRefused,
+                           "exposure and gain are set together, and the head does not tell its "
+                           "present " +
+                               reading.setting->name + ": " + StatusText(reading.status) +
+                               "; give both");
+    }
+    return reading.value.at(0);
+}
+
+/// Why a camera has not taken a value, as the end of a message; "" when nobody knows.
+std::string WhyNotTaken(void* const& handle, std::span<const Assignment> assignments,
+                        const Setting& setting) {
+    if (setting.part == CameraPart::None) {
+        return "";
+    }
+    const int order = setting.cameraOrder;
+    const Reading exposure = PairReading(handle, assignments, CameraPart::Exposure, order);
+    const Reading gain = PairReading(handle, assignments, CameraPart::Gain, order);
+    if (!exposure.Known() || !gain.Known() ||
+        !OnlySelects(order, exposure.value.at(0), gain.value.at(0))) {
+        return "";
+    }
+    return " (with gain 0, an " + exposure.setting->name +
+           " of 0.1 to 0.3 ms only selects a camera; give at least 0.4, or a gain)";
 }
 
 }  // namespace
@@ -73,9 +95,9 @@ std::vector<const Setting*> SettingsOf(std::size_t cameras) {
 
 void RequireCamera(const Setting& setting, std::size_t cameras) {
     if (setting.cameraOrder >= 0 && static_cast<std::size_t>(setting.cameraOrder) >= cameras) {
-        throw CommandError(ExitCode::DeviceRefused, setting.name + ": the head has " +
-                                                        std::to_string(cameras) +
-                                                        " cameras, counted from 0");
+        throw CommandError(ExitCode::DeviceRefused,
+                           setting.name + ": the head has " + std::to_string(cameras) +
+                               (cameras == 1 ? " camera" : " cameras") + ", counted from 0");
     }
 }
 
@@ -107,7 +129,8 @@ void VerifyApplied(void* const& handle, std::span<const Assignment> assignments,
         if (reading.Known() ? !SameValue(reading.value, assignment.value)
                             : !reading.NotReadable()) {
             wrong += (wrong.empty() ? "" : "; ") + setting.name + " was set to " + asked +
-                     " and reads back as " + reading.Text();
+                     " and reads back as " + reading.Text() +
+                     WhyNotTaken(handle, assignments, setting);
         }
     }
     if (!wrong.empty()) {

@@ -111,15 +111,11 @@ void AddPerImage(CLI::App& command, const char* name, std::vector<Number>& value
     const auto count = static_cast<int>(values.size());
     std::ostringstream text;
     text << help << ", " << RangeText(setting) << " (default " << values.front() << ")";
-    command.add_option(name, values, text.str())
-        ->type_name(count == 1 ? "VALUE" : "VALUE VALUE")
-        ->type_size(1)
-        ->expected(count)
-        ->check([field](const std::string& typed) {
-            const auto read = ReadValueText(field, typed);
-            const auto* wrong = std::get_if<std::string>(&read);
-            return wrong == nullptr ? std::string() : *wrong;
-        });
+    CLI::Option& option = *command.add_option(name, values, text.str())
+                               ->type_name(count == 1 ? "VALUE" : "VALUE VALUE")
+                               ->type_size(1)
+                               ->expected(count);
+    TakeNumber(option, [field](const std::string& typed) { return ReadValueText(field, typed); });
 }
 
 RunCommand AddSnapCommand(CLI::App& command, bool infrared) {

@@ -79,11 +79,8 @@ Outcome RunStatus(const Asked& asked, Output& output) {
 RunCommand AddStatus(CLI::App& command) {
     const auto asked = std::make_shared<Asked>();
     AddHeadOptions(command, asked->head, true);
-    command
-        .add_option("--seconds", asked->seconds,
-                    "End after so many seconds, 0.1 to 1e+07 (without it: at Ctrl-C)")
-        ->type_name("S")
-        ->check(InRange(kShortestSeconds, kLongestSeconds));
+    AddNumberOption(command, "--seconds", asked->seconds, "S", kShortestSeconds, kLongestSeconds,
+                    "End after so many seconds", " (without it: at Ctrl-C)");
     AddModeOption(command, asked->mode,
                   "Switch the trigger on meanwhile, so that losses can show: ");
     command.footer("With --json one object a line, for each change.");

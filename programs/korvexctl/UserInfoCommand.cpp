@@ -87,10 +87,9 @@ Outcome RunUserInfo(const Asked& asked, Output& output) {
 
 void AddCommonOptions(CLI::App& command, Asked& asked) {
     AddHeadOptions(command, asked.head, true);
-    command.add_option("page", asked.page, "Page of the user memory, 0 to 15")
-        ->type_name("PAGE")
-        ->required()
-        ->check(InRange(0, kLastPage));
+    AddNumberOption(command, "page", asked.page, "PAGE", 0, kLastPage, "Page of the user memory",
+                    "")
+        .required();
 }
 
 }  // namespace

@@ -1,6 +1,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <chrono>
+
 #include "korvexctl/CommandOverHead.h"
 #include "korvexctl/UserInfoText.h"
 
@@ -64,6 +66,13 @@ TEST_F(BoardCommands, ReconnectEndsWithABoardThatAnswers) {
     EXPECT_EQ(result.figures["answers"], true);
     EXPECT_THAT(result.output, StartsWith("reconnected, and the board answers, after "));
     EXPECT_EQ(m_head->GetJournal().Texts({"zr3DInitHidDev"}).size(), 2U);
+}
+
+TEST_F(BoardCommands, ASlowReconnectionLeavesTheBoardItsTimeToAnswer) {
+    // Longer than the timeout, when connecting and when reconnecting.
+    EXPECT_TRUE(Faults().Slow("StartCamera", std::chrono::milliseconds(3200), 2));
+    const CommandResult result = RunHere({"reconnect", "--timeout", "3"});
+    EXPECT_EQ(result.code, ExitCode::Done) << result.message;
 }
 
 TEST_F(BoardCommands, UserInfoKeepsText) {
@@ -190,6 +199,7 @@ INSTANTIATE_TEST_SUITE_P(
                       std::vector<std::string>{"snap-ir", "--exposure", "5"},
                       std::vector<std::string>{"snap-ir", "--gain", "1", "2", "3"},
                       std::vector<std::string>{"reconnect", "--timeout", "nan"},
+                      std::vector<std::string>{"reconnect", "--timeout", "2.9"},
                       std::vector<std::string>{"distance"}));
 
 TEST(KorvexctlHelp, NamesUnitAndRangeOfEverySetting) {

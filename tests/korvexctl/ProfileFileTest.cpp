@@ -76,6 +76,17 @@ TEST(ProfileFile, CommentsSayUnitAndRange) {
     EXPECT_THAT(WriteProfile(readings), HasSubstr("# percent, 0 to 100\nlaser-line-duty = 60\n"));
 }
 
+TEST(ProfileFile, CommentsNameWhatTheFileTakes) {
+    const Setting& light = *korvexctl::FindSetting("ir-laser");
+    const Setting& mode = *korvexctl::FindSetting("trigger-mode");
+    const std::vector<Reading> readings{{&light, STATUS_SUCCESS, {1}},
+                                        {&mode, STATUS_SUCCESS, SomeValue(mode)}};
+    const std::string text = WriteProfile(readings);
+    EXPECT_THAT(text, HasSubstr("# true or false\nir-laser = true\n"));
+    EXPECT_THAT(text, HasSubstr("# \"off\", \"laser\", "));
+    EXPECT_THAT(text, HasSubstr("trigger-mode = \"single-color\"\n"));
+}
+
 TEST(ProfileFile, AnEmptyTextIsAnEmptyProfile) {
     EXPECT_TRUE(Parsed("").settings.empty());
     EXPECT_TRUE(Parsed("# nothing\n").settings.empty());

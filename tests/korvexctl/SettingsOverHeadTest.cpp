@@ -123,6 +123,10 @@ TEST_F(SettingsOverHead, GetShowsAllSettingsOfTheHead) {
                               {"range", {{"low", 0}, {"high", 100}}}}));
     EXPECT_EQ(settings["project"]["value"], nullptr);
     EXPECT_EQ(settings["project"]["readable"], false);
+    EXPECT_EQ(settings["ir-laser"]["range"], (nlohmann::json{{"values", {false, true}}}));
+    EXPECT_EQ(settings["blue-laser"]["range"]["enable"],
+              (nlohmann::json{{"values", {false, true}}}));
+    EXPECT_EQ(settings["trigger-mode"]["range"]["words"][0], "off");
     // Two cameras: there is no third.
     EXPECT_TRUE(settings.contains("gain.1"));
     EXPECT_FALSE(settings.contains("gain.2"));
@@ -197,6 +201,27 @@ TEST_F(SettingsOverHead, AGainThatTheCameraRefusesIsFoundWhenItIsReadBack) {
     EXPECT_EQ(result.message, "gain.0 was set to 40 and reads back as 0");
     EXPECT_EQ(result.figures["settings"]["gain.0"]["set"], 40);
     EXPECT_EQ(result.figures["settings"]["gain.0"]["value"], 0);
+}
+
+TEST_F(SettingsOverHead, AnExposureThatOnlySelectsACameraIsExplained) {
+    const std::string why =
+        " (with gain 0, an exposure.0 of 0.1 to 0.3 ms only selects a camera; give at least 0.4, "
+        "or a gain)";
+    const CommandResult both = RunHere({"set", "exposure.0", "0.3", "gain.0", "0"});
+    EXPECT_EQ(both.code, ExitCode::DeviceRefused);
+    EXPECT_EQ(both.message, "exposure.0 was set to 0.3 ms and reads back as 5 ms" + why);
+    // The gain that the camera has counts as well.
+    EXPECT_EQ(RunHere({"set", "exposure.0", "0.1"}).message,
+              "exposure.0 was set to 0.1 ms and reads back as 5 ms" + why);
+    EXPECT_EQ(RunHere({"set", "exposure.0", "0.2", "gain.0", "3"}).code, ExitCode::Done);
+    EXPECT_EQ(RunHere({"set", "gain.0", "0"}).message,
+              "gain.0 was set to 0 and reads back as 3" + why);
+}
+
+TEST_F(SettingsOverHead, ShortExposuresAreTakenWhereTheySelectNothing) {
+    EXPECT_EQ(RunHere({"set", "exposure.0", "0.4", "gain.0", "0"}).code, ExitCode::Done);
+    EXPECT_EQ(RunHere({"set", "exposure.0", "0.1", "gain.0", "1"}).code, ExitCode::Done);
+    EXPECT_EQ(RunHere({"set", "exposure.1", "0.1", "gain.1", "0"}).code, ExitCode::Done);
 }
 
 TEST_F(SettingsOverHead, DistanceSetsTheLights) {

@@ -65,6 +65,19 @@ TEST(SettingValues, RefusesWhatTheDeviceCannotTake) {
         EXPECT_THAT(WrongWith(kTenths, text), HasSubstr("0.1 to 25.5 in steps of 0.1")) << text;
     }
     EXPECT_EQ(WrongWith(kSwitch, "1"), "\"1\" is not on or off");
+    for (const char* text : {"0x10", "1e1", "+5", "5 "}) {
+        EXPECT_EQ(WrongWith(kPercent, text),
+                  "\"" + std::string(text) + "\" is not a whole number from 0 to 100");
+    }
+}
+
+TEST(SettingValues, SaysWhichKindOfNumberIsWanted) {
+    EXPECT_EQ(WrongWith(kPercent, "60.5"), "60.5 is not a whole number from 0 to 100");
+    EXPECT_EQ(WrongWith(kPercent, "much"), "\"much\" is not a whole number from 0 to 100");
+    EXPECT_EQ(WrongWith(kPercent, "101"), "101 is not in 0 to 100");
+    EXPECT_EQ(WrongWith(kTenths, "8.55"), "8.55 is not a number from 0.1 to 25.5 in steps of 0.1");
+    EXPECT_EQ(WrongWith(kTenths, "long"),
+              "\"long\" is not a number from 0.1 to 25.5 in steps of 0.1");
 }
 
 TEST(SettingValues, EveryExposureReachesTheCameraAsItsOwnStep) {
@@ -95,11 +108,33 @@ TEST(Settings, RangesNameUnitAndFields) {
     EXPECT_EQ(RangeText(*FindSetting("exposure.3")), "ms, 0.1 to 25.5 in steps of 0.1");
 }
 
+TEST(Settings, RangesOfAProfileAreInItsNotation) {
+    using korvexctl::Notation;
+    EXPECT_EQ(RangeText(*FindSetting("blue-laser"), Notation::Profile),
+              "mode 0 to 3, enable true or false");
+    EXPECT_THAT(RangeText(*FindSetting("trigger-mode"), Notation::Profile),
+                HasSubstr("\"off\", \"laser\""));
+    EXPECT_THAT(korvexctl::SettingsTable(Notation::Profile), HasSubstr("heartbeat: true or false"));
+}
+
+TEST(Settings, AShortExposureWithoutGainOnlySelects) {
+    using korvexctl::OnlySelects;
+    EXPECT_TRUE(OnlySelects(0, 0.1, 0));
+    EXPECT_TRUE(OnlySelects(0, 0.3, 0));
+    EXPECT_FALSE(OnlySelects(0, 0.4, 0));
+    EXPECT_FALSE(OnlySelects(0, 0.1, 1));
+    EXPECT_FALSE(OnlySelects(1, 0.1, 0));
+    EXPECT_THAT(FindSetting("exposure.0")->help, HasSubstr("with gain 0 no less than 0.4"));
+}
+
 TEST(Settings, NamesThatComeNearAreSuggested) {
     const std::vector<std::string> names{"laser-line-duty", "ir-laser-duty", "project", "gain.0"};
     EXPECT_THAT(NearNames("laser-line-dutty", names), ElementsAre("laser-line-duty"));
     EXPECT_THAT(NearNames("laser-duty", names), ElementsAre("ir-laser-duty", "laser-line-duty"));
     EXPECT_THAT(NearNames("gain", names), ElementsAre("gain.0"));
+    EXPECT_THAT(NearNames("agin.0", names), ElementsAre("gain.0"));
+    EXPECT_THAT(NearNames("ab", {"ba"}), IsEmpty());
+    EXPECT_THAT(NearNames("abc", {"bac"}), ElementsAre("bac"));
     EXPECT_THAT(NearNames("zebra", names), IsEmpty());
     EXPECT_THAT(NearNames("-1", names), IsEmpty());
     EXPECT_THAT(NearNames("", names), IsEmpty());
@@ -135,6 +170,7 @@ TEST(Settings, AssignmentsThatDoNotAddUpAreRefused) {
     EXPECT_THAT(RefusalOf({"laser-line-duty", "101"}), HasSubstr("101 is not in 0 to 100"));
     EXPECT_THAT(RefusalOf({"trigger-mode", "dark"}),
                 HasSubstr("\"dark\" is not one of off, laser"));
+    EXPECT_THAT(RefusalOf({"trigger-mode", "patern"}), HasSubstr("; did you mean pattern (see"));
     EXPECT_THAT(RefusalOf({"trigger-period", "5", "trigger-period", "6"}),
                 HasSubstr("given twice"));
     EXPECT_THAT(RefusalOf({"trigger-period", "5", "6"}), HasSubstr("unknown setting \"6\""));

@@ -2,6 +2,9 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
+#include <sstream>
+
+#include "korvexctl/CommandLine.h"
 #include "korvexctl/ExitCodes.h"
 #include "korvexctl/Korvexctl.h"
 #include "virtual_head/TestFiles.h"
@@ -26,6 +29,63 @@ TEST(KorvexctlUsage, HelpNamesCommandsAndEveryExitCode) {
     EXPECT_THAT(help.error, IsEmpty());
 }
 
+std::size_t Count(const std::string& text, const std::string& part) {
+    std::size_t count = 0;
+    for (auto at = text.find(part); at != std::string::npos; at = text.find(part, at + 1)) {
+        ++count;
+    }
+    return count;
+}
+
+/// The names of the commands that a help lists.
+std::vector<std::string> ListedCommands(const std::string& help) {
+    const std::string title = "\nSubcommands:\n";
+    const auto begin = help.find(title);
+    std::vector<std::string> names;
+    if (begin != std::string::npos) {
+        std::istringstream lines(help.substr(begin + title.size()));
+        for (std::string line; std::getline(lines, line) && !line.empty();) {
+            // What is further in goes on with the line before.
+            if (line.starts_with("  ") && line[2] != ' ') {
+                names.push_back(line.substr(2, line.find(' ', 2) - 2));
+            }
+        }
+    }
+    return names;
+}
+
+/// Looks at the help of this command and of all below it. Returns how many these are.
+int ExpectWholeHelp(const std::vector<std::string>& command) {
+    std::vector<std::string> words = command;
+    words.insert(words.begin(), "korvexctl");
+    words.push_back("--help");
+    std::vector<const char*> arguments;
+    for (const std::string& word : words) {
+        arguments.push_back(word.c_str());
+    }
+    const std::string help =
+        korvexctl::ReadCommandLine(static_cast<int>(arguments.size()), arguments.data()).text;
+    const std::string name = ::testing::PrintToString(command);
+    for (const char* once :
+         {"\nGlobal options", "\n  --virtual ", "\n  --json ", "\n  -v,--verbose ", "\n  --log "}) {
+        EXPECT_EQ(Count(help, once), 1U) << name << ": " << once;
+    }
+    EXPECT_EQ(Count(help, korvexctl::ExitCodeTable()), 1U) << name;
+    int commands = 1;
+    for (const std::string& below : ListedCommands(help)) {
+        std::vector<std::string> longer = command;
+        longer.push_back(below);
+        commands += ExpectWholeHelp(longer);
+    }
+    return commands;
+}
+
+TEST(KorvexctlUsage, EveryHelpHasTheGlobalOptionsAndTheExitCodesOnce) {
+    // korvexctl itself, its commands, and those below profile, user-info and virtual.
+    constexpr int kBelow = 3 + 2 + 1;
+    EXPECT_EQ(ExpectWholeHelp({}), 1 + static_cast<int>(korvexctl::Commands().size()) + kBelow);
+}
+
 TEST(KorvexctlUsage, HelpOfScanNamesTheUnitOfEachOption) {
     const std::string help = RunKorvexctl({"scan", "--help"}).output;
     for (const char* line :
@@ -40,6 +100,54 @@ TEST(KorvexctlUsage, HelpOfScanNamesTheUnitOfEachOption) {
 TEST(KorvexctlUsage, VersionIsPrinted) {
     EXPECT_THAT(RunKorvexctl({"--version"}).output, MatchesRegex("korvexctl [0-9.]+\n"));
 }
+
+TEST(KorvexctlUsage, VersionIsADocumentWhenOneIsAskedFor) {
+    for (const auto& words : {std::vector<std::string>{"--version", "--json"},
+                              std::vector<std::string>{"--json", "--version"}}) {
+        const ChildResult result = RunKorvexctl(words);
+        EXPECT_EQ(result.exitCode, 0);
+        EXPECT_THAT(ParseJson(result.output)["version"].get<std::string>(),
+                    MatchesRegex("[0-9.]+"));
+    }
+}
+
+struct Wrong {
+    std::vector<std::string> words;
+    const char* message;
+};
+
+/// What the test is called after.
+void PrintTo(const Wrong& wrong, std::ostream* out) {
+    *out << ::testing::PrintToString(wrong.words);
+}
+
+class WrongWords : public ::testing::TestWithParam<Wrong> {};
+
+TEST_P(WrongWords, AreNamedWithWhatComesNear) {
+    EXPECT_EQ(RunKorvexctl(GetParam().words).error,
+              "korvexctl: " + std::string(GetParam().message) + " (see --help)\n");
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    CommandLines, WrongWords,
+    ::testing::Values(
+        Wrong{{"sacn"}, "unknown command \"sacn\"; did you mean scan"},
+        Wrong{{"--virtual", "zebra", "--json"}, "unknown command \"zebra\""},
+        Wrong{{"profile", "laod", "x"}, "unknown command \"laod\"; did you mean load"},
+        Wrong{{"profile"}, "a command is missing, one of save, load, diff"},
+        Wrong{{"list", "info"}, "\"info\" was not expected"},
+        Wrong{{"scan", "--stes", "3"}, "unknown option --stes; did you mean --sets"},
+        Wrong{{"scan", "--stes=3"}, "unknown option --stes; did you mean --sets"},
+        Wrong{{"list", "--jsn"}, "unknown option --jsn; did you mean --json"},
+        Wrong{{"user-info", "read"}, "page is required"},
+        Wrong{{"scan", "--mode", "lasr"},
+              "--mode: \"lasr\" is not one of laser, pattern, pattern-color, laser-color; did you "
+              "mean laser"},
+        // Also a number that stands for a mode in the library.
+        Wrong{{"status", "--mode", "4"},
+              "--mode: \"4\" is not one of laser, pattern, pattern-color, laser-color"},
+        Wrong{{"--virtual=", "list"}, "--virtual=: the name of a head file is missing"},
+        Wrong{{"list", "--virtual="}, "--virtual=: the name of a head file is missing"}));
 
 class BadUsage : public ::testing::TestWithParam<std::vector<std::string>> {};
 
@@ -146,7 +254,6 @@ INSTANTIATE_TEST_SUITE_P(
     ::testing::Values(std::vector<std::string>{"--virtual", "scan", "--out", "", "--out"},
                       std::vector<std::string>{"--virtual", "snap", "--out", "", "--out"},
                       std::vector<std::string>{"--virtual", "list", "--log", "", "--log"},
-                      std::vector<std::string>{"--virtual=", "list", "--virtual"},
                       std::vector<std::string>{"virtual", "new", "", "FILE"},
                       std::vector<std::string>{"--virtual", "profile", "save", "", "file"}));
 
