@@ -102,6 +102,33 @@ TEST_F(ScanOverHead, TheFiguresTellLossesAndCallbackTimes) {
     EXPECT_GE(times["longest"].get<double>(), 0);
 }
 
+TEST_F(ScanOverHead, MissingColourIsThatOfTheSetsThatCame) {
+    ASSERT_TRUE(m_head->GetFaults().Order({virtual_head::FaultKind::LoseColor, "", 1'000'000}));
+    m_options.sets = 7;
+    const auto outcome = Scan();
+    m_head->GetFaults().Clear();
+    ASSERT_EQ(outcome.code, korvexctl::ExitCode::Done) << outcome.message;
+    EXPECT_EQ(outcome.figures["sets"]["without_color"], 7);
+    EXPECT_EQ(outcome.figures["losses"]["mono_without_color"], 7);
+}
+
+TEST(ScanLosses, AHeadWithoutColourMissesNone) {
+    virtual_head::HeadDescription description;
+    description.width = 64;
+    description.height = 48;
+    description.color = false;
+    const test::RequestedHead head(description);
+    korvexctl::ScanOptions options;
+    options.sets = 5;
+    options.timeoutSeconds = 30;
+    korvexctl::StandardOutput standardOutput(false);
+    korvexctl::Output output(standardOutput, true);
+    const korvexctl::Outcome outcome = korvexctl::RunScan({}, options, output);
+    ASSERT_EQ(outcome.code, korvexctl::ExitCode::Done) << outcome.message;
+    EXPECT_EQ(outcome.figures["sets"]["without_color"], 5);
+    EXPECT_EQ(outcome.figures["losses"]["mono_without_color"], 0);
+}
+
 TEST_F(ScanOverHead, AFrameThatTheCameraLibraryFailsToGiveIsCounted) {
     ASSERT_TRUE(m_head->GetFaults().Fail("SnapShot", 4));
     m_options.light.periodMs = 30;
