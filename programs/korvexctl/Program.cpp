@@ -24,9 +24,10 @@ Outcome RunAsked(const CommandLine& line, Output& output) {
     }
     const EndingOnInterrupt ending;
     Outcome outcome = line.run(output);
-    if (ToldToEnd() && outcome.code == ExitCode::Done) {
+    if (ToldToEnd()) {
         outcome.code = ExitCode::Interrupted;
-        outcome.message = "interrupted when all was done";
+        outcome.message = outcome.message.empty() ? "interrupted when all was done"
+                                                  : "interrupted: " + outcome.message;
     }
     return outcome;
 }

@@ -53,17 +53,18 @@ bool BoardAnswers(const Session& session) {
 }
 
 void RequireAnswer(const Session& session) {
-    if (!BoardAnswers(session)) {
+    const bool answers = BoardAnswers(session);
+    EndIfInterrupted();
+    if (!answers) {
         throw CommandError(ExitCode::NotConnected, kMuteBoard);
     }
-    EndIfInterrupted();
 }
 
 void Require(RETSTATUS status, const std::string& operation) {
+    EndIfInterrupted();
     if (status != STATUS_SUCCESS) {
         throw CommandError(ExitCode::DeviceRefused, operation + ": " + StatusText(status));
     }
-    EndIfInterrupted();
 }
 
 }  // namespace Korvex3Sync::korvexctl

@@ -21,6 +21,7 @@ using ::testing::HasSubstr;
 struct Hanging {
     std::vector<std::string> words;
     const char* call;
+    const char* before;  // what the log says ahead of it
 };
 
 /// Commands that have no end of their own to come to, met by a signal in the middle.
@@ -47,7 +48,7 @@ TEST_P(KorvexctlInterruptAnywhere, DisconnectsAndTellsIt) {
         words.push_back(word == "PROFILE" ? Profile() : word);
     }
     ChildProcess command(KorvexctlCommand(words), WithoutHead());
-    ASSERT_TRUE(command.WaitForError("ConnectDevice leave"));
+    ASSERT_TRUE(command.WaitForError(hanging.before));
     command.Signal(signal);
     const ChildResult result = command.Wait();
     EXPECT_EQ(result.exitCode, static_cast<int>(ExitCode::Interrupted)) << result.error;
@@ -55,14 +56,18 @@ TEST_P(KorvexctlInterruptAnywhere, DisconnectsAndTellsIt) {
     EXPECT_THAT(result.error, HasSubstr("DisConnectDevice"));
 }
 
+// Camera calls: a board call would end at its reply limit.
+constexpr const char* kConnecting = "OpenCamera m_bOpen=1";
+constexpr const char* kConnected = "ConnectDevice leave";
+
 const Hanging kHangingCommands[] = {
-    {{"info"}, "zr3DQueryProjectorBrightness"},
-    {{"get"}, "zr3DQueryProjectorBrightness"},
-    {{"set", "laser-line-duty", "30"}, "zr3DQueryProjectorBrightness"},
-    {{"user-info", "read", "3"}, "zr3DQueryProjectorBrightness"},
-    {{"profile", "load", "PROFILE"}, "zr3DQueryProjectorBrightness"},
-    // The reconnection asks for it.
-    {{"reconnect"}, "zr3DQueryCurrentStatus"},
+    {{"info"}, "GetExposureTime", kConnected},
+    {{"get"}, "GetExposureTime", kConnected},
+    {{"profile", "save", "PROFILE"}, "GetExposureTime", kConnected},
+    {{"profile", "load", "PROFILE"}, "StartCamera", kConnecting},
+    {{"set", "laser-line-duty", "30"}, "StartCamera", kConnecting},
+    {{"user-info", "read", "3"}, "StartCamera", kConnecting},
+    {{"reconnect"}, "StartCamera", kConnecting},
 };
 
 INSTANTIATE_TEST_SUITE_P(Signals, KorvexctlInterruptAnywhere,
@@ -72,17 +77,18 @@ INSTANTIATE_TEST_SUITE_P(Commands, KorvexctlInterruptAnywhere,
                          ::testing::Combine(::testing::ValuesIn(kHangingCommands),
                                             ::testing::Values(SIGTERM)));
 
-TEST(KorvexctlInterrupt, AQuestionWithoutAConnectionEndsWithItsAnswer) {
+TEST(KorvexctlInterrupt, ASearchWithoutAConnectionEndsWithItsAnswer) {
     const TemporaryFolder folder;
-    const auto head =
-        WriteSmallHead(folder.Path(),
-                       "[[fault]]\nwhat = \"slow\"\ncall = \"zr3DQueryFirmwareVersionFast\"\n"
-                       "extra_ms = 5000\nat_ms = 0\n");
-    ChildProcess command(KorvexctlCommand({"--virtual=" + head.string(), "--verbose", "firmware"}),
+    const auto head = WriteSmallHead(folder.Path(),
+                                     "[[fault]]\nwhat = \"slow\"\ncall = \"GetDeviceTotal\"\n"
+                                     "extra_ms = 5000\nat_ms = 0\n");
+    ChildProcess command(KorvexctlCommand({"--virtual=" + head.string(), "--verbose", "list"}),
                          WithoutHead());
-    ASSERT_TRUE(command.WaitForError("GetFirewareVersion"));
+    ASSERT_TRUE(command.WaitForError("GetAllSpecifyTypeCameraInformation"));
     command.Signal(SIGTERM);
-    EXPECT_EQ(command.Wait().exitCode, static_cast<int>(ExitCode::Interrupted));
+    const ChildResult result = command.Wait();
+    EXPECT_EQ(result.exitCode, static_cast<int>(ExitCode::Interrupted));
+    EXPECT_THAT(result.output, HasSubstr("KV00A1001"));
 }
 
 }  // namespace

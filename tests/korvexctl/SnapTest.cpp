@@ -88,10 +88,9 @@ TEST_F(KorvexctlSnap, AHeadWithoutColourIsRefusedBeforeItIsConnected) {
 
 TEST_F(KorvexctlSnap, ExposureAndGainThatTheCameraDoesNotTakeAreNamed) {
     const test::RequestedHead head(SmallHeadDescription());
-    ASSERT_TRUE(head->GetFaults().Fail("SetCameraIntParam", 1'000'000));
+    // Of the range that the command takes, the camera takes a part only.
     const CommandResult result =
         RunHere({"snap", "--exposure", "0.1", "--gain", "17", "--out", m_out.string()});
-    head->GetFaults().Clear();
     EXPECT_EQ(result.code, ExitCode::DeviceRefused);
     EXPECT_EQ(result.message,
               "exposure.0 was set to 0.1 ms and reads back as 5 ms; "
