@@ -6,8 +6,10 @@
 #include <tuple>
 #include <vector>
 
-#include "korvexctl/ExitCodes.h"
+#include "korvexctl/ErrorIntoFile.h"
 #include "korvexctl/Korvexctl.h"
+#include "korvexctl/ScanOverHead.h"
+#include "support/WaitUntil.h"
 #include "virtual_head/TestFiles.h"
 
 namespace Korvex3Sync::tests {
@@ -76,6 +78,29 @@ INSTANTIATE_TEST_SUITE_P(Signals, KorvexctlInterruptAnywhere,
 INSTANTIATE_TEST_SUITE_P(Commands, KorvexctlInterruptAnywhere,
                          ::testing::Combine(::testing::ValuesIn(kHangingCommands),
                                             ::testing::Values(SIGTERM)));
+
+TEST_F(ScanOverHead, PicturesThatAreStillWrittenAfterAnInterruptAreTold) {
+    const TemporaryFolder folder;
+    m_options.folder = folder.Path() / "scan";
+    m_options.sets = 1'000'000;
+    m_options.keep = 1;
+    const auto errorFile = folder.Path() / "error";
+    const ErrorIntoFile errorIntoFile(errorFile);
+    bool first = true;
+    const korvexctl::Outcome outcome = Scan([&](const auto& file, const auto& bytes) {
+        if (first) {
+            first = false;
+            std::raise(SIGINT);
+            EXPECT_TRUE(support::WaitUntil([&errorFile] {
+                return ReadText(errorFile).find(
+                           "korvexctl: interrupted; writing the pictures of ") != std::string::npos;
+            }));
+        }
+        korvexctl::StoreWhole(file, bytes);
+    });
+    EXPECT_EQ(outcome.code, ExitCode::Interrupted);
+    EXPECT_TRUE(std::filesystem::exists(m_options.folder / "set_000_left.png"));
+}
 
 TEST(KorvexctlInterrupt, ASearchWithoutAConnectionEndsWithItsAnswer) {
     const TemporaryFolder folder;

@@ -1,7 +1,5 @@
-#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 #include <chrono>
 #include <csignal>
@@ -11,6 +9,7 @@
 #include <thread>
 
 #include "korvexctl/CommandOverHead.h"
+#include "korvexctl/ErrorIntoFile.h"
 #include "korvexctl/SnapCommand.h"
 #include "korvexctl/system/Descriptors.h"
 #include "support/WaitUntil.h"
@@ -121,26 +120,6 @@ TEST_F(KorvexctlSnap, AFolderThatCannotBeMadeIsToldBeforeAnythingIsTaken) {
     EXPECT_EQ(RunHere({"snap", "--out", m_out.string()}).code, ExitCode::NotWritable);
     EXPECT_THAT(head->GetJournal().Texts({"zr3DInitHidDev"}), IsEmpty());
 }
-
-/// While it lives, what this process writes to standard error goes into a file.
-class ErrorIntoFile {
-public:
-    explicit ErrorIntoFile(const std::filesystem::path& file) : m_former(::dup(STDERR_FILENO)) {
-        const int descriptor = ::open(file.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0600);
-        EXPECT_GE(descriptor, 0);
-        ::dup2(descriptor, STDERR_FILENO);
-        ::close(descriptor);
-    }
-    ~ErrorIntoFile() {
-        ::dup2(m_former, STDERR_FILENO);
-        ::close(m_former);
-    }
-    ErrorIntoFile(const ErrorIntoFile&) = delete;
-    ErrorIntoFile& operator=(const ErrorIntoFile&) = delete;
-
-private:
-    const int m_former;
-};
 
 /// Snapshots that are interrupted; in a child process, over a head that meets a fault in the first
 /// SnapShot call.
