@@ -7,6 +7,7 @@
 
 #include "korvexctl/Output.h"
 #include "korvexctl/ScanOverHead.h"
+#include "korvexctl/ScanReport.h"
 #include "korvexctl/system/Descriptors.h"
 
 namespace Korvex3Sync::tests {
@@ -87,6 +88,19 @@ TEST(ScanLosses, WhatTheLibraryDoesNotTellIsNull) {
     EXPECT_TRUE(figures["losses"]["missing_keys"].is_null());
     EXPECT_EQ(figures["losses"]["not_kept_disk"], 0);
     EXPECT_EQ(Printed({}), "the library does not tell what was lost\n");
+}
+
+TEST(ScanReport, OnePictureIsOne) {
+    korvexctl::ScanReport report;
+    report.options.folder = "scan";
+    report.files = {"set_000_left.png"};
+    ::testing::internal::CaptureStdout();
+    {
+        korvexctl::StandardOutput standardOutput(false);
+        korvexctl::Output output(standardOutput, false);
+        Print(report, output);
+    }
+    EXPECT_THAT(::testing::internal::GetCapturedStdout(), HasSubstr("wrote 1 picture to scan\n"));
 }
 
 TEST_F(ScanOverHead, TheFiguresTellLossesAndCallbackTimes) {
