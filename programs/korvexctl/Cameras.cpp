@@ -2,12 +2,14 @@
 
 #include <Korvex3Sync/Discovery.h>
 
+#include <algorithm>
 #include <memory>
 #include <nlohmann/json.hpp>
 
 #include "korvexctl/ExitCodes.h"
 #include "korvexctl/Output.h"
 #include "korvexctl/Session.h"
+#include "korvexctl/TriggerModes.h"
 #include "virtual_head/Request.h"
 
 namespace Korvex3Sync::korvexctl {
@@ -30,6 +32,13 @@ std::vector<Camera> FindCameras(const std::string& type) {
                            "the cameras cannot be listed: " + StatusText(status));
     }
     return cameras;
+}
+
+bool GivesColor(const std::vector<Camera>& cameras, CAMERA_TRIGGER_MODE mode) {
+    return std::any_of(cameras.begin(), cameras.end(),
+                       [](const Camera& camera) { return camera.color; }) &&
+           std::any_of(kTriggerModes.begin(), kTriggerModes.end(),
+                       [mode](const TriggerMode& m) { return m.mode == mode && m.color; });
 }
 
 std::string NoCameraMessage(const std::string& type) {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <Korvex3Sync/Types.h>
+
 #include <nlohmann/json_fwd.hpp>
 #include <string>
 #include <vector>
@@ -19,6 +21,9 @@ struct Camera {
 /// The attached cameras of a type, in the order of discovery; empty when there is none. Throws
 /// CommandError when discovery itself fails.
 std::vector<Camera> FindCameras(const std::string& type);
+
+/// Whether the sets of these cameras have a colour image in this mode.
+bool GivesColor(const std::vector<Camera>& cameras, CAMERA_TRIGGER_MODE mode);
 
 /// The error of a command that needs a camera and found none.
 std::string NoCameraMessage(const std::string& type);

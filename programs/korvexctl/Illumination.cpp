@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "korvexctl/ExitCodes.h"
+#include "korvexctl/LeftOn.h"
 #include "korvexctl/Session.h"
 #include "korvexctl/TriggerModes.h"
 
@@ -19,8 +20,8 @@ bool ShowsPattern(CAMERA_TRIGGER_MODE mode) {
 
 }  // namespace
 
-Illumination::Illumination(const Session& session, const LightOptions& light)
-    : m_session(session), m_light(light) {
+Illumination::Illumination(const Session& session, const LightOptions& light, LeftOn& leftOn)
+    : m_session(session), m_light(light), m_leftOn(leftOn) {
     try {
         SwitchOn();
     } catch (const CommandError&) {
@@ -58,12 +59,18 @@ void Illumination::SwitchOn() const {
     }
 }
 
-// Whatever a board that is going away answers: the session ends next, and there is no one to tell.
+// All of it goes off, also what an earlier program left on; a refusal counts for what this one
+// switched on.
 void Illumination::SwitchOff() const {
     void* const& head = m_session.Handle();
-    EnableBlueLaser(head, static_cast<LASERWORKMODE>(m_light.laserMode), false);
-    EnableIRLaser(head, false);
-    Project(head, PROJECT_OFF);
+    const bool pattern = ShowsPattern(m_light.mode);
+    const RETSTATUS laser =
+        EnableBlueLaser(head, static_cast<LASERWORKMODE>(m_light.laserMode), false);
+    const RETSTATUS infrared = EnableIRLaser(head, false);
+    const RETSTATUS projection = Project(head, PROJECT_OFF);
+    m_leftOn.Note("laser lines", pattern ? STATUS_SUCCESS : laser);
+    m_leftOn.Note("infrared laser", m_light.irLevel > 0 ? infrared : STATUS_SUCCESS);
+    m_leftOn.Note("projector", pattern ? projection : STATUS_SUCCESS);
 }
 
 }  // namespace Korvex3Sync::korvexctl

@@ -4,14 +4,15 @@
 
 namespace Korvex3Sync::korvexctl {
 
+class LeftOn;
 class Session;
 
 /// The light of a scan: set by the constructor, lasers and projection switched off by the
-/// destructor. The session must live longer.
+/// destructor, which notes in `leftOn` what the board refused of it. Both must live longer.
 class Illumination {
 public:
     /// Throws CommandError(DeviceRefused) with the operation that the board refused.
-    Illumination(const Session& session, const LightOptions& light);
+    Illumination(const Session& session, const LightOptions& light, LeftOn& leftOn);
     ~Illumination();
     Illumination(const Illumination&) = delete;
     Illumination& operator=(const Illumination&) = delete;
@@ -22,6 +23,7 @@ private:
 
     const Session& m_session;
     const LightOptions m_light;
+    LeftOn& m_leftOn;
 };
 
 }  // namespace Korvex3Sync::korvexctl

@@ -22,7 +22,14 @@ Outcome RunAsked(const CommandLine& line, Output& output) {
             throw CommandError(ExitCode::HeadRefused, error);
         }
     }
-    return line.run(output);
+    const EndingOnInterrupt ending;
+    Outcome outcome = line.run(output);
+    if (ToldToEnd()) {
+        outcome.code = ExitCode::Interrupted;
+        outcome.message = outcome.message.empty() ? "interrupted when all was done"
+                                                  : "interrupted: " + outcome.message;
+    }
+    return outcome;
 }
 
 /// Runs something that gives an outcome; an error becomes the outcome.

@@ -1,6 +1,7 @@
 #include <Korvex3Sync/Connection.h>
 #include <CLI/CLI.hpp>
 
+#include <atomic>
 #include <chrono>
 #include <memory>
 #include <nlohmann/json.hpp>
@@ -9,6 +10,7 @@
 #include "korvexctl/ConnectedHead.h"
 #include "korvexctl/NumberOption.h"
 #include "korvexctl/StatusWatch.h"
+#include "korvexctl/system/Signals.h"
 
 namespace Korvex3Sync::korvexctl {
 
@@ -37,23 +39,36 @@ bool WaitForAnswer(StatusWatch& watch, Clock::time_point end) {
 
 Outcome RunReconnect(const Asked& asked, Output& output) {
     StatusWatch watch;
-    const ConnectedHead head(asked.head);
+    std::atomic<bool> interrupted{false};
+    const InterruptWatch interruptWatch([&] {
+        interrupted = true;
+        Say("interrupted; ends when the reconnection does; a second time ends at once");
+        watch.Stop();
+    });
+    const ConnectedHead head(asked.head, MuteBoard::Taken);
     watch.Watch(head.session);
     const auto begin = Clock::now();
-    Require(ReconnectDevice(head.Handle()), "reconnect");
+    const RETSTATUS status = ReconnectDevice(head.Handle());
+    if (status != STATUS_SUCCESS && !BoardAnswers(head.session)) {
+        throw CommandError(ExitCode::NotConnected, std::string("reconnect: ") + kMuteBoard);
+    }
+    Require(status, "reconnect");
     // Reconnecting takes its own time, which nothing cuts short.
     const auto end = Clock::now() + std::chrono::duration_cast<Clock::duration>(
                                         std::chrono::duration<double>(asked.timeoutSeconds));
     watch.Forget();
     const bool answers = WaitForAnswer(watch, end);
+    if (interrupted) {
+        throw CommandError(ExitCode::Interrupted, "interrupted");
+    }
     const auto took =
         std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - begin).count();
 
     Outcome outcome;
     outcome.figures = {{"reconnected", true}, {"answers", answers}, {"took_ms", took}};
     if (!answers) {
-        outcome.code = ExitCode::DeviceRefused;
-        outcome.message = "reconnected, but the board did not answer in time";
+        outcome.code = ExitCode::NotConnected;
+        outcome.message = std::string("reconnected, but ") + kMuteBoard;
         return outcome;
     }
     output.Line("reconnected, and the board answers, after " + std::to_string(took) + " ms");

@@ -7,6 +7,7 @@
 
 #include "korvexctl/Commands.h"
 #include "korvexctl/ConnectedHead.h"
+#include "korvexctl/Head.h"
 
 namespace Korvex3Sync::korvexctl {
 
@@ -22,15 +23,15 @@ Outcome RunReset(const Asked& asked, Output& output) {
     // A certain board is reached through a connection only; any board without one.
     std::optional<ConnectedHead> head;
     if (!asked.head.board.empty()) {
-        head.emplace(asked.head);
+        head.emplace(asked.head, MuteBoard::Taken);
     }
     void* const handle = head ? head->Handle() : nullptr;
     const RETSTATUS status = ReconnectDevice(handle, asked.fpga, asked.device);
     const std::string what = asked.device ? "device" : "FPGA";
     Outcome outcome;
     if (status != STATUS_SUCCESS) {
-        outcome.code =
-            status == STATUS_PROJECTOR ? ExitCode::NotConnected : ExitCode::DeviceRefused;
+        const bool answers = status != STATUS_PROJECTOR && AskHead(asked.head.board).firmware;
+        outcome.code = answers ? ExitCode::DeviceRefused : ExitCode::NotConnected;
         outcome.message = "reset the " + what + ": " + StatusText(status);
         return outcome;
     }

@@ -11,6 +11,7 @@
 #include "korvexctl/BoardWatch.h"
 #include "korvexctl/Head.h"
 #include "korvexctl/Illumination.h"
+#include "korvexctl/LeftOn.h"
 #include "korvexctl/PictureWriter.h"
 #include "korvexctl/ProgressBar.h"
 #include "korvexctl/ScanFiles.h"
@@ -52,14 +53,16 @@ bool WaitForSets(ScanRecorder& recorder, const ScanOptions& options, const Outpu
     }
 }
 
-/// Connects, sets the light, scans and disconnects.
+/// Connects, sets the light, scans and disconnects. `outcome` tells whether the head was left dark.
 bool Scan(const HeadChoice& choice, ScanReport& report, ScanRecorder& recorder,
-          const std::function<void(const KeptSet&)>& onKept, Output& output) {
+          const std::function<void(const KeptSet&)>& onKept, Outcome& outcome, Output& output) {
     const ScanOptions& options = report.options;
     report.cameras = FindCameras(choice.cameraType);
     report.head = AskHead(choice.board);
     BoardWatch boardWatch;
+    LeftOn leftOn;
     const Session session(choice.cameraType, choice.board, report.cameras);
+    RequireAnswer(session);
     Print(report.cameras, output);
     Print(report.head, output);
     recorder.Prepare(report.cameras.front().width, report.cameras.front().height, onKept);
@@ -68,12 +71,28 @@ bool Scan(const HeadChoice& choice, ScanReport& report, ScanRecorder& recorder,
         RemoveScanFiles(options.folder);
     }
     boardWatch.Watch(session);
-    const Illumination illumination(session, options.light);
-    const Trigger trigger(session, options.light.mode, ScanRecorder::OnSet, recorder.Context());
-    const bool inTime = WaitForSets(recorder, options, output);
-    report.losses.Ask(session);
-    report.boardLost = boardWatch.Lost();
+    bool inTime = false;
+    {
+        const Illumination illumination(session, options.light, leftOn);
+        const Trigger trigger(session, options.light.mode, ScanRecorder::OnSet, recorder.Context(),
+                              leftOn);
+        inTime = WaitForSets(recorder, options, output);
+        report.losses.Ask(session);
+        report.boardLost = boardWatch.Lost();
+    }
+    const bool answers = !leftOn.Any() || BoardAnswers(session);
+    report.boardLost = report.boardLost || !answers;
+    leftOn.Judge(answers, outcome);
     return inTime;
+}
+
+/// What is still to be done when a scan is interrupted.
+std::string WaitingText(std::size_t sets) {
+    if (sets == 0) {
+        return "";
+    }
+    return "writing the pictures of " + std::to_string(sets) + (sets == 1 ? " set" : " sets") +
+           "; ";
 }
 
 std::string MissingMessage(const ScanReport& report) {
@@ -103,6 +122,7 @@ Outcome RunScan(const HeadChoice& choice, const ScanOptions& options, Output& ou
     const InterruptWatch interruptWatch([&] {
         interrupted = true;
         recorder.Stop();
+        Say("interrupted; " + WaitingText(recorder.Waiting()) + "a second time ends at once");
     });
     PictureWriter writer(options.folder, store,
                          {[&recorder](const KeptSet& set) { recorder.GiveBack(set); },
@@ -110,15 +130,19 @@ Outcome RunScan(const HeadChoice& choice, const ScanOptions& options, Output& ou
 
     ScanReport report;
     report.options = options;
+    Outcome outcome;
     const bool inTime = Scan(
-        choice, report, recorder, [&writer](const KeptSet& set) { writer.Add(set); }, output);
+        choice, report, recorder, [&writer](const KeptSet& set) { writer.Add(set); }, outcome,
+        output);
     writer.Finish();
     report.files = writer.Files();
     report.counts = recorder.Wait(milliseconds(0));
+    report.losses.CountColor(GivesColor(report.cameras, options.light.mode)
+                                 ? report.counts.delivered - report.counts.withColor
+                                 : 0);
     report.losses.notKept = static_cast<std::uint64_t>(report.counts.notKept);
     report.interrupted = interrupted;
 
-    Outcome outcome;
     if (report.interrupted) {
         outcome.code = ExitCode::Interrupted;
         outcome.message = "interrupted: " + std::to_string(report.counts.delivered) + " of " +
@@ -127,7 +151,7 @@ Outcome RunScan(const HeadChoice& choice, const ScanOptions& options, Output& ou
         outcome.code = ExitCode::SetsMissing;
         outcome.message = MissingMessage(report);
     }
-    outcome.figures = ToJson(report);
+    outcome.figures.update(ToJson(report));
     try {
         writer.ThrowFailure();
         if (writes) {

@@ -77,6 +77,12 @@ void ScanLosses::Ask(const Session& session) {
     }
 }
 
+void ScanLosses::CountColor(int missing) {
+    if (library) {
+        library->monoWithoutColor = static_cast<std::uint64_t>(missing);
+    }
+}
+
 void AddToJson(const ScanLosses& losses, nlohmann::json& figures) {
     nlohmann::json& places = figures["losses"];
     places[kFailedSnapsKey] = nullptr;

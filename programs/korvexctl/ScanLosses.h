@@ -23,6 +23,10 @@ struct ScanLosses {
     /// Asks the library; to be called while the trigger runs, so that what comes after it is not
     /// counted.
     void Ask(const Session& session);
+    /// Counts missing colour by the sets that came, with what a scan has seen of them: the library
+    /// may count one set less or more at the moment when it is asked, and counts each set of a head
+    /// without colour.
+    void CountColor(int missing);
 };
 
 /// Adds "losses" with one key for each place, and "callback_us" with "p50", "p99" and "longest".

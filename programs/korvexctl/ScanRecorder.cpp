@@ -43,6 +43,11 @@ void ScanRecorder::GiveBack(const KeptSet& set) {
     m_free.push_back(&m_buffers[static_cast<std::size_t>(&set - m_buffers.data())]);
 }
 
+std::size_t ScanRecorder::Waiting() {
+    const std::lock_guard lock(m_mutex);
+    return m_buffers.size() - m_free.size();
+}
+
 void ScanRecorder::OnSet(const void* const& context, std::vector<unsigned char*>& images,
                          const int& width, const int& height, std::vector<int>& /*imageInfo*/) {
     (*static_cast<ScanRecorder* const*>(context))->Take(images, width, height);

@@ -44,6 +44,9 @@ public:
     /// Gives the buffer of a kept set back. Any thread; does not block.
     void GiveBack(const KeptSet& set);
 
+    /// How many kept sets were not given back yet. Any thread.
+    std::size_t Waiting();
+
     /// The library's scan callback, with Context() as its context.
     static void OnSet(const void* const& context, std::vector<unsigned char*>& images,
                       const int& width, const int& height, std::vector<int>& imageInfo);

@@ -57,7 +57,9 @@ void Print(const ScanReport& report, Output& output) {
     }
     Print(report.losses, output);
     if (!report.options.folder.empty()) {
-        output.Line("wrote " + std::to_string(report.files.size()) + " pictures to " +
+        const std::size_t files = report.files.size();
+        output.Line("wrote " + std::to_string(files) +
+                    (files == 1 ? " picture to " : " pictures to ") +
                     report.options.folder.string());
     }
 }

@@ -1,10 +1,12 @@
 #include "korvexctl/Session.h"
 
 #include <Korvex3Sync/Connection.h>
+#include <Korvex3Sync/Light.h>
 
 #include <memory>
 
 #include "korvexctl/ExitCodes.h"
+#include "korvexctl/system/Signals.h"
 
 namespace Korvex3Sync::korvexctl {
 
@@ -49,7 +51,21 @@ Session::~Session() {
     DisConnectDevice(m_handle);
 }
 
+bool BoardAnswers(const Session& session) {
+    int brightness = 0;
+    return GetProjectorBrightness(session.Handle(), brightness) == STATUS_SUCCESS;
+}
+
+void RequireAnswer(const Session& session) {
+    const bool answers = BoardAnswers(session);
+    EndIfInterrupted();
+    if (!answers) {
+        throw CommandError(ExitCode::NotConnected, kMuteBoard);
+    }
+}
+
 void Require(RETSTATUS status, const std::string& operation) {
+    EndIfInterrupted();
     if (status != STATUS_SUCCESS) {
         throw CommandError(ExitCode::DeviceRefused, operation + ": " + StatusText(status));
     }

@@ -29,7 +29,15 @@ private:
     void* m_handle = nullptr;
 };
 
+inline constexpr const char* kMuteBoard = "the board does not answer";
+
+/// Whether the board of a connection answers a question. Up to half a second.
+bool BoardAnswers(const Session& session);
+/// Throws CommandError(NotConnected) unless it does. A board that is mute opens all the same.
+void RequireAnswer(const Session& session);
+
 /// Throws CommandError(DeviceRefused), which names the operation, unless the status is success.
+/// Throws CommandError(Interrupted) once the command was told to end (see EndIfInterrupted).
 void Require(RETSTATUS status, const std::string& operation);
 
 }  // namespace Korvex3Sync::korvexctl

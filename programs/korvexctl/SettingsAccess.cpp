@@ -7,6 +7,7 @@
 
 #include "korvexctl/ExitCodes.h"
 #include "korvexctl/Session.h"
+#include "korvexctl/system/Signals.h"
 
 namespace Korvex3Sync::korvexctl {
 
@@ -76,6 +77,7 @@ nlohmann::json Reading::ToJson() const {
 }
 
 Reading ReadSetting(void* const& handle, const Setting& setting) {
+    EndIfInterrupted();
     Reading reading{&setting, STATUS_NOT_SUPPORTED, {}};
     if (setting.read) {
         reading.status = setting.read(handle, reading.value);

@@ -1,3 +1,5 @@
+#include "korvexctl/SnapCommand.h"
+
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <atomic>
@@ -8,10 +10,10 @@
 #include "korvexctl/AtomicFile.h"
 #include "korvexctl/Commands.h"
 #include "korvexctl/ConnectedHead.h"
+#include "korvexctl/LeftOn.h"
 #include "korvexctl/NotEmpty.h"
 #include "korvexctl/NumberOption.h"
 #include "korvexctl/Picture.h"
-#include "korvexctl/Snapshot.h"
 #include "korvexctl/system/Signals.h"
 
 namespace Korvex3Sync::korvexctl {
@@ -21,12 +23,6 @@ namespace {
 constexpr double kExposureMs = 5;
 constexpr int kGain = 0;
 constexpr int kHighestRoute = 2;
-
-struct Asked {
-    HeadChoice head;
-    SnapshotOptions snapshot;
-    std::filesystem::path folder = ".";
-};
 
 const Setting& CameraSetting(CameraPart part, int order) {
     const auto all = AllSettings();
@@ -42,63 +38,75 @@ void RequireColor(const std::vector<Camera>& cameras) {
     }
 }
 
+/// Where a snapshot is when someone interrupts it.
+struct Progress {
+    std::atomic<bool> interrupted{false};
+    std::atomic<bool> taken{false};
+
+    void Interrupt() {
+        interrupted = true;
+        // The library takes a snapshot to its end.
+        Say(taken ? "interrupted; the file that is being written is finished; a second time ends "
+                    "at once"
+                  : "interrupted; trigger and strobe are put back when the snapshot ends, which "
+                    "takes up to 100 s for an image that does not come; a second time ends at "
+                    "once");
+    }
+};
+
 /// Takes the images, unless someone interrupts; what is taken then is thrown away.
-std::vector<Mosaic> Take(const ConnectedHead& head, const SnapshotOptions& options,
-                         const std::atomic<bool>& interrupted) {
-    const auto endIfInterrupted = [&interrupted] {
-        if (interrupted) {
+Snapshot Take(const ConnectedHead& head, const SnapshotOptions& options, Progress& progress,
+              LeftOn& leftOn) {
+    const auto endIfInterrupted = [&progress] {
+        if (progress.interrupted) {
             throw CommandError(ExitCode::Interrupted, "interrupted: no image was written");
         }
     };
     endIfInterrupted();
-    std::vector<Mosaic> mosaics;
+    Snapshot snapshot;
     try {
-        mosaics = TakeSnapshot(head, options);
+        snapshot = TakeSnapshot(head, options, leftOn);
     } catch (const CommandError&) {
         endIfInterrupted();
         throw;
     }
+    progress.taken = true;
     endIfInterrupted();
-    return mosaics;
+    return snapshot;
 }
 
-Outcome RunSnap(const Asked& asked, Output& output) {
-    std::vector<Camera> cameras = FindCameras(asked.head.cameraType);
-    if (!cameras.empty()) {
-        RequireCamera(CameraSetting(CameraPart::Exposure, asked.snapshot.camera), cameras.size());
-        RequireColor(cameras);
-        PrepareFolder(asked.folder);
-    }
-    std::atomic<bool> interrupted{false};
-    const InterruptWatch interruptWatch([&interrupted] {
-        interrupted = true;
-        // The library takes a snapshot to its end.
-        Say("interrupted; trigger and strobe are put back when the snapshot ends, which takes up "
-            "to 100 s for an image that does not come; a second time ends at once");
-    });
-    const ConnectedHead head(asked.head, std::move(cameras));
-    const std::vector<Mosaic> mosaics = Take(head, asked.snapshot, interrupted);
-
-    const Camera& camera = head.cameras.front();
+/// Writes the images that came, whole ones only, until someone interrupts.
+Outcome Write(const SnapChoice& asked, const Camera& camera, const Snapshot& snapshot,
+              const std::atomic<bool>& interrupted, const StoreFile& store, Output& output) {
     Outcome outcome;
     nlohmann::json& images = outcome.figures["images"] = nlohmann::json::array();
-    for (std::size_t i = 0; i < mosaics.size(); ++i) {
-        const std::string name = "snap_" + std::to_string(i) + ".png";
+    std::size_t written = 0;
+    for (std::size_t i = 0; i < snapshot.images.size(); ++i) {
+        const std::filesystem::path file = asked.folder / ("snap_" + std::to_string(i) + ".png");
         nlohmann::json image{{"file", nullptr}, {"exposure_ms", nullptr}, {"gain", nullptr}};
         if (i > 0) {
             image["exposure_ms"] = asked.snapshot.exposures.at(i - 1);
             image["gain"] = asked.snapshot.gains.at(i - 1);
         }
-        if (mosaics[i]) {
-            WriteFile(asked.folder / name,
-                      EncodePng(Demosaic(mosaics[i].get(), camera.width, camera.height)));
-            image["file"] = name;
-            output.Line((asked.folder / name).string());
-        } else {
+        const Mosaic& mosaic = snapshot.images[i];
+        if (!mosaic) {
             outcome.code = ExitCode::DeviceRefused;
             outcome.message = "image " + std::to_string(i) + " did not come";
+        } else if (!interrupted) {
+            store(file, EncodePng(Demosaic(mosaic.get(), camera.width, camera.height)));
+            image["file"] = file.string();
+            output.Line(file.string());
+            ++written;
         }
         images.push_back(std::move(image));
+    }
+    if (interrupted) {
+        outcome.code = ExitCode::Interrupted;
+        outcome.message = "interrupted: " + std::to_string(written) + " of " +
+                          std::to_string(snapshot.images.size()) + " images written";
+    } else if (outcome.code == ExitCode::Done && !snapshot.notTaken.empty()) {
+        outcome.code = ExitCode::DeviceRefused;
+        outcome.message = snapshot.notTaken;
     }
     return outcome;
 }
@@ -119,7 +127,7 @@ void AddPerImage(CLI::App& command, const char* name, std::vector<Number>& value
 }
 
 RunCommand AddSnapCommand(CLI::App& command, bool infrared) {
-    const auto asked = std::make_shared<Asked>();
+    const auto asked = std::make_shared<SnapChoice>();
     SnapshotOptions& snapshot = asked->snapshot;
     snapshot.infrared = infrared;
     snapshot.exposures.assign(infrared ? 2 : 1, kExposureMs);
@@ -143,11 +151,30 @@ RunCommand AddSnapCommand(CLI::App& command, bool infrared) {
         "An image that does not come is waited for 100 s. Afterwards the trigger is off, the "
         "strobe\n"
         "is in state 1, and exposure and gain are what they were, if the camera tells them; also\n"
-        "after Ctrl-C, which waits for this and writes nothing. A second Ctrl-C ends at once.");
+        "after Ctrl-C, which waits for this and writes no further image. A second Ctrl-C ends at\n"
+        "once.");
     return [asked](Output& output) { return RunSnap(*asked, output); };
 }
 
 }  // namespace
+
+Outcome RunSnap(const SnapChoice& asked, Output& output, const StoreFile& store) {
+    std::vector<Camera> cameras = FindCameras(asked.head.cameraType);
+    if (!cameras.empty()) {
+        RequireCamera(CameraSetting(CameraPart::Exposure, asked.snapshot.camera), cameras.size());
+        RequireColor(cameras);
+        PrepareFolder(asked.folder);
+    }
+    Progress progress;
+    const InterruptWatch interruptWatch([&progress] { progress.Interrupt(); });
+    LeftOn leftOn;
+    const ConnectedHead head(asked.head, std::move(cameras));
+    const Snapshot snapshot = Take(head, asked.snapshot, progress, leftOn);
+    Outcome outcome =
+        Write(asked, head.cameras.front(), snapshot, progress.interrupted, store, output);
+    leftOn.Judge(!leftOn.Any() || BoardAnswers(head.session), outcome);
+    return outcome;
+}
 
 RunCommand AddSnap(CLI::App& command) {
     return AddSnapCommand(command, false);

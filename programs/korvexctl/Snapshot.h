@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <string>
 #include <vector>
 
 #include "korvexctl/SettingsAccess.h"
@@ -8,6 +9,7 @@
 namespace Korvex3Sync::korvexctl {
 
 struct ConnectedHead;
+class LeftOn;
 
 struct SnapshotOptions {
     bool infrared = false;          // three images instead of two
@@ -20,12 +22,20 @@ struct SnapshotOptions {
 /// One colour mosaic of the size with which the camera was opened; null: it did not come.
 using Mosaic = std::unique_ptr<unsigned char[]>;
 
+struct Snapshot {
+    std::vector<Mosaic> images;
+    /// Exposure and gain that the camera has after the last image, if it tells them, where they are
+    /// not what was asked for: "exposure.0 was set to 8 ms and reads back as 5 ms". Empty when all
+    /// is well.
+    std::string notTaken;
+};
+
 /// Takes the images of a snapshot. Throws CommandError(DeviceRefused) when none came. Blocks for
 /// the cameras, up to 100 s for each image.
 ///
 /// Whatever came of it, the trigger is off afterwards, the strobe outputs that were used stand in
 /// state 1 (as after connecting), and the camera has the exposure and gain of before, if it tells
-/// them.
-std::vector<Mosaic> TakeSnapshot(const ConnectedHead& head, SnapshotOptions options);
+/// them. `leftOn` notes what of the light the board refused.
+Snapshot TakeSnapshot(const ConnectedHead& head, SnapshotOptions options, LeftOn& leftOn);
 
 }  // namespace Korvex3Sync::korvexctl

@@ -4,6 +4,7 @@
 
 #include "korvexctl/Commands.h"
 #include "korvexctl/ConnectedHead.h"
+#include "korvexctl/LeftOn.h"
 #include "korvexctl/ModeOption.h"
 #include "korvexctl/NumberOption.h"
 #include "korvexctl/ScanLosses.h"
@@ -30,9 +31,12 @@ void TakeSet(const void* const&, std::vector<unsigned char*>&, const int&, const
              std::vector<int>&) {}
 
 /// The losses that the library counts, by place; null when it does not tell.
-nlohmann::json AskLosses(const Session& session) {
+nlohmann::json AskLosses(const ConnectedHead& head, std::optional<CAMERA_TRIGGER_MODE> mode) {
     ScanLosses losses;
-    losses.Ask(session);
+    losses.Ask(head.session);
+    if (!GivesColor(head.cameras, mode.value_or(TRIGGER_LASER_LINES_COLOR))) {
+        losses.CountColor(0);
+    }
     if (!losses.library) {
         return nullptr;
     }
@@ -50,10 +54,26 @@ Outcome RunStatus(const Asked& asked, Output& output) {
     StatusWatch watch;
     // Its end is a person's Ctrl-C, unless it has one of its own.
     const InterruptWatch interrupt([&watch] { watch.Stop(); });
-    const ConnectedHead head(asked.head);
+    LeftOn leftOn;
+    // A board that is mute now may come back.
+    const ConnectedHead head(asked.head, MuteBoard::Taken);
+    std::optional<HeadState> shown;
+    const auto show = [&](std::chrono::system_clock::time_point time, const BoardStatus& status) {
+        HeadState state{status, AskLosses(head, asked.mode)};
+        if (state != shown) {
+            output.Line(StatusLine(time, state));
+            output.Record(StatusRecord(time, state));
+            shown = std::move(state);
+        }
+    };
+    // The library's first polls pass in silence.
+    if (!BoardAnswers(head.session)) {
+        show(std::chrono::system_clock::now(), BoardStatus::NoAnswer());
+    }
     std::optional<Trigger> trigger;
     if (asked.mode) {
-        trigger.emplace(head.session, *asked.mode, TakeSet, &watch);
+        RequireAnswer(head.session);
+        trigger.emplace(head.session, *asked.mode, TakeSet, &watch, leftOn);
     }
     watch.Watch(head.session);
     std::optional<std::chrono::steady_clock::time_point> end;
@@ -62,16 +82,17 @@ Outcome RunStatus(const Asked& asked, Output& output) {
               std::chrono::duration_cast<std::chrono::steady_clock::duration>(
                   std::chrono::duration<double>(*asked.seconds));
     }
-    std::optional<HeadState> shown;
     while (const auto poll = watch.Next(end)) {
-        HeadState state{poll->status, AskLosses(head.session)};
-        if (state != shown) {
-            output.Line(StatusLine(poll->time, state));
-            output.Record(StatusRecord(poll->time, state));
-            shown = std::move(state);
-        }
+        show(poll->time, poll->status);
     }
-    return {};
+    trigger.reset();
+    Outcome outcome;
+    if (shown && !shown->board.Answers()) {
+        outcome.code = ExitCode::NotConnected;
+        outcome.message = kMuteBoard;
+    }
+    leftOn.Judge(!leftOn.Any() || BoardAnswers(head.session), outcome);
+    return outcome;
 }
 
 }  // namespace

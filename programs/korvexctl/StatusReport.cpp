@@ -1,11 +1,21 @@
 #include "korvexctl/StatusReport.h"
 
+#include <algorithm>
 #include <iomanip>
 #include <sstream>
+
+#include "korvexctl/health/LossPlaces.h"
 
 namespace Korvex3Sync::korvexctl {
 
 namespace {
+
+std::string Words(const std::string& key) {
+    const auto places = LossPlaces();
+    const auto place = std::find_if(places.begin(), places.end(),
+                                    [&key](const LossPlace& p) { return p.key == key; });
+    return place == places.end() ? key : place->words;
+}
 
 std::string LossesText(const nlohmann::json& losses) {
     if (losses.is_null()) {
@@ -14,7 +24,7 @@ std::string LossesText(const nlohmann::json& losses) {
     std::string text;
     for (const auto& [place, count] : losses.items()) {
         if (count != 0) {
-            text += (text.empty() ? "lost: " : ", ") + place + " " + count.dump();
+            text += (text.empty() ? "lost: " : "; ") + count.dump() + " " + Words(place);
         }
     }
     return text.empty() ? "nothing lost" : text;

@@ -14,8 +14,12 @@ constexpr std::size_t kMostPolls = 1000;
 
 }  // namespace
 
+BoardStatus BoardStatus::NoAnswer() {
+    return {kNoAnswer, kNoAnswer};
+}
+
 bool BoardStatus::Answers() const {
-    return a != kNoAnswer || b != kNoAnswer;
+    return *this != NoAnswer();
 }
 
 void StatusWatch::Watch(const Session& session) {

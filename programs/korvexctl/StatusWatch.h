@@ -16,6 +16,8 @@ struct BoardStatus {
     unsigned char a = 0;
     unsigned char b = 0;
 
+    /// The pair that stands for a poll without answer.
+    static BoardStatus NoAnswer();
     /// False for the pair that stands for a poll without answer.
     bool Answers() const;
     bool operator==(const BoardStatus&) const = default;

@@ -4,13 +4,14 @@
 #include <Korvex3Sync/Light.h>
 
 #include "korvexctl/ExitCodes.h"
+#include "korvexctl/LeftOn.h"
 #include "korvexctl/Session.h"
 
 namespace Korvex3Sync::korvexctl {
 
 Trigger::Trigger(const Session& session, CAMERA_TRIGGER_MODE mode, ScanCallBackFunction callback,
-                 void* context)
-    : m_session(session), m_mode(mode) {
+                 void* context, LeftOn& leftOn)
+    : m_session(session), m_mode(mode), m_leftOn(leftOn) {
     try {
         Require(SetScanCallBackFunction(session.Handle(), callback, context),
                 "set the scan callback");
@@ -25,9 +26,8 @@ Trigger::~Trigger() {
     End();
 }
 
-// Also for a board that no longer answers: then there is nothing left to switch off.
 void Trigger::Off() const {
-    EnableVideoTrigger(m_session.Handle(), m_mode, false);
+    m_leftOn.Note("trigger", EnableVideoTrigger(m_session.Handle(), m_mode, false));
 }
 
 void Trigger::End() const {

@@ -4,15 +4,17 @@
 
 namespace Korvex3Sync::korvexctl {
 
+class LeftOn;
 class Session;
 
 /// The running trigger of a session: image sets go to the scan callback from construction on; once
-/// it is destroyed the trigger is off and no more set comes. Session and context must live longer.
+/// it is destroyed the trigger is off and no more set comes. A board that refuses to switch it off
+/// is noted in `leftOn`. Session, context and `leftOn` must live longer.
 class Trigger {
 public:
     /// Throws CommandError(DeviceRefused); then the trigger is off.
     Trigger(const Session& session, CAMERA_TRIGGER_MODE mode, ScanCallBackFunction callback,
-            void* context);
+            void* context, LeftOn& leftOn);
     ~Trigger();
     Trigger(const Trigger&) = delete;
     Trigger& operator=(const Trigger&) = delete;
@@ -25,6 +27,7 @@ private:
 
     const Session& m_session;
     const CAMERA_TRIGGER_MODE m_mode;
+    LeftOn& m_leftOn;
 };
 
 }  // namespace Korvex3Sync::korvexctl

@@ -181,6 +181,41 @@ TEST_F(KorvexctlDoctor, LostFramesAreNamedWithTheirPlace) {
     EXPECT_GT(trial["figures"]["losses"]["missing_keys"], 0);
 }
 
+virtual_head::TimedFault AtTrigger(std::uint64_t trigger, virtual_head::FaultKind kind) {
+    virtual_head::TimedFault fault;
+    fault.order.kind = kind;
+    fault.atTrigger = trigger;
+    return fault;
+}
+
+TEST_F(KorvexctlDoctor, AHeadThatStopsDeliveringIsAFaultWhateverElseWasLost) {
+    virtual_head::HeadDescription description = PatientHead();
+    description.faults = {AtTrigger(2, virtual_head::FaultKind::LoseBoth),
+                          AtTrigger(8, virtual_head::FaultKind::CameraStop)};
+    const test::RequestedHead head(description);
+    m_options.trialLimit = std::chrono::seconds(5);
+    const Outcome outcome = Examine();
+    EXPECT_EQ(outcome.code, ExitCode::NotHealthy) << outcome.Document();
+    EXPECT_EQ(outcome.message, "cannot scan: trial scan");
+    EXPECT_EQ(outcome.figures["can_scan"], false);
+    const nlohmann::json trial = Check(outcome, "trial scan");
+    EXPECT_THAT(trial["finding"], AllOf(HasSubstr("; 20 should have come; lost: "),
+                                        HasSubstr("triggers of which no set came")));
+    EXPECT_THAT(trial["advice"], AllOf(HasSubstr("stopped delivering"), HasSubstr("cable")));
+}
+
+TEST_F(KorvexctlDoctor, ATriggerThatStaysOnIsAFault) {
+    virtual_head::HeadDescription description = PatientHead();
+    virtual_head::TimedFault refusal = AtTrigger(1, virtual_head::FaultKind::Fail);
+    refusal.order.call = "zr3DSetVideoTrigleMode";
+    refusal.order.times = 2;
+    description.faults = {refusal};
+    const test::RequestedHead head(description);
+    const Outcome outcome = Examine();
+    EXPECT_EQ(outcome.code, ExitCode::NotHealthy) << outcome.Document();
+    EXPECT_EQ(Check(outcome, "settings put back")["finding"], "not switched off: trigger");
+}
+
 TEST_F(KorvexctlDoctor, ARefusedSettingFailsTheTrialOnly) {
     const test::RequestedHead head(PatientHead());
     ASSERT_TRUE(head->GetFaults().Fail("zr3DSetLaserEnable", 1));

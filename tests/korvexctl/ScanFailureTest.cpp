@@ -86,7 +86,46 @@ TEST_P(KorvexctlInterrupt, EndsTheScanWithCompleteFiles) {
     EXPECT_THAT(ReadText(log), HasSubstr("DisConnectDevice"));
 }
 
-INSTANTIATE_TEST_SUITE_P(Signals, KorvexctlInterrupt, ::testing::Values(SIGINT, SIGTERM));
+INSTANTIATE_TEST_SUITE_P(Signals, KorvexctlInterrupt, ::testing::Values(SIGINT, SIGTERM, SIGHUP));
+
+TEST_F(KorvexctlScanFailure, ABoardThatGoesMuteDuringTheScanIsToldWithWhatMayBeOn) {
+    WriteSmallHead(m_folder.Path(), "[[fault]]\nwhat = \"board-mute\"\nat_trigger = 3\n");
+    const ChildResult result = RunKorvexctl(Command("20"));
+    EXPECT_EQ(result.exitCode, 4) << result.output;
+    EXPECT_THAT(result.error,
+                HasSubstr("WARNING: the board refused to switch off: trigger, laser lines;"));
+    const nlohmann::json document = ParseJson(result.output);
+    EXPECT_EQ(document["sets"]["delivered"], 20);
+    EXPECT_EQ(document["board_lost"], true);
+    EXPECT_EQ(document["left_on"], (nlohmann::json{"trigger", "laser lines"}));
+    EXPECT_THAT(document["error"]["message"].get<std::string>(),
+                HasSubstr("the board does not answer"));
+}
+
+TEST_F(KorvexctlScanFailure, ALaserThatTheBoardDoesNotSwitchOffIsARefusal) {
+    WriteSmallHead(m_folder.Path(),
+                   "[[fault]]\nwhat = \"fail\"\ncall = \"zr3DSetLaserEnable\"\nat_trigger = 1\n");
+    const ChildResult result = RunKorvexctl(Command("20"));
+    EXPECT_EQ(result.exitCode, 9) << result.output;
+    EXPECT_THAT(result.error, HasSubstr("WARNING: the board refused to switch off: laser lines;"));
+    const nlohmann::json document = ParseJson(result.output);
+    EXPECT_EQ(document["left_on"], nlohmann::json{"laser lines"});
+    EXPECT_EQ(document["board_lost"], false);
+    EXPECT_EQ(document["error"]["message"], "not switched off: laser lines");
+}
+
+TEST_F(KorvexctlScanFailure, WhatAHangupIgnoredByNohupDoesNotEnd) {
+    std::vector<std::string> command{"nohup"};
+    for (const std::string& word : KorvexctlCommand(Command("300"))) {
+        command.push_back(word);
+    }
+    ChildProcess scan(command, WithoutHead());
+    ASSERT_TRUE(WaitForFile(m_out / "set_000_color.png"));
+    scan.Signal(SIGHUP);
+    const ChildResult result = scan.Wait();
+    EXPECT_EQ(result.exitCode, 0) << result.error;
+    EXPECT_EQ(ParseJson(result.output)["sets"]["delivered"], 300);
+}
 
 TEST_F(KorvexctlScanFailure, AFolderThatCannotBeMadeIsToldBeforeTheScan) {
     WriteText(m_out, "a file in the way");

@@ -7,6 +7,7 @@
 
 #include "korvexctl/Output.h"
 #include "korvexctl/ScanOverHead.h"
+#include "korvexctl/ScanReport.h"
 #include "korvexctl/system/Descriptors.h"
 
 namespace Korvex3Sync::tests {
@@ -89,6 +90,19 @@ TEST(ScanLosses, WhatTheLibraryDoesNotTellIsNull) {
     EXPECT_EQ(Printed({}), "the library does not tell what was lost\n");
 }
 
+TEST(ScanReport, OnePictureIsOne) {
+    korvexctl::ScanReport report;
+    report.options.folder = "scan";
+    report.files = {"set_000_left.png"};
+    ::testing::internal::CaptureStdout();
+    {
+        korvexctl::StandardOutput standardOutput(false);
+        korvexctl::Output output(standardOutput, false);
+        Print(report, output);
+    }
+    EXPECT_THAT(::testing::internal::GetCapturedStdout(), HasSubstr("wrote 1 picture to scan\n"));
+}
+
 TEST_F(ScanOverHead, TheFiguresTellLossesAndCallbackTimes) {
     m_options.light.periodMs = 30;
     const auto outcome = Scan();
@@ -100,6 +114,33 @@ TEST_F(ScanOverHead, TheFiguresTellLossesAndCallbackTimes) {
     const nlohmann::json& times = figures["callback_us"];
     EXPECT_LE(times["p50"].get<double>(), times["p99"].get<double>());
     EXPECT_GE(times["longest"].get<double>(), 0);
+}
+
+TEST_F(ScanOverHead, MissingColourIsThatOfTheSetsThatCame) {
+    ASSERT_TRUE(m_head->GetFaults().Order({virtual_head::FaultKind::LoseColor, "", 1'000'000}));
+    m_options.sets = 7;
+    const auto outcome = Scan();
+    m_head->GetFaults().Clear();
+    ASSERT_EQ(outcome.code, korvexctl::ExitCode::Done) << outcome.message;
+    EXPECT_EQ(outcome.figures["sets"]["without_color"], 7);
+    EXPECT_EQ(outcome.figures["losses"]["mono_without_color"], 7);
+}
+
+TEST(ScanLosses, AHeadWithoutColourMissesNone) {
+    virtual_head::HeadDescription description;
+    description.width = 64;
+    description.height = 48;
+    description.color = false;
+    const test::RequestedHead head(description);
+    korvexctl::ScanOptions options;
+    options.sets = 5;
+    options.timeoutSeconds = 30;
+    korvexctl::StandardOutput standardOutput(false);
+    korvexctl::Output output(standardOutput, true);
+    const korvexctl::Outcome outcome = korvexctl::RunScan({}, options, output);
+    ASSERT_EQ(outcome.code, korvexctl::ExitCode::Done) << outcome.message;
+    EXPECT_EQ(outcome.figures["sets"]["without_color"], 5);
+    EXPECT_EQ(outcome.figures["losses"]["mono_without_color"], 0);
 }
 
 TEST_F(ScanOverHead, AFrameThatTheCameraLibraryFailsToGiveIsCounted) {

@@ -91,6 +91,15 @@ TEST_F(ScanOverHead, ATriggerThatIsRefusedLeavesTheHeadDark) {
     ExpectHeadLeftDark();
 }
 
+TEST_F(ScanOverHead, ABoardThatOpensAndIsMuteIsNotConnected) {
+    ASSERT_TRUE(m_head->GetFaults().Order({virtual_head::FaultKind::BoardMute}));
+    const Outcome outcome = Scan();
+    m_head->GetFaults().Clear();
+    EXPECT_EQ(outcome.code, ExitCode::NotConnected);
+    EXPECT_EQ(outcome.message, "the board does not answer");
+    EXPECT_THAT(Commands({"zr3DSetVideoTrigleMode"}), IsEmpty());
+}
+
 TEST_F(ScanOverHead, ABoardThatDoesNotOpenIsNotConnected) {
     ASSERT_TRUE(m_head->GetFaults().Fail("zr3DInitHidDev", 1));
     const Outcome outcome = Scan();

@@ -1,7 +1,5 @@
-#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 #include <chrono>
 #include <csignal>
@@ -11,6 +9,9 @@
 #include <thread>
 
 #include "korvexctl/CommandOverHead.h"
+#include "korvexctl/ErrorIntoFile.h"
+#include "korvexctl/SnapCommand.h"
+#include "korvexctl/system/Descriptors.h"
 #include "support/WaitUntil.h"
 #include "virtual_head/TestFiles.h"
 
@@ -44,8 +45,11 @@ TEST_F(KorvexctlSnap, WritesTwoColourImagesAndPutsTheHeadBack) {
         {"snap", "--exposure", "8.5", "--gain", "3", "--route", "1", "--out", m_out.string()});
     ASSERT_EQ(result.code, ExitCode::Done) << result.message;
     EXPECT_EQ(result.figures["images"],
-              (nlohmann::json{{{"file", "snap_0.png"}, {"exposure_ms", nullptr}, {"gain", nullptr}},
-                              {{"file", "snap_1.png"}, {"exposure_ms", 8.5}, {"gain", 3}}}));
+              (nlohmann::json{
+                  {{"file", (m_out / "snap_0.png").string()},
+                   {"exposure_ms", nullptr},
+                   {"gain", nullptr}},
+                  {{"file", (m_out / "snap_1.png").string()}, {"exposure_ms", 8.5}, {"gain", 3}}}));
     ExpectColourImages({"snap_0.png", "snap_1.png"});
     EXPECT_EQ(head->GetJournal().Texts({"zr3DSetVideoTrigleMode"}).back(),
               "zr3DSetVideoTrigleMode(5) = true");
@@ -81,6 +85,28 @@ TEST_F(KorvexctlSnap, AHeadWithoutColourIsRefusedBeforeItIsConnected) {
     EXPECT_FALSE(std::filesystem::exists(m_out));
 }
 
+TEST_F(KorvexctlSnap, ExposureAndGainThatTheCameraDoesNotTakeAreNamed) {
+    const test::RequestedHead head(SmallHeadDescription());
+    // Of the range that the command takes, the camera takes a part only.
+    const CommandResult result =
+        RunHere({"snap", "--exposure", "0.1", "--gain", "17", "--out", m_out.string()});
+    EXPECT_EQ(result.code, ExitCode::DeviceRefused);
+    EXPECT_EQ(result.message,
+              "exposure.0 was set to 0.1 ms and reads back as 5 ms; "
+              "gain.0 was set to 17 and reads back as 0");
+    ExpectColourImages({"snap_0.png", "snap_1.png"});
+}
+
+TEST_F(KorvexctlSnap, AStrobeThatIsNotPutBackIsNamed) {
+    const test::RequestedHead head(SmallHeadDescription());
+    ASSERT_TRUE(head->GetFaults().Fail("zr3DOpenOrCloseStrobeFlicker", 1'000));
+    const CommandResult result = RunHere({"snap", "--out", m_out.string()});
+    head->GetFaults().Clear();
+    EXPECT_EQ(result.code, ExitCode::DeviceRefused);
+    EXPECT_EQ(result.message, "not switched off: strobe");
+    EXPECT_EQ(result.figures["left_on"], nlohmann::json{"strobe"});
+}
+
 TEST_F(KorvexctlSnap, ACameraThatTheHeadDoesNotHaveIsRefused) {
     const test::RequestedHead head(SmallHeadDescription());
     const CommandResult result = RunHere({"snap", "--camera", "2", "--out", m_out.string()});
@@ -94,26 +120,6 @@ TEST_F(KorvexctlSnap, AFolderThatCannotBeMadeIsToldBeforeAnythingIsTaken) {
     EXPECT_EQ(RunHere({"snap", "--out", m_out.string()}).code, ExitCode::NotWritable);
     EXPECT_THAT(head->GetJournal().Texts({"zr3DInitHidDev"}), IsEmpty());
 }
-
-/// While it lives, what this process writes to standard error goes into a file.
-class ErrorIntoFile {
-public:
-    explicit ErrorIntoFile(const std::filesystem::path& file) : m_former(::dup(STDERR_FILENO)) {
-        const int descriptor = ::open(file.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0600);
-        EXPECT_GE(descriptor, 0);
-        ::dup2(descriptor, STDERR_FILENO);
-        ::close(descriptor);
-    }
-    ~ErrorIntoFile() {
-        ::dup2(m_former, STDERR_FILENO);
-        ::close(m_former);
-    }
-    ErrorIntoFile(const ErrorIntoFile&) = delete;
-    ErrorIntoFile& operator=(const ErrorIntoFile&) = delete;
-
-private:
-    const int m_former;
-};
 
 /// Snapshots that are interrupted; in a child process, over a head that meets a fault in the first
 /// SnapShot call.
@@ -172,18 +178,46 @@ TEST_P(KorvexctlSnapInterrupt, PutsTheHeadBackAndWritesNothing) {
     EXPECT_THAT(head->GetJournal().Texts({"zr3DExitHidDev"}), ::testing::Not(IsEmpty()));
 }
 
+TEST_P(KorvexctlSnapInterrupt, WhileImagesAreWrittenTellsHowMany) {
+    const test::RequestedHead head(SmallHeadDescription());
+    const auto errorFile = m_folder.Path() / "error";
+    const ErrorIntoFile errorIntoFile(errorFile);
+    korvexctl::SnapChoice choice;
+    choice.folder = m_out;
+    choice.snapshot.exposures = {5};
+    choice.snapshot.gains = {0};
+    korvexctl::StandardOutput standardOutput(false);
+    korvexctl::Output output(standardOutput, true);
+    const korvexctl::Outcome outcome =
+        korvexctl::RunSnap(choice, output, [&](const auto& file, const auto& bytes) {
+            std::raise(GetParam());
+            EXPECT_TRUE(support::WaitUntil([&errorFile] {
+                return ReadText(errorFile).find("korvexctl: interrupted; the file") !=
+                       std::string::npos;
+            }));
+            korvexctl::StoreWhole(file, bytes);
+        });
+    EXPECT_EQ(outcome.code, ExitCode::Interrupted);
+    EXPECT_EQ(outcome.message, "interrupted: 1 of 2 images written");
+    ExpectColourImages({"snap_0.png"});
+    EXPECT_EQ(outcome.figures["images"][0]["file"], (m_out / "snap_0.png").string());
+    EXPECT_EQ(outcome.figures["images"][1]["file"], nullptr);
+}
+
 TEST_P(KorvexctlSnapInterrupt, ASecondTimeEndsAtOnce) {
     const auto snap = StartSnap("what = \"hang\"\n");
     snap->Signal(GetParam());
     ASSERT_TRUE(snap->WaitForError("a second time ends at once"));
-    snap->Signal(GetParam());
+    // A terminal that goes may tell it twice; a person has to ask for this end.
+    snap->Signal(GetParam() == SIGHUP ? SIGTERM : GetParam());
     const ChildResult result = snap->Wait();
     EXPECT_EQ(result.exitCode, static_cast<int>(ExitCode::Interrupted));
     EXPECT_THAT(result.error, ::testing::Not(HasSubstr("DisConnectDevice")));
     EXPECT_THAT(FileNames(m_out), IsEmpty());
 }
 
-INSTANTIATE_TEST_SUITE_P(Signals, KorvexctlSnapInterrupt, ::testing::Values(SIGINT, SIGTERM));
+INSTANTIATE_TEST_SUITE_P(Signals, KorvexctlSnapInterrupt,
+                         ::testing::Values(SIGINT, SIGTERM, SIGHUP));
 
 }  // namespace
 

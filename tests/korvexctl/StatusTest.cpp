@@ -86,7 +86,8 @@ TEST_P(KorvexctlStatusSignal, EndsItCleanly) {
     EXPECT_THAT(ReadText(log), HasSubstr("DisConnectDevice"));
 }
 
-INSTANTIATE_TEST_SUITE_P(Signals, KorvexctlStatusSignal, ::testing::Values(SIGINT, SIGTERM));
+INSTANTIATE_TEST_SUITE_P(Signals, KorvexctlStatusSignal,
+                         ::testing::Values(SIGINT, SIGTERM, SIGHUP));
 
 TEST(KorvexctlStatus, WithoutAHeadTheErrorIsOneLine) {
     const ChildResult result = RunKorvexctl({"status", "--json"});
@@ -94,6 +95,30 @@ TEST(KorvexctlStatus, WithoutAHeadTheErrorIsOneLine) {
     const std::vector<nlohmann::json> records = Records(result.output);
     ASSERT_EQ(records.size(), 1U);
     EXPECT_EQ(records[0]["error"]["exit_code"], 3);
+}
+
+TEST(KorvexctlStatus, AMuteBoardIsOneLineAndTheCodeOfOne) {
+    const test::RequestedHead head(SmallHeadDescription());
+    ASSERT_TRUE(head->GetFaults().Order({virtual_head::FaultKind::BoardMute}));
+    const CommandResult result = RunHere({"status", "--seconds", "0.1"});
+    EXPECT_EQ(result.code, ExitCode::NotConnected);
+    EXPECT_EQ(result.message, "the board does not answer");
+    EXPECT_THAT(result.output,
+                MatchesRegex("[0-9T:.-]+Z  the board does not answer .255 255.  [^\n]*\n"));
+    head->GetFaults().Clear();
+}
+
+TEST(KorvexctlStatus, AHeadWithoutColourMissesNone) {
+    const TemporaryFolder folder;
+    const auto head = WriteSmallHead(folder.Path(), "color = false\n");
+    ChildProcess status(KorvexctlCommand({"--virtual=" + head.string(), "status", "--json",
+                                          "--mode", "laser-color"}),
+                        WithoutHead());
+    ASSERT_TRUE(status.WaitForOutput("\"status_a\":1"));
+    status.Signal(SIGINT);
+    const std::vector<nlohmann::json> records = Records(status.Wait().output);
+    ASSERT_FALSE(records.empty());
+    EXPECT_EQ(records[0]["losses"]["mono_without_color"], 0);
 }
 
 TEST(KorvexctlStatus, SwitchesTheTriggerOnAndOff) {
@@ -111,7 +136,8 @@ TEST(StatusReport, ALineSaysWhatChanged) {
     EXPECT_EQ(korvexctl::StatusLine(time, {{255, 255}, {{"missing_keys", 0}}}),
               "1970-01-02T00:00:00.007Z  the board does not answer (255 255)  nothing lost");
     EXPECT_THAT(korvexctl::StatusLine(time, {{1, 0}, {{"missing_keys", 4}, {"sets_dropped", 2}}}),
-                EndsWith("lost: missing_keys 4, sets_dropped 2"));
+                EndsWith("lost: 4 triggers of which no set came; 2 sets dropped, too many were "
+                         "waiting"));
 }
 
 TEST(StatusReport, OneByteOf255IsAnAnswer) {

@@ -54,7 +54,7 @@ Finding Connect(Examined& examined) {
     if (examined.cameras.empty()) {
         return {Verdict::NotRun, "no camera"};
     }
-    examined.head.emplace(examined.choice, examined.cameras);
+    examined.head.emplace(examined.choice, examined.cameras, MuteBoard::Taken);
     return {Verdict::Ok, "board and cameras open"};
 }
 

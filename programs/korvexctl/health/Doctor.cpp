@@ -34,6 +34,9 @@ constexpr const char* kUdevAdvice =
     "as root, write KERNEL==\"hidraw*\", ATTRS{idVendor}==\"3267\", ATTRS{idProduct}==\"5752\", "
     "TAG+=\"uaccess\" into /etc/udev/rules.d/70-korvex3sync.rules, run udevadm control --reload, "
     "and plug the head in again";
+constexpr const char* kStopped =
+    "the head stopped delivering, or is too slow: check the power and the cable of cameras and "
+    "board, and end other programs; if that does not help, switch the head off and on";
 constexpr const char* kRestart =
     "switch the head off and on; if that does not help, its board is "
     "faulty or its firmware is another";
@@ -173,7 +176,7 @@ Finding CheckConnection(Patient& patient) {
         return {Verdict::NotRun, "no camera"};
     }
     try {
-        patient.head.emplace(patient.choice, patient.cameras);
+        patient.head.emplace(patient.choice, patient.cameras, MuteBoard::Taken);
     } catch (const CommandError& error) {
         return {Verdict::Fault, error.what(),
                 "end other programs that use the head; see "
@@ -208,9 +211,9 @@ Finding JudgeTrial(const TrialResult& trial, int asked) {
         text << ", " << std::fixed << std::setprecision(1) << *rate << " a second";
     }
     const nlohmann::json figures = trial.ToJson();
+    const std::string lost = trial.LostAny() ? "; lost: " + trial.LossText() : "";
     if (trial.counts.sets == 0) {
-        const std::string lost = trial.LossText();
-        return {Verdict::Fault, "no set came" + (lost.empty() ? "" : "; lost: " + lost),
+        return {Verdict::Fault, "no set came" + lost,
                 trial.LostAny() ? trial.Cure()
                                 : "no frame reached this computer: check the cable between board "
                                   "and cameras, and the cameras' power",
@@ -221,29 +224,30 @@ Finding JudgeTrial(const TrialResult& trial, int asked) {
              << " out of order";
         return {Verdict::Fault, text.str(), "see the log (-v)", figures};
     }
-    if (trial.LostAny()) {
-        return {Verdict::Warning, text.str() + "; lost: " + trial.LossText(), trial.Cure(),
+    if (trial.counts.sets < asked) {
+        // What was lost on the way is the smaller trouble.
+        return {Verdict::Fault,
+                text.str() + "; " + std::to_string(asked) + " should have come" + lost, kStopped,
                 figures};
     }
-    if (trial.counts.sets < asked) {
-        return {Verdict::Warning, text.str() + "; " + std::to_string(asked) + " should have come",
-                "end other programs, and try a computer that is faster", figures};
+    if (trial.LostAny()) {
+        return {Verdict::Warning, text.str() + lost, trial.Cure(), figures};
     }
     return {Verdict::Ok, text.str() + (trial.lost ? ", nothing lost" : ""), "", figures};
 }
 
-Finding CheckTrial(const Patient& patient) {
+Finding CheckTrial(Patient& patient) {
     if (!patient.Answers()) {
         return {Verdict::NotRun, patient.head ? "the board does not answer" : "not connected"};
     }
     TrialOptions options;
     options.sets = patient.options.trialSets;
     options.limit = patient.options.trialLimit;
-    options.light.mode = GivesColor(*patient.head, TRIGGER_LASER_LINES_COLOR)
+    options.light.mode = GivesColor(patient.cameras, TRIGGER_LASER_LINES_COLOR)
                              ? TRIGGER_LASER_LINES_COLOR
                              : TRIGGER_LASER_LINES;
     try {
-        return JudgeTrial(RunTrial(*patient.head, options), options.sets);
+        return JudgeTrial(RunTrial(*patient.head, options, patient.leftOn), options.sets);
     } catch (const CommandError& error) {
         return {Verdict::Fault, error.what(), kRestart};
     }

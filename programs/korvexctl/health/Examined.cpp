@@ -34,9 +34,16 @@ Step PutBackStep(const std::shared_ptr<Examined>& examined, Verdict whenNot) {
                     return {Verdict::NotRun, "nothing was changed"};
                 }
                 const auto failed = examined->found->PutBack(examined->head->Handle());
-                if (!failed.empty()) {
-                    return {whenNot, "not as they were found: " + Listed(failed),
-                            "set them again, or switch the head off and on"};
+                const std::string changed =
+                    failed.empty() ? "" : "not as they were found: " + Listed(failed);
+                if (examined->leftOn.Any()) {
+                    return {Verdict::Fault,
+                            "not switched off: " + examined->leftOn.Text() +
+                                (changed.empty() ? "" : "; ") + changed,
+                            "take it for on, look away from the head, and switch the head off"};
+                }
+                if (!changed.empty()) {
+                    return {whenNot, changed, "set them again, or switch the head off and on"};
                 }
                 return {Verdict::Ok, std::to_string(examined->found->Kept()) +
                                          " settings stand as they were found; light and trigger "

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "korvexctl/ConnectedHead.h"
+#include "korvexctl/LeftOn.h"
 #include "korvexctl/StatusWatch.h"
 #include "korvexctl/health/SettingsKeeper.h"
 #include "korvexctl/health/Step.h"
@@ -21,6 +22,7 @@ struct Examined {
     const HeadChoice choice;
     std::vector<Camera> cameras;
     StatusWatch watch;  // outlives the connection, whose status thread calls it
+    LeftOn leftOn;
     std::optional<ConnectedHead> head;
     bool answers = false;
     std::optional<SettingsKeeper> found;

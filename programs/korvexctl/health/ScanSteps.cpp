@@ -23,14 +23,14 @@ constexpr std::size_t kSnapshotImages = 2;
 constexpr std::size_t kInfraredImages = 3;
 
 /// A scan of a few sets; each as its mode promises it, none lost.
-Finding TestScan(const Examined& examined, CAMERA_TRIGGER_MODE mode, const SelftestOptions& asked) {
+Finding TestScan(Examined& examined, CAMERA_TRIGGER_MODE mode, const SelftestOptions& asked) {
     TrialOptions options;
     options.light.mode = mode;
     options.light.periodMs = asked.periodMs;
     options.sets = asked.sets;
-    const TrialResult trial = RunTrial(*examined.head, options);
+    const TrialResult trial = RunTrial(*examined.head, options, examined.leftOn);
     const SetCheck::Counts& counts = trial.counts;
-    const bool color = GivesColor(*examined.head, mode);
+    const bool color = GivesColor(examined.cameras, mode);
     const int wrongColor = color ? counts.sets - counts.withColor : counts.withColor;
     std::string wrong;
     const auto add = [&wrong](const std::string& text) {
@@ -86,7 +86,7 @@ Finding TestReconnect(Examined& examined) {
     return {Verdict::Ok, "the board answers and has its settings"};
 }
 
-Finding TestSnapshot(const Examined& examined, bool infrared) {
+Finding TestSnapshot(Examined& examined, bool infrared) {
     if (std::none_of(examined.cameras.begin(), examined.cameras.end(),
                      [](const Camera& camera) { return camera.color; })) {
         return {Verdict::NotRun, "the head has no colour"};
@@ -96,9 +96,13 @@ Finding TestSnapshot(const Examined& examined, bool infrared) {
     options.infrared = infrared;
     options.exposures.assign(images - 1, kSnapshotExposureMs);
     options.gains.assign(images - 1, 0);
-    const std::vector<Mosaic> mosaics = TakeSnapshot(*examined.head, options);
-    const auto came = static_cast<std::size_t>(std::count_if(
-        mosaics.begin(), mosaics.end(), [](const Mosaic& m) { return m != nullptr; }));
+    const Snapshot snapshot = TakeSnapshot(*examined.head, options, examined.leftOn);
+    const auto came =
+        static_cast<std::size_t>(std::count_if(snapshot.images.begin(), snapshot.images.end(),
+                                               [](const Mosaic& m) { return m != nullptr; }));
+    if (came == images && !snapshot.notTaken.empty()) {
+        return {Verdict::Fault, snapshot.notTaken};
+    }
     return {came == images ? Verdict::Ok : Verdict::Fault,
             std::to_string(came) + " of " + std::to_string(images) + " images came"};
 }
@@ -111,7 +115,7 @@ std::vector<Step> ScanSteps(const std::shared_ptr<Examined>& examined,
     steps.reserve(kTriggerModes.size());
     for (const TriggerMode& known : kTriggerModes) {
         steps.push_back(HeadStep(examined, std::string("scan ") + known.name, kLimit,
-                                 [mode = known.mode, options](const Examined& head) {
+                                 [mode = known.mode, options](Examined& head) {
                                      return TestScan(head, mode, options);
                                  }));
     }
@@ -122,16 +126,16 @@ std::vector<Step> ReconnectSteps(const std::shared_ptr<Examined>& examined,
                                  const SelftestOptions& options) {
     return {HeadStep(examined, "reset of nothing", kLimit, TestNoReset),
             HeadStep(examined, "reconnect", kReconnectLimit, TestReconnect),
-            HeadStep(examined, "scan after reconnect", kLimit, [options](const Examined& head) {
+            HeadStep(examined, "scan after reconnect", kLimit, [options](Examined& head) {
                 return TestScan(head, TRIGGER_LASER_LINES_COLOR, options);
             })};
 }
 
 std::vector<Step> SnapshotSteps(const std::shared_ptr<Examined>& examined) {
     return {HeadStep(examined, "snapshot", kSnapshotLimit,
-                     [](const Examined& head) { return TestSnapshot(head, false); }),
+                     [](Examined& head) { return TestSnapshot(head, false); }),
             HeadStep(examined, "infrared snapshot", kSnapshotLimit,
-                     [](const Examined& head) { return TestSnapshot(head, true); })};
+                     [](Examined& head) { return TestSnapshot(head, true); })};
 }
 
 }  // namespace Korvex3Sync::korvexctl

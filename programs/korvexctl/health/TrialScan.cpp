@@ -6,7 +6,6 @@
 #include "korvexctl/ConnectedHead.h"
 #include "korvexctl/Illumination.h"
 #include "korvexctl/Trigger.h"
-#include "korvexctl/TriggerModes.h"
 #include "korvexctl/health/LossPlaces.h"
 
 namespace Korvex3Sync::korvexctl {
@@ -42,27 +41,21 @@ std::optional<ScanStatistics> Between(const std::optional<ScanStatistics>& befor
 
 }  // namespace
 
-bool GivesColor(const ConnectedHead& head, CAMERA_TRIGGER_MODE mode) {
-    return std::any_of(head.cameras.begin(), head.cameras.end(),
-                       [](const Camera& camera) { return camera.color; }) &&
-           std::any_of(kTriggerModes.begin(), kTriggerModes.end(),
-                       [mode](const TriggerMode& m) { return m.mode == mode && m.color; });
-}
-
-TrialResult RunTrial(const ConnectedHead& head, const TrialOptions& options) {
-    const Illumination light(head.session, options.light);
+TrialResult RunTrial(const ConnectedHead& head, const TrialOptions& options, LeftOn& leftOn) {
+    const Illumination light(head.session, options.light, leftOn);
     const std::optional<ScanStatistics> before = Ask(head);
     const Camera& camera = head.cameras.front();
     SetCheck check(before ? before->setsPending : 0, camera.width, camera.height);
     TrialResult result;
     {
-        const Trigger trigger(head.session, options.light.mode, SetCheck::OnSet, check.Context());
+        const Trigger trigger(head.session, options.light.mode, SetCheck::OnSet, check.Context(),
+                              leftOn);
         check.WaitFor(options.sets, options.limit);
         trigger.Off();
         const std::chrono::milliseconds period(options.light.periodMs);
         result.counts =
             check.WaitForQuiet(std::max(kShortestQuiet, kQuietPeriods * period), kLongestLate);
-        const bool color = GivesColor(head, options.light.mode);
+        const bool color = GivesColor(head.cameras, options.light.mode);
         const int withoutColor =
             color ? result.counts.sets - result.counts.withColor - result.counts.odd : 0;
         result.lost = Between(before, Ask(head), withoutColor);

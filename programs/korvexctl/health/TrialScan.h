@@ -14,6 +14,7 @@
 namespace Korvex3Sync::korvexctl {
 
 struct ConnectedHead;
+class LeftOn;
 
 /// A short scan that is there to be looked at.
 struct TrialOptions {
@@ -36,12 +37,10 @@ struct TrialResult {
     nlohmann::json ToJson() const;
 };
 
-/// Whether sets in this mode have a colour image.
-bool GivesColor(const ConnectedHead& head, CAMERA_TRIGGER_MODE mode);
-
-/// Sets light and trigger, takes sets, switches both off again and waits for what is on its way.
+/// Sets light and trigger, takes sets, switches both off again, notes in `leftOn` what the board
+/// refused of that, and waits for what is on its way.
 /// Throws CommandError(DeviceRefused) when the head refuses a setting. Blocks up to the limit, two
 /// seconds for the late ones, and the board's answers.
-TrialResult RunTrial(const ConnectedHead& head, const TrialOptions& options);
+TrialResult RunTrial(const ConnectedHead& head, const TrialOptions& options, LeftOn& leftOn);
 
 }  // namespace Korvex3Sync::korvexctl

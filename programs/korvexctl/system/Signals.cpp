@@ -9,8 +9,10 @@
 #include <system_error>
 #include <thread>
 #include <utility>
+#include <vector>
 
 #include "korvexctl/ExitCodes.h"
+#include "korvexctl/Output.h"
 
 namespace Korvex3Sync::korvexctl {
 
@@ -24,9 +26,20 @@ std::atomic<int> s_signals{0};
 std::atomic<int> s_writeEnd{-1};
 static_assert(std::atomic<int>::is_always_lock_free);
 
-extern "C" void OnSignal(int) {
+std::atomic<bool> s_toEnd{false};
+
+struct Handled {
+    int signal;
+    struct sigaction former;
+};
+
+extern "C" void OnSignal(int signal) {
     const int before = errno;
     if (s_signals.fetch_add(1) > 0) {
+        if (signal == SIGHUP) {
+            // A terminal that goes sends it more than once, and nobody presses it.
+            return;
+        }
         ::_exit(static_cast<int>(ExitCode::Interrupted));
     }
     [[maybe_unused]] const ssize_t written = ::write(s_writeEnd.load(), &kInterrupted, 1);
@@ -37,8 +50,8 @@ extern "C" void OnSignal(int) {
 
 struct InterruptWatch::State {
     std::array<int, 2> pipe{-1, -1};
-    struct sigaction oldInterrupt {};
-    struct sigaction oldTerminate {};
+    int formerWriteEnd = -1;
+    std::vector<Handled> handled;
     std::thread thread;
 };
 
@@ -48,7 +61,7 @@ InterruptWatch::InterruptWatch(std::function<void()> onInterrupt)
         throw std::system_error(errno, std::generic_category(), "pipe");
     }
     s_signals = 0;
-    s_writeEnd = m_state->pipe[1];
+    m_state->formerWriteEnd = s_writeEnd.exchange(m_state->pipe[1]);
     m_state->thread = std::thread([readEnd = m_state->pipe[0], call = std::move(onInterrupt)] {
         char what = kEnd;
         while (true) {
@@ -66,18 +79,47 @@ InterruptWatch::InterruptWatch(std::function<void()> onInterrupt)
     action.sa_handler = OnSignal;
     action.sa_flags = SA_RESTART;
     ::sigemptyset(&action.sa_mask);
-    ::sigaction(SIGINT, &action, &m_state->oldInterrupt);
-    ::sigaction(SIGTERM, &action, &m_state->oldTerminate);
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+        struct sigaction former {};
+        ::sigaction(signal, nullptr, &former);
+        // Whoever started the program with nohup wants it to outlive the terminal.
+        if (signal == SIGHUP && former.sa_handler == SIG_IGN) {
+            continue;
+        }
+        ::sigaction(signal, &action, nullptr);
+        m_state->handled.push_back({signal, former});
+    }
 }
 
 InterruptWatch::~InterruptWatch() {
-    ::sigaction(SIGINT, &m_state->oldInterrupt, nullptr);
-    ::sigaction(SIGTERM, &m_state->oldTerminate, nullptr);
+    for (const Handled& handled : m_state->handled) {
+        ::sigaction(handled.signal, &handled.former, nullptr);
+    }
+    s_writeEnd = m_state->formerWriteEnd;
     [[maybe_unused]] const ssize_t written = ::write(m_state->pipe[1], &kEnd, 1);
     m_state->thread.join();
-    s_writeEnd = -1;
     ::close(m_state->pipe[0]);
     ::close(m_state->pipe[1]);
+}
+
+EndingOnInterrupt::EndingOnInterrupt()
+    : m_watch([] {
+          s_toEnd = true;
+          Say("interrupted; ends when what is under way is done; a second time ends at once");
+      }) {}
+
+EndingOnInterrupt::~EndingOnInterrupt() {
+    s_toEnd = false;
+}
+
+bool ToldToEnd() {
+    return s_toEnd;
+}
+
+void EndIfInterrupted() {
+    if (ToldToEnd()) {
+        throw CommandError(ExitCode::Interrupted, "interrupted");
+    }
 }
 
 void TurnWriteSignalsIntoErrors() {

@@ -1,0 +1,43 @@
+#include "korvexctl/LeftOn.h"
+
+#include <algorithm>
+#include <nlohmann/json.hpp>
+
+#include "korvexctl/Output.h"
+#include "korvexctl/Session.h"
+
+namespace Korvex3Sync::korvexctl {
+
+LeftOn::~LeftOn() {
+    if (Any()) {
+        Say("WARNING: the board refused to switch off: " + Text() +
+            "; take it for on, look away from the head, and switch the head itself off");
+    }
+}
+
+void LeftOn::Note(const std::string& what, RETSTATUS status) {
+    std::erase(m_names, what);
+    if (status != STATUS_SUCCESS) {
+        m_names.push_back(what);
+    }
+}
+
+std::string LeftOn::Text() const {
+    std::string text;
+    for (const std::string& name : m_names) {
+        text += (text.empty() ? "" : ", ") + name;
+    }
+    return text;
+}
+
+void LeftOn::Judge(bool boardAnswers, Outcome& outcome) const {
+    outcome.figures["left_on"] = m_names;
+    if (Any() && outcome.code == ExitCode::Done) {
+        outcome.code = boardAnswers ? ExitCode::DeviceRefused : ExitCode::NotConnected;
+        outcome.message = (boardAnswers ? "not switched off: "
+                                        : std::string(kMuteBoard) + "; not switched off: ") +
+                          Text();
+    }
+}
+
+}  // namespace Korvex3Sync::korvexctl

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <Korvex3Sync/Status.h>
+
+#include <string>
+#include <vector>
+
+namespace Korvex3Sync::korvexctl {
+
+struct Outcome;
+
+/// What the board refused to switch off. Made before the session, so that whatever ends a command
+/// finds it complete; the destructor warns on standard error when something is left.
+class LeftOn {
+public:
+    LeftOn() = default;
+    ~LeftOn();
+    LeftOn(const LeftOn&) = delete;
+    LeftOn& operator=(const LeftOn&) = delete;
+
+    /// What came of switching `what` off; a later success makes up for an earlier refusal.
+    void Note(const std::string& what, RETSTATUS status);
+    bool Any() const { return !m_names.empty(); }
+    const std::vector<std::string>& Names() const { return m_names; }
+    /// "trigger, laser lines"
+    std::string Text() const;
+    /// Adds "left_on" to the figures. With something left, an outcome that was well becomes
+    /// `NotConnected` when the board no longer answers, and `DeviceRefused` otherwise.
+    void Judge(bool boardAnswers, Outcome& outcome) const;
+
+private:
+    std::vector<std::string> m_names;
+};
+
+}  // namespace Korvex3Sync::korvexctl

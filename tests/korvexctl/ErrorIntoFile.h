@@ -1,0 +1,31 @@
+#pragma once
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <filesystem>
+
+namespace Korvex3Sync::tests {
+
+/// While it lives, what this process writes to standard error goes into a file.
+class ErrorIntoFile {
+public:
+    explicit ErrorIntoFile(const std::filesystem::path& file) : m_former(::dup(STDERR_FILENO)) {
+        const int descriptor = ::open(file.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0600);
+        EXPECT_GE(descriptor, 0);
+        ::dup2(descriptor, STDERR_FILENO);
+        ::close(descriptor);
+    }
+    ~ErrorIntoFile() {
+        ::dup2(m_former, STDERR_FILENO);
+        ::close(m_former);
+    }
+    ErrorIntoFile(const ErrorIntoFile&) = delete;
+    ErrorIntoFile& operator=(const ErrorIntoFile&) = delete;
+
+private:
+    const int m_former;
+};
+
+}  // namespace Korvex3Sync::tests
