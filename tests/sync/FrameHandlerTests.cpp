@@ -187,7 +187,7 @@ TEST_F(FrameHandler, AnOperationInAScanCallbackIsToldOfBeforeItWaits) {
     std::size_t next = 0;
     m_sets.action = [&](auto&, auto&) { operations[next](m_manager); };
     Scan();
-    for (unsigned char key = 0; next < std::size(operations); ++next, ++key) {
+    for (unsigned char key = 0; next < std::size(operations) && !HasFailure(); ++next, ++key) {
         os::Event held;
         os::Event letGo;
         Recorder::Get().OnCall("zr3DSetProjectorBrightness", [&] {
