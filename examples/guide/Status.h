@@ -16,7 +16,7 @@ inline std::string Describe(RETSTATUS status) {
     char* text = &none;  // any pointer but null: null gets no text
     GetStatusDescriptionString(status, text);
     const std::unique_ptr<char[]> owned(text);  // the text is a new buffer, and ours
-    return owned.get();
+    return owned ? owned.get() : "";            // null: no memory
 }
 
 /// Throws when an operation did not succeed.

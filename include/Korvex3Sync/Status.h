@@ -24,7 +24,7 @@ enum RETSTATUS : int {
 /// Does nothing when `text` is null on entry: pass any non-null pointer to receive a text. On
 /// return `text` points to a new zero-terminated buffer, which the caller frees with `delete[]`.
 /// The buffer that `text` pointed to before is neither read nor freed; it stays the caller's. A
-/// status outside 0..7 gives the empty text.
+/// status outside 0..7 gives the empty text; `text` is null when memory ran out.
 ///
 /// Any thread; never blocks.
 ///

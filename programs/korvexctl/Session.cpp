@@ -15,7 +15,7 @@ std::string StatusText(RETSTATUS status) {
     char* text = &none;
     GetStatusDescriptionString(status, text);
     const std::unique_ptr<char[]> owned(text);
-    return owned.get();
+    return owned ? owned.get() : "";  // null: no memory
 }
 
 Session::Session(const std::string& type, const std::string& board,

@@ -29,12 +29,12 @@ std::unique_ptr<char[]> CopySerial(const std::string& serial) {
 /// Closes and releases the instances at the positions below `total`, also when memory ran out.
 class ReleaseAtEnd {
 public:
-    ReleaseAtEnd(std::vector<void*>& instances, int total)
+    ReleaseAtEnd(std::vector<void*>& instances, const int& total)
         : m_instances(instances), m_total(total) {}
     ~ReleaseAtEnd() {
-        for (int i = 0; i < m_total; ++i) {
-            void*& camera = m_instances[static_cast<std::size_t>(i)];
-            if (camera != nullptr) {
+        int position = 0;
+        for (void*& camera : m_instances) {
+            if (position++ < m_total && camera != nullptr) {
                 zr3DCamera::CloseCamera(camera);
                 zr3DCamera::ReleaseCamera(camera);
                 camera = nullptr;
@@ -46,7 +46,7 @@ public:
 
 private:
     std::vector<void*>& m_instances;
-    const int m_total;
+    const int& m_total;
 };
 
 /// Room for as many more, so that appending them to several lists fails in none.
@@ -55,10 +55,9 @@ void MakeRoom(List& list, int more) {
     list.reserve(list.size() + static_cast<std::size_t>(std::max(more, 0)));
 }
 
-/// Reads the camera of each instance; closes and releases the instances.
-int ReadCameras(std::vector<void*>& instances, int total, std::vector<char*>& serials,
+/// Reads the camera of each instance.
+int ReadCameras(const std::vector<void*>& instances, int total, std::vector<char*>& serials,
                 std::vector<int>& widths, std::vector<int>& heights, std::vector<bool>& isColor) {
-    const ReleaseAtEnd release(instances, total);
     MakeRoom(serials, total);
     MakeRoom(widths, total);
     MakeRoom(heights, total);
@@ -106,7 +105,8 @@ int GetAllSpecifyTypeCameraInformation(const char* const& cameraType, std::vecto
                                        std::vector<int>& widths, std::vector<int>& heights,
                                        std::vector<bool>& isColor) {
     KORVEX_LOG(kLog) << "GetAllSpecifyTypeCameraInformation 0";
-    void* first = nullptr;
+    std::vector<void*> instances{nullptr};
+    void*& first = instances.front();
     if (zr3DCamera::CreateCamera(first, cameraType) != 0) {
         PrintCreateFailed(cameraType);
         KORVEX_LOG(kLog) << "GetAllSpecifyTypeCameraInformation failed";
@@ -122,18 +122,21 @@ int GetAllSpecifyTypeCameraInformation(const char* const& cameraType, std::vecto
     }
 
     // With a total of 0 the first instance stays as it is: positions below the total are released.
-    std::vector<void*> instances{first};
-    for (int device = 1; device < total; ++device) {
-        void* instance = nullptr;
-        if (zr3DCamera::CreateCamera(instance, cameraType) == 0 && instance != nullptr) {
-            instances.push_back(instance);
+    int read = 0;
+    {
+        const ReleaseAtEnd release(instances, total);
+        for (int device = 1; device < total; ++device) {
+            MakeRoom(instances, 1);
+            void* instance = nullptr;
+            if (zr3DCamera::CreateCamera(instance, cameraType) == 0 && instance != nullptr) {
+                instances.push_back(instance);
+            }
         }
+        if (static_cast<int>(instances.size()) < total) {
+            total = static_cast<int>(instances.size());
+        }
+        read = ReadCameras(instances, total, serials, widths, heights, isColor);
     }
-    if (static_cast<int>(instances.size()) < total) {
-        total = static_cast<int>(instances.size());
-    }
-
-    const int read = ReadCameras(instances, total, serials, widths, heights, isColor);
     KORVEX_LOG(kLog) << "GetAllSpecifyTypeCameraInformation tmpRealCount=" << read;
     return read;
 }

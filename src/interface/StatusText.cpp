@@ -32,8 +32,8 @@ void GetStatusDescriptionString(const RETSTATUS& status, char*& text) {
     char* const buffer = new (std::nothrow) char[description.size() + 1]();
     if (buffer != nullptr) {
         description.copy(buffer, description.size());
-        text = buffer;
     }
+    text = buffer;  // never the caller's own, which it would free as a text
 }
 
 }  // namespace Korvex3Sync

@@ -19,14 +19,14 @@ using Remembered = RememberedSettings;
 }  // namespace
 
 RETSTATUS IManagerSync::GetFirewareVersion(const char* pcbSerial, std::string& version) {
+    const DeviceGuard device(this, m_csDevice);  // no reconnection closes it in between
     const RETSTATUS open = EnsureBoardOpen(pcbSerial);
     if (open != STATUS_SUCCESS) {
         return open;
     }
-    CheckNotInScanCallback(this);
-    os::CriticalSectionGuard device(m_csDevice);
-    return board::zr3DQueryProjectorFirewareVersion(m_hDevice, version) ? STATUS_SUCCESS
-                                                                        : STATUS_FAILED;
+    return BoardOperation(
+        DeviceLost::Ignored, [](Remembered&) {},
+        [&](void* h) { return board::zr3DQueryProjectorFirewareVersion(h, version); });
 }
 
 RememberedSettings IManagerSync::SettingsToRestore() {
@@ -36,22 +36,16 @@ RememberedSettings IManagerSync::SettingsToRestore() {
 
 RETSTATUS IManagerSync::SetStrobeControlledByTrigger(const CONTROLROUTE& route,
                                                      const STROBE_STATE& state) {
-    os::CriticalSectionGuard device(m_csDevice);
-    if (m_hDevice == nullptr) {
-        return STATUS_NOT_CONNECTED;
-    }
     const auto boardRoute = ToBoard(route);
     const auto boardState = ToBoard(state);
-    if (!boardRoute || !boardState) {
-        return STATUS_PARAMETER;
-    }
     return BoardOperation(
         DeviceLost::Refuses,
         [&](Remembered& r) {
             r.strobeRoute = *boardRoute;
             r.strobeState = *boardState;
         },
-        [&](void* h) { return board::zr3DOpenOrCloseStrobeFlicker(h, *boardRoute, *boardState); });
+        [&](void* h) { return board::zr3DOpenOrCloseStrobeFlicker(h, *boardRoute, *boardState); },
+        boardRoute && boardState ? Parameters::Good : Parameters::Bad);
 }
 
 RETSTATUS IManagerSync::EnableBlueLaser(const LASERWORKMODE& mode, const bool& enable) {

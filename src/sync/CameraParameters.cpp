@@ -49,8 +49,7 @@ int IManagerSync::ChannelCount() const {
 
 RETSTATUS IManagerSync::SetCameraExposureAndGain(const int& order, const double& exposure,
                                                  const int& gain) {
-    CheckNotInScanCallback(this);
-    os::CriticalSectionGuard device(m_csDevice);
+    const DeviceGuard device(this, m_csDevice);
     m_remembered.exposures[order] = exposure;
     m_remembered.gains[order] = gain;
     CPhysicalCameraThread* const camera = FirstCamera();
@@ -66,8 +65,7 @@ RETSTATUS IManagerSync::SetCameraExposureAndGain(const int& order, const double&
 }
 
 RETSTATUS IManagerSync::GetCameraExposureAndGain(const int& order, double& exposure, int& gain) {
-    CheckNotInScanCallback(this);
-    os::CriticalSectionGuard device(m_csDevice);
+    const DeviceGuard device(this, m_csDevice);
     CPhysicalCameraThread* const camera = FirstCamera();
     if (camera == nullptr) {
         return STATUS_SUCCESS;
@@ -82,8 +80,7 @@ RETSTATUS IManagerSync::GetCameraExposureAndGain(const int& order, double& expos
 }
 
 RETSTATUS IManagerSync::SetExposureTime(const int& order, const double& exposure) {
-    CheckNotInScanCallback(this);
-    os::CriticalSectionGuard device(m_csDevice);
+    const DeviceGuard device(this, m_csDevice);
     const int microseconds = ExposureMicroseconds(exposure);
     // In microseconds, unlike the combined setter: intended.
     m_remembered.exposures[order] = microseconds;
@@ -99,8 +96,7 @@ RETSTATUS IManagerSync::SetExposureTime(const int& order, const double& exposure
 }
 
 RETSTATUS IManagerSync::GetExposureTime(const int& order, double& exposure) {
-    CheckNotInScanCallback(this);
-    os::CriticalSectionGuard device(m_csDevice);
+    const DeviceGuard device(this, m_csDevice);
     // An order equal to the count passes here and in SetCameraGain, and nowhere else: intended.
     if (order < 0 || order > ChannelCount()) {
         return STATUS_NOT_CONNECTED;
@@ -116,8 +112,7 @@ RETSTATUS IManagerSync::GetExposureTime(const int& order, double& exposure) {
 }
 
 RETSTATUS IManagerSync::SetCameraGain(const int& order, const int& gain) {
-    CheckNotInScanCallback(this);
-    os::CriticalSectionGuard device(m_csDevice);
+    const DeviceGuard device(this, m_csDevice);
     if (order < 0 || order > ChannelCount()) {
         return STATUS_NOT_CONNECTED;
     }
@@ -134,8 +129,7 @@ RETSTATUS IManagerSync::SetCameraGain(const int& order, const int& gain) {
 }
 
 RETSTATUS IManagerSync::GetCameraGain(const int& order, int& gain) {
-    CheckNotInScanCallback(this);
-    os::CriticalSectionGuard device(m_csDevice);
+    const DeviceGuard device(this, m_csDevice);
     if (order < 0 || order >= ChannelCount()) {
         return STATUS_NOT_CONNECTED;
     }
@@ -151,8 +145,7 @@ RETSTATUS IManagerSync::GetCameraGain(const int& order, int& gain) {
 }
 
 RETSTATUS IManagerSync::GetCameraSerialNumber(const int& index, char*& serial) {
-    CheckNotInScanCallback(this);
-    os::CriticalSectionGuard device(m_csDevice);
+    const DeviceGuard device(this, m_csDevice);
     if (index < 0 || index >= ChannelCount() || serial != nullptr) {
         return STATUS_NOT_CONNECTED;
     }
@@ -168,8 +161,7 @@ RETSTATUS IManagerSync::GetCameraSerialNumber(const int& index, char*& serial) {
 }
 
 RETSTATUS IManagerSync::GetCameraResolution(const int& index, int& width, int& height) {
-    CheckNotInScanCallback(this);
-    os::CriticalSectionGuard device(m_csDevice);
+    const DeviceGuard device(this, m_csDevice);
     if (index < 0 || index >= ChannelCount()) {
         return STATUS_NOT_CONNECTED;
     }

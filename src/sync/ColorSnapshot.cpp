@@ -66,8 +66,7 @@ bool IManagerSync::WaitForColorFrame(const char* step) {
 
 void IManagerSync::RestartCameras() {
     // A reconnection must not find its pause ended, nor a camera change under this.
-    CheckNotInScanCallback(this);
-    os::CriticalSectionGuard device(m_csDevice);
+    const DeviceGuard device(this, m_csDevice);
     for (auto& camera : m_cameras) {
         const Paused paused(*camera);
         camera->ResetCameraState();

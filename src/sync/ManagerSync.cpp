@@ -125,8 +125,7 @@ RETSTATUS IManagerSync::InitProjector(const char* pcbSerial) {
         return STATUS_PARAMETER;
     }
     KORVEX_LOG(kLog) << " InitProjector pcbSerial=" << pcbSerial;
-    CheckNotInScanCallback(this);
-    os::CriticalSectionGuard device(m_csDevice);
+    const DeviceGuard device(this, m_csDevice);
     void* handle = m_hDevice;
     const bool opened = zr3DHandiDLPdev::zr3DInitHidDev(handle, kVendorId, kProductId, pcbSerial);
     // What a failed open may have left is no board.
@@ -150,7 +149,7 @@ RETSTATUS IManagerSync::EnsureBoardOpen(const char* pcbSerial) {
         return STATUS_SUCCESS;
     }
     // A reconnection on another thread may be about to open it: a second open would lose a handle.
-    os::CriticalSectionGuard device(m_csDevice);
+    const DeviceGuard device(this, m_csDevice);
     if (m_hDevice != nullptr) {
         return STATUS_SUCCESS;
     }

@@ -82,8 +82,9 @@ public:
     /// device lock.
     RETSTATUS ResetBoard(bool resetFPGA, bool resetDevice);
 
-    // Board operations (BoardOperations.cpp). All but the first share one frame.
+    // Board operations (BoardOperations.cpp). All share one frame.
 
+    /// Opens the board where it is not open; where that fails, gives its result.
     RETSTATUS GetFirewareVersion(const char* pcbSerial, std::string& version);
     RETSTATUS SetStrobeControlledByTrigger(const CONTROLROUTE& route, const STROBE_STATE& state);
     RETSTATUS EnableBlueLaser(const LASERWORKMODE& mode, const bool& enable);
@@ -173,11 +174,14 @@ private:
         std::array<int, 4> values{0, 0, -1, 0};
     };
     enum class DeviceLost { Refuses, Ignored };
+    enum class Parameters { Good, Bad };
 
-    /// Every board operation, under the device lock: 6 without a board; remember, refuse with 0
-    /// where a lost board refuses, else call the library: true is 7, false 0.
+    /// Every board operation, under the device lock: 6 without a board; 3 for bad parameters;
+    /// remember, refuse with 0 where a lost board refuses, else call the library: true is 7,
+    /// false 0.
     template <class Remember, class Call>
-    RETSTATUS BoardOperation(DeviceLost lost, Remember remember, Call call);
+    RETSTATUS BoardOperation(DeviceLost lost, Remember remember, Call call,
+                             Parameters parameters = Parameters::Good);
     /// A board operation that remembers nothing.
     template <class Call>
     RETSTATUS BoardQuery(Call call);
@@ -287,13 +291,16 @@ private:
 inline constexpr char kManagerSyncLog[] = "sync/ManagerSync";
 
 template <class Remember, class Call>
-RETSTATUS IManagerSync::BoardOperation(DeviceLost lost, Remember remember, Call call) {
-    CheckNotInScanCallback(this);
+RETSTATUS IManagerSync::BoardOperation(DeviceLost lost, Remember remember, Call call,
+                                       Parameters parameters) {
     // A reconnection closes the board for a while, under the lock: whoever meets it waits.
-    os::CriticalSectionGuard device(m_csDevice);
+    const DeviceGuard device(this, m_csDevice);
     void* const handle = m_hDevice;
     if (handle == nullptr) {
         return STATUS_NOT_CONNECTED;
+    }
+    if (parameters == Parameters::Bad) {
+        return STATUS_PARAMETER;
     }
     remember(m_remembered);
     if (lost == DeviceLost::Refuses && m_bDeviceLost) {

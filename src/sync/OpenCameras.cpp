@@ -147,7 +147,10 @@ void IManagerSync::StartGrabbing(std::size_t serialCount) {
     for (auto& camera : m_cameras) {
         m_cameraBookkeeping.push_back(std::make_unique<CameraBookkeeping>());
         camera->SetScanCallBackFunction(&IManagerSync::OnFrame, this);
-        camera->StartThread();
+        if (!camera->StartThread()) {
+            LOG(ERROR) << "a grab thread did not start: camera " << m_cameraBookkeeping.size()
+                       << " of " << m_cameras.size() << " gives no frames";
+        }
     }
     m_serialSlots.resize(m_serialSlots.size() + serialCount, nullptr);
     m_allCamerasMask = AllCamerasMask(serialCount);

@@ -96,8 +96,7 @@ int IManagerSync::ReConnectDevice() {
     PrintAndLog("Start Reconnect Device Function");
     RETSTATUS opened = STATUS_FAILED;
     {
-        CheckNotInScanCallback(this);
-        os::CriticalSectionGuard device(m_csDevice);
+        const DeviceGuard device(this, m_csDevice);
         ExitProjector();
         opened = InitProjector(m_boardSerial.c_str());
         if (opened == STATUS_SUCCESS) {
@@ -142,8 +141,7 @@ void IManagerSync::ReOpenCameras() {
 }
 
 void IManagerSync::ReInitializeCamera(bool release) {
-    CheckNotInScanCallback(this);
-    os::CriticalSectionGuard device(m_csDevice);
+    const DeviceGuard device(this, m_csDevice);
     if (!release) {
         for (auto& camera : m_cameras) {
             camera->ResumeThread();
@@ -157,8 +155,7 @@ void IManagerSync::ReInitializeCamera(bool release) {
 }
 
 RETSTATUS IManagerSync::ReleaseCamera() {
-    CheckNotInScanCallback(this);
-    os::CriticalSectionGuard device(m_csDevice);
+    const DeviceGuard device(this, m_csDevice);
     PauseAndReleaseCameras("ReleaseCamera success");
     return STATUS_SUCCESS;
 }

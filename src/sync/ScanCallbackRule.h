@@ -1,5 +1,7 @@
 #pragma once
 
+#include "platform/os/CriticalSection.h"
+
 namespace Korvex3Sync {
 
 // A scan callback runs with its grab thread's locks held, so a board operation in it can wait for a
@@ -18,7 +20,26 @@ private:
     [[maybe_unused]] const void* m_previous = nullptr;
 };
 
-/// To be called where an operation of `manager` takes the device lock.
+/// To be called before an operation of `manager` waits.
 void CheckNotInScanCallback(const void* manager);
+
+/// Holds the device lock of `manager` for a scope. The check comes before the wait, which may never
+/// end; a thread that holds the lock already waits for nothing.
+class KORVEX_SCOPED_CAPABILITY DeviceGuard {
+public:
+    DeviceGuard(const void* manager, os::CriticalSection& device) KORVEX_ACQUIRE(device)
+        : m_device(device) {
+        if (!device.OwnedByCaller()) {
+            CheckNotInScanCallback(manager);
+        }
+        device.Enter();
+    }
+    ~DeviceGuard() KORVEX_RELEASE() { m_device.Leave(); }
+    DeviceGuard(const DeviceGuard&) = delete;
+    DeviceGuard& operator=(const DeviceGuard&) = delete;
+
+private:
+    os::CriticalSection& m_device;
+};
 
 }  // namespace Korvex3Sync

@@ -38,8 +38,7 @@ RETSTATUS IManagerSync::SetStatusCallBackFunction(StatusCallBackFunction callbac
         return STATUS_SUCCESS;
     }
     {
-        CheckNotInScanCallback(this);
-        os::CriticalSectionGuard device(m_csDevice);
+        const DeviceGuard device(this, m_csDevice);
         const StatusCallBackFunction previous = store();
         m_bContinueStatusThread = true;
         if (!m_hStatusThread.Start([this] { StatusThreadFun(); })) {

@@ -3,15 +3,17 @@
 #include <atomic>
 #include <climits>
 #include <condition_variable>
+#include <memory>
 #include <mutex>
 #include <thread>
 
 #include "camera/Listener.h"
 #include "camera/PhysicalCameraThread.h"
+#include "platform/os/Clock.h"
 #include "platform/os/TimeScale.h"
 #include "recorder/Recorder.h"
 #include "support/LogCapture.h"
-#include "support/PackedFrames.h"
+#include "support/WaitUntil.h"
 
 namespace Korvex3Sync {
 namespace {
@@ -221,12 +223,17 @@ TEST_F(CameraThread, APauseHoldsFramesBackAndResumeLetsThemThrough) {
     ASSERT_TRUE(m_camera.StartThread());
     ASSERT_TRUE(Recorder::Get().WaitForCount("SnapShot", 1));
     m_camera.PauseThread();
-    const auto before = Recorder::Get().Count("SnapShot");
+    const auto before = Recorder::Get().Count("SnapShot(C1)");
+    {
+        // For as long as a camera that is not paused takes for several snaps.
+        CPhysicalCameraThread other(&m_listener);
+        ASSERT_TRUE(other.InializeCamera("KV00R1"));
+        ASSERT_TRUE(other.OpenCamera("KV00R1", 8, 4));
+        ASSERT_TRUE(other.StartThread());
+        ASSERT_TRUE(Recorder::Get().WaitForCount("SnapShot(C2)", 5));
+    }
+    EXPECT_EQ(Recorder::Get().Count("SnapShot(C1)"), before);
     Push(1);
-    // Several snaps long nothing is fetched.
-    std::this_thread::sleep_for(std::chrono::milliseconds(100));
-    EXPECT_TRUE(m_frames.Seen().empty());
-    EXPECT_EQ(Recorder::Get().Count("SnapShot"), before);
     // The pausing thread may use the camera and the pause lock meanwhile.
     m_camera.SetScanCallBackFunction(&Frames::Receive, &m_frames);
     EXPECT_TRUE(m_camera.SetExposure(5));
@@ -255,23 +262,43 @@ TEST_F(CameraThread, StopEndsWithinOneSnapAndUnlocksTheOthers) {
 }
 
 TEST_F(CameraThread, ALoopWithoutACameraWaitsInsteadOfSpinning) {
+    const auto counters = std::make_shared<GrabCounters>();
+    m_camera.CountInto(counters);
     Open();
     ASSERT_TRUE(m_camera.StartThread());
     m_camera.PauseThread();
-    testing::internal::CaptureStdout();
     m_camera.ReleaseCamera();
+    const std::uint64_t before = counters->failedSnaps;
     const auto begin = std::chrono::steady_clock::now();
     m_camera.ResumeThread();
-    std::this_thread::sleep_for(std::chrono::milliseconds(250));
+    ASSERT_TRUE(support::WaitUntil([&] { return counters->failedSnaps >= before + 4; }));
+    EXPECT_GE(std::chrono::steady_clock::now() - begin, 3 * std::chrono::milliseconds(100))
+        << "as long after each as a snap without a frame takes";
     m_camera.StopThread();
-    const auto slept = std::chrono::steady_clock::now() - begin;
-    const std::string printed = testing::internal::GetCapturedStdout();
-    std::size_t failures = 0;
-    for (std::size_t at = 0; (at = printed.find("Snap Failed", at)) != std::string::npos; ++at) {
-        ++failures;
-    }
-    // One failure for each 100 ms; a spinning loop prints thousands.
-    EXPECT_LE(failures, static_cast<std::size_t>(slept / std::chrono::milliseconds(100)) + 2);
+}
+
+TEST_F(CameraThread, WhileACallerUsesTheCameraTheLoopLeavesItAloneAfterEachSnap) {
+    const os::ScopedTimeScale slow(30);  // longer than a snap without a frame
+    std::mutex mutex;
+    std::vector<std::chrono::steady_clock::time_point> snaps;
+    const auto begun = [&] {
+        std::lock_guard lock(mutex);
+        return snaps.size();
+    };
+    Recorder::Get().OnCall("SnapShot", [&] {
+        std::lock_guard lock(mutex);
+        snaps.push_back(std::chrono::steady_clock::now());
+    });
+    std::size_t first = 0;
+    Recorder::Get().OnCall("SetExposureTime", [&] {
+        first = begun();  // the next snap, and the pause after it, lie within the call
+        EXPECT_TRUE(support::WaitUntil([&] { return begun() >= first + 2; }));
+    });
+    Open();
+    ASSERT_TRUE(m_camera.StartThread());
+    EXPECT_TRUE(m_camera.SetExposure(5));
+    m_camera.StopThread();
+    EXPECT_GE(snaps[first + 1] - snaps[first], os::Scaled(std::chrono::milliseconds(10)));
 }
 
 TEST_F(CameraThread, OpeningARunningCameraStopsAndClosesItFirst) {

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <chrono>
 #include <thread>
 
 #include "platform/os/Event.h"
@@ -12,20 +13,36 @@ namespace {
 
 using namespace std::chrono_literals;
 
+/// Another thread that enters once, and leaves at once. Joined.
+class Entrant {
+public:
+    explicit Entrant(PauseLock& lock)
+        : m_thread([this, &lock] {
+              lock.Enter();
+              m_entered.Set();
+              lock.Leave();
+          }) {}
+    ~Entrant() { m_thread.join(); }
+    Entrant(const Entrant&) = delete;
+    Entrant& operator=(const Entrant&) = delete;
+
+    /// Whether it is kept out for as long as a thread that is let in needs many times.
+    bool StaysOutside() { return m_entered.Wait(100ms) == os::WaitResult::TimedOut; }
+    bool ComesIn() { return m_entered.Wait(1min) == os::WaitResult::Signalled; }
+
+private:
+    os::Event m_entered;
+    std::thread m_thread;
+};
+
 TEST(PauseLock, APauseKeepsOthersOutUntilItEnds) {
     PauseLock lock;
     lock.BeginPause();
     EXPECT_TRUE(lock.Paused());
-    os::Event entered;
-    std::thread grab([&] {
-        lock.Enter();
-        entered.Set();
-        lock.Leave();
-    });
-    EXPECT_EQ(entered.Wait(50ms), os::WaitResult::TimedOut);
+    Entrant grab(lock);
+    EXPECT_TRUE(grab.StaysOutside());
     lock.EndPause();
-    grab.join();
-    EXPECT_TRUE(entered.IsSet());
+    EXPECT_TRUE(grab.ComesIn());
     EXPECT_FALSE(lock.Paused());
 }
 
@@ -33,10 +50,7 @@ TEST(PauseLock, AnyThreadEndsAPause) {
     PauseLock lock;
     std::thread([&] { lock.BeginPause(); }).join();
     lock.EndPause();
-    std::thread([&] {
-        lock.Enter();
-        lock.Leave();
-    }).join();
+    EXPECT_TRUE(Entrant(lock).ComesIn());
     EXPECT_FALSE(lock.Paused());
 }
 
@@ -44,24 +58,19 @@ TEST(PauseLock, EndingAPauseNeverReleasesAnotherHold) {
     PauseLock lock;
     os::Event held;
     os::Event letGo;
-    std::atomic<bool> inside{true};
     std::thread grab([&] {
         lock.Enter();
         held.Set();
         letGo.Wait();
-        inside = false;
         lock.Leave();
     });
     held.Wait();
     lock.EndPause();  // there is no pause: nothing happens
-    std::thread other([&] {
-        lock.Enter();
-        EXPECT_FALSE(inside);
-        lock.Leave();
-    });
+    Entrant other(lock);
+    EXPECT_TRUE(other.StaysOutside());
     letGo.Set();
     grab.join();
-    other.join();
+    EXPECT_TRUE(other.ComesIn());
 }
 
 TEST(PauseLock, ThePausingThreadMayEnterAgain) {
@@ -69,32 +78,37 @@ TEST(PauseLock, ThePausingThreadMayEnterAgain) {
     lock.BeginPause();
     lock.Enter();
     std::thread([&] { lock.EndPause(); }).join();
-    std::atomic<bool> mine{true};
-    std::thread other([&] {
-        lock.Enter();
-        EXPECT_FALSE(mine) << "the inner hold outlasts the pause";
-        lock.Leave();
-    });
-    mine = false;
+    Entrant other(lock);
+    EXPECT_TRUE(other.StaysOutside()) << "the inner hold outlasts the pause";
     lock.Leave();
-    other.join();
+    EXPECT_TRUE(other.ComesIn());
 }
 
 TEST(PauseLock, AThreadThatEntersBackToBackCannotKeepAPauseOut) {
+    constexpr int kRounds = 20;
     PauseLock lock;
-    std::atomic<bool> end{false};
-    std::thread grab([&] {
-        while (!end) {
-            lock.Enter();
-            lock.Leave();
-        }
-    });
-    for (int i = 0; i < 100; ++i) {
-        lock.BeginPause();
-        lock.EndPause();
+    int pausedBetween = 0;
+    lock.Enter();
+    for (int round = 0; round < kRounds; ++round) {
+        os::Event asking;
+        std::atomic<bool> paused{false};
+        std::thread pauser([&] {
+            asking.Set();
+            lock.BeginPause();
+            paused = true;
+            lock.EndPause();
+        });
+        asking.Wait();
+        std::this_thread::sleep_for(10ms);  // now it has asked, nearly always
+        lock.Leave();
+        lock.Enter();
+        pausedBetween += paused ? 1 : 0;
+        lock.Leave();
+        pauser.join();
+        lock.Enter();
     }
-    end = true;
-    grab.join();
+    lock.Leave();
+    EXPECT_GE(pausedBetween, kRounds / 2);
 }
 
 }  // namespace

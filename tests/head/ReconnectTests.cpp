@@ -48,6 +48,11 @@ protected:
         EXPECT_EQ(statistics.missingKeys, 0U);
         EXPECT_EQ(statistics.repeatedKeys, 0U);
     }
+    std::uint64_t Missing() {
+        ScanStatistics statistics;
+        EXPECT_EQ(GetScanStatistics(m_handle, statistics), STATUS_SUCCESS);
+        return statistics.missingKeys;
+    }
     virtual_head::Faults& Faults() { return Head().GetFaults(); }
     Calls Journal(const Calls& calls = {}) { return Head().GetJournal().Texts(calls); }
 
@@ -102,6 +107,23 @@ TEST_F(ReconnectedHead, NothingIsMissingAcrossIt) {
         ASSERT_EQ(ReconnectDevice(m_handle), STATUS_SUCCESS);
         ASSERT_TRUE(ScanGoesOn()) << round;
         ExpectNothingMissing();
+    }
+}
+
+TEST_F(ReconnectedHead, WhatIsMissingBeforeAndAfterItStaysCounted) {
+    Scan();
+    std::uint64_t lost = 0;
+    for (int round = 0; round < 3; ++round) {
+        virtual_head::FaultOrder skip;
+        skip.kind = virtual_head::FaultKind::SkipKeys;
+        skip.times = 3 + round;
+        lost += 3 + static_cast<std::uint64_t>(round);
+        ASSERT_TRUE(Faults().Order(skip));
+        ASSERT_TRUE(ScanGoesOn());
+        EXPECT_EQ(Missing(), lost) << "before " << round;
+        ASSERT_EQ(ReconnectDevice(m_handle), STATUS_SUCCESS);
+        ASSERT_TRUE(ScanGoesOn());
+        EXPECT_EQ(Missing(), lost) << "after " << round;
     }
 }
 

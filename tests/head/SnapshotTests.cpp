@@ -148,7 +148,11 @@ TEST_F(SnapshotOfHead, BesideAReconnectionEndsOneWayOrTheOther) {
     const RETSTATUS status = Snap();
     other.join();
     EXPECT_TRUE(status == STATUS_SUCCESS || status == STATUS_FAILED);
-    EXPECT_EQ(m_images.size(), status == STATUS_SUCCESS ? 2u : 0u);
+    const std::size_t images = status == STATUS_SUCCESS ? 2 : 0;
+    ASSERT_EQ(m_images.size(), images);
+    // Neither left a camera paused, a lock held or a slot taken.
+    ASSERT_EQ(Snap(), STATUS_SUCCESS);
+    ExpectColorImages(images + 2);
 }
 
 class ParametersOfHead : public HeadSession {

@@ -163,6 +163,7 @@ bool Recorder::Add(const std::string& name, const std::string& arguments) {
         std::lock_guard lock(m_mutex);
         const std::string text = name + "(" + arguments + ")";
         const std::uint64_t number = ++m_counts[name];
+        ++m_counts[text];
         const auto thread = std::this_thread::get_id();
         if (name == kSnap) {
             m_grabThreads.insert(thread);

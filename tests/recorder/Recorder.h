@@ -69,8 +69,9 @@ public:
     std::vector<std::string> CallsInOrder() const;
     /// The calls that other threads made, in order, but for snaps and what grab threads ask after.
     std::vector<std::string> CallsOfOthers() const;
+    /// Calls of this name, or with these arguments: "SnapShot" or "SnapShot(C1)".
     std::uint64_t Count(const std::string& name) const;
-    /// Waits until a call of this name was made `times` times since Reset.
+    /// Waits until a call that `Count` counts was made `times` times since Reset.
     bool WaitForCount(const std::string& name, std::uint64_t times) const;
     /// Waits until `snaps` snaps were fetched since Reset and the grab thread has come back from
     /// handling the last of them.

@@ -4,10 +4,14 @@
 #include <functional>
 #include <mutex>
 #include <stdexcept>
+#include <string>
+#include <thread>
 #include <utility>
 
+#include "platform/os/Event.h"
 #include "support/LogCapture.h"
 #include "support/PackedFrames.h"
+#include "support/WaitUntil.h"
 #include "sync/Head.h"
 
 namespace Korvex3Sync {
@@ -165,6 +169,44 @@ TEST_F(FrameHandler, ABoardOperationInAScanCallbackIsToldOf) {
     EXPECT_EQ(m_log.Errors(), 0);
 #endif
 }
+
+#ifdef KORVEX_CHECKS
+TEST_F(FrameHandler, AnOperationInAScanCallbackIsToldOfBeforeItWaits) {
+    const std::function<void(IManagerSync&)> operations[] = {
+        [](IManagerSync& m) { m.Project(PROJECT_OFF); },
+        [](IManagerSync& m) { m.SetStrobeControlledByTrigger(CONTROL_ROUTE_1, STROBE_STATE_1); },
+        [](IManagerSync& m) {
+            std::string version;
+            m.GetFirewareVersion("BOARD", version);
+        },
+        [](IManagerSync& m) {
+            int width = 0;
+            int height = 0;
+            m.GetCameraResolution(0, width, height);
+        }};
+    std::size_t next = 0;
+    m_sets.action = [&](auto&, auto&) { operations[next](m_manager); };
+    Scan();
+    for (unsigned char key = 0; next < std::size(operations) && !HasFailure(); ++next, ++key) {
+        os::Event held;
+        os::Event letGo;
+        Recorder::Get().OnCall("zr3DSetProjectorBrightness", [&] {
+            held.Set();
+            letGo.Wait();
+        });
+        std::thread holder([this] { m_manager.SetProjectorBrightness(1); });
+        held.Wait();
+        Mono(10, key);
+        Color(30, key);
+        EXPECT_TRUE(support::WaitUntil([&] { return m_log.Errors() > static_cast<int>(next); }))
+            << "operation " << next << " waits and says nothing";
+        letGo.Set();
+        holder.join();
+        EXPECT_TRUE(m_sets.WaitFor(next + 1));
+        EXPECT_EQ(m_log.Errors(), static_cast<int>(next) + 1) << "once";
+    }
+}
+#endif
 
 TEST_F(FrameHandler, NoCallComesOnceTheSetterHasReturned) {
     Scan();

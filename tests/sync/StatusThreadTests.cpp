@@ -7,7 +7,6 @@
 #include <thread>
 #include <utility>
 
-#include "platform/os/Clock.h"
 #include "platform/os/Event.h"
 #include "platform/os/TimeScale.h"
 #include "support/LogCapture.h"
@@ -107,10 +106,17 @@ TEST_F(StatusThread, ANullCallbackSwitchesTheHeartbeatOffAndSilencesTheThread) {
     EXPECT_EQ(Set(nullptr, &m_reports), STATUS_SUCCESS);
     EXPECT_EQ(Recorder::Get().Calls().back(), "zr3DEnableHeartbeat(B1, 0)");
     EXPECT_TRUE(m_log.Has("ManagerSync: SetStatusCallBackFunction close heart beat."));
-    const auto polls = Recorder::Get().Count("zr3DQueryCurrentStatus");
+    const auto polls = Recorder::Get().Count("zr3DQueryCurrentStatus(B1)");
     const auto calls = m_reports.Seen().size();
-    os::SleepFor(std::chrono::milliseconds(2000));
-    EXPECT_LE(Recorder::Get().Count("zr3DQueryCurrentStatus"), polls + 1)
+    {
+        // For as long as the thread of another board takes for ten polls.
+        Reports others;
+        IManagerSync other;
+        ASSERT_EQ(other.InitProjector(""), STATUS_SUCCESS);
+        other.SetStatusCallBackFunction(&Reports::Receive, &others);
+        ASSERT_TRUE(Recorder::Get().WaitForCount("zr3DQueryCurrentStatus(B2)", 10));
+    }
+    EXPECT_LE(Recorder::Get().Count("zr3DQueryCurrentStatus(B1)"), polls + 1)
         << "one poll may have been under way; then the board is left alone";
     EXPECT_EQ(m_reports.Seen().size(), calls) << "no call once the setter has returned";
     Report();
