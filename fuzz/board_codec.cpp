@@ -24,6 +24,10 @@ void Require(bool holds) {
     }
 }
 
+bool Same(const board::Payload& one, const board::Payload& other) {
+    return std::ranges::equal(one.Bytes(), other.Bytes());
+}
+
 /// What was decoded says the same when it is encoded and decoded again.
 void CheckCommand(std::span<const std::uint8_t> bytes) {
     const auto decoded = board::DecodeCommand(bytes);
@@ -34,7 +38,41 @@ void CheckCommand(std::span<const std::uint8_t> bytes) {
     const auto again = board::DecodeCommand(board::EncodeCommand(*message));
     const auto* const same = std::get_if<board::CommandMessage>(&again);
     Require(same != nullptr && same->command == message->command &&
-            same->sequence == message->sequence && same->payload.Size() == message->payload.Size());
+            same->sequence == message->sequence && Same(same->payload, message->payload));
+}
+
+/// An encoded reply is decoded as what it was, unless its payload is none of its command; and it is
+/// the reply to nothing else.
+void CheckEncodedReply(const board::CommandInfo& info, const board::ReplyMessage& message) {
+    const board::Report report = board::EncodeReply(message);
+    const auto decoded = board::DecodeReply(report, message.command, message.sequence);
+    if (message.status == board::Status::Ok && !info.reply.Fits(message.payload.Size())) {
+        Require(std::get<board::Refusal>(decoded) == board::Refusal::BadLength);
+    } else {
+        const auto& same = std::get<board::ReplyMessage>(decoded);
+        Require(same.command == message.command && same.sequence == message.sequence &&
+                same.status == message.status && Same(same.payload, message.payload));
+    }
+    const auto later = static_cast<std::uint16_t>(message.sequence + 1);
+    Require(std::get<board::Refusal>(board::DecodeReply(report, message.command, later)) ==
+            board::Refusal::WrongSequence);
+    const auto other = static_cast<board::Command>(static_cast<std::uint8_t>(message.command) ^ 1U);
+    Require(std::get<board::Refusal>(board::DecodeReply(report, other, message.sequence)) ==
+            board::Refusal::WrongCommand);
+}
+
+/// The bytes as a reply to every command, with the number that they carry.
+void CheckReply(std::span<const std::uint8_t> bytes) {
+    const auto number = [&](std::size_t place) {
+        return place < bytes.size() ? bytes[place] : std::uint8_t{0};
+    };
+    const auto sequence = static_cast<std::uint16_t>(number(6) | number(7) << 8);
+    for (const board::CommandInfo& info : board::AllCommands()) {
+        const auto decoded = board::DecodeReply(bytes, info.command, sequence);
+        if (const auto* const message = std::get_if<board::ReplyMessage>(&decoded)) {
+            CheckEncodedReply(info, *message);
+        }
+    }
 }
 
 /// The virtual board answers every command that is one with a reply to it, and nothing else.
@@ -61,14 +99,30 @@ void CheckAsCommand(std::span<const std::uint8_t> bytes) {
     CheckBoard(board::EncodeCommand(message));
 }
 
+/// The same for a reply: command, status, number and payload.
+void CheckAsReply(std::span<const std::uint8_t> bytes) {
+    constexpr std::size_t kHead = 4;
+    if (bytes.size() < kHead) {
+        return;
+    }
+    const auto commands = board::AllCommands();
+    const board::CommandInfo& info = commands[bytes[0] % commands.size()];
+    board::ReplyMessage message{info.command,
+                                static_cast<std::uint16_t>(bytes[2] | bytes[3] << 8),
+                                static_cast<board::Status>(bytes[1]),
+                                {}};
+    const auto payload = bytes.subspan(kHead);
+    message.payload.PutBytes(payload.first(std::min(payload.size(), board::Payload::kCapacity)));
+    CheckEncodedReply(info, message);
+}
+
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const std::span bytes(data, size);
     CheckCommand(bytes);
-    for (const board::CommandInfo& info : board::AllCommands()) {
-        board::DecodeReply(bytes, info.command, 0);
-    }
+    CheckReply(bytes);
+    CheckAsReply(bytes);
     board::Report report{};
     std::copy_n(bytes.begin(), std::min(bytes.size(), report.size()), report.begin());
     CheckBoard(report);

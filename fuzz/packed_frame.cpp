@@ -1,11 +1,17 @@
-// The packed-frame split beside a plain loop, on frames of any size.
+// The packed-frame split beside a plain loop, on frames of any size: of bytes, and of a camera.
 
+#include <glog/logging.h>
+
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
 #include <vector>
 
+#include "camera/ImagePool.h"
 #include "camera/PackedFrameSplit.h"
+#include "camera/PhysicalCameraThread.h"
+#include "recorder/Recorder.h"
 
 namespace {
 
@@ -13,9 +19,18 @@ using Pixels = std::vector<unsigned char>;
 
 constexpr std::size_t kGroup = 4;
 constexpr std::size_t kMarkerBytes = 12;
+/// The heights that a frame's number of pixels is divided by, the first one that fits.
+constexpr std::size_t kHeights[] = {8, 4, 3, 2, 1};
+
+void Require(bool holds) {
+    if (!holds) {
+        std::abort();
+    }
+}
 
 /// What the split of `packed` has to be; `start` is the image's place in each 8 bytes.
-Pixels Expected(const Pixels& packed, std::size_t pixels, std::size_t start) {
+Pixels Expected(const Pixels& packed, std::size_t start) {
+    const std::size_t pixels = packed.size() / 2;
     Pixels image(pixels, 0);
     for (std::size_t i = 0; i + kGroup <= pixels; i += kGroup) {
         for (std::size_t k = 0; k < kGroup; ++k) {
@@ -25,28 +40,79 @@ Pixels Expected(const Pixels& packed, std::size_t pixels, std::size_t start) {
     return image;
 }
 
-void Require(bool holds) {
-    if (!holds) {
-        std::abort();
+bool ExpectedMarker(const Pixels& packed) {
+    const Pixels start{0xAA, 0xAA, 0x55, 0x55};
+    const Pixels end{0xAA, 0x55, 0x55};
+    return packed.size() >= kMarkerBytes &&
+           std::equal(start.begin(), start.end(), packed.begin()) &&
+           std::equal(end.begin(), end.end(), packed.begin() + 9);
+}
+
+void CheckPixels(const Pixels& packed, const Pixels& left, const Pixels& right) {
+    Pixels first(left.size(), 0xEE);
+    Pixels second(right.size(), 0xEE);
+    Korvex3Sync::SplitPackedPixels(packed.data(), first.size(), first.data(), second.data());
+    Require(first == left);
+    Require(second == right);
+    Pixels alone(right.size(), 0xEE);
+    Korvex3Sync::SplitPackedPixels(packed.data(), alone.size(), nullptr, alone.data());
+    Require(alone == right);
+}
+
+class Listener : public Korvex3Sync::PhysicalCameraThreadListener {
+public:
+    void OnThreadNotify(int, int) override {}
+    void OnThreadSignal(int) override {}
+};
+
+/// The images of a camera that delivers frames of this many pixels.
+void CheckCamera(const Pixels& packed, const std::vector<Pixels>& expected) {
+    std::size_t height = 0;
+    for (const std::size_t fits : kHeights) {
+        height = height == 0 && packed.size() / 2 % fits == 0 ? fits : height;
+    }
+    const int rows = static_cast<int>(height);
+    const int columns = static_cast<int>(packed.size() / 2 / height);
+    recorder::Recorder::Get().Reset();
+    Listener listener;
+    Korvex3Sync::CPhysicalCameraThread camera(&listener);
+    Require(camera.InializeCamera("KV00R1") && camera.OpenCamera("KV00R1", columns, rows));
+    Korvex3Sync::ImagePool pool;
+    std::vector<unsigned char*> images;
+    std::vector<int> widths;
+    std::vector<int> heights;
+    std::vector<int> channels;
+    Require(camera.SplitPackedFrame(images, widths, heights, channels, packed.data(), pool));
+    const std::size_t count = expected.size();
+    Require(images.size() == count && pool.Lent() == count);
+    Require(widths == std::vector<int>(count, columns));
+    Require(heights == std::vector<int>(count, rows));
+    Require(channels == std::vector<int>(count, 1));
+    for (std::size_t i = 0; i < count; ++i) {
+        Require(Pixels(images[i], images[i] + expected[i].size()) == expected[i]);
+        pool.Release(images[i]);
     }
 }
 
 }  // namespace
 
+extern "C" int LLVMFuzzerInitialize(int*, char***) {
+    FLAGS_minloglevel = google::GLOG_FATAL;
+    return 0;
+}
+
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     // Exactly as large as the frame: a read or write behind it is found.
-    const std::size_t pixels = size / 2;
-    const Pixels packed(data, data + 2 * pixels);
+    const Pixels packed(data, data + size / 2 * 2);
+    const bool color = ExpectedMarker(packed);
     if (packed.size() >= kMarkerBytes) {
-        Korvex3Sync::HasColorMarker(packed.data());
+        Require(Korvex3Sync::HasColorMarker(packed.data()) == color);
     }
-    Pixels first(pixels, 0xEE);
-    Pixels second(pixels, 0xEE);
-    Korvex3Sync::SplitPackedPixels(packed.data(), pixels, first.data(), second.data());
-    Require(first == Expected(packed, pixels, 0));
-    Require(second == Expected(packed, pixels, kGroup));
-    Pixels alone(pixels, 0xEE);
-    Korvex3Sync::SplitPackedPixels(packed.data(), pixels, nullptr, alone.data());
-    Require(alone == second);
+    const Pixels left = Expected(packed, 0);
+    const Pixels right = Expected(packed, kGroup);
+    CheckPixels(packed, left, right);
+    if (!packed.empty()) {
+        CheckCamera(packed, color ? std::vector<Pixels>{right} : std::vector<Pixels>{left, right});
+    }
     return 0;
 }

@@ -6,6 +6,7 @@
 #include "board/EveryCall.h"
 #include "board/OpenBoard.h"
 #include "support/RequestedHead.h"
+#include "support/WaitUntil.h"
 
 namespace Korvex3Sync::board {
 namespace {
@@ -149,7 +150,7 @@ TEST(MuteBoard, GoesOnTriggering) {
     ASSERT_TRUE(head->GetFaults().Order(Of(FaultKind::BoardMute)));
     const auto triggers = head->Clock().Triggers();
     EXPECT_FALSE(zr3DSetVideoTrigleMode(board.handle, MASK_TRIGGER_MODE{5}));
-    EXPECT_GT(head->Clock().Triggers(), triggers);
+    EXPECT_TRUE(support::WaitUntil([&] { return head->Clock().Triggers() > triggers; }));
 }
 
 TEST(LateBoard, DelaysItsAnswersAndDoesAtOnceWhatItIsTold) {
@@ -186,12 +187,10 @@ TEST(LateBoard, HoldsUpNoClosing) {
     const RequestedHead head;
     OpenedBoard board;
     FaultOrder late = Of(FaultKind::BoardLate);
-    late.extra = 10min;
+    late.extra = 10min;  // longer than a test may take
     ASSERT_TRUE(head->GetFaults().Order(late));
     EXPECT_FALSE(zr3DProject(board.handle, PROJECTTYPE{2}));
-    const auto start = std::chrono::steady_clock::now();
     EXPECT_TRUE(zr3DExitHidDev(board.handle));
-    EXPECT_LT(std::chrono::steady_clock::now() - start, 5min);
 }
 
 }  // namespace

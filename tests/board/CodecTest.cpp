@@ -8,6 +8,7 @@
 #include <set>
 
 #include "board/Samples.h"
+#include "support/Seed.h"
 
 namespace Korvex3Sync::board {
 namespace {
@@ -176,10 +177,7 @@ TEST(Codec, EveryRefusalHasItsOwnText) {
 }
 
 TEST(Codec, LooksAtAnyBytesWithoutHarm) {
-    const unsigned seed = std::random_device{}();
-    RecordProperty("seed", std::to_string(seed));
-    std::cout << "seed " << seed << "\n";
-    std::mt19937 random(seed);
+    std::mt19937 random(support::Seed());
     std::uniform_int_distribution<int> byte(0, 255);
     const Report good = SampleReply();
     int taken = 0;

@@ -8,6 +8,7 @@
 #include <thread>
 
 #include "board/Samples.h"
+#include "support/Seed.h"
 #include "virtual_head/Faults.h"
 #include "virtual_head/Journal.h"
 
@@ -175,9 +176,7 @@ TEST_F(VirtualBoardTest, RefusesPartsOutsideAPage) {
 }
 
 TEST_F(VirtualBoardTest, StandsAnyCommandWithAnyPayload) {
-    const unsigned seed = std::random_device{}();
-    std::cout << "seed " << seed << "\n";
-    std::mt19937 random(seed);
+    std::mt19937 random(support::Seed());
     std::uniform_int_distribution<int> byte(0, 255);
     std::uniform_int_distribution<int> small(-1, 300);
     for (int round = 0; round < 20000; ++round) {

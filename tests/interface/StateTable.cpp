@@ -25,35 +25,47 @@ std::function<RETSTATUS(void* const&)> CallOf(const std::string& name) {
     return {};
 }
 
+/// What asks no camera, which may be as it likes.
+Row WithoutCamera(const std::string& name, const Cell& connected, const Cell& noBoard,
+                  const Cell& boardLost) {
+    return {name, CallOf(name), connected, noBoard, boardLost, connected, connected};
+}
 /// A board operation that a lost board refuses, and one that is sent all the same.
 Row Refused(const std::string& name, const Calls& calls) {
-    return {name, CallOf(name), {k7, calls}, {k6, {}}, {k0, {}}, {k7, calls}};
+    return WithoutCamera(name, {k7, calls}, {k6, {}}, {k0, {}});
 }
 Row Sent(const std::string& name, const Calls& calls) {
-    return {name, CallOf(name), {k7, calls}, {k6, {}}, {k7, calls}, {k7, calls}};
+    return WithoutCamera(name, {k7, calls}, {k6, {}}, {k7, calls});
 }
-/// What reaches a camera: C1 at connect, C2 after the reconnection that found no board.
+/// What reaches a camera: C1 at connect, C2 after the reconnection that found no board. A camera
+/// that fails is asked the same, and never spoils the answer.
 Row Camera(const std::string& name, const Calls& one, const Calls& two, const Calls& closed) {
-    return {name, CallOf(name), {k7, one}, {k7, two}, {k7, one}, {k7, closed}};
+    return {name, CallOf(name), {k7, one}, {k7, two}, {k7, one}, {k7, closed}, {k7, one}};
 }
 Row Retired(const std::string& name) {
-    return {name, CallOf(name), {k5, {}}, {k5, {}}, {k5, {}}, {k5, {}}, k5};
+    const Cell cell{k5, {}};
+    return {name, CallOf(name), cell, cell, cell, cell, cell, cell};
 }
 
 std::string Open(const std::string& serial) {
     return "zr3DInitHidDev(null, 3267, 5752, " + serial + ")";
 }
 
+Calls operator+(Calls first, const Calls& second) {
+    first.insert(first.end(), second.begin(), second.end());
+    return first;
+}
+
+Calls Reopened(const std::string& camera) {
+    return {"CloseCamera(" + camera + ")", "OpenCamera(" + camera + ", KV00R1, 8, 4)",
+            "GetDeviceType(" + camera + ")", "StartCamera(" + camera + ", 0)"};
+}
+
+const Calls kBoardReopened{"zr3DExitHidDev(B1)", Open("BOARD"), "zr3DQueryCurrentStatus(B2)"};
+
 /// The write-back of a connection in which nothing was set.
-Calls Reconnected(const std::string& camera) {
-    return {"zr3DExitHidDev(B1)",
-            Open("BOARD"),
-            "zr3DQueryCurrentStatus(B2)",
-            "CloseCamera(" + camera + ")",
-            "OpenCamera(" + camera + ", KV00R1, 8, 4)",
-            "GetDeviceType(" + camera + ")",
-            "StartCamera(" + camera + ", 0)",
-            "zr3DOpenOrCloseStrobeFlicker(B2, 2, 1)",
+Calls WrittenBack() {
+    return {"zr3DOpenOrCloseStrobeFlicker(B2, 2, 1)",
             "zr3DSetDistanceIndicateState(B2, 0)",
             "zr3DProject(B2, 0)",
             "zr3DSetProjectorBrightness(B2, 10)",
@@ -74,9 +86,8 @@ Calls Reconnected(const std::string& camera) {
             "zr3DEnableHeartbeat(B2, 1)"};
 }
 
-Calls operator+(Calls first, const Calls& second) {
-    first.insert(first.end(), second.begin(), second.end());
-    return first;
+Calls Reconnected(const std::string& camera) {
+    return kBoardReopened + Reopened(camera) + WrittenBack();
 }
 
 const Calls kSnapFirst{"zr3DSetVideoTrigleMode(B1, 5)", "zr3DOpenOrCloseStrobeFlicker(B1, 1, 3)",
@@ -92,6 +103,7 @@ Calls SnapSecond(const std::string& word) {
 
 std::vector<Row> Cameras() {
     const Calls released{"ReleaseCamera(C1)", "CreateCamera(KV00R1)"};
+    const std::string word = "SetCameraIntParam(C1, 5, 1034)";
     return {
         Camera("CloseDeviceCamera", {"ReleaseCamera(C1)"}, {"ReleaseCamera(C2)"}, {}),
         Camera("GetConnectCameraCount", {}, {}, {}),
@@ -99,8 +111,13 @@ std::vector<Row> Cameras() {
         Camera("GetCameraSerialNumber", {"GetSerialNo(C1)"}, {"GetSerialNo(C2)"},
                {"GetSerialNo(null)"}),
         Camera("GetCameraResolution", {"GetResolution(C1)"}, {"GetResolution(C2)"}, {}),
-        Camera("SetCameraExposureAndGain", {"SetCameraIntParam(C1, 5, 1034)"},
-               {"SetCameraIntParam(C2, 5, 1034)"}, {}),
+        {"SetCameraExposureAndGain",
+         CallOf("SetCameraExposureAndGain"),
+         {k7, {word}},
+         {k7, {"SetCameraIntParam(C2, 5, 1034)"}},
+         {k7, {word}},
+         {k7, {}},
+         {k7, {word, word}}},  // tried a second time
         Camera("GetCameraExposureAndGain",
                {"SetCameraIntParam(C1, 5, 0)", "GetExposureTime(C1)", "SetCameraIntParam(C1, 5, 0)",
                 "GetGain(C1)"},
@@ -116,6 +133,7 @@ std::vector<Row> Cameras() {
          {k7, kSnapFirst + SnapSecond("1034")},
          kNoSnap,
          kNoSnap,
+         {k0, kSnapFirst},
          {k0, kSnapFirst}},
         {"SnapColorImageForIR",
          CallOf("SnapColorImageForIR"),
@@ -124,13 +142,9 @@ std::vector<Row> Cameras() {
                         "SetCameraIntParam(C1, 5, 2068)", "zr3DSetVideoTrigleMode(B1, 4)"}},
          kNoSnap,
          kNoSnap,
+         {k0, kSnapFirst},
          {k0, kSnapFirst}},
-        {"SetScanCallBackFunction",
-         CallOf("SetScanCallBackFunction"),
-         {k7, {}},
-         {k7, {}},
-         {k7, {}},
-         {k7, {}}},
+        WithoutCamera("SetScanCallBackFunction", {k7, {}}, {k7, {}}, {k7, {}}),
         {"ReconnectDevice",
          CallOf("ReconnectDevice"),
          {k7, released + Reconnected("C2")},
@@ -138,7 +152,8 @@ std::vector<Row> Cameras() {
          {k0, released + Calls{"zr3DExitHidDev(B1)", Open("BOARD"), "zr3DQueryCurrentStatus(B2)",
                                "zr3DResetDevice(B2)", "zr3DExitHidDev(B2)", Open("BOARD"),
                                "zr3DQueryCurrentStatus(B3)"}},
-         {k7, Calls{"CreateCamera(KV00R1)"} + Reconnected("C2")}},
+         {k7, Calls{"CreateCamera(KV00R1)"} + Reconnected("C2")},
+         {k7, released + kBoardReopened + WrittenBack()}},
     };
 }
 
@@ -177,12 +192,8 @@ std::vector<Row> Board() {
         Refused("EnableVideoTrigger", {"zr3DSetVideoTrigleMode(B1, 2)"}),
         Refused("SetDistanceIndicate", {"zr3DSetDistanceIndicateState(B1, 1)"}),
         // The heartbeat never changes the answer.
-        {"SetStatusCallBackFunction",
-         CallOf("SetStatusCallBackFunction"),
-         {k7, {"zr3DEnableHeartbeat(B1, 1)"}},
-         {k7, {}},
-         {k7, {"zr3DEnableHeartbeat(B1, 1)"}},
-         {k7, {"zr3DEnableHeartbeat(B1, 1)"}}},
+        WithoutCamera("SetStatusCallBackFunction", {k7, {"zr3DEnableHeartbeat(B1, 1)"}}, {k7, {}},
+                      {k7, {"zr3DEnableHeartbeat(B1, 1)"}}),
     };
 }
 
@@ -200,14 +211,17 @@ std::vector<Row> RowsWithBodies() {
          {k7, reset},
          {k1, {Open("")}},
          {k7, reset},
-         {k7, reset}},
-        {"GetFirewareVersion",
+         {k7, reset},
+         {k7, reset},
+         {k7, Calls{Open("")} + reset + boardClosed}},  // with a board of its own
+        {"GetFirewareVersion of a handle",
          [](void* const& h) {
              std::string text;
              return GetFirewareVersion(h, nullptr, "SN", text);
          },
          {k7, version},
          {k1, Calls{Open("SN")} + closedReconnected},  // a failed query ends the connection
+         {k7, version},
          {k7, version},
          {k7, version}},
         {"DisConnectDevice",
@@ -218,9 +232,9 @@ std::vector<Row> RowsWithBodies() {
          {k7, closed + boardClosed},
          {k7, closedReconnected},
          {k7, closed + Calls{"zr3DEnableHeartbeat(B1, 0)"} + boardClosed},
-         {k7, Calls{"UnlockOthers(null)"} + boardClosed}},
+         {k7, Calls{"UnlockOthers(null)"} + boardClosed},
+         {k7, closed + boardClosed}},
     };
-    rows[0].nullHandle = k1;  // a temporary one: it opens a board of its own, which fails here
     rows[1].endsOnFailure = true;
     rows[2].endsAlways = true;
     return rows;
@@ -228,7 +242,7 @@ std::vector<Row> RowsWithBodies() {
 
 std::vector<Row> EveryRow() {
     std::vector<Row> rows;
-    for (auto& part : {Cameras(), Board(), RowsWithBodies()}) {
+    for (auto& part : {Cameras(), Board(), RowsWithBodies(), RowsWithoutHandle()}) {
         rows.insert(rows.end(), part.begin(), part.end());
     }
     return rows;

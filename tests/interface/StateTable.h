@@ -15,21 +15,26 @@ struct Cell {
 };
 
 struct Row {
+    /// The export; for one of several functions of a name, with more words behind it.
     std::string name;
     std::function<RETSTATUS(void* const& handle)> call;
     Cell connected;
     Cell noBoard;
     Cell boardLost;
-    Cell camerasLost;
-    RETSTATUS nullHandle = STATUS_NOT_CONNECTED;
+    Cell camerasClosed;
+    Cell camerasFail;
+    /// With a null handle, and nothing connected.
+    Cell unconnected{STATUS_NOT_CONNECTED, {}};
     /// The handle has ended after this call in this state.
     bool endsAlways = false;
     bool endsOnFailure = false;
 };
 
-/// A row for every export that takes a handle.
+/// A row for every export.
 std::vector<Row> EveryRow();
 /// Those of them that have bodies of their own, and so are no entries of EveryExport.
 std::vector<Row> RowsWithBodies();
+/// The exports that take no handle. What is connected is nothing to them; what the devices do is.
+std::vector<Row> RowsWithoutHandle();
 
 }  // namespace Korvex3Sync

@@ -9,7 +9,7 @@
 #include <set>
 #include <sstream>
 
-#include "project/SourceTree.h"
+#include "project/DeclaredFunctions.h"
 #include "support/ChildProcess.h"
 
 namespace Korvex3Sync::tests {
@@ -63,25 +63,8 @@ std::string ExportedFunction(const std::string& symbol) {
     return symbol[space.size() + name.size()] == '(' ? name : "";
 }
 
-/// The words before "(" in the declarations of the public headers.
-std::set<std::string> DeclaredFunctions() {
-    const std::string mark = "KORVEX3SYNC_API ";
-    std::set<std::string> names;
-    for (const auto& [file, text] : ReadSourceTree({"include/Korvex3Sync"})) {
-        for (auto at = text.find(mark); at != std::string::npos; at = text.find(mark, at + 1)) {
-            const auto end = text.find('(', at);
-            // Not where the mark itself is defined.
-            if (text.substr(text.rfind('\n', at) + 1, 1) != "#" && end != std::string::npos) {
-                const auto start = text.find_last_of(" \n", end) + 1;
-                names.insert(text.substr(start, end - start));
-            }
-        }
-    }
-    return names;
-}
-
 TEST(Exports, AreTheDeclaredFunctionsAndNothingElse) {
-    std::set<std::string> exported;
+    std::multiset<std::string> exported;
     std::vector<std::string> others;
     for (const std::string& symbol : ExportsOf(KORVEX_LIBRARY)) {
         const std::string name = ExportedFunction(symbol);

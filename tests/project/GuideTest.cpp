@@ -1,9 +1,7 @@
 #include <gmock/gmock.h>
 
 #include <algorithm>
-#include <cctype>
 #include <filesystem>
-#include <set>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -83,52 +81,6 @@ TEST(Guide, NamesEverySampleFile) {
         const std::string file = path.substr(std::string(kSamples).size() + 1);
         EXPECT_NE(guide.find('`' + file + '`'), std::string::npos) << file;
     }
-}
-
-/// The names by which a page's headings are linked to.
-std::set<std::string> Anchors(const std::string& page) {
-    std::istringstream lines(page);
-    std::set<std::string> anchors;
-    for (std::string line; std::getline(lines, line);) {
-        const auto start = line.find_first_not_of('#');
-        if (start == 0 || start == std::string::npos || line[start] != ' ') {
-            continue;
-        }
-        std::string anchor;
-        for (const char letter : line.substr(start + 1)) {
-            const auto code = static_cast<unsigned char>(letter);
-            if (letter == ' ') {
-                anchor += '-';
-            } else if (std::isalnum(code) != 0 || letter == '-' || letter == '_') {
-                anchor += static_cast<char>(std::tolower(code));
-            }
-        }
-        anchors.insert(anchor);
-    }
-    return anchors;
-}
-
-TEST(Guide, LinksOfAllPagesLeadSomewhere) {
-    const std::filesystem::path docs = std::filesystem::path(KORVEX_SOURCE_DIR) / "docs";
-    std::size_t links = 0;
-    for (const auto& [page, text] : Pages()) {
-        for (auto start = text.find("]("); start != std::string::npos;
-             start = text.find("](", start + 1), ++links) {
-            const std::string link = text.substr(start + 2, text.find(')', start) - start - 2);
-            if (link.starts_with("http")) {
-                continue;
-            }
-            const auto mark = link.find('#');
-            const std::string file = mark == 0 ? page : link.substr(0, mark);
-            ASSERT_TRUE(std::filesystem::exists(docs / file)) << page << ": " << link;
-            if (mark != std::string::npos) {
-                EXPECT_TRUE(
-                    Anchors(ReadProjectFile("docs/" + file)).contains(link.substr(mark + 1)))
-                    << page << ": " << link;
-            }
-        }
-    }
-    EXPECT_GT(links, 20u) << "the links were not found";
 }
 
 struct SampleRow {

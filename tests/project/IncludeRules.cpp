@@ -28,12 +28,10 @@ const std::string kHead = "src/virtual_head/";
 
 const std::vector<Arrows> kArrows{
     {kPublic, {}},
-    {"src/interface/", {kPublic, "src/sync/", "src/service/", "src/camera/", kBoardHeader, kOs}},
+    {"src/interface/", {kPublic, "src/sync/", "src/camera/", kBoardHeader, kOs}},
     {"src/sync/", {kPublic, "src/camera/", kBoardHeader, kOs}},
     {"src/camera/",
      {kPublic, "src/platform/include/zr3DCamera.h", "src/platform/include/USBTREE.h", kOs}},
-    {"src/service/",
-     {kPublic, "src/platform/include/SyncInterface.h", "src/platform/include/QtTunnel.h", kOs}},
     {kHeaders, {}},
     {kOs, {}},
     // Report format and command codes: shared by the board's two ends, so free of both.
@@ -42,12 +40,8 @@ const std::vector<Arrows> kArrows{
     {"src/platform/cameras/", {kHeaders, kOs, kHead}},
     // The board's USB identity is known in one place.
     {"src/platform/usbtree/", {kHeaders, kOs, kHead, "src/platform/board/protocol/Identity.h"}},
-    {"src/platform/link/", {kHeaders, kOs, kPublic}},
-    {"src/platform/tunnel/", {kHeaders, kOs}},
     {kHead, {"src/platform/board/protocol/", kHeaders, kOs}},
     {"programs/korvexctl/", {kPublic, "src/virtual_head/Request.h"}},
-    {"programs/device_service/", {kPublic, "src/platform/link/", "src/platform/tunnel/", kOs}},
-    {"programs/hub/", {kPublic, "src/platform/link/", "src/platform/tunnel/", kOs}},
     {"examples/", {kPublic}},
     {"tests/", {"include/", "src/", "programs/", "tests/"}},
     {"bench/", {"include/", "src/", "programs/", "tests/"}},
@@ -159,6 +153,14 @@ bool Allowed(const SourceTree& tree, const std::string& file, const Include& inc
 }
 
 }  // namespace
+
+std::map<std::string, std::set<std::string>> IncludeTable() {
+    std::map<std::string, std::set<std::string>> table;
+    for (const Arrows& arrows : kArrows) {
+        table[arrows.room] = {arrows.targets.begin(), arrows.targets.end()};
+    }
+    return table;
+}
 
 std::vector<std::string> ForbiddenIncludes(const SourceTree& tree) {
     std::vector<std::string> found;

@@ -1,11 +1,16 @@
 #pragma once
 
+#include <map>
+#include <set>
 #include <string>
 #include <vector>
 
 #include "project/SourceTree.h"
 
 namespace Korvex3Sync::tests {
+
+/// The beginnings of paths that each room may include beside its own, by the room's.
+std::map<std::string, std::set<std::string>> IncludeTable();
 
 /// Every include of the tree that the arrows between the rooms do not allow, as
 /// "FILE:LINE: must not include TARGET".

@@ -3,7 +3,10 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <map>
 #include <ostream>
+#include <set>
+#include <sstream>
 
 namespace Korvex3Sync::tests {
 
@@ -136,6 +139,54 @@ TEST(IncludeRules, HoldInTheWholeProject) {
     ASSERT_TRUE(tree.contains("src/virtual_head/Request.h"));
     ASSERT_TRUE(tree.contains("programs/korvexctl/main.cpp"));
     EXPECT_THAT(ForbiddenIncludes(tree), IsEmpty());
+}
+
+/// What a page's word for rooms or headers stands for.
+std::set<std::string> Meant(const std::string& words) {
+    static const std::map<std::string, std::set<std::string>> kMeant{
+        {"public headers", {"include/Korvex3Sync/"}},
+        {"the C++ standard library", {}},
+        {"nothing else of ours", {}},
+        {"everything", {"include/", "src/", "programs/", "tests/"}},
+        {"platform headers", {"src/platform/include/"}},
+        {"the board header", {"src/platform/include/zr3DHandiDLPdev.h"}},
+        {"the camera and USB-tree headers",
+         {"src/platform/include/zr3DCamera.h", "src/platform/include/USBTREE.h"}},
+        {"platform/os", {"src/platform/os/"}},
+        {"virtual_head", {"src/virtual_head/"}},
+        {"virtual_head/Request.h", {"src/virtual_head/Request.h"}},
+        {"board/protocol", {"src/platform/board/protocol/"}},
+        {"board/protocol/Identity.h", {"src/platform/board/protocol/Identity.h"}}};
+    const auto found = kMeant.find(words);
+    return found != kMeant.end() ? found->second : std::set<std::string>{words + '/'};
+}
+
+/// What the words between commas stand for, all together.
+std::set<std::string> AllMeant(std::string cell) {
+    std::erase(cell, '`');
+    std::set<std::string> meant;
+    std::istringstream parts(cell);
+    for (std::string part; std::getline(parts >> std::ws, part, ',');) {
+        meant.merge(Meant(part.substr(0, part.find_last_not_of(' ') + 1)));
+    }
+    return meant;
+}
+
+TEST(IncludeRules, StandInTheDocumentAsTheyAreChecked) {
+    std::map<std::string, std::set<std::string>> written;
+    std::istringstream lines(ReadProjectFile("docs/architecture.md"));
+    std::string line;
+    while (std::getline(lines, line) && line != "| room | may include |") {
+    }
+    std::getline(lines, line);  // under the head
+    while (std::getline(lines, line) && line.starts_with("| ")) {
+        const auto border = line.find(" | ");
+        ASSERT_NE(border, std::string::npos) << line;
+        for (const std::string& room : AllMeant(line.substr(2, border - 2))) {
+            written[room] = AllMeant(line.substr(border + 3, line.rfind('|') - border - 3));
+        }
+    }
+    EXPECT_EQ(written, IncludeTable());
 }
 
 TEST(PlatformConditions, AreFoundOutsideTheirRooms) {

@@ -22,7 +22,15 @@ set(prefix ${WORK_DIR}/installed)
 # Away from the project's own tree, so that nothing of it is found by accident.
 file(COPY ${EXAMPLES_DIR}/ DESTINATION ${WORK_DIR}/source)
 
-run(${CMAKE_COMMAND} --install ${BUILD_DIR} --prefix ${prefix})
+# Installing leaves a list of the files in the build folder; here it stays with what was installed.
+file(READ ${BUILD_DIR}/cmake_install.cmake install)
+string(REPLACE "\"${BUILD_DIR}/\${CMAKE_INSTALL_MANIFEST}\"" "\"${WORK_DIR}/manifest.txt\"" install
+    "${install}")
+file(WRITE ${WORK_DIR}/install.cmake "${install}")
+run(${CMAKE_COMMAND} -DCMAKE_INSTALL_PREFIX=${prefix} -P ${WORK_DIR}/install.cmake)
+if(NOT EXISTS ${WORK_DIR}/manifest.txt)
+    fail("the list of the installed files went somewhere else")
+endif()
 
 if(WAY STREQUAL "cmake")
     run(${CMAKE_COMMAND} -S ${WORK_DIR}/source -B ${WORK_DIR}/build -G ${GENERATOR}

@@ -48,18 +48,32 @@ const std::vector<std::string>& CallsThatHang() {
     return calls;
 }
 
+/// What a scan goes on with.
+const std::vector<FaultKind>& PassingKinds() {
+    static const std::vector<FaultKind> kinds{
+        FaultKind::Fail,         FaultKind::Slow,       FaultKind::BoardLate,
+        FaultKind::LoseMono,     FaultKind::LoseColor,  FaultKind::LoseBoth,
+        FaultKind::TearMono,     FaultKind::TearColor,  FaultKind::MisSizeMono,
+        FaultKind::MisSizeColor, FaultKind::RepeatMono, FaultKind::RepeatColor,
+        FaultKind::Delay,        FaultKind::SkipKeys};
+    return kinds;
+}
+
+/// What ends the stream until somebody reconnects, or holds everybody up.
+const std::vector<FaultKind>& EndingKinds() {
+    static const std::vector<FaultKind> kinds{FaultKind::Hang, FaultKind::BoardVanish,
+                                              FaultKind::BoardMute, FaultKind::CameraVanish,
+                                              FaultKind::CameraStop};
+    return kinds;
+}
+
+/// One fault in so many ends the stream: scanning takes most of the time.
+constexpr int kSeldom = 30;
+
 /// A fault at random: its kind, and how long or how often it works.
 FaultOrder Throw(Dice& dice) {
-    static const std::vector<FaultKind> kinds{
-        FaultKind::Fail,         FaultKind::Fail,         FaultKind::Slow,
-        FaultKind::Hang,         FaultKind::BoardVanish,  FaultKind::BoardMute,
-        FaultKind::BoardLate,    FaultKind::CameraVanish, FaultKind::CameraStop,
-        FaultKind::LoseMono,     FaultKind::LoseColor,    FaultKind::LoseBoth,
-        FaultKind::TearMono,     FaultKind::TearColor,    FaultKind::MisSizeMono,
-        FaultKind::MisSizeColor, FaultKind::RepeatMono,   FaultKind::RepeatColor,
-        FaultKind::Delay,        FaultKind::SkipKeys};
     FaultOrder order;
-    order.kind = dice.OneOf(kinds);
+    order.kind = dice.OneOf(dice.Once(kSeldom) ? EndingKinds() : PassingKinds());
     const milliseconds lasting(dice.From(5, 120));
     switch (order.kind) {
         case FaultKind::Fail:
@@ -95,6 +109,13 @@ FaultOrder Throw(Dice& dice) {
 }
 
 }  // namespace
+
+void Chaos::WarmUp() {
+    FaultOrder order;
+    order.kind = FaultKind::BoardMute;
+    order.lasting = milliseconds(1);
+    m_head->GetFaults().Order(order);
+}
 
 void Chaos::Run(const std::atomic<bool>& stop, Watchdog::Watched& watched) {
     for (std::uint64_t step = 0; !stop; ++step) {

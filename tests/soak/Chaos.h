@@ -18,6 +18,9 @@ public:
     Chaos(std::shared_ptr<virtual_head::VirtualHead> head, std::uint64_t seed)
         : m_head(std::move(head)), m_seed(seed) {}
 
+    /// The head has a thread for faults that last from the first of them on. Before the first
+    /// measure, so that it is no growth.
+    void WarmUp();
     void Run(const std::atomic<bool>& stop, Watchdog::Watched& watched);
 
     /// Held by whoever needs a head without faults; made with a look around: what is ordered is

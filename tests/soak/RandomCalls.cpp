@@ -27,7 +27,7 @@ struct Call {
 constexpr std::chrono::milliseconds kLongestRest{2};
 constexpr int kUserPage = 256;
 /// One call in so many is one of those that stop the stream for a while.
-constexpr int kSeldom = 40;
+constexpr int kSeldom = 120;
 
 int Number(Dice& dice) {
     static const std::vector<int> odd{-1, 0, 101, 255, 256, 70000, -2147483647 - 1, 2147483647};

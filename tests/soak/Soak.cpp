@@ -9,9 +9,11 @@
 #include <atomic>
 #include <chrono>
 #include <cstdio>
+#include <map>
 #include <random>
 #include <string>
 #include <thread>
+#include <utility>
 
 #include "platform/os/TimeScale.h"
 #include "soak/Accounts.h"
@@ -37,6 +39,9 @@ constexpr seconds kHangLimit{90};
 constexpr seconds kDeadline{60};
 constexpr unsigned long kCalmSets = 30;
 constexpr int kMostScans = 5;
+constexpr unsigned long kMostSets = 150;
+/// So many steps of a scan without a set, and the scanner reconnects.
+constexpr int kMostFruitless = 8;
 
 struct Options {
     int seconds = 30;
@@ -54,6 +59,7 @@ public:
           m_watchdog(kHangLimit) {}
 
     bool Run() {
+        m_chaos.WarmUp();
         std::thread caller([this] { m_calls.Run(m_stop, m_watchdog.Of(Watchdog::Caller)); });
         std::thread faults([this] { m_chaos.Run(m_stop, m_watchdog.Of(Watchdog::FaultThread)); });
         while (m_wrong.empty() && steady_clock::now() < m_end) {
@@ -68,7 +74,11 @@ public:
     }
 
 private:
-    void Doing(const char* what) { m_watchdog.Of(Watchdog::Scanner).Doing(what); }
+    void Doing(const char* what) {
+        m_watchdog.Of(Watchdog::Scanner).Doing(what);
+        const auto now = steady_clock::now();
+        m_spent[std::exchange(m_doing, what)] += now - std::exchange(m_since, now);
+    }
     void Wrong(const std::string& what) { m_wrong.push_back(what); }
 
     void OneConnection() {
@@ -96,23 +106,58 @@ private:
     bool Connect() {
         const std::unique_lock alone(m_head.using_);
         Doing("connects");
+        if (m_head.Connect() == STATUS_SUCCESS) {
+            return true;
+        }
+        ++m_refused;
+        // While a device is gone every attempt is refused; a head in calm is never.
+        Doing("connects in calm");
+        const Chaos::Calm calm(m_chaos);
         const RETSTATUS status = m_head.Connect();
         if (status != STATUS_SUCCESS) {
-            ++m_refused;
+            Wrong("a connection in calm answered " + std::to_string(status));
         }
         return status == STATUS_SUCCESS;
     }
 
-    /// Whatever the faults and the other calls make of it.
+    /// Whatever the faults and the other calls make of it. Reconnects as an application does: when
+    /// the trigger is refused, and when no sets come.
     void Scan(Dice& dice) {
-        const unsigned long sets = SoakHead::Sets();
-        const auto until = steady_clock::now() + milliseconds(dice.From(50, 400));
-        while (steady_clock::now() < until && SoakHead::Sets() < sets + 100) {
-            const std::shared_lock lock(m_head.using_);
-            Doing("scans");
-            EnableVideoTrigger(m_head.handle, Mode(dice), true);
-            std::this_thread::sleep_for(milliseconds(dice.From(5, 30)));
+        const unsigned long first = SoakHead::Sets();
+        const auto until = steady_clock::now() + milliseconds(dice.From(100, 400));
+        int fruitless = 0;
+        while (steady_clock::now() < until && SoakHead::Sets() < first + kMostSets) {
+            const unsigned long sets = SoakHead::Sets();
+            const bool triggered = TriggerFor(milliseconds(dice.From(5, 30)), Mode(dice));
+            fruitless = SoakHead::Sets() == sets ? fruitless + 1 : 0;
+            if (!triggered || fruitless >= kMostFruitless) {
+                Reconnect();
+                fruitless = 0;
+            }
         }
+    }
+
+    /// Switches the trigger on and leaves it so for a while; false when it was refused.
+    bool TriggerFor(milliseconds time, CAMERA_TRIGGER_MODE mode) {
+        const std::shared_lock lock(m_head.using_);
+        Doing("scans");
+        if (EnableVideoTrigger(m_head.handle, mode, true) != STATUS_SUCCESS) {
+            return false;
+        }
+        std::this_thread::sleep_for(time);
+        return true;
+    }
+
+    void Reconnect() {
+        const std::shared_lock lock(m_head.using_);
+        Doing("reconnects");
+        // Who has the turn stops the stream or brings it back, and soon is ready.
+        const std::unique_lock turn(m_head.turn, std::try_to_lock);
+        if (!turn) {
+            return;
+        }
+        ++m_reconnections;
+        ReconnectDevice(m_head.handle);
     }
 
     static CAMERA_TRIGGER_MODE Mode(Dice& dice) {
@@ -247,9 +292,12 @@ private:
     }
 
     void Print() const {
-        std::fprintf(stderr, "connections %lu (refused %lu), scans in calm %lu, triggers %llu\n",
-                     m_connections, m_refused, m_calmScans,
+        std::fprintf(stderr,
+                     "connections %lu (refused %lu), reconnections of the scanner %lu, "
+                     "scans in calm %lu, triggers %llu\n",
+                     m_connections, m_refused, m_reconnections, m_calmScans,
                      static_cast<unsigned long long>(m_triggers));
+        PrintSpent();
         std::fprintf(stderr, "%s", Text(m_all).c_str());
         std::fprintf(stderr, "status callbacks %lu\n", SoakHead::Statuses());
         std::fprintf(
@@ -261,6 +309,16 @@ private:
         for (const std::string& wrong : m_wrong) {
             std::fprintf(stderr, "WRONG: %s\n", wrong.c_str());
         }
+    }
+
+    /// What the scanner did with its time, in milliseconds.
+    void PrintSpent() const {
+        std::map<std::string, unsigned long> spent;
+        for (const auto& [what, time] : m_spent) {
+            spent[what] =
+                static_cast<unsigned long>(std::chrono::duration_cast<milliseconds>(time).count());
+        }
+        PrintCounts("time of the scanner in ms", spent);
     }
 
     static void PrintCounts(const char* title, const std::map<std::string, unsigned long>& counts) {
@@ -285,6 +343,10 @@ private:
     std::uint64_t m_triggers = 0;
     unsigned long m_connections = 0;
     unsigned long m_refused = 0;
+    unsigned long m_reconnections = 0;
+    const char* m_doing = "starts";
+    steady_clock::time_point m_since = steady_clock::now();
+    std::map<std::string, steady_clock::duration> m_spent;
     unsigned long m_calmScans = 0;
     std::vector<std::string> m_wrong;
 };

@@ -7,6 +7,8 @@
 #include <string>
 #include <vector>
 
+#include "support/Seed.h"
+
 namespace Korvex3Sync {
 namespace {
 
@@ -81,7 +83,7 @@ TEST(CallbackTimes, NoneIsReadBelowTheTrueOneOrMoreThanFourPerCentAbove) {
 }
 
 TEST(CallbackTimes, RandomTimesKeepToTheLimitsToo) {
-    const unsigned seed = std::random_device{}();
+    const unsigned seed = support::Seed();
     SCOPED_TRACE("seed " + std::to_string(seed));
     std::mt19937 random(seed);
     std::lognormal_distribution<double> spread(7.0, 2.0);

@@ -2,8 +2,7 @@
 
 #include <gmock/gmock.h>
 
-#include <thread>
-
+#include "support/WaitUntil.h"
 #include "virtual_head/Faults.h"
 #include "virtual_head/Journal.h"
 #include "virtual_head/TriggerClock.h"
@@ -12,11 +11,10 @@ namespace Korvex3Sync::virtual_head {
 namespace {
 
 using namespace std::chrono_literals;
+using support::WaitUntil;
 using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;
-
-constexpr auto kDeadline = 60s;
 
 TimedFault At(FaultKind kind, std::chrono::milliseconds time) {
     TimedFault fault;
@@ -37,15 +35,6 @@ TimedFault Sometimes(FaultKind kind, double chance) {
     fault.order.kind = kind;
     fault.chance = chance;
     return fault;
-}
-
-template <class Condition>
-bool Wait(Condition condition) {
-    const auto end = std::chrono::steady_clock::now() + kDeadline;
-    while (!condition() && std::chrono::steady_clock::now() < end) {
-        std::this_thread::yield();
-    }
-    return condition();
 }
 
 /// A clock that gives single triggers, with faults that begin by themselves.
@@ -137,7 +126,7 @@ TEST(FaultSchedule, ADrawWithoutACameraDoesNothing) {
 
 TEST(FaultSchedule, AFaultBeginsAtItsTime) {
     Triggered head({At(FaultKind::BoardVanish, 1ms), At(FaultKind::CameraVanish, 24h)});
-    EXPECT_TRUE(Wait([&] { return !head.m_faults.Board().Plugged().Here(); }));
+    EXPECT_TRUE(WaitUntil([&] { return !head.m_faults.Board().Plugged().Here(); }));
     EXPECT_TRUE(head.m_faults.Camera().Here());
     EXPECT_THAT(head.m_faults.Unused(), ElementsAre("board-vanish: no call met it",
                                                     "camera-vanish, at_ms 86400000: not reached"));
@@ -154,15 +143,15 @@ TEST(FaultSchedule, WhatIsGoneForATimeComesBackByItself) {
     for (std::uint64_t plug = 1; plug < 4; ++plug) {
         ASSERT_TRUE(head.m_faults.Order(vanish));
         ASSERT_TRUE(head.m_faults.Order(mute));
-        EXPECT_TRUE(Wait([&] { return head.m_faults.Camera().Here(); }));
+        EXPECT_TRUE(WaitUntil([&] { return head.m_faults.Camera().Here(); }));
         EXPECT_EQ(head.m_faults.Camera().Plug(), plug);
-        EXPECT_TRUE(Wait([&] { return !head.m_faults.Board().SaysNothing("zr3DProject"); }));
+        EXPECT_TRUE(WaitUntil([&] { return !head.m_faults.Board().SaysNothing("zr3DProject"); }));
     }
 }
 
 TEST(FaultSchedule, AFaultThatCannotBeginIsNamed) {
     Triggered head({At(FaultKind::BoardReturn, 0ms)});
-    EXPECT_TRUE(Wait([&] { return head.m_journal.Texts().size() == 2; }));
+    EXPECT_TRUE(WaitUntil([&] { return head.m_journal.Texts().size() == 2; }));
     EXPECT_THAT(head.m_journal.Texts(), Contains("fault(board-return, at_ms 0) = refused"));
     EXPECT_THAT(head.m_faults.Unused(), ElementsAre("board-return, at_ms 0: could not begin"));
 }
@@ -188,7 +177,7 @@ TEST(FaultSchedule, AFaultMayEndTheTriggerThatItComesWith) {
     board.triggerMode = 1;
     board.triggerPeriod = 1;
     clock.Apply(board, true);
-    EXPECT_TRUE(Wait([&] { return !faults.Board().Plugged().Here(); }));
+    EXPECT_TRUE(WaitUntil([&] { return !faults.Board().Plugged().Here(); }));
     for (std::uint64_t trigger = 0; trigger < 10; ++trigger) {
         EXPECT_EQ(queue->Pop(60000ms).value().trigger, trigger);
     }

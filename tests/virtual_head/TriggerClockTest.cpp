@@ -217,22 +217,5 @@ TEST_F(TriggerClockTest, ExposuresWithoutRoomAreLostAndCountedAlsoAfterDetaching
     EXPECT_EQ(m_clock.Triggers(), 5U);
 }
 
-TEST(ExposureQueueTest, CloseEndsAWaitingPop) {
-    ExposureQueue queue(4);
-    std::thread waiting([&queue] { EXPECT_FALSE(queue.Pop(kGenerous * 10)); });
-    queue.Close();
-    waiting.join();
-    queue.Push({});
-    EXPECT_FALSE(queue.Pop(kGenerous * 10)) << "a closed queue gives nothing, at once";
-}
-
-TEST(ExposureQueueTest, ClearDropsWhatWaits) {
-    ExposureQueue queue(4);
-    queue.Push({});
-    queue.Clear();
-    EXPECT_FALSE(queue.Pop(0ms));
-    EXPECT_EQ(queue.Lost(), 0U);
-}
-
 }  // namespace
 }  // namespace Korvex3Sync::virtual_head
