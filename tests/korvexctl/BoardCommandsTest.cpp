@@ -166,7 +166,7 @@ INSTANTIATE_TEST_SUITE_P(
                       std::vector<std::string>{"user-info", "read", "0"},
                       std::vector<std::string>{"user-info", "write", "0", "x"},
                       std::vector<std::string>{"distance", "1"}, std::vector<std::string>{"usb"},
-                      std::vector<std::string>{"profile", "save", "/nowhere/at/all"}));
+                      std::vector<std::string>{"profile", "save", "/dev/null"}));
 
 class BadCommandLines : public ::testing::TestWithParam<std::vector<std::string>> {};
 
