@@ -127,6 +127,12 @@ void CallFaults::Clear() {
     }
 }
 
+bool CallFaults::Holds(const std::string& call) const {
+    std::lock_guard lock(m_mutex);
+    const auto found = m_orders.find(call);
+    return found != m_orders.end() && (found->second.slowed > 0 || found->second.hanging > 0);
+}
+
 bool CallFaults::Meet(const std::string& call) {
     std::unique_lock lock(m_mutex);
     const auto found = m_orders.find(call);
@@ -157,9 +163,12 @@ bool CallFaults::Meet(const std::string& call) {
     }
     if (orders.slow > 0) {
         --orders.slow;
+        ++orders.slowed;
         const std::chrono::milliseconds extra = orders.extra;
         lock.unlock();
         os::SleepFor(extra);
+        lock.lock();
+        --orders.slowed;
     }
     return fails;
 }

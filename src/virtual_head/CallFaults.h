@@ -29,12 +29,15 @@ public:
 
     /// Applies what is ordered for this call and returns true when the call has to fail.
     bool Meet(const std::string& call);
+    /// Whether this call is being slowed or hangs now.
+    bool Holds(const std::string& call) const;
     static bool Known(const std::string& call);
 
 private:
     struct Orders {
         int fail = 0;
         int slow = 0;
+        int slowed = 0;  // calls that are being slowed now
         std::chrono::milliseconds extra{0};
         int hang = 0;
         std::chrono::milliseconds lasting{0};

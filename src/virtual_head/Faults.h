@@ -67,6 +67,8 @@ public:
     /// For the device side: applies what is ordered for this call (blocks for slow and hang) and
     /// returns true when the call has to fail.
     bool Meet(const std::string& call) { return m_calls.Meet(call); }
+    /// For the device side: whether this call is being slowed or hangs now.
+    bool Holds(const std::string& call) const { return m_calls.Holds(call); }
     /// Whether a platform library has a call of this name.
     static bool Known(const std::string& call) { return CallFaults::Known(call); }
 

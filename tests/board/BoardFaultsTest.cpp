@@ -183,6 +183,17 @@ TEST(LateBoard, ThatAnswersBehindTheLimitFailsTheCallAndNotTheNext) {
     EXPECT_EQ(brightness, 77);
 }
 
+TEST(SlowCall, BeyondTheLimitFailsAndNotTheNext) {
+    const RequestedHead head;
+    const OpenedBoard board;
+    ASSERT_TRUE(head->GetFaults().Slow("zr3DProject", 2s, 1));
+    EXPECT_FALSE(zr3DProject(board.handle, PROJECTTYPE{2}));
+    // The slow call still occupies the board.
+    ASSERT_TRUE(
+        support::WaitUntil([&] { return head->GetJournal().Texts({"zr3DProject"}).size() == 1; }));
+    EXPECT_TRUE(zr3DProject(board.handle, PROJECTTYPE{1}));
+}
+
 TEST(LateBoard, HoldsUpNoClosing) {
     const RequestedHead head;
     OpenedBoard board;

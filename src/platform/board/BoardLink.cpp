@@ -47,7 +47,7 @@ std::optional<Payload> BoardLink::ExchangeOne(const Request& request) {
     if (!m_transport->Send(EncodeCommand({request.command, sequence, request.payload}), deadline)) {
         return std::nullopt;
     }
-    while (std::chrono::steady_clock::now() < deadline) {
+    do {
         const auto received = m_transport->Receive(deadline);
         if (!received) {
             return std::nullopt;
@@ -57,7 +57,7 @@ std::optional<Payload> BoardLink::ExchangeOne(const Request& request) {
             return reply->status == Status::Ok ? std::optional(reply->payload) : std::nullopt;
         }
         LOG(WARNING) << "Board: a reply was skipped: " << RefusalText(std::get<Refusal>(decoded));
-    }
+    } while (std::chrono::steady_clock::now() < deadline);
     return std::nullopt;
 }
 

@@ -10,6 +10,8 @@ namespace {
 
 // A task may be about to hang when its hang is ended, so ending is repeated.
 constexpr std::chrono::milliseconds kReleaseEvery{10};
+constexpr std::chrono::milliseconds kLookEvery{10};
+constexpr std::chrono::seconds kGrace{10};
 
 }  // namespace
 
@@ -38,7 +40,27 @@ bool DeviceThread::Give(const std::string& call, Task task, Deadline deadline) {
 
 bool DeviceThread::WaitIdle(Deadline deadline) {
     std::unique_lock lock(m_mutex);
-    return m_changed.wait_until(lock, deadline, [this] { return !m_busy; });
+    const auto idle = [this] { return !m_busy; };
+    if (m_changed.wait_until(lock, deadline, idle)) {
+        return true;
+    }
+    const Deadline last = std::chrono::steady_clock::now() + kGrace;
+    while (m_busy && std::chrono::steady_clock::now() < last) {
+        const std::string call = m_call;
+        lock.unlock();
+        const bool held = Held(call);
+        lock.lock();
+        if (held) {
+            break;
+        }
+        m_changed.wait_for(lock, kLookEvery, idle);
+    }
+    return !m_busy;
+}
+
+bool DeviceThread::Held(const std::string& call) const {
+    const auto head = m_head.lock();
+    return !head || head->GetFaults().Holds(call);
 }
 
 void DeviceThread::End() {

@@ -36,7 +36,9 @@ public:
     /// the deadline, or when the thread ends. `call` is the platform function that the task serves.
     /// A task is dropped when the head is gone.
     bool Give(const std::string& call, Task task, Deadline deadline);
-    /// Waits until no task is left; false at the deadline.
+    /// Waits until no task is left; false at the deadline when a fault of the head holds the task.
+    /// A task that nothing holds is only short of processor time, which is the machine's doing and
+    /// not the head's: it is waited for beyond the deadline, 10 s at most.
     bool WaitIdle(Deadline deadline);
     /// Wakes who waits in Give, ends the hang of a task that hangs, waits for the thread. Blocks as
     /// long as the running task is slowed. Any further call does nothing.
@@ -44,6 +46,7 @@ public:
 
 private:
     void Run();
+    bool Held(const std::string& call) const;
 
     const std::weak_ptr<virtual_head::VirtualHead> m_head;
     std::mutex m_mutex;

@@ -108,10 +108,15 @@ bool VirtualTransport::Send(const Report& report, Deadline deadline) {
         return false;
     }
     return m_device.Give(
-        call, [this, report, call](VirtualHead& met) { Serve(met, report, call); }, deadline);
+        call,
+        [this, report, call, sent = std::chrono::steady_clock::now()](VirtualHead& met) {
+            Serve(met, report, call, sent);
+        },
+        deadline);
 }
 
-void VirtualTransport::Serve(VirtualHead& head, const Report& report, const std::string& call) {
+void VirtualTransport::Serve(VirtualHead& head, const Report& report, const std::string& call,
+                             Deadline sent) {
     virtual_head::BoardFaults& faults = head.GetFaults().Board();
     if (!faults.Reach(m_plug, call)) {
         return;
@@ -120,7 +125,8 @@ void VirtualTransport::Serve(VirtualHead& head, const Report& report, const std:
     if (!reply || !faults.Reach(m_plug, call)) {
         return;
     }
-    const auto from = std::chrono::steady_clock::now() + os::Scaled(faults.Lateness(call));
+    // From the sending on: how long this thread waited for a processor is no lateness of the board.
+    const auto from = sent + os::Scaled(faults.Lateness(call));
     std::lock_guard lock(m_mutex);
     m_replies.push_back({*reply, from});
     m_changed.notify_all();
@@ -128,7 +134,11 @@ void VirtualTransport::Serve(VirtualHead& head, const Report& report, const std:
 
 std::optional<ReceivedBytes> VirtualTransport::Receive(Deadline deadline) {
     std::unique_lock lock(m_mutex);
-    m_changed.wait_until(lock, deadline, [this] { return !m_replies.empty() || m_closed; });
+    if (!m_changed.wait_until(lock, deadline, [this] { return !m_replies.empty() || m_closed; })) {
+        lock.unlock();
+        m_device.WaitIdle(deadline);
+        lock.lock();
+    }
     if (!m_replies.empty()) {
         const Deadline from = m_replies.front().from;
         m_changed.wait_until(lock, std::min(from, deadline), [this] { return m_closed; });

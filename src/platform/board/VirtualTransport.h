@@ -43,7 +43,8 @@ private:
     VirtualTransport(const std::shared_ptr<virtual_head::VirtualHead>& head, Purpose purpose);
 
     /// The board's side of a report, on the device thread.
-    void Serve(virtual_head::VirtualHead& head, const Report& report, const std::string& call);
+    void Serve(virtual_head::VirtualHead& head, const Report& report, const std::string& call,
+               Deadline sent);
 
     const std::weak_ptr<virtual_head::VirtualHead> m_head;
     const std::uint64_t m_plug;  // of the board that was opened
