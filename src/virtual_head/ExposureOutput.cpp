@@ -60,6 +60,9 @@ void ExposureOutput::ReleaseHeld() {
 
 HeadCounts ExposureOutput::Counts() const {
     HeadCounts counts = m_counts;
+    for (const Held& held : m_held) {
+        ++(held.exposure.color ? counts.color : counts.mono).heldBack;
+    }
     for (const auto& queue : m_queues) {
         Add(counts, queue->Counted());
     }

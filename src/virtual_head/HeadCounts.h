@@ -7,7 +7,7 @@ namespace Korvex3Sync::virtual_head {
 /// Where exposures of one kind went. Each is counted once, at the camera instance that was started
 /// first of those that were started at that moment; what other instances see is not counted.
 ///
-///     made + repeated = lost + unattended + handed + lostInBuffers + those that a delay holds back
+///     made + repeated = lost + unattended + handed + lostInBuffers + heldBack
 ///     handed = fetched + dropped + those that wait in the instance
 struct FrameCounts {
     std::uint64_t made = 0;           // by the sensors
@@ -15,6 +15,7 @@ struct FrameCounts {
     std::uint64_t lost = 0;           // by lose-* and camera-stop
     std::uint64_t unattended = 0;     // no camera was started
     std::uint64_t lostInBuffers = 0;  // all buffers of the instance were taken
+    std::uint64_t heldBack = 0;       // by a delay, now: it falls again when they go out
     std::uint64_t handed = 0;         // to the instance
     std::uint64_t torn = 0;           // of the handed ones: SnapShot refuses it (tear-*)
     std::uint64_t misSized = 0;       // of the handed ones: with an impossible size (mis-size-*)

@@ -10,10 +10,10 @@ using virtual_head::FrameCounts;
 using virtual_head::HeadCounts;
 
 constexpr std::uint64_t FrameCounts::*kFrameFigures[] = {
-    &FrameCounts::made,       &FrameCounts::repeated,      &FrameCounts::lost,
-    &FrameCounts::unattended, &FrameCounts::lostInBuffers, &FrameCounts::handed,
-    &FrameCounts::torn,       &FrameCounts::misSized,      &FrameCounts::fetched,
-    &FrameCounts::dropped};
+    &FrameCounts::made,     &FrameCounts::repeated,   &FrameCounts::lost,
+    &FrameCounts::heldBack, &FrameCounts::unattended, &FrameCounts::lostInBuffers,
+    &FrameCounts::handed,   &FrameCounts::torn,       &FrameCounts::misSized,
+    &FrameCounts::fetched,  &FrameCounts::dropped};
 
 struct Figure {
     const char* name;
@@ -36,6 +36,7 @@ constexpr Figure kFigures[] = {{"frames accepted", &ScanStatistics::framesAccept
                                {"colour for snapshots", &ScanStatistics::colorForSnapshot},
                                {"sets pending at the end", &ScanStatistics::setsPending}};
 
+// Of a level, as heldBack, this may be below zero; it adds up modulo 2^64 all the same.
 FrameCounts Minus(const FrameCounts& after, const FrameCounts& before) {
     FrameCounts difference;
     for (auto figure : kFrameFigures) {
@@ -73,8 +74,9 @@ std::vector<std::string> Differences(const HeadCounts& head, const ScanStatistic
          {std::pair{"mono", head.mono}, std::pair{"colour", head.color}}) {
         Compare((std::string(name) + " exposures at the sensors").c_str(),
                 frames.made + frames.repeated,
-                frames.lost + frames.unattended + frames.handed + frames.lostInBuffers, 0,
-                differences);
+                frames.lost + frames.unattended + frames.handed + frames.lostInBuffers +
+                    frames.heldBack,
+                0, differences);
         Compare((std::string(name) + " frames in the camera").c_str(), frames.handed,
                 frames.fetched + frames.dropped, 0, differences);
     }

@@ -60,7 +60,8 @@ void PollTwice(IManagerSync& manager) {
     manager.SetStatusCallBackFunction(
         [](const void* const&, const unsigned char&, const unsigned char&) {}, &manager);
     const auto polls = Recorder::Get().Count("zr3DQueryCurrentStatus");
-    EXPECT_TRUE(Recorder::Get().WaitForCount("zr3DQueryCurrentStatus", polls + 2));
+    // The third has begun: the second was noted.
+    EXPECT_TRUE(Recorder::Get().WaitForCount("zr3DQueryCurrentStatus", polls + 3));
 }
 
 const Wait kWaits[] = {

@@ -60,8 +60,9 @@ protected:
     void ExpectAccount() {
         const HeadCounts counts = m_clock.Counts();
         for (const FrameCounts& frames : {counts.mono, counts.color}) {
-            EXPECT_EQ(frames.made + frames.repeated,
-                      frames.lost + frames.unattended + frames.handed + frames.lostInBuffers);
+            EXPECT_EQ(frames.made + frames.repeated, frames.lost + frames.unattended +
+                                                         frames.handed + frames.lostInBuffers +
+                                                         frames.heldBack);
         }
         EXPECT_EQ(counts.triggers, m_clock.Triggers());
     }
@@ -194,7 +195,10 @@ TEST_F(FrameFaultsTest, DelayedFramesComeAtTheLatestWhenTheTriggerIsSwitchedOff)
     Order(FaultKind::Delay, 1, 100);
     WriteSingle(2);
     ExpectNothingWaits();
+    EXPECT_EQ(m_clock.Counts().color.heldBack, 2U);
+    ExpectAccount();
     Write(kOff);
+    EXPECT_EQ(m_clock.Counts().color.heldBack, 0U);
     ExpectNext(0, true);
     ExpectNext(1, true);
     ExpectNothingWaits();
