@@ -139,14 +139,17 @@ TEST_F(SnapshotOfHead, WithClosedCamerasGivesUp) {
 
 TEST_F(SnapshotOfHead, BesideAReconnectionEndsOneWayOrTheOther) {
     Open();
-    os::ScopedTimeScale scale(0.02);
-    std::thread other([this] {
-        for (int round = 0; round < 5; ++round) {
-            EXPECT_EQ(ReconnectDevice(m_handle), STATUS_SUCCESS);
-        }
-    });
-    const RETSTATUS status = Snap();
-    other.join();
+    RETSTATUS status = STATUS_SUCCESS;
+    {
+        os::ScopedTimeScale scale(0.02);
+        std::thread other([this] {
+            for (int round = 0; round < 5; ++round) {
+                EXPECT_EQ(ReconnectDevice(m_handle), STATUS_SUCCESS);
+            }
+        });
+        status = Snap();
+        other.join();
+    }
     EXPECT_TRUE(status == STATUS_SUCCESS || status == STATUS_FAILED);
     const std::size_t images = status == STATUS_SUCCESS ? 2 : 0;
     ASSERT_EQ(m_images.size(), images);
