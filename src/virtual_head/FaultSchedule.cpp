@@ -18,7 +18,7 @@ void FaultSchedule::Start(const std::vector<TimedFault>& faults, std::uint64_t s
         m_journal->AddFault("seed " + std::to_string(seed), "begun");
     }
     const Time now = steady_clock::now();
-    std::lock_guard lock(m_mutex);
+    std::unique_lock lock(m_mutex);
     m_generator.seed(seed);
     for (const TimedFault& fault : faults) {
         Entry entry;
@@ -28,6 +28,8 @@ void FaultSchedule::Start(const std::vector<TimedFault>& faults, std::uint64_t s
         }
         m_entries.push_back(std::move(entry));
     }
+    // Here and not on the thread: no call comes before a fault that is there from the beginning.
+    BeginDue(now, lock);
     if (NextTimed() && !StartThread()) {
         throw std::runtime_error("no thread for the timed faults of the virtual head");
     }
@@ -118,6 +120,13 @@ void FaultSchedule::Run() {
             m_changed.wait_until(lock, due);
             continue;
         }
+        BeginDue(due, lock);
+    }
+}
+
+void FaultSchedule::BeginDue(Time until, std::unique_lock<std::mutex>& lock) {
+    for (auto next = NextTimed(); next && *m_entries[*next].due <= until && !m_end;
+         next = NextTimed()) {
         if (const auto order = Turn(m_entries[*next])) {
             lock.unlock();
             BeginNow(*next, *order);

@@ -34,7 +34,7 @@ public:
     FaultSchedule(const FaultSchedule&) = delete;
     FaultSchedule& operator=(const FaultSchedule&) = delete;
 
-    /// The time of the faults counts from now on. Once. Throws std::runtime_error when a thread is
+    /// The time of the faults counts from now on; those at 0 begin before it returns. Once. Throws std::runtime_error when a thread is
     /// needed and there is none.
     void Start(const std::vector<TimedFault>& faults, std::uint64_t seed);
     /// The trigger of this number is about to be given: begins what is due. `attended`: a camera
@@ -62,6 +62,8 @@ private:
     };
 
     void Run();
+    /// Begins what is due at this time, in the order of its times.
+    void BeginDue(Time until, std::unique_lock<std::mutex>& lock);
     bool StartThread();
     bool Draw(double chance);
     /// Takes the due entry's turn; the fault that has to begin now, if any.
