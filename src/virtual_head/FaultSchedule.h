@@ -34,8 +34,8 @@ public:
     FaultSchedule(const FaultSchedule&) = delete;
     FaultSchedule& operator=(const FaultSchedule&) = delete;
 
-    /// The time of the faults counts from now on; those at 0 begin before it returns. Once. Throws std::runtime_error when a thread is
-    /// needed and there is none.
+    /// The time of the faults counts from now on; those at 0 begin before it returns. Once. Throws
+    /// std::runtime_error when a thread is needed and there is none.
     void Start(const std::vector<TimedFault>& faults, std::uint64_t seed);
     /// The trigger of this number is about to be given: begins what is due. `attended`: a camera
     /// sees it.
