@@ -16,14 +16,6 @@ std::string CannotWrite(const fs::path& path) {
     return "cannot write " + path.string();
 }
 
-std::span<const unsigned char> Bytes(std::string_view text) {
-    return {reinterpret_cast<const unsigned char*>(text.data()), text.size()};
-}
-
-std::string_view Text(std::span<const unsigned char> bytes) {
-    return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
-}
-
 /// Writes a file that nobody sees. That it can be made does not say that there is room in it.
 void TryToWrite(const fs::path& place, const std::string& what) {
     TemporaryFile(place, what).Write("can this be written?\n");
@@ -42,10 +34,10 @@ AtomicFile::AtomicFile(const fs::path& path, Existing existing)
     }
 }
 
-void AtomicFile::Write(std::span<const unsigned char> bytes) {
+void AtomicFile::Write(std::string_view bytes) {
     if (m_file) {
-        m_file->Write(Text(bytes));
-    } else if (!WriteAll(m_stream.Get(), Text(bytes))) {
+        m_file->Write(bytes);
+    } else if (!WriteAll(m_stream.Get(), bytes)) {
         throw FileError(m_what, errno);
     }
 }
@@ -63,12 +55,12 @@ void AtomicFile::Commit() {
 }
 
 void WriteFile(const fs::path& path, std::span<const unsigned char> bytes) {
-    WriteFile(path, Text(bytes));
+    WriteFile(path, std::string_view(reinterpret_cast<const char*>(bytes.data()), bytes.size()));
 }
 
 void WriteFile(const fs::path& path, std::string_view text, Existing existing) {
     AtomicFile file(path, existing);
-    file.Write(Bytes(text));
+    file.Write(text);
     file.Commit();
 }
 

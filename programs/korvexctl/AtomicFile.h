@@ -25,7 +25,7 @@ class AtomicFile {
 public:
     /// All throw CommandError, for what the system refuses a FileError.
     explicit AtomicFile(const std::filesystem::path& path, Existing existing = Existing::Replaced);
-    void Write(std::span<const unsigned char> bytes);
+    void Write(std::string_view bytes);
     /// Closes and renames; to be called once, last.
     void Commit();
 

@@ -80,8 +80,8 @@ std::vector<std::string> OptionNames(const CLI::App& app) {
 }
 
 /// What is wrong with a command line that names something unknown, or no command; else what CLI11
-/// says.
-std::string WhatIsWrong(const CLI::App& app, const CLI::ParseError& error) {
+/// says. `plainWords`: it has a "--", behind which nothing is an option.
+std::string WhatIsWrong(const CLI::App& app, const CLI::ParseError& error, bool plainWords) {
     if (dynamic_cast<const CLI::ExtrasError*>(&error) == nullptr &&
         dynamic_cast<const CLI::RequiredError*>(&error) == nullptr) {
         return error.what();
@@ -99,9 +99,15 @@ std::string WhatIsWrong(const CLI::App& app, const CLI::ParseError& error) {
                               : error.what();
     }
     const std::string& first = unknown.front();
-    if (first.starts_with('-')) {
+    if (first.starts_with('-') && !plainWords) {
         const std::string name = first.substr(0, first.find('='));
-        return "unknown option " + name + DidYouMean(name, OptionNames(*command));
+        const std::vector<std::string> known = OptionNames(*command);
+        if (std::find(known.begin(), known.end(), name) != known.end()) {
+            // Of a command further out it would have been understood here.
+            return name + " is an option of " + command->get_name() +
+                   " and belongs behind that word";
+        }
+        return "unknown option " + name + DidYouMean(name, known);
     }
     if (commandMissing) {
         return "unknown command \"" + first + "\"" + DidYouMean(first, CommandNames(*command));
@@ -146,7 +152,7 @@ CommandLineResult ReadCommandLine(int count, const char* const* arguments) {
         std::ostringstream out;
         std::ostringstream wrong;
         if (app.exit(error, out, wrong) != 0) {
-            return BadUsage(std::move(result), WhatIsWrong(app, error));
+            return BadUsage(std::move(result), WhatIsWrong(app, error, isThere("--")));
         }
         const bool version = dynamic_cast<const CLI::CallForVersion*>(&error) != nullptr;
         result.text =

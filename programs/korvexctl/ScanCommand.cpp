@@ -6,6 +6,8 @@
 #include <cmath>
 #include <functional>
 #include <nlohmann/json.hpp>
+#include <optional>
+#include <span>
 
 #include "korvexctl/AtomicFile.h"
 #include "korvexctl/BoardWatch.h"
@@ -66,10 +68,6 @@ bool Scan(const HeadChoice& choice, ScanReport& report, ScanRecorder& recorder,
     Print(report.cameras, output);
     Print(report.head, output);
     recorder.Prepare(report.cameras.front().width, report.cameras.front().height, onKept);
-    if (!options.folder.empty()) {
-        // Not before the head is connected: what an earlier scan took is gone only for a new one.
-        RemoveScanFiles(options.folder);
-    }
     boardWatch.Watch(session);
     bool inTime = false;
     {
@@ -110,8 +108,10 @@ void StoreWhole(const std::filesystem::path& file, std::span<const unsigned char
 Outcome RunScan(const HeadChoice& choice, const ScanOptions& options, Output& output,
                 const StoreFile& store) {
     const bool writes = !options.folder.empty();
+    std::optional<EarlierScan> earlier;
     if (writes) {
         PrepareFolder(options.folder);
+        earlier.emplace(options.folder);
     }
 
     ScanRecorder recorder(
@@ -124,7 +124,13 @@ Outcome RunScan(const HeadChoice& choice, const ScanOptions& options, Output& ou
         recorder.Stop();
         Say("interrupted; " + WaitingText(recorder.Waiting()) + "a second time ends at once");
     });
-    PictureWriter writer(options.folder, store,
+    // What an earlier scan took is gone only for what this one took.
+    const StoreFile storeNew = [&](const std::filesystem::path& file,
+                                   std::span<const unsigned char> bytes) {
+        earlier->Remove();
+        store(file, bytes);
+    };
+    PictureWriter writer(options.folder, storeNew,
                          {[&recorder](const KeptSet& set) { recorder.GiveBack(set); },
                           [&recorder] { recorder.Stop(); }});
 
@@ -154,7 +160,8 @@ Outcome RunScan(const HeadChoice& choice, const ScanOptions& options, Output& ou
     outcome.figures.update(ToJson(report));
     try {
         writer.ThrowFailure();
-        if (writes) {
+        if (writes && report.counts.delivered > 0) {
+            earlier->Remove();  // when no picture of it was kept
             WriteFile(options.folder / kFiguresFile, outcome.Document());
         }
     } catch (const CommandError& error) {

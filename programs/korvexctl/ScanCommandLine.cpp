@@ -48,7 +48,8 @@ void AddScanOptions(CLI::App& command, ScanOptions& scan) {
             "--out", scan.folder,
             "Folder for the pictures, contact-sheet.png and scan.json; made when it is "
             "missing; files of these names that an earlier scan left in it are removed once "
-            "the head is connected (without it: nothing is written)")
+            "the first set is there, and a scan without a set changes nothing in it (without it: "
+            "nothing is written)")
         ->type_name("DIR")
         ->check(NotEmpty());
     AddNumber(command, "--keep", scan.keep, "K", 0, kMostKept,

@@ -5,7 +5,7 @@
 #include <cstdio>
 #include <string_view>
 #include <system_error>
-#include <vector>
+#include <utility>
 
 #include "korvexctl/FileError.h"
 
@@ -39,20 +39,23 @@ bool IsScanFile(const std::string& name) {
                        [&](const char* image) { return name == PictureFile(number, image); });
 }
 
-void RemoveScanFiles(const fs::path& folder) {
-    std::vector<fs::path> files;
+EarlierScan::EarlierScan(const fs::path& folder) {
     std::error_code error;
     for (fs::directory_iterator entry(folder, error); !error && entry != fs::directory_iterator();
          entry.increment(error)) {
         if (IsScanFile(entry->path().filename().string()) &&
             fs::is_regular_file(entry->symlink_status())) {
-            files.push_back(entry->path());
+            m_files.push_back(entry->path());
         }
     }
     if (error) {
         throw FileError("cannot look into the folder " + folder.string(), error.value());
     }
-    for (const fs::path& file : files) {
+}
+
+void EarlierScan::Remove() {
+    for (const fs::path& file : std::exchange(m_files, {})) {
+        std::error_code error;
         fs::remove(file, error);
         if (error) {
             throw FileError("cannot remove " + file.string() + " of an earlier scan",

@@ -3,6 +3,7 @@
 #include <array>
 #include <filesystem>
 #include <string>
+#include <vector>
 
 namespace Korvex3Sync::korvexctl {
 
@@ -17,8 +18,16 @@ std::string PictureFile(int number, const char* image);
 /// Whether a scan writes a file of exactly this name.
 bool IsScanFile(const std::string& name);
 
-/// Removes the files that an earlier scan wrote into the folder, by their names, and nothing else.
-/// Throws CommandError when one stays.
-void RemoveScanFiles(const std::filesystem::path& folder);
+/// The files that an earlier scan wrote into a folder, known by their names. One thread at a time.
+class EarlierScan {
+public:
+    /// Looks, and leaves all as it is. Throws CommandError for a folder that cannot be looked into.
+    explicit EarlierScan(const std::filesystem::path& folder);
+    /// Removes what it found; nothing the second time. Throws CommandError when one stays.
+    void Remove();
+
+private:
+    std::vector<std::filesystem::path> m_files;
+};
 
 }  // namespace Korvex3Sync::korvexctl

@@ -12,6 +12,7 @@
 #include <cerrno>
 #include <string_view>
 
+#include "korvexctl/AsNobody.h"
 #include "korvexctl/FileError.h"
 #include "korvexctl/Korvexctl.h"
 #include "virtual_head/TestFiles.h"
@@ -36,14 +37,10 @@ protected:
     std::filesystem::path m_file = m_folder.Path() / "file";
 };
 
-std::span<const unsigned char> Bytes(std::string_view text) {
-    return {reinterpret_cast<const unsigned char*>(text.data()), text.size()};
-}
-
 TEST_F(AtomicFileTest, IsThereOnceItIsCommitted) {
     AtomicFile file(m_file);
-    file.Write(Bytes("one "));
-    file.Write(Bytes("two"));
+    file.Write("one ");
+    file.Write("two");
     EXPECT_FALSE(std::filesystem::exists(m_file));
     file.Commit();
     EXPECT_EQ(ReadText(m_file), "one two");
@@ -53,7 +50,7 @@ TEST_F(AtomicFileTest, IsThereOnceItIsCommitted) {
 TEST_F(AtomicFileTest, LeavesNothingWithoutCommit) {
     {
         AtomicFile file(m_file);
-        file.Write(Bytes("half"));
+        file.Write("half");
     }
     EXPECT_THAT(FileNames(m_folder.Path()), IsEmpty());
 }
@@ -62,7 +59,7 @@ TEST_F(AtomicFileTest, AnOlderFileStaysUntilTheNewOneIsWhole) {
     WriteText(m_file, "old");
     {
         AtomicFile file(m_file);
-        file.Write(Bytes("half"));
+        file.Write("half");
     }
     EXPECT_EQ(ReadText(m_file), "old");
     korvexctl::WriteFile(m_file, std::string_view("new"));
@@ -94,9 +91,9 @@ TEST_F(AtomicFileTest, AFileOfSomeoneElseIsNeverTakenForATemporaryOne) {
 TEST_F(AtomicFileTest, TwoWritersOfOneFileAreBothWhole) {
     AtomicFile first(m_file);
     AtomicFile second(m_file);
-    first.Write(Bytes("fir"));
-    second.Write(Bytes("second"));
-    first.Write(Bytes("st"));
+    first.Write("fir");
+    second.Write("second");
+    first.Write("st");
     first.Commit();
     EXPECT_EQ(ReadText(m_file), "first");
     second.Commit();
@@ -117,6 +114,48 @@ TEST_F(AtomicFileTest, AReplacedFileKeepsItsModeAndANewOneHasThatOfTheUmask) {
     korvexctl::WriteFile(other, std::string_view("new"));
     ::umask(umaskBefore);
     EXPECT_EQ(std::filesystem::status(other).permissions(), kMode);
+}
+
+/// A group that this process is no member of, whatever user runs the test.
+constexpr gid_t kForeignGroup = 54321;
+
+TEST_F(AtomicFileTest, AGroupThatCannotBeKeptLeavesNoRightsToAnotherOne) {
+    if (::geteuid() != 0) {
+        GTEST_SKIP() << "only root can make the file of another group";
+    }
+    WriteText(m_file, "old");
+    ASSERT_EQ(::chown(m_file.c_str(), 0, kForeignGroup), 0);
+    ASSERT_EQ(::chmod(m_file.c_str(), 06664), 0);
+    ASSERT_EQ(::chown(m_folder.Path().c_str(), kNobody, kNobody), 0);
+    {
+        const AsNobody nobody;
+        korvexctl::WriteFile(m_file, std::string_view("new"));
+    }
+    struct stat status {};
+    ASSERT_EQ(::stat(m_file.c_str(), &status), 0);
+    EXPECT_EQ(status.st_uid, kNobody);
+    EXPECT_EQ(status.st_gid, kNobody);
+    EXPECT_EQ(status.st_mode & 07777, 0604U);
+    EXPECT_EQ(ReadText(m_file), "new");
+}
+
+TEST_F(AtomicFileTest, AGroupIsKeptWhereOnlyTheOwnerCannotBe) {
+    if (::geteuid() != 0) {
+        GTEST_SKIP() << "only root can make the file of another user";
+    }
+    WriteText(m_file, "old");
+    ASSERT_EQ(::chown(m_file.c_str(), 0, kForeignGroup), 0);
+    ASSERT_EQ(::chmod(m_file.c_str(), 0660), 0);
+    ASSERT_EQ(::chown(m_folder.Path().c_str(), kNobody, kNobody), 0);
+    {
+        const AsNobody nobody({kForeignGroup});
+        korvexctl::WriteFile(m_file, std::string_view("new"));
+    }
+    struct stat status {};
+    ASSERT_EQ(::stat(m_file.c_str(), &status), 0);
+    EXPECT_EQ(status.st_uid, kNobody);
+    EXPECT_EQ(status.st_gid, kForeignGroup);
+    EXPECT_EQ(status.st_mode & 07777, 0660U);
 }
 
 TEST_F(AtomicFileTest, ALinkStaysAndWhatItLeadsToIsReplaced) {
@@ -180,7 +219,7 @@ TEST_F(AtomicFileTest, ASocketIsRefusedAndStays) {
 
 TEST_F(AtomicFileTest, WhereNothingMayBeReplacedAFileThatCameMeanwhileStays) {
     AtomicFile file(m_file, Existing::Kept);
-    file.Write(Bytes("new"));
+    file.Write("new");
     WriteText(m_file, "mine");
     try {
         file.Commit();

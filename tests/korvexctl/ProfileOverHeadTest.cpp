@@ -120,6 +120,18 @@ TEST_F(ProfileOverHead, AFolderThatIsNotThereCannotBeSavedTo) {
     EXPECT_THAT(m_head->GetJournal().Texts(), IsEmpty()) << "found out over a connected head";
 }
 
+TEST_F(ProfileOverHead, ADescriptorThatIsOpenForReadingOnlyCannotBeSavedTo) {
+    WriteProfileText("trigger-period = 5\n");
+    const int descriptor = ::open(m_file.c_str(), O_RDONLY | O_CLOEXEC);
+    ASSERT_GE(descriptor, 0);
+    const std::string name = "/dev/fd/" + std::to_string(descriptor);
+    const CommandResult result = RunHere({"profile", "save", name});
+    ::close(descriptor);
+    EXPECT_EQ(result.code, ExitCode::NotWritable);
+    EXPECT_EQ(result.message, "cannot write " + name + ": it is open for reading only");
+    EXPECT_THAT(m_head->GetJournal().Texts(), IsEmpty()) << "found out over a connected head";
+}
+
 TEST_F(ProfileOverHead, AFifoThatNobodyWritesToIsNoProfile) {
     ASSERT_EQ(::mkfifo(m_file.c_str(), 0600), 0);
     for (const char* action : {"load", "diff"}) {

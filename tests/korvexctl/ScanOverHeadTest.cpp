@@ -1,10 +1,17 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
+#include <array>
 #include <csignal>
+#include <optional>
 #include <thread>
+#include <utility>
 
+#include "korvexctl/AsNobody.h"
+#include "korvexctl/Korvexctl.h"
 #include "korvexctl/ScanOverHead.h"
+#include "virtual_head/TestFiles.h"
 
 namespace Korvex3Sync::tests {
 
@@ -106,6 +113,76 @@ TEST_F(ScanOverHead, ABoardThatDoesNotOpenIsNotConnected) {
     EXPECT_EQ(outcome.code, ExitCode::NotConnected);
     EXPECT_THAT(outcome.message, HasSubstr("cannot connect: Connect projector failed"));
     EXPECT_THAT(Commands({"zr3DSetVideoTrigleMode"}), IsEmpty());
+}
+
+class ScanOverEarlierOne : public ScanOverHead {
+protected:
+    ScanOverEarlierOne() {
+        m_options.folder = m_folder.Path();
+        for (const char* name : kEarlier) {
+            WriteText(m_folder.Path() / name, "of before");
+        }
+    }
+
+    void ExpectEarlierScan() const {
+        EXPECT_THAT(FileNames(m_folder.Path()), ::testing::ElementsAreArray(kEarlier));
+        for (const char* name : kEarlier) {
+            EXPECT_EQ(ReadText(m_folder.Path() / name), "of before") << name;
+        }
+    }
+
+    static constexpr std::array kEarlier{"contact-sheet.png", "scan.json", "set_000_left.png",
+                                         "set_007_left.png"};
+    TemporaryFolder m_folder;
+};
+
+TEST_F(ScanOverEarlierOne, KeepsItWhenTheHeadRefusesToBegin) {
+    for (const char* call :
+         {"zr3DSetVideoTriggerPeriod", "zr3DSetLaserEnable", "zr3DSetVideoTrigleMode"}) {
+        ASSERT_TRUE(m_head->GetFaults().Fail(call, 1));
+        EXPECT_EQ(Scan().code, ExitCode::DeviceRefused) << call;
+        ExpectEarlierScan();
+    }
+}
+
+TEST_F(ScanOverEarlierOne, KeepsItWhenNoSetComes) {
+    m_options.timeoutSeconds = 0.5;
+    LoseEveryFrame();
+    const Outcome outcome = Scan();
+    m_head->GetFaults().Clear();
+    EXPECT_EQ(outcome.code, ExitCode::SetsMissing);
+    EXPECT_EQ(outcome.figures["sets"]["delivered"], 0);
+    ExpectEarlierScan();
+}
+
+TEST_F(ScanOverEarlierOne, RemovesItBeforeTheFirstPictureIsWritten) {
+    bool first = true;
+    const Outcome outcome = Scan([&](const std::filesystem::path& file, const auto& bytes) {
+        if (std::exchange(first, false)) {
+            EXPECT_THAT(FileNames(m_folder.Path()), IsEmpty());
+        }
+        korvexctl::StoreWhole(file, bytes);
+    });
+    EXPECT_EQ(outcome.code, ExitCode::Done) << outcome.message;
+    auto names = outcome.figures["files"].get<std::vector<std::string>>();
+    names.emplace_back("scan.json");
+    EXPECT_THAT(FileNames(m_folder.Path()), ::testing::UnorderedElementsAreArray(names));
+}
+
+TEST_F(ScanOverEarlierOne, AFolderThatCannotBeLookedIntoIsToldBeforeTheScan) {
+    ASSERT_EQ(::chmod(m_folder.Path().c_str(), 0333), 0);
+    std::optional<AsNobody> nobody;
+    if (::geteuid() == 0) {
+        nobody.emplace();  // root may look everywhere
+    }
+    const Outcome outcome = Scan();
+    nobody.reset();
+    ASSERT_EQ(::chmod(m_folder.Path().c_str(), 0700), 0);
+    EXPECT_EQ(outcome.code, ExitCode::NotWritable);
+    EXPECT_EQ(outcome.message,
+              "cannot look into the folder " + m_folder.Path().string() + ": Permission denied");
+    EXPECT_THAT(m_head->GetJournal().Texts(), IsEmpty()) << "found out over a connected head";
+    ExpectEarlierScan();
 }
 
 TEST_F(ScanOverHead, AnInterruptLeavesTheHeadDark) {

@@ -139,6 +139,12 @@ INSTANTIATE_TEST_SUITE_P(
         Wrong{{"scan", "--stes", "3"}, "unknown option --stes; did you mean --sets"},
         Wrong{{"scan", "--stes=3"}, "unknown option --stes; did you mean --sets"},
         Wrong{{"list", "--jsn"}, "unknown option --jsn; did you mean --json"},
+        Wrong{{"--sets", "3", "scan"}, "--sets is an option of scan and belongs behind that word"},
+        Wrong{{"--sets=3", "scan"}, "--sets is an option of scan and belongs behind that word"},
+        Wrong{{"user-info", "--hex", "read", "3"},
+              "--hex is an option of read and belongs behind that word"},
+        Wrong{{"list", "--sets", "3"}, "unknown option --sets"},
+        Wrong{{"list", "--", "--type"}, "\"--type\" was not expected"},
         Wrong{{"user-info", "read"}, "page is required"},
         Wrong{{"scan", "--mode", "lasr"},
               "--mode: \"lasr\" is not one of laser, pattern, pattern-color, laser-color; did you "

@@ -69,9 +69,11 @@ int ReleaseCamera(void*& handle) {
 }
 
 int GetDeviceTotal(void* handle, int& total) {
+    // Before an order may take memory away: it is for the caller.
+    const auto attached = static_cast<int>(R().Attached().size());
     const bool ok = R().Record("GetDeviceTotal", N(handle));
     if (ok) {
-        total = static_cast<int>(R().Attached().size());
+        total = attached;
     }
     return ok ? 0 : kFailed;
 }

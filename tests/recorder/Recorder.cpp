@@ -139,6 +139,11 @@ std::uint64_t Recorder::Count(const std::string& name) const {
     return found == m_counts.end() ? 0 : found->second;
 }
 
+std::size_t Recorder::Handles() const {
+    std::lock_guard lock(m_mutex);
+    return m_names.size();
+}
+
 bool Recorder::WaitForCount(const std::string& name, std::uint64_t times) const {
     std::unique_lock lock(m_mutex);
     return m_changed.wait_for(lock, kDeadline, [&] {

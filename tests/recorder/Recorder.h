@@ -71,6 +71,8 @@ public:
     std::vector<std::string> CallsOfOthers() const;
     /// Calls of this name, or with these arguments: "SnapShot" or "SnapShot(C1)".
     std::uint64_t Count(const std::string& name) const;
+    /// How many instances were made since Reset and not released.
+    std::size_t Handles() const;
     /// Waits until a call that `Count` counts was made `times` times since Reset.
     bool WaitForCount(const std::string& name, std::uint64_t times) const;
     /// Waits until `snaps` snaps were fetched since Reset and the grab thread has come back from

@@ -116,8 +116,12 @@ OpenedFile OpenStream(const Place& place, const std::string& what) {
 }
 
 void RequireWritableStream(const Place& place, const std::string& what) {
-    if (!DescriptorOf(place.path) &&
-        ::faccessat(AT_FDCWD, place.path.c_str(), W_OK, AT_EACCESS) != 0) {
+    if (const std::optional<int> number = DescriptorOf(place.path)) {
+        const int flags = ::fcntl(DescriptorBefore(*number), F_GETFL);
+        if (flags >= 0 && (flags & O_ACCMODE) == O_RDONLY) {
+            throw CommandError(ExitCode::NotWritable, what + ": it is open for reading only");
+        }
+    } else if (::faccessat(AT_FDCWD, place.path.c_str(), W_OK, AT_EACCESS) != 0) {
         throw FileError(what, errno);
     }
 }

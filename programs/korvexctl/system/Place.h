@@ -26,7 +26,7 @@ Place FindPlace(const std::filesystem::path& asked, const std::string& what);
 /// Opens a stream for writing. Of a FIFO it waits a few seconds for a reader. Throws CommandError.
 OpenedFile OpenStream(const Place& place, const std::string& what);
 
-/// Throws FileError for a stream that this user may not write; waits for nobody.
+/// Throws CommandError for a stream that this user may not write; waits for nobody.
 void RequireWritableStream(const Place& place, const std::string& what);
 
 }  // namespace Korvex3Sync::korvexctl

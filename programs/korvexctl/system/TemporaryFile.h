@@ -9,8 +9,9 @@
 namespace Korvex3Sync::korvexctl {
 
 /// A file on its way to its place: hidden, beside it, under a name that nothing had before. It has
-/// the mode and the owner of the file that it is to replace. The destructor removes it unless it
-/// was put in its place. All throw FileError that begins with `what` ("cannot write X").
+/// the mode, the owner and the group of the file that it is to replace where this user may give
+/// them, and no rights for another group. The destructor removes it unless it was put in its place.
+/// All throw FileError that begins with `what` ("cannot write X").
 class TemporaryFile {
 public:
     /// For a file at this path, which is no link.
