@@ -31,7 +31,7 @@ constexpr std::array kTable{
     Row{ExitCode::Warnings, "doctor: the head scans, with warnings"},
     Row{ExitCode::SelftestFailed, "selftest: a step failed"},
     Row{ExitCode::Interrupted,
-        "interrupted (Ctrl-C, SIGTERM, SIGHUP) and ended cleanly: dark and disconnected"},
+        "interrupted (Ctrl-C, SIGTERM, SIGHUP) and disconnected; what stays on is told"},
 };
 
 }  // namespace

@@ -60,17 +60,19 @@ void Illumination::SwitchOn() const {
 }
 
 // All of it goes off, also what an earlier program left on; a refusal counts for what this one
-// switched on.
+// switched on, and takes back nothing that was noted before.
 void Illumination::SwitchOff() const {
     void* const& head = m_session.Handle();
     const bool pattern = ShowsPattern(m_light.mode);
-    const RETSTATUS laser =
-        EnableBlueLaser(head, static_cast<LASERWORKMODE>(m_light.laserMode), false);
-    const RETSTATUS infrared = EnableIRLaser(head, false);
-    const RETSTATUS projection = Project(head, PROJECT_OFF);
-    m_leftOn.Note("laser lines", pattern ? STATUS_SUCCESS : laser);
-    m_leftOn.Note("infrared laser", m_light.irLevel > 0 ? infrared : STATUS_SUCCESS);
-    m_leftOn.Note("projector", pattern ? projection : STATUS_SUCCESS);
+    const auto note = [this](const char* what, RETSTATUS status, bool switchedOn) {
+        if (switchedOn || status == STATUS_SUCCESS) {
+            m_leftOn.Note(what, status);
+        }
+    };
+    note("laser lines", EnableBlueLaser(head, static_cast<LASERWORKMODE>(m_light.laserMode), false),
+         !pattern);
+    note("infrared laser", EnableIRLaser(head, false), m_light.irLevel > 0);
+    note("projector", Project(head, PROJECT_OFF), pattern);
 }
 
 }  // namespace Korvex3Sync::korvexctl

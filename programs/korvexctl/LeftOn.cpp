@@ -31,13 +31,23 @@ std::string LeftOn::Text() const {
 }
 
 void LeftOn::Judge(bool boardAnswers, Outcome& outcome) const {
-    outcome.figures["left_on"] = m_names;
     if (Any() && outcome.code == ExitCode::Done) {
         outcome.code = boardAnswers ? ExitCode::DeviceRefused : ExitCode::NotConnected;
-        outcome.message = (boardAnswers ? "not switched off: "
-                                        : std::string(kMuteBoard) + "; not switched off: ") +
-                          Text();
+        outcome.message = boardAnswers ? "" : kMuteBoard;
     }
+}
+
+Outcome LeftOn::Told(Outcome outcome) const {
+    outcome.figures["left_on"] = m_names;
+    if (Any()) {
+        outcome.message += (outcome.message.empty() ? "" : "; ") + ("not switched off: " + Text());
+    }
+    return outcome;
+}
+
+Outcome TellingLeftOn(const std::function<Outcome(LeftOn&)>& run) {
+    LeftOn leftOn;
+    return leftOn.Told(OutcomeOf([&] { return run(leftOn); }));
 }
 
 }  // namespace Korvex3Sync::korvexctl

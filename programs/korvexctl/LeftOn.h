@@ -2,6 +2,7 @@
 
 #include <Korvex3Sync/Status.h>
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -24,12 +25,18 @@ public:
     const std::vector<std::string>& Names() const { return m_names; }
     /// "trigger, laser lines"
     std::string Text() const;
-    /// Adds "left_on" to the figures. With something left, an outcome that was well becomes
-    /// `NotConnected` when the board no longer answers, and `DeviceRefused` otherwise.
+    /// With something left, an outcome that was well becomes `NotConnected` when the board no
+    /// longer answers, and `DeviceRefused` otherwise.
     void Judge(bool boardAnswers, Outcome& outcome) const;
+    /// The outcome with "left_on" in its figures and what is left in its message.
+    Outcome Told(Outcome outcome) const;
 
 private:
     std::vector<std::string> m_names;
 };
+
+/// Runs a command that switches light or trigger. Whatever ends it, an exception too, the outcome
+/// tells what is left on.
+Outcome TellingLeftOn(const std::function<Outcome(LeftOn&)>& run);
 
 }  // namespace Korvex3Sync::korvexctl

@@ -1,6 +1,7 @@
 #include "korvexctl/Output.h"
 
 #include <cstdio>
+#include <exception>
 
 #include "korvexctl/system/Descriptors.h"
 
@@ -18,6 +19,29 @@ std::string Dump(const nlohmann::json& document, int indent) {
 }
 
 }  // namespace
+
+Outcome OutcomeOf(const std::function<Outcome()>& run) {
+    Outcome outcome;
+    try {
+        return run();
+    } catch (const CommandError& error) {
+        outcome.code = error.Code();
+        outcome.message = error.what();
+    } catch (const std::exception& error) {
+        outcome.code = ExitCode::Unexpected;
+        outcome.message = error.what();
+    }
+    return outcome;
+}
+
+Outcome Interrupted(Outcome outcome) {
+    if (outcome.code != ExitCode::Interrupted) {
+        outcome.code = ExitCode::Interrupted;
+        outcome.message = outcome.message.empty() ? "interrupted when all was done"
+                                                  : "interrupted: " + outcome.message;
+    }
+    return outcome;
+}
 
 void Say(const std::string& message) {
     std::fprintf(stderr, "korvexctl: %s\n", message.c_str());

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <nlohmann/json.hpp>
 #include <string>
 #include <string_view>
@@ -26,6 +27,12 @@ struct Outcome {
 private:
     nlohmann::json ToJson() const;
 };
+
+/// Runs something that gives an outcome; an exception becomes the outcome.
+Outcome OutcomeOf(const std::function<Outcome()>& run);
+
+/// The outcome of something that was interrupted meanwhile, however it ended.
+Outcome Interrupted(Outcome outcome);
 
 /// Writes "korvexctl: MESSAGE" as a line to standard error. Any thread.
 void Say(const std::string& message);

@@ -23,29 +23,8 @@ Outcome RunAsked(const CommandLine& line, Output& output) {
         }
     }
     const EndingOnInterrupt ending;
-    Outcome outcome = line.run(output);
-    if (ToldToEnd()) {
-        outcome.code = ExitCode::Interrupted;
-        outcome.message = outcome.message.empty() ? "interrupted when all was done"
-                                                  : "interrupted: " + outcome.message;
-    }
-    return outcome;
-}
-
-/// Runs something that gives an outcome; an error becomes the outcome.
-template <typename Call>
-Outcome Caught(const Call& call) {
-    Outcome outcome;
-    try {
-        return call();
-    } catch (const CommandError& error) {
-        outcome.code = error.Code();
-        outcome.message = error.what();
-    } catch (const std::exception& error) {
-        outcome.code = ExitCode::Unexpected;
-        outcome.message = error.what();
-    }
-    return outcome;
+    const Outcome outcome = OutcomeOf([&] { return line.run(output); });
+    return ToldToEnd() ? Interrupted(outcome) : outcome;
 }
 
 Outcome RunLogged(const CommandLine& line, StandardOutput& standardOutput, Output& output) {
@@ -66,7 +45,7 @@ Outcome Run(const CommandLineResult& asked) {
     }
     // Among the library's own lines a bar would only be in the way.
     Output output(standardOutput, line.json, ErrorOutputIsTerminal() && !line.verbose);
-    Outcome outcome = Caught([&] {
+    Outcome outcome = OutcomeOf([&] {
         if (asked.badUsage) {
             throw CommandError(ExitCode::Usage, asked.text);
         }
@@ -81,7 +60,7 @@ Outcome Run(const CommandLineResult& asked) {
 int RunProgram(int count, const char* const* arguments) noexcept {
     try {
         TurnWriteSignalsIntoErrors();
-        const Outcome outcome = Caught([&] { return Run(ReadCommandLine(count, arguments)); });
+        const Outcome outcome = OutcomeOf([&] { return Run(ReadCommandLine(count, arguments)); });
         if (outcome.code != ExitCode::Done) {
             Say(outcome.message);
         }

@@ -37,14 +37,8 @@ bool WaitForAnswer(StatusWatch& watch, Clock::time_point end) {
     return false;
 }
 
-Outcome RunReconnect(const Asked& asked, Output& output) {
-    StatusWatch watch;
-    std::atomic<bool> interrupted{false};
-    const InterruptWatch interruptWatch([&] {
-        interrupted = true;
-        Say("interrupted; ends when the reconnection does; a second time ends at once");
-        watch.Stop();
-    });
+Outcome Reconnect(const Asked& asked, StatusWatch& watch, const std::atomic<bool>& interrupted,
+                  Output& output) {
     const ConnectedHead head(asked.head, MuteBoard::Taken);
     watch.Watch(head.session);
     const auto begin = Clock::now();
@@ -73,6 +67,18 @@ Outcome RunReconnect(const Asked& asked, Output& output) {
     }
     output.Line("reconnected, and the board answers, after " + std::to_string(took) + " ms");
     return outcome;
+}
+
+Outcome RunReconnect(const Asked& asked, Output& output) {
+    StatusWatch watch;
+    std::atomic<bool> interrupted{false};
+    const InterruptWatch interruptWatch([&] {
+        interrupted = true;
+        Say("interrupted; ends when the reconnection does; a second time ends at once");
+        watch.Stop();
+    });
+    const Outcome outcome = OutcomeOf([&] { return Reconnect(asked, watch, interrupted, output); });
+    return interrupted ? Interrupted(outcome) : outcome;
 }
 
 }  // namespace

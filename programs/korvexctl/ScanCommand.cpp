@@ -57,12 +57,12 @@ bool WaitForSets(ScanRecorder& recorder, const ScanOptions& options, const Outpu
 
 /// Connects, sets the light, scans and disconnects. `outcome` tells whether the head was left dark.
 bool Scan(const HeadChoice& choice, ScanReport& report, ScanRecorder& recorder,
-          const std::function<void(const KeptSet&)>& onKept, Outcome& outcome, Output& output) {
+          const std::function<void(const KeptSet&)>& onKept, LeftOn& leftOn, Outcome& outcome,
+          Output& output) {
     const ScanOptions& options = report.options;
     report.cameras = FindCameras(choice.cameraType);
     report.head = AskHead(choice.board);
     BoardWatch boardWatch;
-    LeftOn leftOn;
     const Session session(choice.cameraType, choice.board, report.cameras);
     RequireAnswer(session);
     Print(report.cameras, output);
@@ -99,14 +99,8 @@ std::string MissingMessage(const ScanReport& report) {
            (report.boardLost ? "; the board does not answer" : "");
 }
 
-}  // namespace
-
-void StoreWhole(const std::filesystem::path& file, std::span<const unsigned char> bytes) {
-    WriteFile(file, bytes);
-}
-
-Outcome RunScan(const HeadChoice& choice, const ScanOptions& options, Output& output,
-                const StoreFile& store) {
+Outcome ScanAndWrite(const HeadChoice& choice, const ScanOptions& options, LeftOn& leftOn,
+                     Output& output, const StoreFile& store) {
     const bool writes = !options.folder.empty();
     std::optional<EarlierScan> earlier;
     if (writes) {
@@ -137,9 +131,17 @@ Outcome RunScan(const HeadChoice& choice, const ScanOptions& options, Output& ou
     ScanReport report;
     report.options = options;
     Outcome outcome;
-    const bool inTime = Scan(
-        choice, report, recorder, [&writer](const KeptSet& set) { writer.Add(set); }, outcome,
-        output);
+    bool inTime = false;
+    try {
+        inTime = Scan(
+            choice, report, recorder, [&writer](const KeptSet& set) { writer.Add(set); }, leftOn,
+            outcome, output);
+    } catch (const CommandError& error) {
+        if (interrupted) {
+            throw CommandError(ExitCode::Interrupted, std::string("interrupted: ") + error.what());
+        }
+        throw;
+    }
     writer.Finish();
     report.files = writer.Files();
     report.counts = recorder.Wait(milliseconds(0));
@@ -162,7 +164,7 @@ Outcome RunScan(const HeadChoice& choice, const ScanOptions& options, Output& ou
         writer.ThrowFailure();
         if (writes && report.counts.delivered > 0) {
             earlier->Remove();  // when no picture of it was kept
-            WriteFile(options.folder / kFiguresFile, outcome.Document());
+            WriteFile(options.folder / kFiguresFile, leftOn.Told(outcome).Document());
         }
     } catch (const CommandError& error) {
         outcome.code = error.Code();
@@ -170,6 +172,18 @@ Outcome RunScan(const HeadChoice& choice, const ScanOptions& options, Output& ou
     }
     Print(report, output);
     return outcome;
+}
+
+}  // namespace
+
+void StoreWhole(const std::filesystem::path& file, std::span<const unsigned char> bytes) {
+    WriteFile(file, bytes);
+}
+
+Outcome RunScan(const HeadChoice& choice, const ScanOptions& options, Output& output,
+                const StoreFile& store) {
+    return TellingLeftOn(
+        [&](LeftOn& leftOn) { return ScanAndWrite(choice, options, leftOn, output, store); });
 }
 
 }  // namespace Korvex3Sync::korvexctl

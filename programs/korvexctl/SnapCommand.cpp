@@ -111,6 +111,27 @@ Outcome Write(const SnapChoice& asked, const Camera& camera, const Snapshot& sna
     return outcome;
 }
 
+Outcome TakeAndWrite(const SnapChoice& asked, LeftOn& leftOn, Output& output,
+                     const StoreFile& store) {
+    std::vector<Camera> cameras = FindCameras(asked.head.cameraType);
+    if (!cameras.empty()) {
+        RequireCamera(CameraSetting(CameraPart::Exposure, asked.snapshot.camera), cameras.size());
+        RequireColor(cameras);
+        PrepareFolder(asked.folder);
+    }
+    Progress progress;
+    const InterruptWatch interruptWatch([&progress] { progress.Interrupt(); });
+    const Outcome ended = OutcomeOf([&] {
+        const ConnectedHead head(asked.head, std::move(cameras));
+        const Snapshot snapshot = Take(head, asked.snapshot, progress, leftOn);
+        Outcome outcome =
+            Write(asked, head.cameras.front(), snapshot, progress.interrupted, store, output);
+        leftOn.Judge(!leftOn.Any() || BoardAnswers(head.session), outcome);
+        return outcome;
+    });
+    return progress.interrupted ? Interrupted(ended) : ended;
+}
+
 /// An option with one value for each image after the first, checked as the setting is.
 template <typename Number>
 void AddPerImage(CLI::App& command, const char* name, std::vector<Number>& values,
@@ -159,21 +180,8 @@ RunCommand AddSnapCommand(CLI::App& command, bool infrared) {
 }  // namespace
 
 Outcome RunSnap(const SnapChoice& asked, Output& output, const StoreFile& store) {
-    std::vector<Camera> cameras = FindCameras(asked.head.cameraType);
-    if (!cameras.empty()) {
-        RequireCamera(CameraSetting(CameraPart::Exposure, asked.snapshot.camera), cameras.size());
-        RequireColor(cameras);
-        PrepareFolder(asked.folder);
-    }
-    Progress progress;
-    const InterruptWatch interruptWatch([&progress] { progress.Interrupt(); });
-    LeftOn leftOn;
-    const ConnectedHead head(asked.head, std::move(cameras));
-    const Snapshot snapshot = Take(head, asked.snapshot, progress, leftOn);
-    Outcome outcome =
-        Write(asked, head.cameras.front(), snapshot, progress.interrupted, store, output);
-    leftOn.Judge(!leftOn.Any() || BoardAnswers(head.session), outcome);
-    return outcome;
+    return TellingLeftOn(
+        [&](LeftOn& leftOn) { return TakeAndWrite(asked, leftOn, output, store); });
 }
 
 RunCommand AddSnap(CLI::App& command) {

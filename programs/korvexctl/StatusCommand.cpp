@@ -49,12 +49,11 @@ nlohmann::json AskLosses(const ConnectedHead& head, std::optional<CAMERA_TRIGGER
     return places;
 }
 
-Outcome RunStatus(const Asked& asked, Output& output) {
+Outcome WatchStatus(const Asked& asked, LeftOn& leftOn, Output& output) {
     output.UseRecords();
     StatusWatch watch;
     // Its end is a person's Ctrl-C, unless it has one of its own.
     const InterruptWatch interrupt([&watch] { watch.Stop(); });
-    LeftOn leftOn;
     // A board that is mute now may come back.
     const ConnectedHead head(asked.head, MuteBoard::Taken);
     std::optional<HeadState> shown;
@@ -105,7 +104,9 @@ RunCommand AddStatus(CLI::App& command) {
     AddModeOption(command, asked->mode,
                   "Switch the trigger on meanwhile, so that losses can show: ");
     command.footer("With --json one object a line, for each change.");
-    return [asked](Output& output) { return RunStatus(*asked, output); };
+    return [asked](Output& output) {
+        return TellingLeftOn([&](LeftOn& leftOn) { return WatchStatus(*asked, leftOn, output); });
+    };
 }
 
 }  // namespace Korvex3Sync::korvexctl

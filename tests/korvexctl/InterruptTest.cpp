@@ -1,14 +1,19 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <atomic>
+#include <chrono>
 #include <csignal>
 #include <string>
+#include <thread>
 #include <tuple>
 #include <vector>
 
+#include "korvexctl/CommandOverHead.h"
 #include "korvexctl/ErrorIntoFile.h"
-#include "korvexctl/Korvexctl.h"
+#include "korvexctl/Program.h"
 #include "korvexctl/ScanOverHead.h"
+#include "korvexctl/system/Signals.h"
 #include "support/WaitUntil.h"
 #include "virtual_head/TestFiles.h"
 
@@ -19,57 +24,89 @@ namespace {
 using korvexctl::ExitCode;
 using ::testing::HasSubstr;
 
-/// A command with a head, and the platform call of it that hangs for a while.
+constexpr const char* kEnded = "korvexctl: interrupted\n";
+constexpr const char* kFailed = "korvexctl: interrupted: cannot connect: ";
+
+/// A command with a head, and the platform call of it that hangs, and fails once it is let go.
 struct Hanging {
     std::vector<std::string> words;
     const char* call;
-    const char* before;  // what the log says ahead of it
+    const char* end;  // the last line of the program
 };
 
-/// Commands that have no end of their own to come to, met by a signal in the middle.
-class KorvexctlInterruptAnywhere : public ::testing::TestWithParam<std::tuple<Hanging, int>> {
+/// The whole program, met by a signal in the middle.
+class KorvexctlInterrupted : public ::testing::Test {
 protected:
     /// A file that profiles come from and go to.
     std::string Profile() const {
         const auto file = m_folder.Path() / "profile.toml";
-        WriteText(file, "projector-brightness = 20\nlaser-line-duty = 30\n");
+        WriteText(file, "\"exposure.0\" = 6\n\"exposure.1\" = 6\n");
         return file.string();
     }
 
+    /// Runs the whole program in this process; its exit code.
+    int Run(const std::vector<std::string>& words) const {
+        std::vector<std::string> all{"korvexctl"};
+        for (const std::string& word : words) {
+            all.push_back(word == "PROFILE" ? Profile() : word);
+        }
+        std::vector<const char*> arguments;
+        for (const std::string& word : all) {
+            arguments.push_back(word.c_str());
+        }
+        return korvexctl::RunProgram(static_cast<int>(arguments.size()), arguments.data());
+    }
+
     TemporaryFolder m_folder;
+    const std::filesystem::path m_errorFile = m_folder.Path() / "error";
 };
 
-TEST_P(KorvexctlInterruptAnywhere, DisconnectsAndTellsIt) {
+/// Commands that have no end of their own to come to.
+class KorvexctlInterruptAnywhere : public KorvexctlInterrupted,
+                                   public ::testing::WithParamInterface<std::tuple<Hanging, int>> {
+};
+
+TEST_P(KorvexctlInterruptAnywhere, DoesNothingMoreAndDisconnectsAndTellsIt) {
     const auto& [hanging, signal] = GetParam();
-    const auto head =
-        WriteSmallHead(m_folder.Path(), std::string("[[fault]]\nwhat = \"slow\"\ncall = \"") +
-                                            hanging.call + "\"\nextra_ms = 5000\nat_ms = 0\n");
-    const auto log = m_folder.Path() / "log";
-    std::vector<std::string> words{"--virtual=" + head.string(), "--verbose"};
-    for (const std::string& word : hanging.words) {
-        words.push_back(word == "PROFILE" ? Profile() : word);
+    const test::RequestedHead head(SmallHeadDescription());
+    ASSERT_TRUE(head->GetFaults().Hang(hanging.call));
+    std::vector<std::string> before;
+    int code = 0;
+    {
+        const ErrorIntoFile errorIntoFile(m_errorFile);
+        std::thread person([&, call = hanging.call, number = signal] {
+            EXPECT_TRUE(head->GetFaults().WaitForHang(call, std::chrono::minutes(1)));
+            before = BoardChanges(*head);
+            std::raise(number);
+            EXPECT_TRUE(support::WaitUntil([this] {
+                return ReadText(m_errorFile).find("korvexctl: interrupted; ") != std::string::npos;
+            }));
+            head->GetFaults().ReleaseHangs(call);
+        });
+        code = Run(hanging.words);
+        person.join();
     }
-    ChildProcess command(KorvexctlCommand(words), WithoutHead());
-    ASSERT_TRUE(command.WaitForError(hanging.before));
-    command.Signal(signal);
-    const ChildResult result = command.Wait();
-    EXPECT_EQ(result.exitCode, static_cast<int>(ExitCode::Interrupted)) << result.error;
-    EXPECT_THAT(result.error, HasSubstr("korvexctl: interrupted; "));
-    EXPECT_THAT(result.error, HasSubstr("DisConnectDevice"));
+    const std::string error = ReadText(m_errorFile);
+    EXPECT_EQ(code, static_cast<int>(ExitCode::Interrupted)) << error;
+    EXPECT_THAT(error, HasSubstr(hanging.end));
+    if (hanging.words.front() != "reconnect") {
+        // The library takes a reconnection to its end.
+        EXPECT_EQ(BoardChanges(*head), before);
+    }
+    const bool opened = hanging.end == std::string(kEnded);
+    EXPECT_EQ(head->GetJournal().Texts({"zr3DExitHidDev"}).empty(), !opened);
 }
 
-// Camera calls: a board call would end at its reply limit.
-constexpr const char* kConnecting = "OpenCamera m_bOpen=1";
-constexpr const char* kConnected = "ConnectDevice leave";
-
 const Hanging kHangingCommands[] = {
-    {{"info"}, "GetExposureTime", kConnected},
-    {{"get"}, "GetExposureTime", kConnected},
-    {{"profile", "save", "PROFILE"}, "GetExposureTime", kConnected},
-    {{"profile", "load", "PROFILE"}, "StartCamera", kConnecting},
-    {{"set", "laser-line-duty", "30"}, "StartCamera", kConnecting},
-    {{"user-info", "read", "3"}, "StartCamera", kConnecting},
-    {{"reconnect"}, "StartCamera", kConnecting},
+    {{"info"}, "GetExposureTime", kEnded},
+    {{"get"}, "GetExposureTime", kEnded},
+    {{"profile", "save", "PROFILE"}, "GetExposureTime", kEnded},
+    {{"profile", "load", "PROFILE"}, "SetCameraIntParam", kEnded},
+    {{"set", "exposure.0", "6", "laser-line-duty", "30"}, "SetCameraIntParam", kEnded},
+    {{"user-info", "read", "3"}, "StartCamera", kEnded},
+    {{"reconnect"}, "StartCamera", kEnded},
+    {{"reconnect"}, "zr3DInitHidDev", kFailed},
+    {{"user-info", "read", "3"}, "zr3DInitHidDev", kFailed},
 };
 
 INSTANTIATE_TEST_SUITE_P(Signals, KorvexctlInterruptAnywhere,
@@ -78,6 +115,42 @@ INSTANTIATE_TEST_SUITE_P(Signals, KorvexctlInterruptAnywhere,
 INSTANTIATE_TEST_SUITE_P(Commands, KorvexctlInterruptAnywhere,
                          ::testing::Combine(::testing::ValuesIn(kHangingCommands),
                                             ::testing::Values(SIGTERM)));
+
+TEST(KorvexctlInterruptWatch, IsNotMadeWithinOneThatHasMetASignal) {
+    const korvexctl::EndingOnInterrupt ending;
+    std::raise(SIGINT);
+    ASSERT_TRUE(support::WaitUntil(korvexctl::ToldToEnd));
+    bool told = false;
+    EXPECT_THROW(korvexctl::InterruptWatch([&told] { told = true; }), korvexctl::CommandError);
+    EXPECT_FALSE(told);
+}
+
+TEST(KorvexctlInterruptWatch, HasTheSignalsOfTheOneAroundIt) {
+    const korvexctl::EndingOnInterrupt ending;
+    std::atomic<int> told{0};
+    {
+        const korvexctl::InterruptWatch inner([&told] { ++told; });
+        std::raise(SIGTERM);
+        EXPECT_TRUE(support::WaitUntil([&told] { return told == 1; }));
+    }
+    EXPECT_FALSE(korvexctl::ToldToEnd());
+}
+
+TEST(KorvexctlInterruptWatch, AHandlerThatComesAfterItsEndTellsNoOther) {
+    struct sigaction late {};
+    {
+        const korvexctl::InterruptWatch ended([] { ADD_FAILURE() << "no signal came"; });
+        ::sigaction(SIGINT, nullptr, &late);
+    }
+    late.sa_handler(SIGINT);
+    std::atomic<int> told{0};
+    {
+        const korvexctl::InterruptWatch next([&told] { ++told; });
+        std::raise(SIGINT);
+        EXPECT_TRUE(support::WaitUntil([&told] { return told > 0; }));
+    }
+    EXPECT_EQ(told, 1);
+}
 
 TEST_F(ScanOverHead, PicturesThatAreStillWrittenAfterAnInterruptAreTold) {
     const TemporaryFolder folder;
@@ -102,18 +175,20 @@ TEST_F(ScanOverHead, PicturesThatAreStillWrittenAfterAnInterruptAreTold) {
     EXPECT_TRUE(std::filesystem::exists(m_options.folder / "set_000_left.png"));
 }
 
-TEST(KorvexctlInterrupt, ASearchWithoutAConnectionEndsWithItsAnswer) {
-    const TemporaryFolder folder;
-    const auto head = WriteSmallHead(folder.Path(),
-                                     "[[fault]]\nwhat = \"slow\"\ncall = \"GetDeviceTotal\"\n"
-                                     "extra_ms = 5000\nat_ms = 0\n");
-    ChildProcess command(KorvexctlCommand({"--virtual=" + head.string(), "--verbose", "list"}),
-                         WithoutHead());
-    ASSERT_TRUE(command.WaitForError("GetAllSpecifyTypeCameraInformation"));
-    command.Signal(SIGTERM);
-    const ChildResult result = command.Wait();
-    EXPECT_EQ(result.exitCode, static_cast<int>(ExitCode::Interrupted));
-    EXPECT_THAT(result.output, HasSubstr("KV00A1001"));
+TEST_F(KorvexctlInterrupted, ASearchWithoutAConnectionEndsWithItsAnswer) {
+    const test::RequestedHead head(SmallHeadDescription());
+    ASSERT_TRUE(head->GetFaults().Slow("GetDeviceTotal", std::chrono::seconds(5), 1));
+    // Takes a signal that comes when the search has ended.
+    const korvexctl::InterruptWatch around([] { ADD_FAILURE() << "the signal came too late"; });
+    std::thread person([&head] {
+        EXPECT_TRUE(
+            support::WaitUntil([&head] { return head->GetFaults().Holds("GetDeviceTotal"); }));
+        std::raise(SIGTERM);
+    });
+    ::testing::internal::CaptureStdout();
+    EXPECT_EQ(Run({"list"}), static_cast<int>(ExitCode::Interrupted));
+    person.join();
+    EXPECT_THAT(::testing::internal::GetCapturedStdout(), HasSubstr("KV00A1001"));
 }
 
 }  // namespace

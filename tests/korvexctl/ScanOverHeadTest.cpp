@@ -98,6 +98,32 @@ TEST_F(ScanOverHead, ATriggerThatIsRefusedLeavesTheHeadDark) {
     ExpectHeadLeftDark();
 }
 
+TEST_F(ScanOverHead, AScanThatARefusalEndsTellsWhatIsLeftOn) {
+    ASSERT_TRUE(m_head->GetFaults().Fail("zr3DSetVideoTrigleMode", 1'000));
+    const Outcome outcome = Scan();
+    m_head->GetFaults().Clear();
+    EXPECT_EQ(outcome.code, ExitCode::DeviceRefused);
+    EXPECT_THAT(outcome.message, StartsWith("switch the trigger on: "));
+    EXPECT_THAT(outcome.message, HasSubstr("; not switched off: trigger"));
+    EXPECT_EQ(outcome.figures["left_on"], nlohmann::json{"trigger"});
+}
+
+TEST_F(ScanOverHead, AnInterruptedScanOfAMuteBoardTellsWhatIsLeftOn) {
+    m_options.sets = 1'000'000;
+    std::thread person([this] {
+        WaitForTriggers(5);
+        EXPECT_TRUE(m_head->GetFaults().Order({virtual_head::FaultKind::BoardMute}));
+        std::raise(SIGINT);
+    });
+    const Outcome outcome = Scan();
+    person.join();
+    m_head->GetFaults().Clear();
+    EXPECT_EQ(outcome.code, ExitCode::Interrupted);
+    EXPECT_THAT(outcome.message, StartsWith("interrupted: "));
+    EXPECT_THAT(outcome.message, HasSubstr("; not switched off: trigger, laser lines"));
+    EXPECT_EQ(outcome.figures["left_on"], (nlohmann::json{"trigger", "laser lines"}));
+}
+
 TEST_F(ScanOverHead, ABoardThatOpensAndIsMuteIsNotConnected) {
     ASSERT_TRUE(m_head->GetFaults().Order({virtual_head::FaultKind::BoardMute}));
     const Outcome outcome = Scan();

@@ -1,9 +1,17 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <chrono>
+#include <csignal>
+#include <thread>
+
 #include "korvexctl/CommandOverHead.h"
+#include "korvexctl/ErrorIntoFile.h"
 #include "korvexctl/health/Selftest.h"
 #include "korvexctl/health/StepRun.h"
+#include "korvexctl/system/Signals.h"
+#include "support/WaitUntil.h"
+#include "virtual_head/TestFiles.h"
 
 namespace Korvex3Sync::tests {
 
@@ -15,9 +23,11 @@ using korvexctl::Step;
 using korvexctl::StepRow;
 using korvexctl::StepRun;
 using ::testing::AllOf;
+using ::testing::Contains;
 using ::testing::Each;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
+using ::testing::Not;
 using ::testing::UnorderedElementsAre;
 
 class KorvexctlSelftest : public ::testing::Test {
@@ -125,6 +135,64 @@ TEST_F(KorvexctlSelftest, ACameraThatHangsFailsItsStepAndEndsTheRun) {
     EXPECT_EQ(With(outcome, "passed").size(), 4U);
     head->GetFaults().ReleaseHangs();
 }
+
+TEST_F(KorvexctlSelftest, LightThatStaysOnFailsEachStepThatLeavesIt) {
+    virtual_head::TimedFault refusal;
+    refusal.order.kind = virtual_head::FaultKind::Fail;
+    refusal.order.call = "zr3DSetLaserEnable";
+    refusal.order.times = 3;
+    refusal.atTrigger = 1;
+    m_head.faults = {refusal};
+    const test::RequestedHead head(m_head);
+    const Outcome outcome = Run();
+    EXPECT_EQ(outcome.code, ExitCode::SelftestFailed);
+    EXPECT_THAT(With(outcome, "FAILED"), Contains("scan laser")) << outcome.Document();
+    for (const nlohmann::json& step : outcome.figures["steps"]) {
+        if (step["verdict"] == "FAILED") {
+            EXPECT_THAT(step["finding"].get<std::string>(),
+                        HasSubstr("not switched off: laser lines"));
+        }
+    }
+    // Once the board takes it, the light is off.
+    EXPECT_THAT(With(outcome, "passed"), Contains("settings put back"));
+}
+
+/// The commands themselves, met by a signal.
+class KorvexctlHealthInterrupt : public KorvexctlSelftest,
+                                 public ::testing::WithParamInterface<const char*> {};
+
+TEST_P(KorvexctlHealthInterrupt, IsAnsweredAtOnceAndCleansUp) {
+    const test::RequestedHead head(m_head);
+    ASSERT_TRUE(head->GetFaults().Hang("GetExposureTime"));
+    const TemporaryFolder folder;
+    const auto errorFile = folder.Path() / "error";
+    const ErrorIntoFile errorIntoFile(errorFile);
+    std::thread person([&] {
+        EXPECT_TRUE(head->GetFaults().WaitForHang("GetExposureTime", std::chrono::minutes(1)));
+        std::raise(SIGINT);
+        EXPECT_TRUE(support::WaitUntil([&errorFile] {
+            return ReadText(errorFile).find("korvexctl: interrupted; ends after the step") !=
+                   std::string::npos;
+        }));
+        head->GetFaults().ReleaseHangs("GetExposureTime");
+    });
+    const CommandResult result = RunHere({GetParam()});
+    person.join();
+    EXPECT_EQ(result.code, ExitCode::Interrupted);
+    EXPECT_THAT(head->GetJournal().Texts({"zr3DExitHidDev"}), Not(IsEmpty()));
+}
+
+TEST_P(KorvexctlHealthInterrupt, BeforeItBeginsNothingIsDone) {
+    const test::RequestedHead head(m_head);
+    const korvexctl::EndingOnInterrupt ending;
+    std::raise(SIGINT);
+    ASSERT_TRUE(support::WaitUntil(korvexctl::ToldToEnd));
+    EXPECT_EQ(RunHere({GetParam()}).code, ExitCode::Interrupted);
+    EXPECT_THAT(head->GetJournal().Texts({"zr3DInitHidDev"}), IsEmpty());
+}
+
+INSTANTIATE_TEST_SUITE_P(Commands, KorvexctlHealthInterrupt,
+                         ::testing::Values("doctor", "selftest"));
 
 TEST_F(KorvexctlSelftest, WithoutAHeadOnlyTheSearchFails) {
     virtual_head::WithdrawVirtualHead();

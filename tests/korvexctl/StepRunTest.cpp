@@ -73,17 +73,23 @@ TEST(StepRun, AStepThatHangsIsAFaultAndNothingRunsAfterIt) {
     EXPECT_FALSE(ranOn);
 }
 
+TEST(StepRun, StoppedBeforeItBeginsItOnlyCleansUp) {
+    StepRun run({{"first", 60s, Fine}, {"clean up", 60s, Fine, true}});
+    run.Stop();
+    EXPECT_THAT(Verdicts(run.Wait([](const StepRow&) {})),
+                ElementsAre(Verdict::NotRun, Verdict::Ok));
+}
+
 TEST(StepRun, StoppedItOnlyCleansUp) {
-    std::promise<void> stopped;
+    StepRun* running = nullptr;
     StepRun run({{"first", 60s,
-                  [&stopped] {
-                      stopped.get_future().wait();
+                  [&running] {
+                      running->Stop();
                       return Fine();
                   }},
                  {"second", 60s, Fine},
                  {"clean up", 60s, Fine, true}});
-    run.Stop();
-    stopped.set_value();
+    running = &run;
     const auto rows = run.Wait([](const StepRow&) {});
     EXPECT_EQ(rows[1].finding.verdict, Verdict::NotRun);
     EXPECT_EQ(rows[1].finding.text, "interrupted");

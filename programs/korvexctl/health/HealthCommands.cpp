@@ -35,6 +35,8 @@ Outcome Examine(std::vector<Step> steps, const VerdictWords& words, MakeOutcome 
         const InterruptWatch watch([&] {
             interrupted = true;
             run.Stop();
+            Say("interrupted; ends after the step that is running and what cleans up; a second "
+                "time ends at once");
         });
         const auto rows = run.Wait([&](const StepRow& row) {
             for (const std::string& line : RowLines(row, words, width)) {

@@ -22,6 +22,16 @@ constexpr double kSnapshotExposureMs = 5;
 constexpr std::size_t kSnapshotImages = 2;
 constexpr std::size_t kInfraredImages = 3;
 
+/// A step after which something is left on has failed.
+Finding Dark(const LeftOn& leftOn, Finding finding) {
+    if (leftOn.Any()) {
+        finding.text = (finding.verdict == Verdict::Fault ? finding.text + "; " : "") +
+                       "not switched off: " + leftOn.Text();
+        finding.verdict = Verdict::Fault;
+    }
+    return finding;
+}
+
 /// A scan of a few sets; each as its mode promises it, none lost.
 Finding TestScan(Examined& examined, CAMERA_TRIGGER_MODE mode, const SelftestOptions& asked) {
     TrialOptions options;
@@ -116,7 +126,7 @@ std::vector<Step> ScanSteps(const std::shared_ptr<Examined>& examined,
     for (const TriggerMode& known : kTriggerModes) {
         steps.push_back(HeadStep(examined, std::string("scan ") + known.name, kLimit,
                                  [mode = known.mode, options](Examined& head) {
-                                     return TestScan(head, mode, options);
+                                     return Dark(head.leftOn, TestScan(head, mode, options));
                                  }));
     }
     return steps;
@@ -127,15 +137,15 @@ std::vector<Step> ReconnectSteps(const std::shared_ptr<Examined>& examined,
     return {HeadStep(examined, "reset of nothing", kLimit, TestNoReset),
             HeadStep(examined, "reconnect", kReconnectLimit, TestReconnect),
             HeadStep(examined, "scan after reconnect", kLimit, [options](Examined& head) {
-                return TestScan(head, TRIGGER_LASER_LINES_COLOR, options);
+                return Dark(head.leftOn, TestScan(head, TRIGGER_LASER_LINES_COLOR, options));
             })};
 }
 
 std::vector<Step> SnapshotSteps(const std::shared_ptr<Examined>& examined) {
     return {HeadStep(examined, "snapshot", kSnapshotLimit,
-                     [](Examined& head) { return TestSnapshot(head, false); }),
+                     [](Examined& head) { return Dark(head.leftOn, TestSnapshot(head, false)); }),
             HeadStep(examined, "infrared snapshot", kSnapshotLimit,
-                     [](Examined& head) { return TestSnapshot(head, true); })};
+                     [](Examined& head) { return Dark(head.leftOn, TestSnapshot(head, true)); })};
 }
 
 }  // namespace Korvex3Sync::korvexctl

@@ -32,12 +32,13 @@ std::chrono::milliseconds Since(Clock::time_point begin) {
 
 }  // namespace
 
-StepRun::StepRun(std::vector<Step> steps) : m_limits(LimitsOf(steps)) {
-    m_thread = std::thread([this, work = std::move(steps)] { Work(work); });
-}
+StepRun::StepRun(std::vector<Step> steps)
+    : m_steps(std::move(steps)), m_limits(LimitsOf(m_steps)) {}
 
 StepRun::~StepRun() {
-    m_thread.join();
+    if (m_thread.joinable()) {
+        m_thread.join();
+    }
 }
 
 void StepRun::Work(const std::vector<Step>& steps) {
@@ -70,6 +71,7 @@ Finding StepRun::RunStep(const Step& step) {
 }
 
 std::vector<StepRow> StepRun::Wait(const std::function<void(const StepRow&)>& onRow) {
+    m_thread = std::thread([this, steps = std::move(m_steps)] { Work(steps); });
     std::vector<StepRow> rows;
     std::string hanging;
     for (const auto& [name, limit] : m_limits) {

@@ -6,6 +6,7 @@
 #include <atomic>
 #include <cerrno>
 #include <csignal>
+#include <mutex>
 #include <system_error>
 #include <thread>
 #include <utility>
@@ -20,8 +21,10 @@ namespace {
 
 constexpr char kInterrupted = 'i';
 constexpr char kEnd = 'e';
+constexpr const char* kEnded = "interrupted";
 
-// A signal handler reaches nothing else than what stands here.
+// A signal handler reaches nothing else than what stands here. The pipe is made once and never
+// closed: a handler may be on its way to it at any time.
 std::atomic<int> s_signals{0};
 std::atomic<int> s_writeEnd{-1};
 static_assert(std::atomic<int>::is_always_lock_free);
@@ -46,35 +49,8 @@ extern "C" void OnSignal(int signal) {
     errno = before;
 }
 
-}  // namespace
-
-struct InterruptWatch::State {
-    std::array<int, 2> pipe{-1, -1};
-    int formerWriteEnd = -1;
-    std::vector<Handled> handled;
-    std::thread thread;
-};
-
-InterruptWatch::InterruptWatch(std::function<void()> onInterrupt)
-    : m_state(std::make_unique<State>()) {
-    if (::pipe(m_state->pipe.data()) != 0) {
-        throw std::system_error(errno, std::generic_category(), "pipe");
-    }
-    s_signals = 0;
-    m_state->formerWriteEnd = s_writeEnd.exchange(m_state->pipe[1]);
-    m_state->thread = std::thread([readEnd = m_state->pipe[0], call = std::move(onInterrupt)] {
-        char what = kEnd;
-        while (true) {
-            const ssize_t got = ::read(readEnd, &what, 1);
-            if (got < 0 && errno == EINTR) {
-                continue;
-            }
-            if (got != 1 || what == kEnd) {
-                return;
-            }
-            call();
-        }
-    });
+std::vector<Handled> TakeSignals() {
+    std::vector<Handled> taken;
     struct sigaction action {};
     action.sa_handler = OnSignal;
     action.sa_flags = SA_RESTART;
@@ -87,19 +63,102 @@ InterruptWatch::InterruptWatch(std::function<void()> onInterrupt)
             continue;
         }
         ::sigaction(signal, &action, nullptr);
-        m_state->handled.push_back({signal, former});
+        taken.push_back({signal, former});
     }
+    return taken;
+}
+
+/// All watches of the process, and the thread that tells the newest one of a signal.
+class Watches {
+public:
+    static Watches& OfThisProcess() {
+        static Watches watches;
+        return watches;
+    }
+
+    void Add(const std::function<void()>& call) {
+        const std::lock_guard lock(m_mutex);
+        if (m_calls.empty()) {
+            Begin();
+        } else if (m_told) {
+            throw CommandError(ExitCode::Interrupted, kEnded);
+        }
+        m_calls.push_back(&call);
+    }
+
+    /// Waits for a call that is under way.
+    void RemoveNewest() {
+        {
+            const std::lock_guard lock(m_mutex);
+            m_calls.pop_back();
+            if (!m_calls.empty()) {
+                return;
+            }
+        }
+        End();
+    }
+
+private:
+    Watches() {
+        std::array<int, 2> pipe{-1, -1};
+        if (::pipe(pipe.data()) != 0) {
+            throw std::system_error(errno, std::generic_category(), "pipe");
+        }
+        m_readEnd = pipe[0];
+        s_writeEnd = pipe[1];
+    }
+
+    void Begin() {
+        s_signals = 0;
+        m_told = false;
+        m_thread = std::thread([this] { Tell(); });
+        m_taken = TakeSignals();
+    }
+
+    void End() {
+        for (const Handled& handled : m_taken) {
+            ::sigaction(handled.signal, &handled.former, nullptr);
+        }
+        [[maybe_unused]] const ssize_t written = ::write(s_writeEnd, &kEnd, 1);
+        m_thread.join();
+    }
+
+    void Tell() {
+        char what = kEnd;
+        while (true) {
+            const ssize_t got = ::read(m_readEnd, &what, 1);
+            if (got < 0 && errno == EINTR) {
+                continue;
+            }
+            if (got != 1 || what == kEnd) {
+                return;
+            }
+            const std::lock_guard lock(m_mutex);
+            // What a handler wrote after the watches of before had ended tells nobody anything.
+            if (!m_calls.empty() && s_signals > 0 && !m_told) {
+                m_told = true;
+                (*m_calls.back())();
+            }
+        }
+    }
+
+    std::mutex m_mutex;
+    std::vector<const std::function<void()>*> m_calls;
+    bool m_told = false;
+    int m_readEnd = -1;
+    std::vector<Handled> m_taken;
+    std::thread m_thread;
+};
+
+}  // namespace
+
+InterruptWatch::InterruptWatch(std::function<void()> onInterrupt)
+    : m_onInterrupt(std::move(onInterrupt)) {
+    Watches::OfThisProcess().Add(m_onInterrupt);
 }
 
 InterruptWatch::~InterruptWatch() {
-    for (const Handled& handled : m_state->handled) {
-        ::sigaction(handled.signal, &handled.former, nullptr);
-    }
-    s_writeEnd = m_state->formerWriteEnd;
-    [[maybe_unused]] const ssize_t written = ::write(m_state->pipe[1], &kEnd, 1);
-    m_state->thread.join();
-    ::close(m_state->pipe[0]);
-    ::close(m_state->pipe[1]);
+    Watches::OfThisProcess().RemoveNewest();
 }
 
 EndingOnInterrupt::EndingOnInterrupt()
@@ -118,7 +177,7 @@ bool ToldToEnd() {
 
 void EndIfInterrupted() {
     if (ToldToEnd()) {
-        throw CommandError(ExitCode::Interrupted, "interrupted");
+        throw CommandError(ExitCode::Interrupted, kEnded);
     }
 }
 

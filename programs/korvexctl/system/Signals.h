@@ -1,24 +1,24 @@
 #pragma once
 
 #include <functional>
-#include <memory>
 
 namespace Korvex3Sync::korvexctl {
 
 /// While it lives, the first Ctrl-C (or SIGTERM, or SIGHUP unless that is ignored) calls a
 /// function, on a thread of its own, and the second Ctrl-C or SIGTERM ends the process at once with
-/// exit code 130. The newest one in a process has the signals; they end in the reverse order of
-/// their beginning.
+/// exit code 130. The newest one in a process has the signals, and they count on from one to the
+/// next; they end in the reverse order of their beginning.
 class InterruptWatch {
 public:
+    /// Throws CommandError(Interrupted) within another one that has met a signal: what it was to
+    /// watch over is not to begin.
     explicit InterruptWatch(std::function<void()> onInterrupt);
     ~InterruptWatch();
     InterruptWatch(const InterruptWatch&) = delete;
     InterruptWatch& operator=(const InterruptWatch&) = delete;
 
 private:
-    struct State;
-    std::unique_ptr<State> m_state;
+    const std::function<void()> m_onInterrupt;
 };
 
 /// For commands that have no InterruptWatch of their own: while it lives, a signal makes
