@@ -52,7 +52,8 @@ void EndHelpWith(const std::string& end, CLI::App& app) {
         while (own.ends_with('\n')) {
             own.pop_back();
         }
-        command->footer(own + (own.empty() ? "" : "\n") + end);
+        own.append(own.empty() ? "" : "\n").append(end);
+        command->footer(own);
         EndHelpWith(end, *command);
     }
 }

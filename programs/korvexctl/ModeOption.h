@@ -16,6 +16,7 @@ template <typename Mode>
 void AddModeOption(CLI::App& command, Mode& mode, const std::string& help,
                    const std::string& more = "") {
     std::vector<std::string> names;
+    names.reserve(std::size(kTriggerModes));
     for (const TriggerMode& known : kTriggerModes) {
         names.emplace_back(known.name);
     }

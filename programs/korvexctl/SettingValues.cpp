@@ -161,7 +161,7 @@ std::string RangeText(const Field& field, Notation notation) {
         const std::string quote = inProfile ? "\"" : "";
         std::string text;
         for (const Word& word : field.words) {
-            text += (text.empty() ? "" : ", ") + quote + word.text + quote;
+            text.append(text.empty() ? "" : ", ").append(quote).append(word.text).append(quote);
         }
         return text;
     }
