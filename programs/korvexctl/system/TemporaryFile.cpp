@@ -11,6 +11,7 @@
 #include <utility>
 
 #include "korvexctl/FileError.h"
+#include "korvexctl/system/FileRights.h"
 
 namespace Korvex3Sync::korvexctl {
 
@@ -20,7 +21,6 @@ namespace fs = std::filesystem;
 
 constexpr mode_t kNewFileMode = 0666;      // less what the umask takes away
 constexpr mode_t kReplacementMode = 0600;  // until it has the mode of what it replaces
-constexpr mode_t kPermissions = 0777;      // and never the right to run as its owner or group
 constexpr int kMostTries = 100;
 constexpr std::size_t kMostOfName = 200;  // a longer one would leave no room for the rest
 constexpr int kEndLength = 6;
@@ -33,19 +33,6 @@ std::string HiddenName(const fs::path& place, std::random_device& random) {
         name += kLetters[letter(random)];
     }
     return name;
-}
-
-/// Gives the file the owner, the group and the mode of the one that it replaces, as far as this
-/// user may: not everyone may give files away, and not every disk knows modes.
-void GiveRightsOf(const struct stat& former, int descriptor) {
-    constexpr auto kSameOwner = static_cast<uid_t>(-1);
-    mode_t mode = former.st_mode & kPermissions;
-    if (::fchown(descriptor, former.st_uid, former.st_gid) != 0 &&
-        ::fchown(descriptor, kSameOwner, former.st_gid) != 0) {
-        // What one group was allowed is not for another one.
-        mode &= ~static_cast<mode_t>(S_IRWXG);
-    }
-    [[maybe_unused]] const int set = ::fchmod(descriptor, mode);
 }
 
 /// Gives the path too; errno when it fails.
