@@ -8,10 +8,10 @@
 #include <variant>
 
 #include "platform/board/protocol/Codec.h"
-#include "virtual_head/Faults.h"
-#include "virtual_head/HeadDescription.h"
 #include "virtual_head/Journal.h"
-#include "virtual_head/VirtualBoard.h"
+#include "virtual_head/board/VirtualBoard.h"
+#include "virtual_head/config/HeadDescription.h"
+#include "virtual_head/faults/Faults.h"
 
 namespace board = Korvex3Sync::board;
 namespace virtual_head = Korvex3Sync::virtual_head;

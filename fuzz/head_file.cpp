@@ -6,7 +6,7 @@
 #include <string_view>
 #include <variant>
 
-#include "virtual_head/HeadFile.h"
+#include "virtual_head/config/HeadFile.h"
 
 namespace virtual_head = Korvex3Sync::virtual_head;
 

@@ -9,7 +9,7 @@
 #include <variant>
 #include <vector>
 
-#include "korvexctl/ProfileFile.h"
+#include "korvexctl/settings/ProfileFile.h"
 
 namespace korvexctl = Korvex3Sync::korvexctl;
 

@@ -1,4 +1,4 @@
-#include "korvexctl/Program.h"
+#include "korvexctl/commands/Program.h"
 
 int main(int count, char** arguments) {
     return Korvex3Sync::korvexctl::RunProgram(count, arguments);

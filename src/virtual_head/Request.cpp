@@ -7,10 +7,10 @@
 #include <utility>
 #include <variant>
 
-#include "virtual_head/HeadFile.h"
-#include "virtual_head/HeadRules.h"
-#include "virtual_head/ImageSource.h"
 #include "virtual_head/VirtualHead.h"
+#include "virtual_head/config/HeadFile.h"
+#include "virtual_head/config/HeadRules.h"
+#include "virtual_head/images/ImageSource.h"
 
 namespace Korvex3Sync::virtual_head {
 namespace {

@@ -4,7 +4,7 @@
 #include <string>
 
 #include "virtual_head/Export.h"
-#include "virtual_head/HeadDescription.h"
+#include "virtual_head/config/HeadDescription.h"
 
 namespace Korvex3Sync::virtual_head {
 

@@ -4,7 +4,7 @@
 #include <stdexcept>
 
 #include "platform/os/Clock.h"
-#include "virtual_head/Faults.h"
+#include "virtual_head/faults/Faults.h"
 
 namespace Korvex3Sync::virtual_head {
 namespace {

@@ -7,12 +7,12 @@
 #include <mutex>
 
 #include "platform/os/Thread.h"
-#include "virtual_head/BoardState.h"
 #include "virtual_head/Export.h"
-#include "virtual_head/ExposureOutput.h"
-#include "virtual_head/ExposureQueue.h"
 #include "virtual_head/HeadCounts.h"
-#include "virtual_head/SensorSettings.h"
+#include "virtual_head/board/BoardState.h"
+#include "virtual_head/cameras/ExposureOutput.h"
+#include "virtual_head/cameras/ExposureQueue.h"
+#include "virtual_head/cameras/SensorSettings.h"
 
 namespace Korvex3Sync::virtual_head {
 

@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "virtual_head/ImageSource.h"
+#include "virtual_head/images/ImageSource.h"
 
 namespace Korvex3Sync::virtual_head {
 

@@ -3,12 +3,12 @@
 #include <memory>
 
 #include "virtual_head/Export.h"
-#include "virtual_head/Faults.h"
-#include "virtual_head/HeadDescription.h"
 #include "virtual_head/Journal.h"
-#include "virtual_head/SensorSettings.h"
 #include "virtual_head/TriggerClock.h"
-#include "virtual_head/VirtualBoard.h"
+#include "virtual_head/board/VirtualBoard.h"
+#include "virtual_head/cameras/SensorSettings.h"
+#include "virtual_head/config/HeadDescription.h"
+#include "virtual_head/faults/Faults.h"
 
 namespace Korvex3Sync::virtual_head {
 

@@ -5,7 +5,7 @@
 #include <map>
 #include <set>
 
-#include "virtual_head/Faults.h"
+#include "virtual_head/faults/Faults.h"
 
 namespace Korvex3Sync::board {
 namespace {

@@ -1,4 +1,4 @@
-#include "virtual_head/VirtualBoard.h"
+#include "virtual_head/board/VirtualBoard.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -9,8 +9,8 @@
 
 #include "board/Samples.h"
 #include "support/Seed.h"
-#include "virtual_head/Faults.h"
 #include "virtual_head/Journal.h"
+#include "virtual_head/faults/Faults.h"
 
 namespace Korvex3Sync::virtual_head {
 namespace {

@@ -10,8 +10,8 @@
 #include <vector>
 
 #include "Korvex3Sync/Korvex3Sync.h"
-#include "virtual_head/HeadDescription.h"
 #include "virtual_head/VirtualHead.h"
+#include "virtual_head/config/HeadDescription.h"
 
 namespace Korvex3Sync {
 

@@ -3,7 +3,7 @@
 #include <array>
 #include <optional>
 
-#include "virtual_head/HeadDescription.h"
+#include "virtual_head/config/HeadDescription.h"
 
 namespace Korvex3Sync::tests {
 

@@ -1,4 +1,4 @@
-#include "korvexctl/AtomicFile.h"
+#include "korvexctl/files/AtomicFile.h"
 
 #include <fcntl.h>
 #include <gmock/gmock.h>
@@ -13,10 +13,10 @@
 #include <string_view>
 
 #include "korvexctl/AsNobody.h"
-#include "korvexctl/FileError.h"
 #include "korvexctl/Korvexctl.h"
-#include "korvexctl/system/FileRights.h"
-#include "korvexctl/system/OpenedFile.h"
+#include "korvexctl/files/FileError.h"
+#include "korvexctl/files/FileRights.h"
+#include "korvexctl/files/OpenedFile.h"
 #include "virtual_head/TestFiles.h"
 
 namespace Korvex3Sync::tests {

@@ -4,7 +4,7 @@
 #include <chrono>
 
 #include "korvexctl/CommandOverHead.h"
-#include "korvexctl/UserInfoText.h"
+#include "korvexctl/head/UserInfoText.h"
 
 namespace Korvex3Sync::tests {
 

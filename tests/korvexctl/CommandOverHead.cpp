@@ -4,8 +4,8 @@
 
 #include <algorithm>
 
-#include "korvexctl/CommandLine.h"
-#include "korvexctl/system/Descriptors.h"
+#include "korvexctl/commands/CommandLine.h"
+#include "korvexctl/files/Descriptors.h"
 
 namespace Korvex3Sync::tests {
 

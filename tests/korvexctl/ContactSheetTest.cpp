@@ -1,4 +1,4 @@
-#include "korvexctl/ContactSheet.h"
+#include "korvexctl/pictures/ContactSheet.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -6,7 +6,7 @@
 #include <algorithm>
 #include <string>
 
-#include "korvexctl/Lettering.h"
+#include "korvexctl/pictures/Lettering.h"
 
 namespace Korvex3Sync::tests {
 

@@ -7,8 +7,8 @@
 #include <functional>
 
 #include "korvexctl/CommandOverHead.h"
-#include "korvexctl/ConnectedHead.h"
 #include "korvexctl/FakeUsb.h"
+#include "korvexctl/head/ConnectedHead.h"
 #include "korvexctl/health/Doctor.h"
 #include "korvexctl/health/StepRun.h"
 

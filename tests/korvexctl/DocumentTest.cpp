@@ -8,9 +8,9 @@
 #include <set>
 #include <sstream>
 
-#include "korvexctl/Commands.h"
-#include "korvexctl/ExitCodes.h"
-#include "korvexctl/Settings.h"
+#include "korvexctl/cli/ExitCodes.h"
+#include "korvexctl/commands/Commands.h"
+#include "korvexctl/settings/Settings.h"
 #include "project/SourceTree.h"
 
 namespace Korvex3Sync::tests {

@@ -4,7 +4,7 @@
 #include <fstream>
 #include <string>
 
-#include "korvexctl/system/UsbBoards.h"
+#include "korvexctl/head/UsbBoards.h"
 #include "virtual_head/TestFiles.h"
 
 namespace Korvex3Sync::tests {

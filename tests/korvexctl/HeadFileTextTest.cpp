@@ -1,4 +1,4 @@
-#include "korvexctl/HeadFileText.h"
+#include "korvexctl/head/HeadFileText.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -7,9 +7,9 @@
 #include <string>
 #include <variant>
 
-#include "virtual_head/HeadFile.h"
-#include "virtual_head/HeadRules.h"
 #include "virtual_head/TestFiles.h"
+#include "virtual_head/config/HeadFile.h"
+#include "virtual_head/config/HeadRules.h"
 #include "virtual_head/scene/SceneRules.h"
 
 namespace Korvex3Sync::tests {

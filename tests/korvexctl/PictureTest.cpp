@@ -1,4 +1,4 @@
-#include "korvexctl/Picture.h"
+#include "korvexctl/pictures/Picture.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,9 +1,9 @@
-#include "korvexctl/ProfileFile.h"
+#include "korvexctl/settings/ProfileFile.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "korvexctl/ExitCodes.h"
+#include "korvexctl/cli/ExitCodes.h"
 #include "virtual_head/TestFiles.h"
 
 namespace Korvex3Sync::tests {

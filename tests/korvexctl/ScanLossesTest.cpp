@@ -1,14 +1,14 @@
-#include "korvexctl/ScanLosses.h"
+#include "korvexctl/scan/ScanLosses.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <nlohmann/json.hpp>
 
-#include "korvexctl/Output.h"
 #include "korvexctl/ScanOverHead.h"
-#include "korvexctl/ScanReport.h"
-#include "korvexctl/system/Descriptors.h"
+#include "korvexctl/cli/Output.h"
+#include "korvexctl/files/Descriptors.h"
+#include "korvexctl/scan/ScanReport.h"
 
 namespace Korvex3Sync::tests {
 

@@ -1,4 +1,4 @@
-#include "korvexctl/ScanRecorder.h"
+#include "korvexctl/scan/ScanRecorder.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

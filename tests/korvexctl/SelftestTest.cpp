@@ -7,9 +7,9 @@
 
 #include "korvexctl/CommandOverHead.h"
 #include "korvexctl/ErrorIntoFile.h"
+#include "korvexctl/cli/Signals.h"
 #include "korvexctl/health/Selftest.h"
 #include "korvexctl/health/StepRun.h"
-#include "korvexctl/system/Signals.h"
 #include "support/WaitUntil.h"
 #include "virtual_head/TestFiles.h"
 

@@ -1,4 +1,4 @@
-#include "korvexctl/Settings.h"
+#include "korvexctl/settings/Settings.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -8,9 +8,9 @@
 #include <nlohmann/json.hpp>
 #include <set>
 
-#include "korvexctl/ExitCodes.h"
-#include "korvexctl/NearNames.h"
-#include "korvexctl/SetCommand.h"
+#include "korvexctl/cli/ExitCodes.h"
+#include "korvexctl/cli/NearNames.h"
+#include "korvexctl/commands/SetCommand.h"
 
 namespace Korvex3Sync::tests {
 

@@ -6,9 +6,9 @@
 #include <string>
 #include <vector>
 
-#include "korvexctl/FileError.h"
 #include "korvexctl/Korvexctl.h"
 #include "korvexctl/ScanOverHead.h"
+#include "korvexctl/files/FileError.h"
 #include "support/WaitUntil.h"
 #include "virtual_head/TestFiles.h"
 

@@ -10,8 +10,8 @@
 
 #include "korvexctl/CommandOverHead.h"
 #include "korvexctl/ErrorIntoFile.h"
-#include "korvexctl/SnapCommand.h"
-#include "korvexctl/system/Descriptors.h"
+#include "korvexctl/commands/SnapCommand.h"
+#include "korvexctl/files/Descriptors.h"
 #include "support/WaitUntil.h"
 #include "virtual_head/TestFiles.h"
 

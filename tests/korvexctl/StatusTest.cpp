@@ -5,7 +5,7 @@
 #include <sstream>
 
 #include "korvexctl/CommandOverHead.h"
-#include "korvexctl/StatusReport.h"
+#include "korvexctl/head/StatusReport.h"
 #include "virtual_head/TestFiles.h"
 
 namespace Korvex3Sync::tests {

@@ -1,8 +1,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "korvexctl/HeadFileText.h"
 #include "korvexctl/Korvexctl.h"
+#include "korvexctl/head/HeadFileText.h"
 #include "virtual_head/TestFiles.h"
 
 namespace Korvex3Sync::tests {

@@ -26,7 +26,7 @@ SourceTree TreeWith(const std::string& file, const std::string& text) {
           "src/platform/os/Event.h", "src/platform/board/Link.h",
           "src/platform/board/protocol/Report.h", "src/platform/cameras/Camera.h",
           "src/platform/usbtree/Tree.h", "src/virtual_head/Request.h",
-          "src/virtual_head/VirtualHead.h", "programs/korvexctl/Session.h",
+          "src/virtual_head/VirtualHead.h", "programs/korvexctl/head/Session.h",
           "tests/support/Child.h"}) {
         tree[header] = "#pragma once\n";
     }

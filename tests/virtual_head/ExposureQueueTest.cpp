@@ -1,4 +1,4 @@
-#include "virtual_head/ExposureQueue.h"
+#include "virtual_head/cameras/ExposureQueue.h"
 
 #include <gtest/gtest.h>
 

@@ -3,10 +3,10 @@
 #include <fstream>
 #include <iterator>
 
-#include "virtual_head/HeadFile.h"
 #include "virtual_head/Request.h"
 #include "virtual_head/TestFiles.h"
 #include "virtual_head/VirtualHead.h"
+#include "virtual_head/config/HeadFile.h"
 
 namespace Korvex3Sync::virtual_head {
 namespace {

@@ -1,10 +1,10 @@
-#include "virtual_head/FaultOrder.h"
+#include "virtual_head/faults/FaultOrder.h"
 
 #include <gmock/gmock.h>
 
 #include <set>
 
-#include "virtual_head/Faults.h"
+#include "virtual_head/faults/Faults.h"
 
 namespace Korvex3Sync::virtual_head {
 namespace {

@@ -1,11 +1,11 @@
-#include "virtual_head/FaultSchedule.h"
+#include "virtual_head/faults/FaultSchedule.h"
 
 #include <gmock/gmock.h>
 
 #include "support/WaitUntil.h"
-#include "virtual_head/Faults.h"
 #include "virtual_head/Journal.h"
 #include "virtual_head/TriggerClock.h"
+#include "virtual_head/faults/Faults.h"
 
 namespace Korvex3Sync::virtual_head {
 namespace {

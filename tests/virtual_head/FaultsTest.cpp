@@ -1,4 +1,4 @@
-#include "virtual_head/Faults.h"
+#include "virtual_head/faults/Faults.h"
 
 #include <gmock/gmock.h>
 

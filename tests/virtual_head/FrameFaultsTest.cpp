@@ -1,10 +1,10 @@
-#include "virtual_head/FrameFaults.h"
+#include "virtual_head/faults/FrameFaults.h"
 
 #include <gmock/gmock.h>
 
-#include "virtual_head/Faults.h"
 #include "virtual_head/Journal.h"
 #include "virtual_head/TriggerClock.h"
+#include "virtual_head/faults/Faults.h"
 
 namespace Korvex3Sync::virtual_head {
 namespace {

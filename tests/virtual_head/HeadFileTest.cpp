@@ -1,4 +1,4 @@
-#include "virtual_head/HeadFile.h"
+#include "virtual_head/config/HeadFile.h"
 
 #include <gmock/gmock.h>
 

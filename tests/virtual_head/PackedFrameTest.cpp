@@ -1,4 +1,4 @@
-#include "virtual_head/PackedFrame.h"
+#include "virtual_head/images/PackedFrame.h"
 
 #include <gtest/gtest.h>
 

@@ -3,9 +3,9 @@
 #include <fstream>
 #include <variant>
 
-#include "virtual_head/ImageSource.h"
 #include "virtual_head/TestFiles.h"
 #include "virtual_head/Unpacked.h"
+#include "virtual_head/images/ImageSource.h"
 
 namespace Korvex3Sync::virtual_head {
 namespace {

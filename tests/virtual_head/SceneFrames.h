@@ -5,8 +5,8 @@
 #include <numeric>
 #include <vector>
 
-#include "virtual_head/ImageSource.h"
 #include "virtual_head/Unpacked.h"
+#include "virtual_head/images/ImageSource.h"
 
 namespace Korvex3Sync::tests {
 

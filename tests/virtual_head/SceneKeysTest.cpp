@@ -2,9 +2,9 @@
 
 #include <limits>
 
-#include "virtual_head/HeadFile.h"
 #include "virtual_head/Request.h"
 #include "virtual_head/TestFiles.h"
+#include "virtual_head/config/HeadFile.h"
 
 namespace Korvex3Sync::virtual_head {
 namespace {

@@ -1,4 +1,4 @@
-#include "virtual_head/SensorSettings.h"
+#include "virtual_head/cameras/SensorSettings.h"
 
 #include <gtest/gtest.h>
 

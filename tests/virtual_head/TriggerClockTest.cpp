@@ -4,7 +4,7 @@
 
 #include <thread>
 
-#include "virtual_head/Faults.h"
+#include "virtual_head/faults/Faults.h"
 
 namespace Korvex3Sync::virtual_head {
 namespace {

@@ -1,5 +1,5 @@
 #include "korvexctl/health/Doctor.h"
-#include "korvexctl/ExitCodes.h"
+#include "korvexctl/cli/ExitCodes.h"
 
 #include <Korvex3Sync/Connection.h>
 #include <Korvex3Sync/Discovery.h>

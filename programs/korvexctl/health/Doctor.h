@@ -2,11 +2,11 @@
 
 #include <vector>
 
-#include "korvexctl/HeadChoice.h"
-#include "korvexctl/Output.h"
+#include "korvexctl/cli/Output.h"
+#include "korvexctl/head/HeadChoice.h"
+#include "korvexctl/head/UsbBoards.h"
 #include "korvexctl/health/Step.h"
 #include "korvexctl/health/StepTable.h"
-#include "korvexctl/system/UsbBoards.h"
 
 namespace Korvex3Sync::korvexctl {
 

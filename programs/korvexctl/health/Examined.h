@@ -4,11 +4,11 @@
 #include <optional>
 #include <vector>
 
-#include "korvexctl/ConnectedHead.h"
-#include "korvexctl/LeftOn.h"
-#include "korvexctl/StatusWatch.h"
-#include "korvexctl/health/SettingsKeeper.h"
+#include "korvexctl/head/ConnectedHead.h"
+#include "korvexctl/head/LeftOn.h"
+#include "korvexctl/head/StatusWatch.h"
 #include "korvexctl/health/Step.h"
+#include "korvexctl/settings/SettingsKeeper.h"
 
 namespace Korvex3Sync::korvexctl {
 

@@ -3,8 +3,8 @@
 
 #include <algorithm>
 
-#include "korvexctl/Snapshot.h"
-#include "korvexctl/TriggerModes.h"
+#include "korvexctl/head/Snapshot.h"
+#include "korvexctl/head/TriggerModes.h"
 #include "korvexctl/health/Examined.h"
 #include "korvexctl/health/Selftest.h"
 #include "korvexctl/health/TrialScan.h"

@@ -3,8 +3,8 @@
 #include <memory>
 #include <vector>
 
-#include "korvexctl/HeadChoice.h"
-#include "korvexctl/Output.h"
+#include "korvexctl/cli/Output.h"
+#include "korvexctl/head/HeadChoice.h"
 #include "korvexctl/health/Step.h"
 #include "korvexctl/health/StepTable.h"
 

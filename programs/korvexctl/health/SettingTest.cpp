@@ -6,9 +6,9 @@
 #include <string>
 #include <vector>
 
-#include "korvexctl/ExitCodes.h"
-#include "korvexctl/Session.h"
-#include "korvexctl/SettingsAccess.h"
+#include "korvexctl/cli/ExitCodes.h"
+#include "korvexctl/head/Session.h"
+#include "korvexctl/settings/SettingsAccess.h"
 
 namespace Korvex3Sync::korvexctl {
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "korvexctl/Settings.h"
 #include "korvexctl/health/Step.h"
+#include "korvexctl/settings/Settings.h"
 
 namespace Korvex3Sync::korvexctl {
 

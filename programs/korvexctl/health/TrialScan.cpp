@@ -3,10 +3,10 @@
 #include <algorithm>
 #include <nlohmann/json.hpp>
 
-#include "korvexctl/ConnectedHead.h"
-#include "korvexctl/Illumination.h"
-#include "korvexctl/Trigger.h"
-#include "korvexctl/health/LossPlaces.h"
+#include "korvexctl/head/ConnectedHead.h"
+#include "korvexctl/head/Illumination.h"
+#include "korvexctl/head/Trigger.h"
+#include "korvexctl/scan/LossPlaces.h"
 
 namespace Korvex3Sync::korvexctl {
 

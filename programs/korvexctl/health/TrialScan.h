@@ -8,8 +8,8 @@
 
 #include <Korvex3Sync/Statistics.h>
 
-#include "korvexctl/ScanOptions.h"
 #include "korvexctl/health/SetCheck.h"
+#include "korvexctl/scan/ScanOptions.h"
 
 namespace Korvex3Sync::korvexctl {
 

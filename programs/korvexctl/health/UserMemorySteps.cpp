@@ -2,8 +2,8 @@
 
 #include <string>
 
-#include "korvexctl/ExitCodes.h"
-#include "korvexctl/UserInfoText.h"
+#include "korvexctl/cli/ExitCodes.h"
+#include "korvexctl/head/UserInfoText.h"
 #include "korvexctl/health/Examined.h"
 #include "korvexctl/health/Selftest.h"
 

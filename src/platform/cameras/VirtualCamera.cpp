@@ -4,8 +4,8 @@
 #include <utility>
 
 #include "platform/cameras/VirtualCameraCall.h"
-#include "virtual_head/ImageSource.h"
 #include "virtual_head/Request.h"
+#include "virtual_head/images/ImageSource.h"
 
 namespace Korvex3Sync::cameras {
 namespace {

@@ -2,7 +2,7 @@
 
 #include <array>
 
-#include "virtual_head/HeadDescription.h"
+#include "virtual_head/config/HeadDescription.h"
 
 namespace Korvex3Sync::virtual_head::scene {
 

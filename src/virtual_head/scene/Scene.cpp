@@ -13,8 +13,8 @@
 #include <vector>
 
 #include "platform/os/Thread.h"
-#include "virtual_head/ImageSource.h"
-#include "virtual_head/PackedFrame.h"
+#include "virtual_head/images/ImageSource.h"
+#include "virtual_head/images/PackedFrame.h"
 #include "virtual_head/scene/Compose.h"
 #include "virtual_head/scene/View.h"
 

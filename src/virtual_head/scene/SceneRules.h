@@ -5,7 +5,7 @@
 #include <optional>
 #include <span>
 
-#include "virtual_head/HeadRules.h"
+#include "virtual_head/config/HeadRules.h"
 
 namespace Korvex3Sync::virtual_head {
 

@@ -1,0 +1,38 @@
+#include "korvexctl/commands/Commands.h"
+
+#include <array>
+
+namespace Korvex3Sync::korvexctl {
+
+namespace {
+
+constexpr std::array kCommands{
+    Command{"list", "List the attached cameras", AddList},
+    Command{"info", "Connect, and show cameras, firmware and settings", AddInfo},
+    Command{"scan", "Connect, set light and trigger, take image sets", AddScan},
+    Command{"status", "Watch the board's status and the losses, a line for each change", AddStatus},
+    Command{"get", "Show settings of the head by name", AddGet},
+    Command{"set", "Change settings of the head by name", AddSet},
+    Command{"profile", "Save, load or compare all settings as a text file", AddProfile},
+    Command{"snap", "Take two colour images", AddSnap},
+    Command{"snap-ir", "Take three colour images, with two exposures", AddSnapIr},
+    Command{"firmware", "Show the firmware version of the board", AddFirmware},
+    Command{"reset", "Reset the board or its FPGA", AddReset},
+    Command{"reconnect", "Connect, close and open the devices again, and wait for the board",
+            AddReconnect},
+    Command{"user-info", "Read or write the board's user memory", AddUserInfo},
+    Command{"distance", "Set the distance lights", AddDistance},
+    Command{"usb", "Tell whether the head has a USB 3 connection", AddUsb},
+    Command{"doctor", "Tell whether this machine and this head can scan, and what to do if not",
+            AddDoctor},
+    Command{"selftest", "Try all that a head can do, step by step", AddSelftest},
+    Command{"virtual", "Describe a virtual head of your own", AddVirtual},
+};
+
+}  // namespace
+
+std::span<const Command> Commands() {
+    return kCommands;
+}
+
+}  // namespace Korvex3Sync::korvexctl

@@ -1,0 +1,51 @@
+#pragma once
+
+#include <functional>
+#include <span>
+
+#include "korvexctl/cli/Output.h"
+
+namespace CLI {
+class App;
+}
+
+namespace Korvex3Sync::korvexctl {
+
+/// Runs a command with the options that were read. Returns how it ended, or throws CommandError
+/// when it did not come that far.
+using RunCommand = std::function<Outcome(Output& output)>;
+
+/// One command of the program.
+struct Command {
+    const char* name;
+    const char* help;
+    /// Adds the command's options to `command` and returns what runs it. The options belong to the
+    /// returned function, and are filled in before it is called.
+    RunCommand (*add)(CLI::App& command);
+};
+
+/// All commands, in the order of the help.
+std::span<const Command> Commands();
+
+// What the table is made of, each in a file of its own.
+
+RunCommand AddList(CLI::App& command);
+RunCommand AddInfo(CLI::App& command);
+RunCommand AddScan(CLI::App& command);
+RunCommand AddStatus(CLI::App& command);
+RunCommand AddGet(CLI::App& command);
+RunCommand AddSet(CLI::App& command);
+RunCommand AddProfile(CLI::App& command);
+RunCommand AddSnap(CLI::App& command);
+RunCommand AddSnapIr(CLI::App& command);
+RunCommand AddFirmware(CLI::App& command);
+RunCommand AddReset(CLI::App& command);
+RunCommand AddReconnect(CLI::App& command);
+RunCommand AddUserInfo(CLI::App& command);
+RunCommand AddDistance(CLI::App& command);
+RunCommand AddUsb(CLI::App& command);
+RunCommand AddDoctor(CLI::App& command);
+RunCommand AddSelftest(CLI::App& command);
+RunCommand AddVirtual(CLI::App& command);
+
+}  // namespace Korvex3Sync::korvexctl

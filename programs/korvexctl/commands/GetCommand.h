@@ -1,0 +1,16 @@
+#pragma once
+
+#include <span>
+
+#include "korvexctl/cli/Output.h"
+#include "korvexctl/settings/Settings.h"
+
+namespace Korvex3Sync::korvexctl {
+
+/// Asks a connected head for settings: a line for each, and in `outcome` "settings" by name with
+/// value (null when it is not known), unit, range and whether it is readable. When the head fails
+/// to tell one, the outcome is DeviceRefused and the others are shown all the same.
+void ShowSettings(void* const& handle, std::span<const Setting* const> settings, Outcome& outcome,
+                  Output& output);
+
+}  // namespace Korvex3Sync::korvexctl

@@ -1,0 +1,97 @@
+#include <CLI/CLI.hpp>
+
+#include <atomic>
+#include <cstdio>
+#include <cstdlib>
+#include <memory>
+
+#include "korvexctl/cli/Signals.h"
+#include "korvexctl/commands/Commands.h"
+#include "korvexctl/health/Doctor.h"
+#include "korvexctl/health/Selftest.h"
+#include "korvexctl/health/StepRun.h"
+
+namespace Korvex3Sync::korvexctl {
+
+namespace {
+
+using MakeOutcome = Outcome (*)(const std::vector<StepRow>& rows, bool interrupted);
+
+/// Neither the thread that hangs in a device nor the connection that it holds can be ended; the
+/// process can.
+[[noreturn]] void EndWithHangingThread(const Outcome& outcome, Output& output) {
+    output.Finish(outcome);
+    std::fprintf(stderr, "korvexctl: %s\n", outcome.message.c_str());
+    std::_Exit(static_cast<int>(outcome.code));
+}
+
+Outcome Examine(std::vector<Step> steps, const VerdictWords& words, MakeOutcome makeOutcome,
+                Output& output) {
+    const std::size_t width = NameWidth(steps);
+    StepRun run(std::move(steps));
+    std::atomic<bool> interrupted{false};
+    Outcome outcome;
+    {
+        const InterruptWatch watch([&] {
+            interrupted = true;
+            run.Stop();
+            Say("interrupted; ends after the step that is running and what cleans up; a second "
+                "time ends at once");
+        });
+        const auto rows = run.Wait([&](const StepRow& row) {
+            for (const std::string& line : RowLines(row, words, width)) {
+                output.Line(line);
+            }
+        });
+        outcome = makeOutcome(rows, interrupted);
+    }
+    if (run.Hangs()) {
+        EndWithHangingThread(outcome, output);
+    }
+    return outcome;
+}
+
+Outcome RunDoctor(const HeadChoice& head, Output& output) {
+    DoctorOptions options;
+    options.head = head;
+    Outcome outcome = Examine(DoctorSteps(options), kDoctorWords, DoctorOutcome, output);
+    if (outcome.code == ExitCode::Done) {
+        output.Line("");
+        output.Line("This machine and this head can scan.");
+    }
+    return outcome;
+}
+
+Outcome RunSelftest(const SelftestOptions& options, Output& output) {
+    Outcome outcome = Examine(SelftestSteps(options), kSelftestWords, SelftestOutcome, output);
+    output.Line("");
+    output.Line(outcome.figures["passed"].dump() + " passed, " + outcome.figures["failed"].dump() +
+                " failed, " + outcome.figures["not_run"].dump() + " not run");
+    return outcome;
+}
+
+}  // namespace
+
+RunCommand AddDoctor(CLI::App& command) {
+    const auto head = std::make_shared<HeadChoice>();
+    AddHeadOptions(command, *head, true);
+    command.footer(
+        "Scans for a moment, with the laser lines on: look away from the head. Settings are put\n"
+        "back as far as the head tells them; light and trigger are off afterwards.");
+    return [head](Output& output) { return RunDoctor(*head, output); };
+}
+
+RunCommand AddSelftest(CLI::App& command) {
+    const auto options = std::make_shared<SelftestOptions>();
+    AddHeadOptions(command, options->head, true);
+    command.add_flag("--write-user-memory", options->writeUserMemory,
+                     "Write the last page of the user memory too, and put it back");
+    command.footer(
+        "Sets everything that the head has, with lasers, projector and strobe on at times: look\n"
+        "away from the head. Settings are put back as far as the head tells them; light and\n"
+        "trigger are off afterwards. A step that does not end in time has failed, and ends the\n"
+        "test.");
+    return [options](Output& output) { return RunSelftest(*options, output); };
+}
+
+}  // namespace Korvex3Sync::korvexctl

@@ -1,0 +1,75 @@
+#include "korvexctl/commands/Program.h"
+
+#include <cstdio>
+#include <exception>
+#include <nlohmann/json.hpp>
+#include <string>
+
+#include "korvexctl/cli/Logging.h"
+#include "korvexctl/cli/Signals.h"
+#include "korvexctl/commands/CommandLine.h"
+#include "korvexctl/files/Descriptors.h"
+#include "virtual_head/Request.h"
+
+namespace Korvex3Sync::korvexctl {
+
+namespace {
+
+Outcome RunAsked(const CommandLine& line, Output& output) {
+    if (!line.virtualHead.empty()) {
+        std::string error;
+        if (!virtual_head::RequestVirtualHead(line.virtualHead, error)) {
+            throw CommandError(ExitCode::HeadRefused, error);
+        }
+    }
+    const EndingOnInterrupt ending;
+    const Outcome outcome = OutcomeOf([&] { return line.run(output); });
+    return ToldToEnd() ? Interrupted(outcome) : outcome;
+}
+
+Outcome RunLogged(const CommandLine& line, StandardOutput& standardOutput, Output& output) {
+    const bool logFile = !line.logFile.empty();
+    if (logFile) {
+        standardOutput.LogTo(line.logFile);
+    }
+    const Logging logging("korvexctl", standardOutput, line.verbose, logFile);
+    return RunAsked(line, output);
+}
+
+Outcome Run(const CommandLineResult& asked) {
+    const CommandLine& line = asked.commandLine;
+    StandardOutput standardOutput(line.verbose);
+    if (!asked.run && !asked.badUsage) {
+        standardOutput.Write(asked.text);
+        return {};
+    }
+    // Among the library's own lines a bar would only be in the way.
+    Output output(standardOutput, line.json, ErrorOutputIsTerminal() && !line.verbose);
+    Outcome outcome = OutcomeOf([&] {
+        if (asked.badUsage) {
+            throw CommandError(ExitCode::Usage, asked.text);
+        }
+        return RunLogged(line, standardOutput, output);
+    });
+    output.Finish(outcome);
+    return outcome;
+}
+
+}  // namespace
+
+int RunProgram(int count, const char* const* arguments) noexcept {
+    try {
+        TurnWriteSignalsIntoErrors();
+        const Outcome outcome = OutcomeOf([&] { return Run(ReadCommandLine(count, arguments)); });
+        if (outcome.code != ExitCode::Done) {
+            Say(outcome.message);
+        }
+        return static_cast<int>(outcome.code);
+    } catch (...) {
+        // Not even room for a message.
+        std::fputs("korvexctl: unexpected error\n", stderr);
+        return static_cast<int>(ExitCode::Unexpected);
+    }
+}
+
+}  // namespace Korvex3Sync::korvexctl

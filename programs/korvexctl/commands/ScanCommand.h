@@ -1,0 +1,18 @@
+#pragma once
+
+#include "korvexctl/cli/Output.h"
+#include "korvexctl/head/HeadChoice.h"
+#include "korvexctl/scan/PictureWriter.h"
+#include "korvexctl/scan/ScanOptions.h"
+
+namespace Korvex3Sync::korvexctl {
+
+/// Writes the file as AtomicFile does. Throws FileError.
+void StoreWhole(const std::filesystem::path& file, std::span<const unsigned char> bytes);
+
+/// Connects, scans, writes what was asked for and disconnects. The pictures go through `store`.
+/// Returns how it ended, or throws CommandError when it did not come as far as a scan.
+Outcome RunScan(const HeadChoice& choice, const ScanOptions& options, Output& output,
+                const StoreFile& store = StoreWhole);
+
+}  // namespace Korvex3Sync::korvexctl

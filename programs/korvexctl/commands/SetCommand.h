@@ -1,0 +1,21 @@
+#pragma once
+
+#include <span>
+#include <string>
+#include <vector>
+
+#include "korvexctl/cli/Output.h"
+#include "korvexctl/head/HeadChoice.h"
+#include "korvexctl/settings/SettingsAccess.h"
+
+namespace Korvex3Sync::korvexctl {
+
+/// Reads names, each followed by as many values as its setting has ("laser-line-duty 60 blue-laser
+/// 1 on"). Throws CommandError(Usage) that says what is wrong.
+std::vector<Assignment> ReadAssignments(std::span<const std::string> words);
+
+/// Connects, sends the settings, shows what the head then tells of them, and disconnects.
+Outcome SetSettings(const HeadChoice& choice, std::span<const Assignment> assignments,
+                    Output& output);
+
+}  // namespace Korvex3Sync::korvexctl

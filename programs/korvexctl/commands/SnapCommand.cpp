@@ -1,0 +1,195 @@
+#include "korvexctl/commands/SnapCommand.h"
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <atomic>
+#include <filesystem>
+#include <memory>
+#include <nlohmann/json.hpp>
+
+#include "korvexctl/cli/NotEmpty.h"
+#include "korvexctl/cli/NumberOption.h"
+#include "korvexctl/cli/Signals.h"
+#include "korvexctl/commands/Commands.h"
+#include "korvexctl/files/AtomicFile.h"
+#include "korvexctl/head/ConnectedHead.h"
+#include "korvexctl/head/LeftOn.h"
+#include "korvexctl/pictures/Picture.h"
+
+namespace Korvex3Sync::korvexctl {
+
+namespace {
+
+constexpr double kExposureMs = 5;
+constexpr int kGain = 0;
+constexpr int kHighestRoute = 2;
+
+const Setting& CameraSetting(CameraPart part, int order) {
+    const auto all = AllSettings();
+    return *std::find_if(all.begin(), all.end(), [&](const Setting& setting) {
+        return setting.part == part && setting.cameraOrder == order;
+    });
+}
+
+/// A camera that makes no colour frame would keep the snapshot waiting to its limit.
+void RequireColor(const std::vector<Camera>& cameras) {
+    if (std::none_of(cameras.begin(), cameras.end(), [](const Camera& c) { return c.color; })) {
+        throw CommandError(ExitCode::DeviceRefused, "the head has no colour camera");
+    }
+}
+
+/// Where a snapshot is when someone interrupts it.
+struct Progress {
+    std::atomic<bool> interrupted{false};
+    std::atomic<bool> taken{false};
+
+    void Interrupt() {
+        interrupted = true;
+        // The library takes a snapshot to its end.
+        Say(taken ? "interrupted; the file that is being written is finished; a second time ends "
+                    "at once"
+                  : "interrupted; trigger and strobe are put back when the snapshot ends, which "
+                    "takes up to 100 s for an image that does not come; a second time ends at "
+                    "once");
+    }
+};
+
+/// Takes the images, unless someone interrupts; what is taken then is thrown away.
+Snapshot Take(const ConnectedHead& head, const SnapshotOptions& options, Progress& progress,
+              LeftOn& leftOn) {
+    const auto endIfInterrupted = [&progress] {
+        if (progress.interrupted) {
+            throw CommandError(ExitCode::Interrupted, "interrupted: no image was written");
+        }
+    };
+    endIfInterrupted();
+    Snapshot snapshot;
+    try {
+        snapshot = TakeSnapshot(head, options, leftOn);
+    } catch (const CommandError&) {
+        endIfInterrupted();
+        throw;
+    }
+    progress.taken = true;
+    endIfInterrupted();
+    return snapshot;
+}
+
+/// Writes the images that came, whole ones only, until someone interrupts.
+Outcome Write(const SnapChoice& asked, const Camera& camera, const Snapshot& snapshot,
+              const std::atomic<bool>& interrupted, const StoreFile& store, Output& output) {
+    Outcome outcome;
+    nlohmann::json& images = outcome.figures["images"] = nlohmann::json::array();
+    std::size_t written = 0;
+    for (std::size_t i = 0; i < snapshot.images.size(); ++i) {
+        const std::filesystem::path file = asked.folder / ("snap_" + std::to_string(i) + ".png");
+        nlohmann::json image{{"file", nullptr}, {"exposure_ms", nullptr}, {"gain", nullptr}};
+        if (i > 0) {
+            image["exposure_ms"] = asked.snapshot.exposures.at(i - 1);
+            image["gain"] = asked.snapshot.gains.at(i - 1);
+        }
+        const Mosaic& mosaic = snapshot.images[i];
+        if (!mosaic) {
+            outcome.code = ExitCode::DeviceRefused;
+            outcome.message = "image " + std::to_string(i) + " did not come";
+        } else if (!interrupted) {
+            store(file, EncodePng(Demosaic(mosaic.get(), camera.width, camera.height)));
+            image["file"] = file.string();
+            output.Line(file.string());
+            ++written;
+        }
+        images.push_back(std::move(image));
+    }
+    if (interrupted) {
+        outcome.code = ExitCode::Interrupted;
+        outcome.message = "interrupted: " + std::to_string(written) + " of " +
+                          std::to_string(snapshot.images.size()) + " images written";
+    } else if (outcome.code == ExitCode::Done && !snapshot.notTaken.empty()) {
+        outcome.code = ExitCode::DeviceRefused;
+        outcome.message = snapshot.notTaken;
+    }
+    return outcome;
+}
+
+Outcome TakeAndWrite(const SnapChoice& asked, LeftOn& leftOn, Output& output,
+                     const StoreFile& store) {
+    std::vector<Camera> cameras = FindCameras(asked.head.cameraType);
+    if (!cameras.empty()) {
+        RequireCamera(CameraSetting(CameraPart::Exposure, asked.snapshot.camera), cameras.size());
+        RequireColor(cameras);
+        PrepareFolder(asked.folder);
+    }
+    Progress progress;
+    const InterruptWatch interruptWatch([&progress] { progress.Interrupt(); });
+    const Outcome ended = OutcomeOf([&] {
+        const ConnectedHead head(asked.head, std::move(cameras));
+        const Snapshot snapshot = Take(head, asked.snapshot, progress, leftOn);
+        Outcome outcome =
+            Write(asked, head.cameras.front(), snapshot, progress.interrupted, store, output);
+        leftOn.Judge(!leftOn.Any() || BoardAnswers(head.session), outcome);
+        return outcome;
+    });
+    return progress.interrupted ? Interrupted(ended) : ended;
+}
+
+/// An option with one value for each image after the first, checked as the setting is.
+template <typename Number>
+void AddPerImage(CLI::App& command, const char* name, std::vector<Number>& values,
+                 const Setting& setting, const std::string& help) {
+    const Field field = setting.fields.front();
+    const auto count = static_cast<int>(values.size());
+    std::ostringstream text;
+    text << help << ", " << RangeText(setting) << " (default " << values.front() << ")";
+    CLI::Option& option = *command.add_option(name, values, text.str())
+                               ->type_name(count == 1 ? "VALUE" : "VALUE VALUE")
+                               ->type_size(1)
+                               ->expected(count);
+    TakeNumber(option, [field](const std::string& typed) { return ReadValueText(field, typed); });
+}
+
+RunCommand AddSnapCommand(CLI::App& command, bool infrared) {
+    const auto asked = std::make_shared<SnapChoice>();
+    SnapshotOptions& snapshot = asked->snapshot;
+    snapshot.infrared = infrared;
+    snapshot.exposures.assign(infrared ? 2 : 1, kExposureMs);
+    snapshot.gains.assign(snapshot.exposures.size(), kGain);
+    AddHeadOptions(command, asked->head, true);
+    AddNumber(command, "--camera", snapshot.camera, "N", 0, kCameraOrders - 1,
+              "Camera order that exposure and gain are set for");
+    const std::string which = infrared ? "the second and the third image" : "the second image";
+    AddPerImage(command, "--exposure", snapshot.exposures, CameraSetting(CameraPart::Exposure, 0),
+                "Exposure for " + which);
+    AddPerImage(command, "--gain", snapshot.gains, CameraSetting(CameraPart::Gain, 0),
+                "Gain for " + which);
+    AddNumber(command, "--route", snapshot.route, "N", 0, kHighestRoute, "Strobe output, a number");
+    command
+        .add_option("--out", asked->folder,
+                    "Folder for snap_0.png, snap_1.png and so on; made when it is missing "
+                    "(default: the current one)")
+        ->type_name("DIR")
+        ->check(NotEmpty());
+    command.footer(
+        "An image that does not come is waited for 100 s. Afterwards the trigger is off, the "
+        "strobe\n"
+        "is in state 1, and exposure and gain are what they were, if the camera tells them; also\n"
+        "after Ctrl-C, which waits for this and writes no further image. A second Ctrl-C ends at\n"
+        "once.");
+    return [asked](Output& output) { return RunSnap(*asked, output); };
+}
+
+}  // namespace
+
+Outcome RunSnap(const SnapChoice& asked, Output& output, const StoreFile& store) {
+    return TellingLeftOn(
+        [&](LeftOn& leftOn) { return TakeAndWrite(asked, leftOn, output, store); });
+}
+
+RunCommand AddSnap(CLI::App& command) {
+    return AddSnapCommand(command, false);
+}
+
+RunCommand AddSnapIr(CLI::App& command) {
+    return AddSnapCommand(command, true);
+}
+
+}  // namespace Korvex3Sync::korvexctl

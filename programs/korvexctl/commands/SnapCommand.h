@@ -1,0 +1,23 @@
+#pragma once
+
+#include <filesystem>
+
+#include "korvexctl/cli/Output.h"
+#include "korvexctl/commands/ScanCommand.h"
+#include "korvexctl/head/HeadChoice.h"
+#include "korvexctl/head/Snapshot.h"
+#include "korvexctl/scan/PictureWriter.h"
+
+namespace Korvex3Sync::korvexctl {
+
+struct SnapChoice {
+    HeadChoice head;
+    SnapshotOptions snapshot;
+    std::filesystem::path folder = ".";
+};
+
+/// Connects, takes colour images, writes them through `store` and disconnects. Returns how it
+/// ended, or throws CommandError when it did not come as far as images.
+Outcome RunSnap(const SnapChoice& asked, Output& output, const StoreFile& store = StoreWhole);
+
+}  // namespace Korvex3Sync::korvexctl

@@ -1,0 +1,112 @@
+#include <CLI/CLI.hpp>
+#include <memory>
+#include <optional>
+
+#include "korvexctl/cli/ModeOption.h"
+#include "korvexctl/cli/NumberOption.h"
+#include "korvexctl/cli/Signals.h"
+#include "korvexctl/commands/Commands.h"
+#include "korvexctl/head/ConnectedHead.h"
+#include "korvexctl/head/LeftOn.h"
+#include "korvexctl/head/StatusReport.h"
+#include "korvexctl/head/StatusWatch.h"
+#include "korvexctl/head/Trigger.h"
+#include "korvexctl/scan/ScanLosses.h"
+
+namespace Korvex3Sync::korvexctl {
+
+namespace {
+
+constexpr double kShortestSeconds = 0.1;
+constexpr double kLongestSeconds = 1e7;
+
+struct Asked {
+    HeadChoice head;
+    std::optional<double> seconds;  // without: until Ctrl-C
+    std::optional<CAMERA_TRIGGER_MODE> mode;
+};
+
+// Nobody looks at the sets: they are there to be counted. The context only has to be there.
+void TakeSet(const void* const&, std::vector<unsigned char*>&, const int&, const int&,
+             std::vector<int>&) {}
+
+/// The losses that the library counts, by place; null when it does not tell.
+nlohmann::json AskLosses(const ConnectedHead& head, std::optional<CAMERA_TRIGGER_MODE> mode) {
+    ScanLosses losses;
+    losses.Ask(head.session);
+    if (!GivesColor(head.cameras, mode.value_or(TRIGGER_LASER_LINES_COLOR))) {
+        losses.CountColor(0);
+    }
+    if (!losses.library) {
+        return nullptr;
+    }
+    nlohmann::json figures;
+    AddToJson(losses, figures);
+    nlohmann::json& places = figures["losses"];
+    // A camera that waits for a trigger fails snaps all the time, and nothing is written here.
+    places.erase("failed_snaps");
+    places.erase("not_kept_disk");
+    return places;
+}
+
+Outcome WatchStatus(const Asked& asked, LeftOn& leftOn, Output& output) {
+    output.UseRecords();
+    StatusWatch watch;
+    // Its end is a person's Ctrl-C, unless it has one of its own.
+    const InterruptWatch interrupt([&watch] { watch.Stop(); });
+    // A board that is mute now may come back.
+    const ConnectedHead head(asked.head, MuteBoard::Taken);
+    std::optional<HeadState> shown;
+    const auto show = [&](std::chrono::system_clock::time_point time, const BoardStatus& status) {
+        HeadState state{status, AskLosses(head, asked.mode)};
+        if (state != shown) {
+            output.Line(StatusLine(time, state));
+            output.Record(StatusRecord(time, state));
+            shown = std::move(state);
+        }
+    };
+    // The library's first polls pass in silence.
+    if (!BoardAnswers(head.session)) {
+        show(std::chrono::system_clock::now(), BoardStatus::NoAnswer());
+    }
+    std::optional<Trigger> trigger;
+    if (asked.mode) {
+        RequireAnswer(head.session);
+        trigger.emplace(head.session, *asked.mode, TakeSet, &watch, leftOn);
+    }
+    watch.Watch(head.session);
+    std::optional<std::chrono::steady_clock::time_point> end;
+    if (asked.seconds) {
+        end = std::chrono::steady_clock::now() +
+              std::chrono::duration_cast<std::chrono::steady_clock::duration>(
+                  std::chrono::duration<double>(*asked.seconds));
+    }
+    while (const auto poll = watch.Next(end)) {
+        show(poll->time, poll->status);
+    }
+    trigger.reset();
+    Outcome outcome;
+    if (shown && !shown->board.Answers()) {
+        outcome.code = ExitCode::NotConnected;
+        outcome.message = kMuteBoard;
+    }
+    leftOn.Judge(!leftOn.Any() || BoardAnswers(head.session), outcome);
+    return outcome;
+}
+
+}  // namespace
+
+RunCommand AddStatus(CLI::App& command) {
+    const auto asked = std::make_shared<Asked>();
+    AddHeadOptions(command, asked->head, true);
+    AddNumberOption(command, "--seconds", asked->seconds, "S", kShortestSeconds, kLongestSeconds,
+                    "End after so many seconds", " (without it: at Ctrl-C)");
+    AddModeOption(command, asked->mode,
+                  "Switch the trigger on meanwhile, so that losses can show: ");
+    command.footer("With --json one object a line, for each change.");
+    return [asked](Output& output) {
+        return TellingLeftOn([&](LeftOn& leftOn) { return WatchStatus(*asked, leftOn, output); });
+    };
+}
+
+}  // namespace Korvex3Sync::korvexctl

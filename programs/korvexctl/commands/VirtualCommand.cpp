@@ -1,0 +1,73 @@
+#include <CLI/CLI.hpp>
+#include <filesystem>
+#include <memory>
+#include <string>
+#include <system_error>
+
+#include "korvexctl/cli/NotEmpty.h"
+#include "korvexctl/commands/Commands.h"
+#include "korvexctl/files/AtomicFile.h"
+#include "korvexctl/files/Place.h"
+#include "korvexctl/head/HeadFileText.h"
+
+namespace Korvex3Sync::korvexctl {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr const char* kStandardOutput = "-";
+
+struct NewHeadFile {
+    std::string file;
+    bool force = false;
+};
+
+Outcome PrintNew(Output& output) {
+    Outcome outcome;
+    std::string text = HeadFileText();
+    outcome.figures["text"] = text;
+    // The line adds its own end.
+    text.pop_back();
+    output.Line(text);
+    return outcome;
+}
+
+Outcome RunNew(const NewHeadFile& asked, Output& output) {
+    if (asked.file == kStandardOutput) {
+        return PrintNew(output);
+    }
+    const bool stream =
+        FindPlace(asked.file, "cannot write " + asked.file).kind == Place::Kind::Stream;
+    std::error_code unknown;
+    if (!asked.force && fs::exists(fs::symlink_status(asked.file, unknown))) {
+        throw CommandError(ExitCode::NotWritable,
+                           asked.file + (stream ? " is no ordinary file; --force writes to it, and "
+                                                  "- is standard output"
+                                                : " is there already; --force replaces it"));
+    }
+    WriteFile(asked.file, HeadFileText(), asked.force ? Existing::Replaced : Existing::Kept);
+    Outcome outcome;
+    outcome.figures["file"] = asked.file;
+    // Nothing can be read from a stream again, and it may be standard output itself.
+    if (!stream) {
+        output.Line("wrote " + asked.file + "; use it with --virtual=" + asked.file);
+    }
+    return outcome;
+}
+
+}  // namespace
+
+RunCommand AddVirtual(CLI::App& command) {
+    command.require_subcommand(1);
+    CLI::App& create = *command.add_subcommand(
+        "new", "Write a head file with every key at its default, each explained");
+    const auto asked = std::make_shared<NewHeadFile>();
+    create.add_option("FILE", asked->file, "Where to write it; - is standard output")
+        ->check(NotEmpty())
+        ->required();
+    create.add_flag("--force", asked->force, "Replace a file that is there already");
+    return [asked](Output& output) { return RunNew(*asked, output); };
+}
+
+}  // namespace Korvex3Sync::korvexctl

@@ -1,0 +1,74 @@
+#include "korvexctl/head/Session.h"
+
+#include <Korvex3Sync/Connection.h>
+#include <Korvex3Sync/Light.h>
+
+#include <memory>
+
+#include "korvexctl/cli/ExitCodes.h"
+#include "korvexctl/cli/Signals.h"
+
+namespace Korvex3Sync::korvexctl {
+
+std::string StatusText(RETSTATUS status) {
+    char none = 0;
+    char* text = &none;
+    GetStatusDescriptionString(status, text);
+    const std::unique_ptr<char[]> owned(text);
+    return owned ? owned.get() : "";  // null: no memory
+}
+
+Session::Session(const std::string& type, const std::string& board,
+                 const std::vector<Camera>& cameras) {
+    if (cameras.empty()) {
+        throw CommandError(ExitCode::NoCamera, NoCameraMessage(type));
+    }
+    std::vector<std::string> serials;
+    std::vector<int> widths;
+    std::vector<int> heights;
+    for (const Camera& camera : cameras) {
+        serials.push_back(camera.serial);
+        widths.push_back(camera.width);
+        heights.push_back(camera.height);
+    }
+    std::vector<char*> names;
+    names.reserve(serials.size());
+    for (std::string& serial : serials) {
+        names.push_back(serial.data());
+    }
+    const RETSTATUS status =
+        ConnectDevice(type.c_str(), board.c_str(), names, widths, heights, m_handle);
+    if (status != STATUS_SUCCESS) {
+        const char* const serial = board.empty() ? "" : "the serial of --board, ";
+        throw CommandError(ExitCode::NotConnected,
+                           "cannot connect: " + StatusText(status) + "; look at " + serial +
+                               "cable and power, this user's permissions, another program that "
+                               "uses the head, or ask korvexctl doctor");
+    }
+}
+
+Session::~Session() {
+    DisConnectDevice(m_handle);
+}
+
+bool BoardAnswers(const Session& session) {
+    int brightness = 0;
+    return GetProjectorBrightness(session.Handle(), brightness) == STATUS_SUCCESS;
+}
+
+void RequireAnswer(const Session& session) {
+    const bool answers = BoardAnswers(session);
+    EndIfInterrupted();
+    if (!answers) {
+        throw CommandError(ExitCode::NotConnected, kMuteBoard);
+    }
+}
+
+void Require(RETSTATUS status, const std::string& operation) {
+    EndIfInterrupted();
+    if (status != STATUS_SUCCESS) {
+        throw CommandError(ExitCode::DeviceRefused, operation + ": " + StatusText(status));
+    }
+}
+
+}  // namespace Korvex3Sync::korvexctl

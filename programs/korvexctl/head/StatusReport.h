@@ -1,0 +1,30 @@
+#pragma once
+
+#include <chrono>
+#include <nlohmann/json.hpp>
+#include <optional>
+#include <string>
+
+#include "korvexctl/head/StatusWatch.h"
+
+namespace Korvex3Sync::korvexctl {
+
+/// What `status` shows in one line.
+struct HeadState {
+    BoardStatus board;
+    /// Counts by place; null when the library does not tell them.
+    nlohmann::json losses;
+
+    bool operator==(const HeadState&) const = default;
+};
+
+/// "2026-11-21T09:04:51.120Z"
+std::string TimeText(std::chrono::system_clock::time_point time);
+
+/// For a person: time, status bytes, and what is lost where.
+std::string StatusLine(std::chrono::system_clock::time_point time, const HeadState& state);
+
+/// "time", "status_a", "status_b", "answers", "losses".
+nlohmann::json StatusRecord(std::chrono::system_clock::time_point time, const HeadState& state);
+
+}  // namespace Korvex3Sync::korvexctl

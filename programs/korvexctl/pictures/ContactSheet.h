@@ -1,0 +1,37 @@
+#pragma once
+
+#include <array>
+#include <string>
+#include <vector>
+
+#include "korvexctl/pictures/Picture.h"
+#include "korvexctl/scan/KeptSet.h"
+
+namespace Korvex3Sync::korvexctl {
+
+/// How many sets a contact sheet shows at most.
+inline constexpr int kSheetRows = 8;
+
+/// One picture to look a scan over: a row for each set with its left, right and colour image side
+/// by side, scaled down, and its number, key and time above. Keeps the small pictures only. One
+/// thread.
+class ContactSheet {
+public:
+    /// Adds a row; `pictures` are those of the set: left, right and, with colour, the colour
+    /// picture, all of one size.
+    void Add(const KeptSet& set, const std::vector<Picture>& pictures);
+    bool Empty() const { return m_rows.empty(); }
+    /// The sheet, in colour; without its third column when no row has a colour picture. Not for an
+    /// empty one.
+    Picture Compose() const;
+
+private:
+    struct Row {
+        std::string label;
+        std::vector<Picture> cells;
+    };
+
+    std::vector<Row> m_rows;
+};
+
+}  // namespace Korvex3Sync::korvexctl

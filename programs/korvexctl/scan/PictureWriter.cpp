@@ -1,0 +1,112 @@
+#include "korvexctl/scan/PictureWriter.h"
+
+#include <utility>
+
+#include "korvexctl/pictures/Picture.h"
+#include "korvexctl/scan/ScanFiles.h"
+
+namespace Korvex3Sync::korvexctl {
+
+namespace {
+
+constexpr std::size_t kColor = 2;
+
+}  // namespace
+
+PictureWriter::PictureWriter(std::filesystem::path folder, StoreFile store, Listener listener)
+    : m_folder(std::move(folder)),
+      m_store(std::move(store)),
+      m_listener(std::move(listener)),
+      m_thread([this] { Run(); }) {}
+
+PictureWriter::~PictureWriter() {
+    Join(true);
+}
+
+void PictureWriter::Add(const KeptSet& set) {
+    const std::lock_guard lock(m_mutex);
+    m_waiting.push_back(&set);
+    m_changed.notify_all();
+}
+
+void PictureWriter::Finish() {
+    Join(false);
+}
+
+void PictureWriter::ThrowFailure() const {
+    if (m_failure) {
+        std::rethrow_exception(m_failure);
+    }
+}
+
+void PictureWriter::Join(bool dropWaiting) {
+    {
+        const std::lock_guard lock(m_mutex);
+        m_end = true;
+        if (dropWaiting) {
+            m_waiting.clear();
+            m_dropped = true;
+        }
+        m_changed.notify_all();
+    }
+    if (m_thread.joinable()) {
+        m_thread.join();
+    }
+}
+
+void PictureWriter::Run() {
+    try {
+        while (const KeptSet* const set = WaitForNext()) {
+            Write(*set);
+            m_listener.onDone(*set);
+        }
+        WriteSheet();
+    } catch (...) {
+        m_failure = std::current_exception();
+        m_listener.onFailure();
+    }
+}
+
+const KeptSet* PictureWriter::WaitForNext() {
+    std::unique_lock lock(m_mutex);
+    m_changed.wait(lock, [this] { return m_end || !m_waiting.empty(); });
+    if (m_waiting.empty()) {
+        return nullptr;
+    }
+    const KeptSet* const set = m_waiting.front();
+    m_waiting.pop_front();
+    return set;
+}
+
+void PictureWriter::Write(const KeptSet& set) {
+    std::vector<Picture> pictures;
+    for (std::size_t i = 0; i < (set.color ? kImageNames.size() : kColor); ++i) {
+        pictures.push_back(i == kColor ? Demosaic(set.images[i].data(), set.width, set.height)
+                                       : Picture{set.width, set.height, 1, set.images[i]});
+        if (set.chosen.pictures) {
+            Store(PictureFile(set.chosen.number, kImageNames[i]), pictures.back());
+        }
+    }
+    if (set.chosen.sheet) {
+        m_sheet.Add(set, pictures);
+    }
+}
+
+void PictureWriter::WriteSheet() {
+    {
+        const std::lock_guard lock(m_mutex);
+        if (m_dropped) {
+            return;
+        }
+    }
+    if (!m_sheet.Empty()) {
+        Store(kContactSheetFile, m_sheet.Compose());
+    }
+}
+
+void PictureWriter::Store(const std::string& name, const Picture& picture) {
+    m_store(m_folder / name, EncodePng(picture));
+    m_files.push_back(name);
+}
+
+}  // namespace Korvex3Sync::korvexctl

@@ -1,0 +1,59 @@
+#pragma once
+
+#include <Korvex3Sync/Status.h>
+
+#include <functional>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "korvexctl/settings/SettingValues.h"
+
+namespace Korvex3Sync::korvexctl {
+
+/// Which half of a camera's exposure and gain a setting is; the head takes both together.
+enum class CameraPart { None, Exposure, Gain };
+
+/// One setting of a head, by name.
+struct Setting {
+    std::string name;
+    const char* help;
+    const char* unit;  // of all its fields; "" for none
+    std::vector<Field> fields;
+    /// Asks the head; empty where the head does not tell.
+    std::function<RETSTATUS(void* const& handle, SettingValue& value)> read;
+    /// Tells the head. Empty for a camera's exposure and gain, which Apply writes together.
+    std::function<RETSTATUS(void* const& handle, const SettingValue& value)> write;
+    CameraPart part = CameraPart::None;
+    int cameraOrder = -1;  // 0 to 3 for a camera's exposure and gain
+};
+
+/// Exposures and gains are addressed by camera order, 0 to 3.
+inline constexpr int kCameraOrders = 4;
+
+/// Whether a camera takes this exposure with this gain for a mere selection of a camera order, and
+/// changes nothing: the word for it is as low as the number of an order.
+bool OnlySelects(int cameraOrder, double exposureMs, double gain);
+
+/// All settings, in the order in which a profile is written: lights first, then the trigger that
+/// fires them. They live as long as the program.
+std::span<const Setting> AllSettings();
+
+/// Null when there is none of this name.
+const Setting* FindSetting(std::string_view name);
+
+/// The setting; throws CommandError(Usage), which suggests near names, when there is none.
+const Setting& RequireSetting(std::string_view name);
+
+/// "unknown setting "X"", with the names that come near.
+std::string UnknownSetting(std::string_view name);
+
+/// "percent, 0 to 100", or with several values "route 0 to 2, state 1 to 4".
+std::string RangeText(const Setting& setting, Notation notation = Notation::CommandLine);
+
+/// One line for each setting: name, unit, range and meaning, for the help.
+std::string SettingsTable(Notation notation = Notation::CommandLine);
+
+}  // namespace Korvex3Sync::korvexctl

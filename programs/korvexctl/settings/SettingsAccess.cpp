@@ -1,0 +1,153 @@
+#include "korvexctl/settings/SettingsAccess.h"
+
+#include <Korvex3Sync/Cameras.h>
+
+#include <nlohmann/json.hpp>
+#include <set>
+
+#include "korvexctl/cli/ExitCodes.h"
+#include "korvexctl/cli/Signals.h"
+#include "korvexctl/head/Session.h"
+
+namespace Korvex3Sync::korvexctl {
+
+namespace {
+
+std::string WithUnit(const Setting& setting, const std::string& value) {
+    return value + (*setting.unit == 0 ? "" : " ") + setting.unit;
+}
+
+/// The value that is asked for this half of a camera's pair; else the one that the head has.
+Reading PairReading(void* const& handle, std::span<const Assignment> assignments, CameraPart part,
+                    int order) {
+    for (const Assignment& assignment : assignments) {
+        if (assignment.setting->part == part && assignment.setting->cameraOrder == order) {
+            return {assignment.setting, STATUS_SUCCESS, assignment.value};
+        }
+    }
+    for (const Setting& setting : AllSettings()) {
+        if (setting.part == part && setting.cameraOrder == order) {
+            return ReadSetting(handle, setting);
+        }
+    }
+    throw std::logic_error("a camera order without settings");
+}
+
+double PairValue(void* const& handle, std::span<const Assignment> assignments, CameraPart part,
+                 int order) {
+    const Reading reading = PairReading(handle, assignments, part, order);
+    if (!reading.Known()) {
+        throw CommandError(ExitCode::DeviceRefused,
+                           "exposure and gain are set together, and the head does not tell its "
+                           "present " +
+                               reading.setting->name + ": " + StatusText(reading.status) +
+                               "; give both");
+    }
+    return reading.value.at(0);
+}
+
+/// Why a camera has not taken a value, as the end of a message; "" when nobody knows.
+std::string WhyNotTaken(void* const& handle, std::span<const Assignment> assignments,
+                        const Setting& setting) {
+    if (setting.part == CameraPart::None) {
+        return "";
+    }
+    const int order = setting.cameraOrder;
+    const Reading exposure = PairReading(handle, assignments, CameraPart::Exposure, order);
+    const Reading gain = PairReading(handle, assignments, CameraPart::Gain, order);
+    if (!exposure.Known() || !gain.Known() ||
+        !OnlySelects(order, exposure.value.at(0), gain.value.at(0))) {
+        return "";
+    }
+    return " (with gain 0, an " + exposure.setting->name +
+           " of 0.1 to 0.3 ms only selects a camera; give at least 0.4, or a gain)";
+}
+
+}  // namespace
+
+std::string Reading::Text() const {
+    if (Known()) {
+        return WithUnit(*setting, ValueText(setting->fields, value));
+    }
+    return NotReadable() ? "not readable" : "unknown";
+}
+
+nlohmann::json Reading::ToJson() const {
+    return Known() ? ValueToJson(setting->fields, value) : nlohmann::json();
+}
+
+Reading ReadSetting(void* const& handle, const Setting& setting) {
+    EndIfInterrupted();
+    Reading reading{&setting, STATUS_NOT_SUPPORTED, {}};
+    if (setting.read) {
+        reading.status = setting.read(handle, reading.value);
+    }
+    return reading;
+}
+
+std::vector<const Setting*> SettingsOf(std::size_t cameras) {
+    std::vector<const Setting*> settings;
+    for (const Setting& setting : AllSettings()) {
+        if (setting.cameraOrder < 0 || static_cast<std::size_t>(setting.cameraOrder) < cameras) {
+            settings.push_back(&setting);
+        }
+    }
+    return settings;
+}
+
+void RequireCamera(const Setting& setting, std::size_t cameras) {
+    if (setting.cameraOrder >= 0 && static_cast<std::size_t>(setting.cameraOrder) >= cameras) {
+        throw CommandError(ExitCode::DeviceRefused,
+                           setting.name + ": the head has " + std::to_string(cameras) +
+                               (cameras == 1 ? " camera" : " cameras") + ", counted from 0");
+    }
+}
+
+void Apply(void* const& handle, std::span<const Assignment> assignments) {
+    std::set<int> camerasSet;
+    for (const Assignment& assignment : assignments) {
+        const Setting& setting = *assignment.setting;
+        if (setting.part == CameraPart::None) {
+            Require(setting.write(handle, assignment.value), "set " + setting.name);
+        } else if (camerasSet.insert(setting.cameraOrder).second) {
+            const int order = setting.cameraOrder;
+            const double exposure = PairValue(handle, assignments, CameraPart::Exposure, order);
+            const auto gain =
+                static_cast<int>(PairValue(handle, assignments, CameraPart::Gain, order));
+            Require(SetCameraExposureAndGain(handle, order, exposure, gain),
+                    "set exposure and gain of camera " + std::to_string(order));
+        }
+    }
+}
+
+void VerifyApplied(void* const& handle, std::span<const Assignment> assignments,
+                   const std::function<void(const Assignment&, const Reading&)>& onReading) {
+    std::string wrong;
+    for (const Assignment& assignment : assignments) {
+        const Setting& setting = *assignment.setting;
+        const Reading reading = ReadSetting(handle, setting);
+        onReading(assignment, reading);
+        const std::string asked = WithUnit(setting, ValueText(setting.fields, assignment.value));
+        if (reading.Known() ? !SameValue(reading.value, assignment.value)
+                            : !reading.NotReadable()) {
+            wrong += (wrong.empty() ? "" : "; ") + setting.name + " was set to " + asked +
+                     " and reads back as " + reading.Text() +
+                     WhyNotTaken(handle, assignments, setting);
+        }
+    }
+    if (!wrong.empty()) {
+        throw CommandError(ExitCode::DeviceRefused, wrong);
+    }
+}
+
+nlohmann::json DescribeSetting(const Setting& setting) {
+    nlohmann::json description{{"unit", nullptr},
+                               {"readable", static_cast<bool>(setting.read)},
+                               {"range", RangeToJson(setting.fields)}};
+    if (*setting.unit != 0) {
+        description["unit"] = setting.unit;
+    }
+    return description;
+}
+
+}  // namespace Korvex3Sync::korvexctl

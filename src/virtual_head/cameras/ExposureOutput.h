@@ -1,0 +1,62 @@
+#pragma once
+
+#include <cstdint>
+#include <deque>
+#include <memory>
+#include <vector>
+
+#include "virtual_head/HeadCounts.h"
+#include "virtual_head/cameras/ExposureQueue.h"
+#include "virtual_head/faults/FrameFaults.h"
+
+namespace Korvex3Sync::virtual_head {
+
+/// The way from a trigger to the camera instances: makes the exposures, lets them meet the faults
+/// of frames, holds back what comes late, hands the rest to every attached queue, and counts.
+/// Frame faults wait for triggers that a camera sees. Without a lock: the trigger clock's guards
+/// it.
+class ExposureOutput {
+public:
+    explicit ExposureOutput(FrameFaults& faults) : m_faults(faults) {}
+
+    void Attach(const std::shared_ptr<ExposureQueue>& queue);
+    /// Drops what waits in the queue.
+    void Detach(const std::shared_ptr<ExposureQueue>& queue);
+    void DetachAll();
+    bool Attended() const { return !m_queues.empty(); }
+
+    /// The trigger starts: its numbers and keys begin at 0.
+    void Start();
+    /// `moment`: what its exposures have in common, light and sensors.
+    void GiveTrigger(bool mono, bool color, const Exposure& moment);
+    /// Hands out what a delay holds back.
+    void ReleaseHeld();
+
+    HeadCounts Counts() const;
+    std::uint64_t Triggers() const { return m_counts.triggers; }
+    /// Exposures that found no room in a queue, of all queues.
+    std::uint64_t Lost() const;
+
+private:
+    struct Held {
+        Exposure exposure;
+        std::uint64_t release;  // given triggers after which it goes out
+        bool repeated;
+    };
+
+    void Make(bool color, const ExposureFate& fate, std::uint64_t release, const Exposure& moment);
+    void HandDue(std::uint64_t given);
+    void Hand(Exposure exposure);
+    FrameCounts& Of(bool color) { return color ? m_counts.color : m_counts.mono; }
+    static void Add(HeadCounts& counts, const ExposureQueue::Counts& counted);
+
+    FrameFaults& m_faults;
+    std::vector<std::shared_ptr<ExposureQueue>> m_queues;
+    std::deque<Held> m_held;
+    std::uint64_t m_trigger = 0;  // since the start
+    std::uint64_t m_given = 0;    // since the head exists, without the skipped ones
+    std::uint64_t m_lostDetached = 0;
+    HeadCounts m_counts;  // without what attached queues count
+};
+
+}  // namespace Korvex3Sync::virtual_head

@@ -1,0 +1,53 @@
+#pragma once
+
+#include <array>
+#include <mutex>
+
+#include "virtual_head/Export.h"
+#include "virtual_head/config/HeadDescription.h"
+
+namespace Korvex3Sync::virtual_head {
+
+/// Exposure and gain of one camera order.
+struct SensorSetting {
+    long exposure = 5000;  // microseconds
+    int gain = 0;
+};
+
+/// Exposure and gain of the head's camera orders, and which of them is selected. They belong to the
+/// head: every camera instance sees the same. Thread-safe; nothing blocks.
+class KORVEX_VIRTUAL_HEAD_API SensorSettings {
+public:
+    static constexpr int kOrders = 4;
+    /// Limits of the exposure, in microseconds.
+    static constexpr long kShortestExposure = 1;
+    static constexpr long kLongestExposure = 1000000;
+
+    explicit SensorSettings(const HeadDescription& description);
+
+    /// Takes a parameter word: 0 to 3 selects that order; otherwise bits 8-9 are the order, bits
+    /// 10-15 the gain, bits 0-7 the exposure in tenths of a millisecond, and a low byte of 0 only
+    /// selects. False, with nothing changed, for more than 16 bits or a gain out of range.
+    bool ApplyWord(int word);
+    /// Of the selected order; false when out of range.
+    bool SetExposure(long microseconds);
+    long Exposure() const;
+    bool SetGain(int gain);
+    int Gain() const;
+    int SelectedOrder() const;
+    /// Everything is as it was at first.
+    void PowerOff();
+    /// Of the two sensors: order 0 is the left one, order 1 the right one.
+    std::array<SensorSetting, 2> Sensors() const;
+
+private:
+    bool GainInRange(int gain) const { return gain >= m_gainLow && gain <= m_gainHigh; }
+
+    const int m_gainLow;
+    const int m_gainHigh;
+    mutable std::mutex m_mutex;
+    std::array<SensorSetting, kOrders> m_settings{};
+    std::size_t m_selected = 0;
+};
+
+}  // namespace Korvex3Sync::virtual_head

@@ -1,0 +1,238 @@
+#include "virtual_head/config/HeadFile.h"
+
+#include <toml++/toml.h>
+
+#include <algorithm>
+#include <map>
+#include <optional>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "virtual_head/config/FaultKeys.h"
+#include "virtual_head/config/HeadRules.h"
+#include "virtual_head/config/UserMemoryKeys.h"
+#include "virtual_head/images/FileBytes.h"
+#include "virtual_head/scene/SceneKeys.h"
+
+namespace Korvex3Sync::virtual_head {
+namespace {
+
+constexpr std::uintmax_t kLargestFile = 1U << 20U;
+constexpr const char* kReplay = "replay";
+constexpr const char* kReplayFolder = "folder";
+
+int LineOf(const toml::key& key) {
+    return static_cast<int>(key.source().begin.line);
+}
+
+/// Where the folder of images is named; 0 when it is not.
+int LineOfReplay(const toml::table& root) {
+    const toml::table* const replay = root[kReplay].as_table();
+    if (replay != nullptr) {
+        for (const auto& [key, value] : *replay) {
+            if (key == kReplayFolder) {
+                return LineOf(key);
+            }
+        }
+    }
+    return 0;
+}
+
+/// Takes the values of one parsed file over into a description and gathers what is wrong.
+class Reader {
+public:
+    explicit Reader(const std::filesystem::path& folder) : m_folder(folder) {}
+
+    void Read(const toml::table& root) {
+        for (const auto& [key, value] : root) {
+            const int line = LineOf(key);
+            const toml::table* table = value.as_table();
+            if (ReadFaultTables(key.str(), value)) {
+                continue;
+            }
+            if (key != "camera" && key != "board" && key != kReplay && key != "scene") {
+                Find(line, "unknown key \"" + std::string(key.str()) + "\"");
+            } else if (table == nullptr) {
+                Find(line, "\"" + std::string(key.str()) + "\" is not a table");
+            } else {
+                ReadTable(key.str(), *table);
+            }
+        }
+        if (m_findings.empty()) {
+            Find(CheckTogether(m_description));
+        }
+    }
+
+    /// The finding that stands first in the file.
+    std::optional<std::pair<int, std::string>> FirstFinding() const {
+        const auto first =
+            std::min_element(m_findings.begin(), m_findings.end(),
+                             [](const auto& a, const auto& b) { return a.first < b.first; });
+        return first == m_findings.end() ? std::nullopt : std::optional(*first);
+    }
+
+    HeadDescription& Description() { return m_description; }
+
+private:
+    void Find(int line, std::string what) { m_findings.emplace_back(line, std::move(what)); }
+
+    void Find(const std::optional<BrokenRule>& broken) {
+        if (broken) {
+            const auto line = m_lines.find({broken->where.table, broken->where.key});
+            Find(line == m_lines.end() ? 1 : line->second, broken->message);
+        }
+    }
+
+    /// False when the key is not one of the faults'.
+    bool ReadFaultTables(std::string_view key, const toml::node& value) {
+        if (key != "fault" && key != "faults") {
+            return false;
+        }
+        if (auto wrong = key == "fault" ? ReadFaults(value, m_description)
+                                        : ReadFaultSeed(value, m_description)) {
+            Find(wrong->line, std::move(wrong->what));
+        }
+        return true;
+    }
+
+    void ReadTable(std::string_view table, const toml::table& values) {
+        for (const auto& [key, value] : values) {
+            const std::pair<std::string, std::string> where{table, key.str()};
+            m_lines[where] = LineOf(key);
+            if (!ReadNumber(where, value) && !ReadText(where, value) && !ReadOther(where, value)) {
+                Find(LineOf(key), "unknown key \"" + where.second + "\" in [" + where.first + "]");
+            }
+        }
+    }
+
+    /// False when no number has this key.
+    bool ReadNumber(const std::pair<std::string, std::string>& where, const toml::node& value) {
+        for (const NumberRule& rule : NumberRules()) {
+            if (where.first == rule.where.table && where.second == rule.where.key) {
+                if (const auto* number = value.as_integer()) {
+                    Find(Check(rule, number->get()));
+                    m_description.*rule.member = static_cast<int>(number->get());
+                } else {
+                    FindWrongType(where, "a whole number");
+                }
+                return true;
+            }
+        }
+        return false;
+    }
+
+    bool ReadText(const std::pair<std::string, std::string>& where, const toml::node& value) {
+        for (const TextRule& rule : TextRules()) {
+            if (where.first == rule.where.table && where.second == rule.where.key) {
+                if (const auto* text = value.as_string()) {
+                    Find(Check(rule, text->get()));
+                    m_description.*rule.member = text->get();
+                } else {
+                    FindWrongType(where, "a text");
+                }
+                return true;
+            }
+        }
+        return false;
+    }
+
+    bool ReadOther(const std::pair<std::string, std::string>& where, const toml::node& value) {
+        if (where == std::pair<std::string, std::string>{"camera", "color"}) {
+            if (const auto* color = value.as_boolean()) {
+                m_description.color = color->get();
+            } else {
+                FindWrongType(where, "true or false");
+            }
+            return true;
+        }
+        if (where == std::pair<std::string, std::string>{kReplay, kReplayFolder}) {
+            const auto* folder = value.as_string();
+            if (folder != nullptr && !folder->get().empty()) {
+                m_description.replayFolder = m_folder / folder->get();
+            } else {
+                FindWrongType(where, "a text that is not empty");
+            }
+            return true;
+        }
+        if (where == std::pair<std::string, std::string>{"board", "user_memory"}) {
+            if (auto wrong = ReadUserMemory(value, m_description.userMemory)) {
+                Find(wrong->line, std::move(wrong->what));
+            }
+            return true;
+        }
+        return where.first == "scene" && ReadScene(where, value);
+    }
+
+    bool ReadScene(const std::pair<std::string, std::string>& where, const toml::node& value) {
+        SceneKeyRead read = ReadSceneKey(where.second, value, m_description.scene);
+        if (read.wrong) {
+            Find(m_lines[where], std::move(*read.wrong));
+        }
+        return read.known;
+    }
+
+    void FindWrongType(const std::pair<std::string, std::string>& where, const char* expected) {
+        Find(m_lines[where],
+             "[" + where.first + "] " + where.second + ": " + expected + " is expected");
+    }
+
+    const std::filesystem::path m_folder;
+    HeadDescription m_description;
+    std::map<std::pair<std::string, std::string>, int> m_lines;
+    std::vector<std::pair<int, std::string>> m_findings;
+};
+
+HeadFileError Refuse(const std::filesystem::path& file, int line, std::string what) {
+    std::replace_if(
+        what.begin(), what.end(), [](unsigned char c) { return c < ' ' || c == 0x7F; }, ' ');
+    const std::string place = line > 0 ? ":" + std::to_string(line) : "";
+    return {file, line, file.string() + place + ": " + what};
+}
+
+}  // namespace
+
+std::variant<HeadDescription, HeadFileError> ParseHeadFile(std::string_view text,
+                                                           const std::filesystem::path& file) {
+    try {
+        Reader reader(file.parent_path());
+        reader.Read(toml::parse(text, file.string()));
+        if (auto finding = reader.FirstFinding()) {
+            return Refuse(file, finding->first, std::move(finding->second));
+        }
+        return std::move(reader.Description());
+    } catch (const toml::parse_error& error) {
+        return Refuse(file, static_cast<int>(error.source().begin.line),
+                      std::string(error.description()));
+    } catch (const std::exception& error) {
+        return Refuse(file, 0, error.what());
+    }
+}
+
+std::variant<HeadDescription, HeadFileError> ReadHeadFile(const std::filesystem::path& file) {
+    try {
+        const auto bytes = ReadFileBytes(file, kLargestFile);
+        if (const auto* wrong = std::get_if<const char*>(&bytes)) {
+            return Refuse(file, 0, *wrong);
+        }
+        return ParseHeadFile(std::get<std::string>(bytes), file);
+    } catch (const std::exception& error) {
+        return Refuse(file, 0, error.what());
+    }
+}
+
+HeadFileError RefuseReplay(const std::filesystem::path& file, const std::string& what) {
+    int line = 0;
+    try {
+        // It was read well a moment ago.
+        const auto bytes = ReadFileBytes(file, kLargestFile);
+        if (const auto* text = std::get_if<std::string>(&bytes)) {
+            line = LineOfReplay(toml::parse(*text));
+        }
+    } catch (const std::exception&) {
+        line = 0;
+    }
+    return Refuse(file, line, std::string("[") + kReplay + "] " + kReplayFolder + ": " + what);
+}
+
+}  // namespace Korvex3Sync::virtual_head

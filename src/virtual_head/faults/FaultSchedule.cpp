@@ -1,0 +1,187 @@
+#include "virtual_head/faults/FaultSchedule.h"
+
+#include <stdexcept>
+
+#include "platform/os/Clock.h"
+#include "virtual_head/Journal.h"
+
+namespace Korvex3Sync::virtual_head {
+
+using std::chrono::steady_clock;
+
+FaultSchedule::~FaultSchedule() {
+    End();
+}
+
+void FaultSchedule::Start(const std::vector<TimedFault>& faults, std::uint64_t seed) {
+    if (m_journal != nullptr && !faults.empty()) {
+        m_journal->AddFault("seed " + std::to_string(seed), "begun");
+    }
+    const Time now = steady_clock::now();
+    std::unique_lock lock(m_mutex);
+    m_generator.seed(seed);
+    for (const TimedFault& fault : faults) {
+        Entry entry;
+        entry.fault = fault;
+        if (fault.at) {
+            entry.due = now + os::Scaled(*fault.at);
+        }
+        m_entries.push_back(std::move(entry));
+    }
+    // Here and not on the thread: no call comes before a fault that is there from the beginning.
+    BeginDue(now, lock);
+    if (NextTimed() && !StartThread()) {
+        throw std::runtime_error("no thread for the timed faults of the virtual head");
+    }
+}
+
+void FaultSchedule::BeforeTrigger(std::uint64_t number, bool attended) {
+    std::unique_lock lock(m_mutex);
+    for (std::size_t index = 0; index < m_entries.size() && !m_end; ++index) {
+        Entry& entry = m_entries[index];
+        const bool due = entry.fault.atTrigger ? number >= *entry.fault.atTrigger : !entry.due;
+        std::optional<FaultOrder> order;
+        if (entry.state == State::Waiting && due) {
+            order = Turn(entry);
+        }
+        if (entry.state == State::Drawing && Draw(*entry.fault.chance) && attended) {
+            order = entry.fault.order;
+        }
+        if (order) {
+            lock.unlock();
+            BeginNow(index, *order);
+            lock.lock();
+        }
+    }
+}
+
+bool FaultSchedule::After(std::chrono::milliseconds time, const FaultOrder& order) {
+    std::lock_guard lock(m_mutex);
+    if (m_end || !StartThread()) {
+        return false;
+    }
+    Entry entry;
+    entry.fault.order = order;
+    entry.fault.at = time;
+    entry.follows = true;
+    entry.due = steady_clock::now() + os::Scaled(time);
+    m_entries.push_back(std::move(entry));
+    m_changed.notify_all();
+    return true;
+}
+
+void FaultSchedule::End() {
+    {
+        std::lock_guard lock(m_mutex);
+        m_end = true;
+        m_changed.notify_all();
+    }
+    m_thread.Join();
+}
+
+std::vector<std::string> FaultSchedule::Unused() const {
+    std::lock_guard lock(m_mutex);
+    std::vector<std::string> unused;
+    for (const Entry& entry : m_entries) {
+        const std::string text = Text(entry.fault);
+        if (entry.follows) {
+            continue;
+        }
+        if (entry.state == State::Waiting) {
+            unused.push_back(text + ": not reached");
+        } else if (entry.state == State::Drawing && !entry.drawn) {
+            unused.push_back(text + ": never drawn");
+        } else if (entry.state == State::Refused) {
+            unused.push_back(text + ": could not begin");
+        }
+    }
+    return unused;
+}
+
+void FaultSchedule::Clear() {
+    std::lock_guard lock(m_mutex);
+    for (Entry& entry : m_entries) {
+        if (!entry.follows) {
+            entry.state = State::Begun;
+        }
+    }
+}
+
+void FaultSchedule::Run() {
+    std::unique_lock lock(m_mutex);
+    while (!m_end) {
+        const std::optional<std::size_t> next = NextTimed();
+        if (!next) {
+            m_changed.wait(lock);
+            continue;
+        }
+        const Time due = *m_entries[*next].due;
+        if (steady_clock::now() < due) {
+            m_changed.wait_until(lock, due);
+            continue;
+        }
+        BeginDue(due, lock);
+    }
+}
+
+void FaultSchedule::BeginDue(Time until, std::unique_lock<std::mutex>& lock) {
+    for (auto next = NextTimed(); next && *m_entries[*next].due <= until && !m_end;
+         next = NextTimed()) {
+        if (const auto order = Turn(m_entries[*next])) {
+            lock.unlock();
+            BeginNow(*next, *order);
+            lock.lock();
+        }
+    }
+}
+
+bool FaultSchedule::StartThread() {
+    return m_thread.Started() || m_thread.Start([this] { Run(); });
+}
+
+// By hand, because the standard leaves it open what its distributions make of the generator.
+bool FaultSchedule::Draw(double chance) {
+    constexpr double kUnit = 0x1.0p-53;
+    return static_cast<double>(m_generator() >> 11U) * kUnit < chance;
+}
+
+std::optional<FaultOrder> FaultSchedule::Turn(Entry& entry) {
+    if (entry.fault.chance) {
+        entry.state = State::Drawing;
+        return std::nullopt;
+    }
+    entry.state = State::Begun;
+    return entry.fault.order;
+}
+
+void FaultSchedule::BeginNow(std::size_t index, const FaultOrder& order) {
+    const bool begun = m_begin(order);
+    std::string text;
+    {
+        // Entries are never taken out, so that the index stays good.
+        std::lock_guard lock(m_mutex);
+        Entry& entry = m_entries[index];
+        text = Text(entry.fault);
+        entry.drawn = entry.drawn || begun;
+        if (!begun && entry.state == State::Begun) {
+            entry.state = State::Refused;
+        }
+    }
+    if (m_journal != nullptr) {
+        m_journal->AddFault(text, begun ? "begun" : "refused");
+    }
+}
+
+std::optional<std::size_t> FaultSchedule::NextTimed() const {
+    std::optional<std::size_t> next;
+    for (std::size_t index = 0; index < m_entries.size(); ++index) {
+        const Entry& entry = m_entries[index];
+        if (entry.state == State::Waiting && entry.due &&
+            (!next || *entry.due < *m_entries[*next].due)) {
+            next = index;
+        }
+    }
+    return next;
+}
+
+}  // namespace Korvex3Sync::virtual_head
