@@ -4,6 +4,7 @@
 #include <thread>
 
 #include "platform/os/Clock.h"
+#include "platform/os/Condition.h"
 #include "platform/os/CriticalSection.h"
 #include "platform/os/Event.h"
 #include "platform/os/Thread.h"
@@ -75,6 +76,57 @@ TEST(Event, WakesAWaiterOfAnotherThread) {
     event.Set();
     waiter.join();
     EXPECT_EQ(result, WaitResult::Signalled);
+}
+
+/// Threads that wait for a change of one value.
+class Value {
+public:
+    void Set(int value) {
+        MutexGuard lock(m_mutex);
+        m_value = value;
+        m_changed.NotifyAll();
+    }
+    void WaitFor(int value) {
+        MutexGuard lock(m_mutex);
+        while (m_value != value) {
+            m_changed.Wait(m_mutex);
+        }
+    }
+    bool ComesUntil(int value, std::chrono::steady_clock::time_point deadline) {
+        MutexGuard lock(m_mutex);
+        while (m_value != value) {
+            if (!m_changed.WaitUntil(m_mutex, deadline)) {
+                return m_value == value;
+            }
+        }
+        return true;
+    }
+
+private:
+    Mutex m_mutex;
+    Condition m_changed;
+    int m_value KORVEX_GUARDED_BY(m_mutex) = 0;
+};
+
+TEST(Condition, WakesEveryWaiterAndHoldsTheMutexAgain) {
+    Value value;
+    std::thread first([&] {
+        value.WaitFor(1);
+        value.Set(2);
+    });
+    std::thread second(
+        [&] { EXPECT_TRUE(value.ComesUntil(2, std::chrono::steady_clock::now() + 60s)); });
+    value.Set(1);
+    first.join();
+    second.join();
+}
+
+TEST(Condition, EndsAtItsDeadline) {
+    Value value;
+    const auto deadline = std::chrono::steady_clock::now() + 20ms;
+    EXPECT_FALSE(value.ComesUntil(1, deadline));
+    EXPECT_GE(std::chrono::steady_clock::now(), deadline);
+    value.Set(1);  // the mutex was given back
 }
 
 TEST(TimeScale, ShortensNominalTimeWhileItLives) {

@@ -54,6 +54,7 @@ public:
     void unlock() KORVEX_RELEASE() { m_mutex.unlock(); }
 
 private:
+    friend class Condition;
     std::mutex m_mutex;
 };
 
