@@ -1,6 +1,5 @@
 #include <chrono>
 
-#include "platform/os/Clock.h"
 #include "platform/os/Log.h"
 #include "sync/ManagerSync.h"
 
@@ -59,7 +58,13 @@ void IManagerSync::SwitchSnapTrigger(bool on) {
 
 bool IManagerSync::WaitForColorFrame(const char* step) {
     const auto event = m_colorCatch.CaughtEvent();
-    const os::WaitResult result = event ? event->Wait(kFrameLimit) : os::WaitResult::TimedOut;
+    os::WaitResult result = os::WaitResult::TimedOut;
+    if (event && !m_stop.IsSet()) {
+        result = event->Wait(kFrameLimit);
+    }
+    if (m_stop.IsSet()) {
+        result = os::WaitResult::TimedOut;  // a stop signals the event too
+    }
     KORVEX_LOG(kLog) << step << " tmpRet=" << static_cast<unsigned long>(result);
     return result == os::WaitResult::Signalled;
 }
@@ -88,7 +93,7 @@ bool IManagerSync::SnapFirst(const CONTROLROUTE& route) {
     constexpr char kStep[] = "SnapColorImage0";
     KORVEX_LOG(kLog) << kStep;
     SwitchSnapTrigger(false);
-    os::SleepFor(kDrainTime);
+    WaitUnlessStopped(kDrainTime);
     m_colorCatch.Begin();
     SetStrobeControlledByTrigger(route, kFirstStrobe);
     m_colorCatch.Arm();
@@ -112,7 +117,7 @@ bool IManagerSync::SnapNext(const SnapPhase& phase) {
     if (phase.restartCameras) {
         RestartCameras();
     }
-    os::SleepFor(kSettleTime);
+    WaitUnlessStopped(kSettleTime);
     SwitchSnapTrigger(true);
     return WaitForColorFrame(phase.waited);
 }

@@ -67,6 +67,17 @@ IManagerSync::~IManagerSync() {
     }
 }
 
+void IManagerSync::RequestStop() {
+    m_stop.Set();
+    if (const auto event = m_colorCatch.CaughtEvent()) {
+        event->Set();
+    }
+}
+
+bool IManagerSync::WaitUnlessStopped(std::chrono::milliseconds nominal) {
+    return m_stop.Wait(nominal) == os::WaitResult::TimedOut;
+}
+
 void IManagerSync::OnThreadNotify(int, int) {}
 
 void IManagerSync::OnThreadSignal(int) {}

@@ -2,6 +2,7 @@
 
 #include <array>
 #include <atomic>
+#include <chrono>
 #include <memory>
 #include <string>
 #include <utility>
@@ -45,6 +46,11 @@ public:
     ~IManagerSync() override;
     IManagerSync(const IManagerSync&) = delete;
     IManagerSync& operator=(const IManagerSync&) = delete;
+
+    /// For a connection that is about to be closed, from any thread: calls that wait inside end at
+    /// once, now and from then on. A snapshot fails as it does without a frame; a reconnection does
+    /// not wait for the restart of its board and fails.
+    void RequestStop();
 
     void OnThreadNotify(int first, int second) override;
     void OnThreadSignal(int value) override;
@@ -214,6 +220,9 @@ private:
     /// Channel codes: one for each entry of the serial list.
     int ChannelCount() const;
 
+    /// Waits as long as the nominal time. False when it was told to stop.
+    bool WaitUnlessStopped(std::chrono::milliseconds nominal);
+
     void SwitchSnapTrigger(bool on);
     /// Runs the steps of a snapshot. What one that threw had caught is freed, and nothing is caught
     /// for it any more.
@@ -260,6 +269,7 @@ private:
     int m_reconnections KORVEX_GUARDED_BY(m_parkMutex) = 0;
     os::Thread m_hStatusThread;
     os::Event m_statusWake;  // ends the status thread's waits
+    os::Event m_stop;        // ends the waits of callers
     StatusCallBackFunction m_pStatusCallBack KORVEX_GUARDED_BY(m_csStatus) = nullptr;
     void* m_pStatusContext KORVEX_GUARDED_BY(m_csStatus) = nullptr;
     int m_nStatusSkipCount KORVEX_GUARDED_BY(m_csStatus) = 0;

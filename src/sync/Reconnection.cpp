@@ -1,7 +1,6 @@
 #include <chrono>
 
 #include "platform/include/zr3DHandiDLPdev.h"
-#include "platform/os/Clock.h"
 #include "platform/os/Log.h"
 #include "sync/ManagerSync.h"
 #include "sync/RestoreSettings.h"
@@ -77,17 +76,18 @@ int IManagerSync::ReConnectOrRestart() {
         PrintAndLog("Start Send Restart Report Command to Device");
         if (SendReset(&board::zr3DResetDevice)) {
             PrintAndLog("Send Restart Report Command to Device");
-            os::SleepFor(kRestartTime);
-            result = ReConnectDevice();
-            KORVEX_LOG(kLog) << "ReConnectDevice ret=" << result;
-            std::printf("End Reconnect Device Second time, ret = %d\n", result);
+            if (WaitUnlessStopped(kRestartTime)) {
+                result = ReConnectDevice();
+                KORVEX_LOG(kLog) << "ReConnectDevice ret=" << result;
+                std::printf("End Reconnect Device Second time, ret = %d\n", result);
+            }
         }
     }
     KORVEX_LOG(kLog) << "ReConnectDeviceEx ret=" << result;
     if (result == kReconnected) {
         // What the application asked for stays remembered as it is.
         board::zr3DEnableHeartbeat(m_hDevice, true);
-        os::SleepFor(kHeartbeatTime);
+        WaitUnlessStopped(kHeartbeatTime);
     }
     return result;
 }

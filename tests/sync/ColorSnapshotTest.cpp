@@ -5,6 +5,7 @@
 #include <memory>
 #include <new>
 #include <optional>
+#include <thread>
 
 #include "platform/os/Clock.h"
 #include "platform/os/TimeScale.h"
@@ -227,6 +228,53 @@ TEST_F(ColorSnapshot, AnImageThatAFailureLeftBehindIsFreedWhenAnotherTakesItsPla
     m_framesWanted = 100;
     EXPECT_EQ(Snap(), STATUS_SUCCESS);
     EXPECT_THAT(Values(), ElementsAre(4, 5));
+}
+
+/// The stop comes inside the write of the trigger mode, or from another thread beside the wait.
+TEST_F(ColorSnapshot, AStopEndsItsWaitAtOnceWithItsFailure) {
+    for (const bool besideTheWait : {false, true}) {
+        for (const int framesBefore : {0, 1, 2}) {
+            SCOPED_TRACE(framesBefore);
+            const os::ScopedTimeScale full(1.0);
+            m_manager = std::make_unique<IManagerSync>();
+            ASSERT_EQ(ConnectRecorded(*m_manager), STATUS_SUCCESS);
+            std::thread other;
+            m_triggers = 0;
+            recorder::OnSingleColorTrigger([&] {
+                if (m_triggers < framesBefore) {
+                    OnTrigger();
+                } else if (besideTheWait) {
+                    other = std::thread([&] { m_manager->RequestStop(); });
+                } else {
+                    m_manager->RequestStop();
+                }
+            });
+            const auto begin = std::chrono::steady_clock::now();
+            EXPECT_EQ(framesBefore == 1 ? Snap() : SnapForIR(), STATUS_FAILED);
+            EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(60));
+            if (other.joinable()) {
+                other.join();
+            }
+            EXPECT_TRUE(m_images.empty());
+            const Calls steps = Steps();
+            if (framesBefore == 0) {
+                EXPECT_EQ(steps.back(), "SnapColorImage0 tmpRet=258");
+            } else {
+                EXPECT_EQ(steps.at(steps.size() - 2), "SnapColorImage2 tmpRet=258");
+                EXPECT_EQ(steps.back(), "SnapColorImage end failed");
+            }
+        }
+    }
+}
+
+TEST_F(ColorSnapshot, AfterAStopANewOneFailsAtOnceToo) {
+    const os::ScopedTimeScale full(1.0);
+    m_manager->RequestStop();
+    const auto begin = std::chrono::steady_clock::now();
+    EXPECT_EQ(Snap(), STATUS_FAILED);
+    EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(60));
+    EXPECT_EQ(Since(), kFirstPhase) << "its calls are the same";
+    EXPECT_EQ(Steps().back(), "SnapColorImage0 tmpRet=258");
 }
 
 TEST_F(ColorSnapshot, AnImageThatAFailureLeftBehindIsFreedWithTheManager) {

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <thread>
 
 #include "platform/os/Clock.h"
 #include "sync/ReconnectedManager.h"
@@ -178,6 +179,24 @@ TEST_F(Reconnection, ABoardIsGivenSevenSecondsToRestart) {
     Recorder::Get().FailNth("zr3DQueryCurrentStatus", 1);
     EXPECT_EQ(Reconnect(), 0);
     EXPECT_GE(openedAgain - restarted, os::Scaled(std::chrono::seconds(7))) << "it may take longer";
+}
+
+TEST_F(Reconnection, AStopEndsTheWaitForTheRestartAndTheBoardIsNotTriedAgain) {
+    Connect();
+    const os::ScopedTimeScale slow(100);  // 700 s
+    std::thread other;
+    Recorder::Get().OnCall("zr3DResetDevice",
+                           [&] { other = std::thread([&] { m_manager->RequestStop(); }); });
+    Recorder::Get().FailAlways("zr3DQueryCurrentStatus");
+    const auto begin = std::chrono::steady_clock::now();
+    EXPECT_EQ(Reconnect(), 3);
+    EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(100));
+    other.join();
+    EXPECT_EQ(Since().back(), "zr3DResetDevice(B2)");
+    EXPECT_EQ(m_printed.back(), "Send Restart Report Command to Device");
+    EXPECT_EQ(m_logged.back(), "ReConnectDeviceEx ret=3");
+    const auto snaps = Recorder::Get().Count("SnapShot");
+    EXPECT_TRUE(Recorder::Get().WaitForCount("SnapShot", snaps + 2)) << "the thread was resumed";
 }
 
 TEST_F(Reconnection, ABoardThatAnswersAfterItsRestartIsReconnected) {
