@@ -8,7 +8,7 @@
 #include <variant>
 
 #include "platform/board/protocol/Codec.h"
-#include "virtual_head/Journal.h"
+#include "virtual_head/base/Journal.h"
 #include "virtual_head/board/VirtualBoard.h"
 #include "virtual_head/config/HeadDescription.h"
 #include "virtual_head/faults/Faults.h"

@@ -7,11 +7,11 @@
 #include <mutex>
 
 #include "platform/os/Thread.h"
-#include "virtual_head/Export.h"
-#include "virtual_head/HeadCounts.h"
+#include "virtual_head/base/Export.h"
 #include "virtual_head/board/BoardState.h"
 #include "virtual_head/cameras/ExposureOutput.h"
 #include "virtual_head/cameras/ExposureQueue.h"
+#include "virtual_head/cameras/HeadCounts.h"
 #include "virtual_head/cameras/SensorSettings.h"
 
 namespace Korvex3Sync::virtual_head {

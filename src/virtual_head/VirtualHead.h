@@ -2,9 +2,9 @@
 
 #include <memory>
 
-#include "virtual_head/Export.h"
-#include "virtual_head/Journal.h"
 #include "virtual_head/TriggerClock.h"
+#include "virtual_head/base/Export.h"
+#include "virtual_head/base/Journal.h"
 #include "virtual_head/board/VirtualBoard.h"
 #include "virtual_head/cameras/SensorSettings.h"
 #include "virtual_head/config/HeadDescription.h"

@@ -9,7 +9,7 @@
 
 #include "board/Samples.h"
 #include "support/Seed.h"
-#include "virtual_head/Journal.h"
+#include "virtual_head/base/Journal.h"
 #include "virtual_head/faults/Faults.h"
 
 namespace Korvex3Sync::virtual_head {

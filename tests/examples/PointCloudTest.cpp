@@ -12,7 +12,7 @@
 
 #include "support/ChildProcess.h"
 #include "virtual_head/TestFiles.h"
-#include "virtual_head/scene/SceneDescription.h"
+#include "virtual_head/config/SceneDescription.h"
 
 namespace Korvex3Sync::tests {
 

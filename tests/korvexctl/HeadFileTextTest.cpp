@@ -10,7 +10,7 @@
 #include "virtual_head/TestFiles.h"
 #include "virtual_head/config/HeadFile.h"
 #include "virtual_head/config/HeadRules.h"
-#include "virtual_head/scene/SceneRules.h"
+#include "virtual_head/config/SceneRules.h"
 
 namespace Korvex3Sync::tests {
 

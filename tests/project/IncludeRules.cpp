@@ -152,6 +152,29 @@ bool Allowed(const SourceTree& tree, const std::string& file, const Include& inc
     return MayInclude(*arrows, *target);
 }
 
+std::string FolderOf(const std::string& file) {
+    return file.substr(0, file.rfind('/'));
+}
+
+/// The folders that each folder includes from.
+using FolderGraph = std::map<std::string, std::set<std::string>>;
+
+bool Reaches(const FolderGraph& graph, const std::string& from, const std::string& to) {
+    std::set<std::string> seen;
+    Strings open{from};
+    while (!open.empty()) {
+        const std::string folder = open.back();
+        open.pop_back();
+        if (folder == to) {
+            return true;
+        }
+        if (seen.insert(folder).second && graph.contains(folder)) {
+            open.insert(open.end(), graph.at(folder).begin(), graph.at(folder).end());
+        }
+    }
+    return false;
+}
+
 }  // namespace
 
 std::map<std::string, std::set<std::string>> IncludeTable() {
@@ -172,6 +195,34 @@ std::vector<std::string> ForbiddenIncludes(const SourceTree& tree) {
                                 include->name);
             }
         });
+    }
+    return found;
+}
+
+std::vector<std::string> FolderCycles(const SourceTree& tree) {
+    struct Step {
+        std::string place;
+        std::string from;
+        std::string to;
+    };
+    std::vector<Step> steps;
+    FolderGraph graph;
+    for (const auto& [file, text] : tree) {
+        ForEachLine(text, [&, &file = file](int number, const std::string& line) {
+            const std::optional<Include> include = IncludeOf(line);
+            const auto target = include ? Resolve(tree, file, *include) : std::nullopt;
+            if (target && FolderOf(*target) != FolderOf(file)) {
+                steps.push_back(
+                    {file + ":" + std::to_string(number), FolderOf(file), FolderOf(*target)});
+                graph[steps.back().from].insert(steps.back().to);
+            }
+        });
+    }
+    std::vector<std::string> found;
+    for (const Step& step : steps) {
+        if (Reaches(graph, step.to, step.from)) {
+            found.push_back(step.place + ": " + step.from + " and " + step.to + " need each other");
+        }
     }
     return found;
 }

@@ -16,6 +16,10 @@ std::map<std::string, std::set<std::string>> IncludeTable();
 /// "FILE:LINE: must not include TARGET".
 std::vector<std::string> ForbiddenIncludes(const SourceTree& tree);
 
+/// Every include that is part of a cycle between folders, as "FILE:LINE: FOLDER and INCLUDED FOLDER
+/// need each other".
+std::vector<std::string> FolderCycles(const SourceTree& tree);
+
 /// Every preprocessor condition on an operating system or compiler outside the rooms that may have
 /// one, as "FILE:LINE: the condition".
 std::vector<std::string> PlatformConditions(const SourceTree& tree);

@@ -141,6 +141,43 @@ TEST(IncludeRules, HoldInTheWholeProject) {
     EXPECT_THAT(ForbiddenIncludes(tree), IsEmpty());
 }
 
+TEST(FolderCycles, AreFoundWithEachIncludeThatClosesThem) {
+    EXPECT_THAT(FolderCycles({{"src/a/x/X.h", "#include \"a/y/Y.h\"\n"},
+                              {"src/a/y/Y.h", ""},
+                              {"src/a/y/Other.cpp", "\n#include \"a/x/X.h\"\n"},
+                              {"src/a/z/Z.cpp", "#include \"a/x/X.h\"\n"}}),
+                ElementsAre("src/a/x/X.h:1: src/a/x and src/a/y need each other",
+                            "src/a/y/Other.cpp:2: src/a/y and src/a/x need each other"));
+}
+
+TEST(FolderCycles, AreFoundThroughOtherFolders) {
+    EXPECT_THAT(FolderCycles({{"src/a/A.h", "#include \"b/B.h\"\n"},
+                              {"src/b/B.h", "#include \"c/C.h\"\n"},
+                              {"src/c/C.h", "#include \"a/A.h\"\n"}}),
+                SizeIs(3));
+}
+
+TEST(FolderCycles, AFolderAndTheOneItStandsInAreTwo) {
+    const std::string above = "programs/tool/Main.h";
+    const std::string below = "programs/tool/cli/Text.h";
+    EXPECT_THAT(FolderCycles({{above, "#include \"tool/cli/Text.h\"\n"}, {below, ""}}), IsEmpty());
+    EXPECT_THAT(FolderCycles({{above, "#include \"tool/cli/Text.h\"\n"},
+                              {below, "#include \"tool/Main.h\"\n"}}),
+                SizeIs(2));
+}
+
+TEST(FolderCycles, AFolderMayIncludeItself) {
+    EXPECT_THAT(FolderCycles(
+                    {{"src/a/A.h", "#include \"a/B.h\"\n"}, {"src/a/B.h", "#include \"a/A.h\"\n"}}),
+                IsEmpty());
+}
+
+TEST(FolderCycles, AreNotInTheProject) {
+    const SourceTree tree = ReadSourceTree({"include", "src"});
+    ASSERT_TRUE(tree.contains("src/virtual_head/scene/Scene.cpp"));
+    EXPECT_THAT(FolderCycles(tree), IsEmpty());
+}
+
 /// What a page's word for rooms or headers stands for.
 std::set<std::string> Meant(const std::string& words) {
     static const std::map<std::string, std::set<std::string>> kMeant{

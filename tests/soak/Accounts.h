@@ -4,7 +4,7 @@
 #include <vector>
 
 #include "Korvex3Sync/Statistics.h"
-#include "virtual_head/HeadCounts.h"
+#include "virtual_head/cameras/HeadCounts.h"
 
 namespace Korvex3Sync::soak {
 

@@ -3,8 +3,8 @@
 #include <gmock/gmock.h>
 
 #include "support/WaitUntil.h"
-#include "virtual_head/Journal.h"
 #include "virtual_head/TriggerClock.h"
+#include "virtual_head/base/Journal.h"
 #include "virtual_head/faults/Faults.h"
 
 namespace Korvex3Sync::virtual_head {

@@ -1,4 +1,4 @@
-#include "virtual_head/Journal.h"
+#include "virtual_head/base/Journal.h"
 
 #include <gmock/gmock.h>
 

@@ -5,7 +5,7 @@
 #include <variant>
 
 #include "platform/board/protocol/Codec.h"
-#include "virtual_head/Journal.h"
+#include "virtual_head/base/Journal.h"
 #include "virtual_head/board/BoardFirmware.h"
 #include "virtual_head/faults/Faults.h"
 

@@ -7,7 +7,7 @@
 #include <optional>
 
 #include "platform/board/protocol/Report.h"
-#include "virtual_head/Export.h"
+#include "virtual_head/base/Export.h"
 #include "virtual_head/board/BoardState.h"
 #include "virtual_head/config/HeadDescription.h"
 

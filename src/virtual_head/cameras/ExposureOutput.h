@@ -5,8 +5,8 @@
 #include <memory>
 #include <vector>
 
-#include "virtual_head/HeadCounts.h"
 #include "virtual_head/cameras/ExposureQueue.h"
+#include "virtual_head/cameras/HeadCounts.h"
 #include "virtual_head/faults/FrameFaults.h"
 
 namespace Korvex3Sync::virtual_head {

@@ -3,7 +3,7 @@
 #include <array>
 #include <mutex>
 
-#include "virtual_head/Export.h"
+#include "virtual_head/base/Export.h"
 #include "virtual_head/config/HeadDescription.h"
 
 namespace Korvex3Sync::virtual_head {

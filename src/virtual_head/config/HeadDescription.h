@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
+#include "virtual_head/config/SceneDescription.h"
 #include "virtual_head/faults/FaultOrder.h"
-#include "virtual_head/scene/SceneDescription.h"
 
 namespace Korvex3Sync::virtual_head {
 

@@ -9,11 +9,11 @@
 #include <utility>
 #include <vector>
 
+#include "virtual_head/base/FileBytes.h"
 #include "virtual_head/config/FaultKeys.h"
 #include "virtual_head/config/HeadRules.h"
+#include "virtual_head/config/SceneKeys.h"
 #include "virtual_head/config/UserMemoryKeys.h"
-#include "virtual_head/images/FileBytes.h"
-#include "virtual_head/scene/SceneKeys.h"
 
 namespace Korvex3Sync::virtual_head {
 namespace {

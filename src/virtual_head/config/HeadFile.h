@@ -5,7 +5,7 @@
 #include <string_view>
 #include <variant>
 
-#include "virtual_head/Export.h"
+#include "virtual_head/base/Export.h"
 #include "virtual_head/config/HeadDescription.h"
 
 namespace Korvex3Sync::virtual_head {

@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <array>
 
+#include "virtual_head/config/SceneRules.h"
 #include "virtual_head/faults/FaultOrder.h"
-#include "virtual_head/scene/SceneRules.h"
 
 namespace Korvex3Sync::virtual_head {
 namespace {

@@ -1,6 +1,6 @@
 #include "virtual_head/faults/BoardFaults.h"
 
-#include "virtual_head/Journal.h"
+#include "virtual_head/base/Journal.h"
 #include "virtual_head/faults/FaultOrder.h"
 
 namespace Korvex3Sync::virtual_head {

@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "platform/os/CriticalSection.h"
-#include "virtual_head/Export.h"
+#include "virtual_head/base/Export.h"
 #include "virtual_head/faults/Presence.h"
 
 namespace Korvex3Sync::virtual_head {

@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "virtual_head/Export.h"
+#include "virtual_head/base/Export.h"
 
 namespace Korvex3Sync::virtual_head {
 

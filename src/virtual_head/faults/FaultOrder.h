@@ -7,7 +7,7 @@
 #include <string>
 #include <string_view>
 
-#include "virtual_head/Export.h"
+#include "virtual_head/base/Export.h"
 
 namespace Korvex3Sync::virtual_head {
 

@@ -12,7 +12,7 @@
 #include <vector>
 
 #include "platform/os/Thread.h"
-#include "virtual_head/Export.h"
+#include "virtual_head/base/Export.h"
 #include "virtual_head/faults/FaultOrder.h"
 
 namespace Korvex3Sync::virtual_head {

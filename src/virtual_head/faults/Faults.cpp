@@ -3,7 +3,7 @@
 #include <iterator>
 #include <utility>
 
-#include "virtual_head/Journal.h"
+#include "virtual_head/base/Journal.h"
 
 namespace Korvex3Sync::virtual_head {
 

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "virtual_head/Export.h"
+#include "virtual_head/base/Export.h"
 #include "virtual_head/faults/BoardFaults.h"
 #include "virtual_head/faults/CallFaults.h"
 #include "virtual_head/faults/FaultOrder.h"

@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "virtual_head/Journal.h"
+#include "virtual_head/base/Journal.h"
 
 namespace Korvex3Sync::virtual_head {
 

@@ -4,7 +4,7 @@
 #include <functional>
 
 #include "platform/os/CriticalSection.h"
-#include "virtual_head/Export.h"
+#include "virtual_head/base/Export.h"
 
 namespace Korvex3Sync::virtual_head {
 

@@ -4,7 +4,7 @@
 
 #include <memory>
 
-#include "virtual_head/images/FileBytes.h"
+#include "virtual_head/base/FileBytes.h"
 
 namespace Korvex3Sync::virtual_head {
 namespace {

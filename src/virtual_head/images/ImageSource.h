@@ -6,8 +6,8 @@
 #include <string>
 #include <variant>
 
-#include "virtual_head/Export.h"
-#include "virtual_head/TriggerClock.h"
+#include "virtual_head/base/Export.h"
+#include "virtual_head/cameras/Exposure.h"
 #include "virtual_head/config/HeadDescription.h"
 
 namespace Korvex3Sync::virtual_head {

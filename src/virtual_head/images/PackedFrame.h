@@ -3,7 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "virtual_head/Export.h"
+#include "virtual_head/base/Export.h"
 
 namespace Korvex3Sync::virtual_head {
 

@@ -3,7 +3,7 @@
 #include <array>
 #include <cstdint>
 
-#include "virtual_head/TriggerClock.h"
+#include "virtual_head/cameras/Exposure.h"
 
 namespace Korvex3Sync::virtual_head::scene {
 

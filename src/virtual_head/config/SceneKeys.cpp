@@ -1,8 +1,8 @@
-#include "virtual_head/scene/SceneKeys.h"
+#include "virtual_head/config/SceneKeys.h"
 
 #include <algorithm>
 
-#include "virtual_head/scene/SceneRules.h"
+#include "virtual_head/config/SceneRules.h"
 
 namespace Korvex3Sync::virtual_head {
 namespace {

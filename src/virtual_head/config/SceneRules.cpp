@@ -1,4 +1,4 @@
-#include "virtual_head/scene/SceneRules.h"
+#include "virtual_head/config/SceneRules.h"
 
 #include <algorithm>
 #include <cmath>

@@ -5,7 +5,7 @@
 #include <optional>
 #include <string>
 
-#include "virtual_head/scene/SceneDescription.h"
+#include "virtual_head/config/SceneDescription.h"
 
 namespace Korvex3Sync::virtual_head {
 

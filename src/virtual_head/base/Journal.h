@@ -10,7 +10,7 @@
 #include <utility>
 #include <vector>
 
-#include "virtual_head/Export.h"
+#include "virtual_head/base/Export.h"
 
 namespace Korvex3Sync::virtual_head {
 

@@ -1,4 +1,4 @@
-#include "virtual_head/images/FileBytes.h"
+#include "virtual_head/base/FileBytes.h"
 
 #include <fstream>
 #include <iterator>
