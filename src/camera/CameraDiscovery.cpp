@@ -8,6 +8,7 @@
 #include "camera/ColorMode.h"
 #include "platform/include/zr3DCamera.h"
 #include "platform/os/Log.h"
+#include "platform/os/Print.h"
 
 namespace Korvex3Sync {
 namespace {
@@ -16,7 +17,7 @@ constexpr char kLog[] = "camera/PhysicalCameraThread";
 constexpr std::size_t kSerialBuffer = 260;
 
 void PrintCreateFailed(const char* cameraType) {
-    std::printf("Create Camera Failed: %.2s\n", cameraType != nullptr ? cameraType : "");
+    os::Print("Create Camera Failed: %.2s\n", cameraType != nullptr ? cameraType : "");
 }
 
 /// A 260-byte buffer of the caller's; a serial that does not fit is cut.
@@ -70,12 +71,12 @@ int ReadCameras(const std::vector<void*>& instances, int total, std::vector<char
         }
         const int native = 0;
         if (zr3DCamera::OpenCamera(camera, i, native, native) != 0) {
-            std::printf("Open Camera %d Failed\n", i);
+            os::Print("Open Camera %d Failed\n", i);
             continue;
         }
         std::string serial;
         if (zr3DCamera::GetSerialNo(camera, serial) != 0) {
-            std::printf("Get Camera %d Serial Failed\n", i);
+            os::Print("Get Camera %d Serial Failed\n", i);
             continue;
         }
         int width = 0;
@@ -88,13 +89,13 @@ int ReadCameras(const std::vector<void*>& instances, int total, std::vector<char
         zr3DCamera::ZR_IMG_FORMAT mode{1};
         zr3DCamera::GetColorMode(camera, mode);
         const bool color = IsColorCamera(mode);
-        std::printf("Camera Is Color Mode: %d\n", color ? 1 : 0);
+        os::Print("Camera Is Color Mode: %d\n", color ? 1 : 0);
         isColor.push_back(color);
         ++read;
         int low = 0;
         int high = 0;
         zr3DCamera::GetGainRange(camera, low, high);
-        std::printf("Camera %d gain range %d - %d\n", i, low, high);
+        os::Print("Camera %d gain range %d - %d\n", i, low, high);
     }
     return read;
 }
@@ -115,7 +116,7 @@ int GetAllSpecifyTypeCameraInformation(const char* const& cameraType, std::vecto
     }
     int total = 0;
     if (zr3DCamera::GetDeviceTotal(first, total) != 0) {
-        std::printf("Device Total: %d\n", total);
+        os::Print("Device Total: %d\n", total);
         KORVEX_LOG(kLog) << "GetAllSpecifyTypeCameraInformation failed1";
         zr3DCamera::ReleaseCamera(first);
         return 0;
@@ -153,7 +154,7 @@ int GetSpecifyTypeCameraCount(const char* const& cameraType) {
     KORVEX_LOG(kLog) << "GetSpecifyTypeCameraCount 1";
     int total = 0;
     if (zr3DCamera::GetDeviceTotal(instance, total) != 0) {
-        std::printf("Device Total: %d\n", total);
+        os::Print("Device Total: %d\n", total);
         KORVEX_LOG(kLog) << "GetSpecifyTypeCameraCount ok1";
         return 0;
     }

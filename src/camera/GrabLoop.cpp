@@ -4,6 +4,7 @@
 #include "camera/PhysicalCameraThread.h"
 #include "platform/os/Clock.h"
 #include "platform/os/Log.h"
+#include "platform/os/Print.h"
 
 namespace Korvex3Sync {
 namespace {
@@ -74,7 +75,7 @@ bool CPhysicalCameraThread::SnapOnce(zr3DCamera::ZR_IMG_FORMAT mode) {
     }
     m_image = nullptr;
     if (m_printSnapFailures) {
-        std::printf("Camera %d Snap Failed\n", m_cameraID);
+        os::Print("Camera %d Snap Failed\n", m_cameraID);
     }
     return false;
 }

@@ -5,6 +5,7 @@
 
 #include "camera/ColorMode.h"
 #include "platform/os/Log.h"
+#include "platform/os/Print.h"
 
 namespace Korvex3Sync {
 namespace {
@@ -146,14 +147,14 @@ void CPhysicalCameraThread::SetScanCallBackFunction(CameraFrameCallback callback
         return;
     }
     KORVEX_LOG(kLog) << "SetScanCallBackFunction 0";
-    std::printf("Before Set ScanCallBackFunction\n");
+    os::Print("Before Set ScanCallBackFunction\n");
     {
         PauseLockGuard pause(m_csPause);
         m_callback = callback;
         m_callbackContext = context;
     }
     KORVEX_LOG(kLog) << "SetScanCallBackFunction 1";
-    std::printf("After Set ScanCallBackFunction\n");
+    os::Print("After Set ScanCallBackFunction\n");
 }
 
 }  // namespace Korvex3Sync

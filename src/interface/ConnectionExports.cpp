@@ -4,6 +4,7 @@
 
 #include "interface/CallFrame.h"
 #include "platform/include/zr3DHandiDLPdev.h"
+#include "platform/os/Print.h"
 
 namespace Korvex3Sync {
 namespace {
@@ -13,7 +14,7 @@ RETSTATUS DisconnectDirect(void*& handle) {
     delete static_cast<IManagerSync*>(handle);
     handle = nullptr;
     ResetConnectionMarker();
-    std::printf("End Disconnect\n");
+    os::Print("End Disconnect\n");
     KORVEX_LOG_FORMATTED(kInterfaceLog, "End Function DisConnectDevice\n");
     return STATUS_SUCCESS;
 }

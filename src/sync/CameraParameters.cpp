@@ -3,6 +3,7 @@
 
 #include "platform/os/Clock.h"
 #include "platform/os/Log.h"
+#include "platform/os/Print.h"
 #include "sync/ExposureWord.h"
 #include "sync/ManagerSync.h"
 
@@ -26,7 +27,7 @@ void TryTwice(const char* setter, milliseconds pause, Call call) {
         return;
     }
     KORVEX_LOG(kLog) << setter << " first time failed, try again.";
-    std::printf("IManagerSync::%s first time failed, try again.************", setter);
+    os::Print("IManagerSync::%s first time failed, try again.************", setter);
     os::SleepFor(pause);
     call();
 }

@@ -2,6 +2,7 @@
 
 #include "platform/include/zr3DHandiDLPdev.h"
 #include "platform/os/Log.h"
+#include "platform/os/Print.h"
 
 namespace Korvex3Sync {
 namespace {
@@ -89,10 +90,10 @@ void IManagerSync::OnThreadValue(int value) {
 RETSTATUS IManagerSync::Connect(const char* deviceName, const char* pcbSerial,
                                 const std::vector<char*>& camSerials,
                                 const std::vector<int>& widths, const std::vector<int>& heights) {
-    std::printf("Connect device begin =====================================>\n");
+    os::Print("Connect device begin =====================================>\n");
     for (std::size_t i = 0; i < camSerials.size(); ++i) {
-        std::printf("ConnectCamera: Camera_%d is %s\n", static_cast<int>(i),
-                    Printable(camSerials[i]));
+        os::Print("ConnectCamera: Camera_%d is %s\n", static_cast<int>(i),
+                  Printable(camSerials[i]));
     }
     if (deviceName == nullptr || camSerials.size() != widths.size() ||
         widths.size() != heights.size()) {

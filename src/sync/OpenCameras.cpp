@@ -1,6 +1,7 @@
 #include <array>
 
 #include "platform/os/Log.h"
+#include "platform/os/Print.h"
 #include "sync/ChannelCodes.h"
 #include "sync/ManagerSync.h"
 
@@ -55,13 +56,13 @@ int IManagerSync::OpenCameras(const std::vector<char*>& camSerials, const std::v
         return kCameraFailure;
     }
     if (!CheckCameraTotals()) {
-        std::printf("Check Camera Total Failed\n");
+        os::Print("Check Camera Total Failed\n");
         KORVEX_LOG(kLog) << "Check Camera Total Failed";
         return kCameraFailure;
     }
     if (!OpenAndStartCameras()) {
         m_cameras.clear();
-        std::printf("Open Camera Failed in IShotSync::opencameras\n");
+        os::Print("Open Camera Failed in IShotSync::opencameras\n");
         KORVEX_LOG(kLog) << "Open Camera Failed in IShotSync::opencameras";
         return kCameraFailure;
     }

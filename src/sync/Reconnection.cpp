@@ -2,6 +2,7 @@
 
 #include "platform/include/zr3DHandiDLPdev.h"
 #include "platform/os/Log.h"
+#include "platform/os/Print.h"
 #include "sync/ManagerSync.h"
 #include "sync/RestoreSettings.h"
 
@@ -28,7 +29,7 @@ constexpr const char* kSerialOfLastOpen = nullptr;
 
 /// The same text as a line on standard output and in the log.
 void PrintAndLog(const char* text) {
-    std::printf("%s\n", text);
+    os::Print("%s\n", text);
     KORVEX_LOG(kLog) << text;
 }
 
@@ -79,7 +80,7 @@ int IManagerSync::ReConnectOrRestart() {
             if (WaitUnlessStopped(kRestartTime)) {
                 result = ReConnectDevice();
                 KORVEX_LOG(kLog) << "ReConnectDevice ret=" << result;
-                std::printf("End Reconnect Device Second time, ret = %d\n", result);
+                os::Print("End Reconnect Device Second time, ret = %d\n", result);
             }
         }
     }
@@ -105,7 +106,7 @@ int IManagerSync::ReConnectDevice() {
             unsigned char second = 0;
             if (QueryCurrentStatus(first, second) == STATUS_SUCCESS) {
                 KORVEX_LOG(kLog) << "QueryCurrentStatus success.";
-                std::printf("QueryCurrentStatus success\n");
+                os::Print("QueryCurrentStatus success\n");
                 ReOpenCameras();
                 RestoreBoard(m_hDevice, m_remembered, [this](auto* handle, auto mode) {
                     return WriteTriggerMode(handle, mode);
@@ -165,7 +166,7 @@ void IManagerSync::PauseAndReleaseCameras(const char* record) {
         camera->PauseThread();
         camera->ReleaseCamera();
         KORVEX_LOG(kLog) << record;
-        std::printf("ReInitializeCamera success\n");  // the one text of both callers
+        os::Print("ReInitializeCamera success\n");  // the one text of both callers
     }
 }
 

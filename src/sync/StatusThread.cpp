@@ -2,6 +2,7 @@
 
 #include "platform/include/zr3DHandiDLPdev.h"
 #include "platform/os/Log.h"
+#include "platform/os/Print.h"
 #include "sync/ManagerSync.h"
 
 namespace Korvex3Sync {
@@ -76,7 +77,7 @@ unsigned IManagerSync::StatusThreadFun() {
         {
             os::CriticalSectionGuard device(m_csDevice);
             if (!m_bContinueStatusThread) {
-                std::printf("Leave status check lock!!!!!!!!!!!!!!!!!\n");
+                os::Print("Leave status check lock!!!!!!!!!!!!!!!!!\n");
                 KORVEX_LOG(kLog) << "StatusThreadFun m_bContinueStatusThread="
                                  << m_bContinueStatusThread;
                 break;
@@ -86,7 +87,7 @@ unsigned IManagerSync::StatusThreadFun() {
         m_statusWake.Wait(kPollPeriod);
     }
     KORVEX_LOG(kLog) << "Exit Status Thread";
-    std::printf("Exit Status Thread\n");
+    os::Print("Exit Status Thread\n");
     return 0;
 }
 

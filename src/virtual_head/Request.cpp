@@ -2,11 +2,11 @@
 
 #include <cstdlib>
 #include <exception>
-#include <iostream>
 #include <mutex>
 #include <utility>
 #include <variant>
 
+#include "platform/os/Print.h"
 #include "virtual_head/VirtualHead.h"
 #include "virtual_head/config/HeadFile.h"
 #include "virtual_head/config/HeadRules.h"
@@ -124,7 +124,7 @@ std::shared_ptr<VirtualHead> RequestedVirtualHead() {
             std::string error;
             requests.head = MakeHead(std::string(request), error);
             if (!requests.head) {
-                std::cerr << kVariable << ": " << error << '\n';
+                os::PrintError("%s: %s\n", kVariable, error.c_str());
             }
         }
     }
