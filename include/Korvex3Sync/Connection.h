@@ -9,9 +9,10 @@
 namespace Korvex3Sync {
 
 // A device handle stands for one connected head. It comes from ConnectDevice and ends with
-// DisConnectDevice; a handle that has ended must not be used again. Null always means "not
-// connected" and is answered with 6. A handle is used in the mode (direct or service) in which it
-// was made.
+// DisConnectDevice. Every function looks a handle up before it uses it: null, a closed handle and
+// any other value that is not a live connection is answered with 6, and outputs stay untouched. A
+// later connection may get the value of a closed one, so forget a handle when it is closed. A
+// handle is used in the mode (direct or service) in which it was made.
 
 /// Chooses the mode: false is direct mode (the library drives board and cameras in this process),
 /// true is service mode (a device service does). To be called before any other operation, and not
@@ -44,15 +45,18 @@ KORVEX3SYNC_API RETSTATUS ConnectDevice(const char* const& deviceType,
                                         const std::vector<int>& cameraParamB, void*& handle);
 
 /// Ends a connection: stops its threads, closes cameras and board, frees everything, sets `handle`
-/// to null. No callback runs once it has returned.
+/// to null. No callback runs once it has returned. Other threads may be inside calls on the handle:
+/// new calls answer 6 from the start, calls that are inside are waited for, and a snapshot that
+/// waits for its frames fails at once.
 ///
 /// An open board is told to switch the projection off, and the heartbeat when EnableHeartbeat or
 /// SetStatusCallBackFunction last asked for it to be on. Lasers, strobe, distance LEDs and trigger
 /// stay as they are: switch them off before.
 ///
-/// Returns 7; 6 for a null handle. Blocks for a running callback, at most one snap (100 ms) per
-/// camera, and the board's answers when it is switched off and closed. Never from a callback, and
-/// not beside another operation on the handle. While the cameras are being stopped, the status
+/// Returns 7; 6 for a handle that is not live: of two calls at the same time one returns 7 and the
+/// other 6. Blocks for the calls that are inside, a running callback, at most one snap (100 ms) per
+/// camera, and the board's answers when it is switched off and closed. Any thread, but never from a
+/// callback. While the cameras are being stopped, the status
 /// callback goes on as before; between the closing of the board and the end of the status thread it
 /// may be told 255 and 255.
 KORVEX3SYNC_API RETSTATUS DisConnectDevice(void*& handle);
@@ -120,8 +124,8 @@ KORVEX3SYNC_API RETSTATUS GetFirewareVersion(const char* projectorId, std::strin
 /// does not open; 0 when it does not answer.
 ///
 /// **A query through a handle that fails ends the connection**, as DisConnectDevice does: the
-/// handle must not be used again, not even to disconnect. So it runs beside no other operation on
-/// the handle, and not from a callback. Blocks for the board's answer.
+/// handle is unknown from then on, and answers 6. Any thread, but not from a callback. Blocks for
+/// the board's answer, and for a failed query as DisConnectDevice.
 KORVEX3SYNC_API RETSTATUS GetFirewareVersion(void* handle, const char* deviceType,
                                              const char* projectorId, std::string& version);
 

@@ -10,8 +10,4 @@ void LogException(const char* what) {
     KORVEX_LOG(kInterfaceLog) << "operation failed: " << what;
 }
 
-RETSTATUS ServiceCall() {
-    return ServiceClient() == nullptr ? STATUS_NOT_CONNECTED : STATUS_NOT_SUPPORTED;
-}
-
 }  // namespace Korvex3Sync

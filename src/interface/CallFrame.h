@@ -5,22 +5,21 @@
 #include <utility>
 
 #include "Korvex3Sync/Status.h"
+#include "interface/LiveConnections.h"
 #include "interface/Mode.h"
 #include "platform/os/Log.h"
-#include "sync/ManagerSync.h"
 
 namespace Korvex3Sync {
 
 inline constexpr char kInterfaceLog[] = "KorvexSyncControl";
 
-// The frame of every exported call. `name` is the export's, for its entry
-// record. An operation is a member of the manager (or anything that takes a manager first), called
-// with the export's arguments as they came. Nothing is thrown across the interface: what an
-// operation throws (memory that is not there) becomes 0.
+// The frame of every exported call. `name` is the export's, for its entry record. The operations of
+// an export are called with its arguments as they came. Nothing is thrown across the interface: an
+// operation that throws (std::bad_alloc) gives 0.
 
 /// Records "<name> enter".
 void LogEnter(const char* name);
-/// Records why an export answers 0 though no device refused.
+/// Records why an export answers 0 although no device refused.
 void LogException(const char* what);
 
 /// Runs a call; an exception becomes 0.
@@ -36,33 +35,88 @@ RETSTATUS NoThrow(Call&& call) {
     return STATUS_FAILED;
 }
 
-inline IManagerSync& ManagerOf(void* handle) {
-    return *static_cast<IManagerSync*>(handle);
-}
+// Where an export goes, by what it does in service mode. A direct operation takes an IManagerSync&
+// first (or is a member of it), a client operation a zr3DHandiSyncQT&.
 
-/// How an export treats service mode. In each variant a null handle is answered with 6 first.
-enum class Variant {
-    Standard,     ///< the service client takes the call
-    DirectOnly,   ///< 4 in service mode
-    AlwaysDirect  ///< the mode is not looked at
+/// An operation that the service client does not have yet: 5.
+struct NoClientOperation {
+    template <class... Args>
+    RETSTATUS operator()(zr3DHandiSyncQT&, Args&&...) const {
+        return STATUS_NOT_SUPPORTED;
+    }
 };
 
-/// What an export that goes to the service client answers: 6 without a client.
-RETSTATUS ServiceCall();
+/// The service client takes the call in service mode.
+template <class Direct, class Client = NoClientOperation>
+struct Standard {
+    Direct direct;
+    Client client = {};
+};
+template <class Direct>
+Standard(Direct) -> Standard<Direct>;
+template <class Direct, class Client>
+Standard(Direct, Client) -> Standard<Direct, Client>;
+
+/// 4 in service mode.
+template <class Direct>
+struct DirectOnly {
+    Direct direct;
+};
+template <class Direct>
+DirectOnly(Direct) -> DirectOnly<Direct>;
+
+/// Does not look at the mode.
+template <class Direct>
+struct AlwaysDirect {
+    Direct direct;
+};
+template <class Direct>
+AlwaysDirect(Direct) -> AlwaysDirect<Direct>;
+
+/// A call to the service client: 6 without a client.
+template <class Client, class... Args>
+RETSTATUS ServiceCall(const Client& client, Args&&... args) {
+    zr3DHandiSyncQT* const service = ServiceClient();
+    if (service == nullptr) {
+        return STATUS_NOT_CONNECTED;
+    }
+    return NoThrow([&] { return std::invoke(client, *service, std::forward<Args>(args)...); });
+}
+
+/// A call inside a live connection: 6 for any other handle.
+template <class Direct, class... Args>
+RETSTATUS DirectCall(const Direct& direct, void* handle, Args&&... args) {
+    const CallInside inside(handle);
+    if (!inside) {
+        return STATUS_NOT_CONNECTED;
+    }
+    return NoThrow(
+        [&] { return std::invoke(direct, inside.Manager(), std::forward<Args>(args)...); });
+}
+
+template <class Direct, class Client, class... Args>
+RETSTATUS Dispatch(const Standard<Direct, Client>& target, void* handle, Args&&... args) {
+    return ServiceMode() ? ServiceCall(target.client, handle, std::forward<Args>(args)...)
+                         : DirectCall(target.direct, handle, std::forward<Args>(args)...);
+}
+template <class Direct, class... Args>
+RETSTATUS Dispatch(const DirectOnly<Direct>& target, void* handle, Args&&... args) {
+    return ServiceMode() ? STATUS_SYNCHRONISM_TYPE
+                         : DirectCall(target.direct, handle, std::forward<Args>(args)...);
+}
+template <class Direct, class... Args>
+RETSTATUS Dispatch(const AlwaysDirect<Direct>& target, void* handle, Args&&... args) {
+    return DirectCall(target.direct, handle, std::forward<Args>(args)...);
+}
 
 /// The frame of every export with a handle.
-template <class Operation, class... Args>
-RETSTATUS ExportCall(Variant variant, const char* name, void* handle, Operation operation,
-                     Args&&... args) {
+template <class Target, class... Args>
+RETSTATUS ExportCall(const Target& target, const char* name, void* handle, Args&&... args) {
     LogEnter(name);
     if (handle == nullptr) {
         return STATUS_NOT_CONNECTED;
     }
-    if (ServiceMode() && variant != Variant::AlwaysDirect) {
-        return variant == Variant::DirectOnly ? STATUS_SYNCHRONISM_TYPE : ServiceCall();
-    }
-    return NoThrow(
-        [&] { return std::invoke(operation, ManagerOf(handle), std::forward<Args>(args)...); });
+    return Dispatch(target, handle, std::forward<Args>(args)...);
 }
 
 }  // namespace Korvex3Sync

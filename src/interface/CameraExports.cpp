@@ -5,31 +5,31 @@
 namespace Korvex3Sync {
 
 RETSTATUS GetConnectCameraCount(void* const& handle, int& count) {
-    return ExportCall(Variant::Standard, "GetConnectCameraCount", handle,
-                      &IManagerSync::GetConnectCameraCount, count);
+    return ExportCall(Standard{&IManagerSync::GetConnectCameraCount}, "GetConnectCameraCount",
+                      handle, count);
 }
 
 RETSTATUS GetCameraSerialNumber(void* const& handle, const int& cameraIndex, char*& serial) {
-    return ExportCall(Variant::Standard, "GetCameraSerialNumber", handle,
-                      &IManagerSync::GetCameraSerialNumber, cameraIndex, serial);
+    return ExportCall(Standard{&IManagerSync::GetCameraSerialNumber}, "GetCameraSerialNumber",
+                      handle, cameraIndex, serial);
 }
 
 RETSTATUS GetCameraResolution(void* const& handle, const int& cameraIndex, int& width,
                               int& height) {
-    return ExportCall(Variant::Standard, "GetCameraResolution", handle,
-                      &IManagerSync::GetCameraResolution, cameraIndex, width, height);
+    return ExportCall(Standard{&IManagerSync::GetCameraResolution}, "GetCameraResolution", handle,
+                      cameraIndex, width, height);
 }
 
 RETSTATUS SetCameraExposureAndGain(void* const& handle, const int& cameraIndex,
                                    const double& exposure, const int& gain) {
-    return ExportCall(Variant::Standard, "SetCameraExposureAndGain", handle,
-                      &IManagerSync::SetCameraExposureAndGain, cameraIndex, exposure, gain);
+    return ExportCall(Standard{&IManagerSync::SetCameraExposureAndGain}, "SetCameraExposureAndGain",
+                      handle, cameraIndex, exposure, gain);
 }
 
 RETSTATUS GetCameraExposureAndGain(void* const& handle, const int& cameraIndex, double& exposure,
                                    int& gain) {
-    return ExportCall(Variant::Standard, "GetCameraExposureAndGain", handle,
-                      &IManagerSync::GetCameraExposureAndGain, cameraIndex, exposure, gain);
+    return ExportCall(Standard{&IManagerSync::GetCameraExposureAndGain}, "GetCameraExposureAndGain",
+                      handle, cameraIndex, exposure, gain);
 }
 
 RETSTATUS SetCameraExposure(void* const&, const int&, const double&) {

@@ -9,25 +9,28 @@
 namespace Korvex3Sync {
 namespace {
 
-/// Ends a direct connection, whatever the mode, and nulls the handle.
-RETSTATUS DisconnectDirect(void*& handle) {
-    delete static_cast<IManagerSync*>(handle);
-    handle = nullptr;
-    ResetConnectionMarker();
-    os::Print("End Disconnect\n");
-    KORVEX_LOG_FORMATTED(kInterfaceLog, "End Function DisConnectDevice\n");
-    return STATUS_SUCCESS;
-}
-
 void LogDisconnect(const void* handle) {
     KORVEX_LOG(kInterfaceLog) << "DisConnectDevice hSync=" << handle;
 }
 
+void SayDisconnected() {
+    ResetConnectionMarker();
+    os::Print("End Disconnect\n");
+    KORVEX_LOG_FORMATTED(kInterfaceLog, "End Function DisConnectDevice\n");
+}
+
 /// Ends a connection that never reached the application.
-void DisconnectTemporary(IManagerSync* manager) {
-    void* handle = manager;
-    LogDisconnect(handle);
-    DisconnectDirect(handle);
+void EndTemporary(std::unique_ptr<Connection> connection) {
+    LogDisconnect(HandleOf(*connection));
+    connection.reset();
+    SayDisconnected();
+}
+
+RETSTATUS QueryFirmware(void* handle, const char* projectorId, std::string& version) {
+    if (handle == nullptr) {
+        return IManagerSync().GetFirewareVersion(projectorId, version);
+    }
+    return DirectCall(&IManagerSync::GetFirewareVersion, handle, projectorId, version);
 }
 
 }  // namespace
@@ -42,20 +45,25 @@ RETSTATUS ConnectDevice(const char* const& deviceType, const char* const& projec
                         const std::vector<int>& cameraParamB, void*& handle) {
     LogEnter("ConnectDevice");
     if (ServiceMode()) {
-        return ServiceCall();
+        return ServiceCall(NoClientOperation{});
     }
     return NoThrow([&] {
-        auto manager = std::make_unique<IManagerSync>();
+        auto connection = std::make_unique<Connection>();
+        void* const address = HandleOf(*connection);
         const RETSTATUS status = NoThrow([&] {
-            return manager->Connect(deviceType, projectorId, cameraNames, cameraParamA,
-                                    cameraParamB);
+            const RETSTATUS connected = connection->manager.Connect(
+                deviceType, projectorId, cameraNames, cameraParamA, cameraParamB);
+            if (connected == STATUS_SUCCESS) {
+                AddConnection(connection);
+            }
+            return connected;
         });
         if (status == STATUS_SUCCESS) {
-            handle = manager.release();
+            handle = address;
             KORVEX_LOG(kInterfaceLog) << "Success Connnect Device hSync=" << handle;
         } else {
             KORVEX_LOG(kInterfaceLog) << "Connect Device Failed!";
-            DisconnectTemporary(manager.release());
+            EndTemporary(std::move(connection));
         }
         KORVEX_LOG(kInterfaceLog) << "ConnectDevice leave";
         return status;
@@ -68,30 +76,38 @@ RETSTATUS DisConnectDevice(void*& handle) {
         return STATUS_NOT_CONNECTED;
     }
     if (ServiceMode()) {
-        return ServiceCall();
+        return ServiceCall(NoClientOperation{});
     }
-    return DisconnectDirect(handle);
+    auto connection = TakeConnection(handle);
+    if (connection == nullptr) {
+        return STATUS_NOT_CONNECTED;
+    }
+    connection.reset();
+    handle = nullptr;
+    SayDisconnected();
+    return STATUS_SUCCESS;
 }
 
 RETSTATUS CloseDeviceCamera(void* const& handle) {
-    return ExportCall(Variant::Standard, "CloseDeviceCamera", handle, &IManagerSync::ReleaseCamera);
+    return ExportCall(Standard{&IManagerSync::ReleaseCamera}, "CloseDeviceCamera", handle);
 }
 
 RETSTATUS ReconnectDevice(void* const& handle) {
-    return ExportCall(Variant::Standard, "ReconnectDevice", handle, [](IManagerSync& manager) {
+    const auto reconnect = [](IManagerSync& manager) {
         return manager.ReConnectDeviceEx() == 0 ? STATUS_SUCCESS : STATUS_FAILED;
-    });
+    };
+    return ExportCall(Standard{reconnect}, "ReconnectDevice", handle);
 }
 
 RETSTATUS ReconnectDevice(void* const& handle, const bool& first, const bool& second) {
     LogEnter("ReconnectDevice");
+    if (handle != nullptr) {
+        return DirectCall(&IManagerSync::ResetBoard, handle, first, second);
+    }
     return NoThrow([&] {
-        if (handle != nullptr) {
-            return ManagerOf(handle).ResetBoard(first, second);
-        }
-        auto temporary = std::make_unique<IManagerSync>();
-        const RETSTATUS status = temporary->ResetBoard(first, second);
-        DisconnectTemporary(temporary.release());
+        auto temporary = std::make_unique<Connection>();
+        const RETSTATUS status = temporary->manager.ResetBoard(first, second);
+        EndTemporary(std::move(temporary));
         return status;
     });
 }
@@ -117,40 +133,37 @@ RETSTATUS GetFirewareVersion(void* handle, const char* deviceType, const char* p
         return STATUS_NOT_CONNECTED;
     }
     if (ServiceMode()) {
-        return ServiceCall();
+        return ServiceCall(NoClientOperation{});
     }
-    return NoThrow([&] {
-        // A query that runs out of memory is a failed one, and ends the connection as any does.
-        const RETSTATUS status = NoThrow([&] {
-            return handle != nullptr ? ManagerOf(handle).GetFirewareVersion(projectorId, version)
-                                     : IManagerSync().GetFirewareVersion(projectorId, version);
-        });
-        if (status == STATUS_SUCCESS) {
-            KORVEX_LOG(kInterfaceLog) << "versionString=" << version;
-        } else {
-            KORVEX_LOG(kInterfaceLog) << "Get FWVersion Failed";
-            void* failed = handle;
-            DisConnectDevice(failed);
-        }
-        KORVEX_LOG(kInterfaceLog) << "GetFirewareVersion leave";
-        return status;
-    });
+    if (handle != nullptr && !CallInside(handle)) {
+        return STATUS_NOT_CONNECTED;
+    }
+    // A query that runs out of memory is a failed one, and ends the connection as any does.
+    const RETSTATUS status = NoThrow([&] { return QueryFirmware(handle, projectorId, version); });
+    if (status == STATUS_SUCCESS) {
+        KORVEX_LOG(kInterfaceLog) << "versionString=" << version;
+    } else {
+        KORVEX_LOG(kInterfaceLog) << "Get FWVersion Failed";
+        void* failed = handle;
+        DisConnectDevice(failed);
+    }
+    KORVEX_LOG(kInterfaceLog) << "GetFirewareVersion leave";
+    return status;
 }
 
 RETSTATUS WriteUserInfomation(void* const& handle, const int& address, const char* data,
                               const int& length) {
-    return ExportCall(Variant::Standard, "WriteUserInfomation", handle,
-                      &IManagerSync::WriteUserInfomation, address, data, length);
+    return ExportCall(Standard{&IManagerSync::WriteUserInfomation}, "WriteUserInfomation", handle,
+                      address, data, length);
 }
 
 RETSTATUS ReadUserInfomation(void* const& handle, const int& address, char*& data) {
-    return ExportCall(Variant::Standard, "ReadUserInfomation", handle,
-                      &IManagerSync::ReadUserInfomation, address, data);
+    return ExportCall(Standard{&IManagerSync::ReadUserInfomation}, "ReadUserInfomation", handle,
+                      address, data);
 }
 
 RETSTATUS EnableHeartbeat(void* const& handle, bool& enable) {
-    return ExportCall(Variant::Standard, "EnableHeartbeat", handle, &IManagerSync::EnableHeartbeat,
-                      enable);
+    return ExportCall(Standard{&IManagerSync::EnableHeartbeat}, "EnableHeartbeat", handle, enable);
 }
 
 }  // namespace Korvex3Sync

@@ -15,7 +15,7 @@ RETSTATUS GetCamerasInformation(const char* const& cameraType, std::vector<char*
                                 std::vector<bool>& isColor, int& cameraCount) {
     KORVEX_LOG(kInterfaceLog) << "zr3DHandiSync version: " << kVersion;
     if (ServiceMode()) {
-        return ServiceCall();
+        return ServiceCall(NoClientOperation{});
     }
     return NoThrow([&] {
         cameraCount =
@@ -29,7 +29,7 @@ RETSTATUS GetCamerasInformation(const char* const& cameraType, std::vector<char*
 RETSTATUS GetCameraCount(const char* const& cameraType, int& count) {
     LogEnter("GetCameraCount");
     if (ServiceMode()) {
-        return ServiceCall();
+        return ServiceCall(NoClientOperation{});
     }
     return NoThrow([&] {
         count = GetSpecifyTypeCameraCount(cameraType);

@@ -6,29 +6,28 @@ namespace Korvex3Sync {
 
 RETSTATUS SetScanCallBackFunction(void* const& handle, ScanCallBackFunction callback,
                                   void* context) {
-    return ExportCall(Variant::Standard, "SetScanCallBackFunction", handle,
-                      &IManagerSync::SetScanCallBackFunction, callback, context);
+    return ExportCall(Standard{&IManagerSync::SetScanCallBackFunction}, "SetScanCallBackFunction",
+                      handle, callback, context);
 }
 
 RETSTATUS SetStatusCallBackFunction(void* const& handle, StatusCallBackFunction callback,
                                     void* context) {
-    return ExportCall(Variant::Standard, "SetStatusCallBackFunction", handle,
-                      &IManagerSync::SetStatusCallBackFunction, callback, context);
+    return ExportCall(Standard{&IManagerSync::SetStatusCallBackFunction},
+                      "SetStatusCallBackFunction", handle, callback, context);
 }
 
 RETSTATUS SnapColorImage(void* const& handle, std::vector<unsigned char*>& images, int& width,
                          int& height, const int& cameraIndex, double& exposure, int& gain,
                          const CONTROLROUTE& route) {
-    return ExportCall(Variant::Standard, "SnapColorImage", handle, &IManagerSync::SnapColorImage,
-                      images, width, height, cameraIndex, exposure, gain, route);
+    return ExportCall(Standard{&IManagerSync::SnapColorImage}, "SnapColorImage", handle, images,
+                      width, height, cameraIndex, exposure, gain, route);
 }
 
 RETSTATUS SnapColorImageForIR(void* const& handle, std::vector<unsigned char*>& images, int& width,
                               int& height, const int& cameraIndex, std::vector<double>& exposures,
                               std::vector<int>& gains, const CONTROLROUTE& route) {
-    return ExportCall(Variant::AlwaysDirect, "SnapColorImageForIR", handle,
-                      &IManagerSync::SnapColorImageForIR, images, width, height, cameraIndex,
-                      exposures, gains, route);
+    return ExportCall(AlwaysDirect{&IManagerSync::SnapColorImageForIR}, "SnapColorImageForIR",
+                      handle, images, width, height, cameraIndex, exposures, gains, route);
 }
 
 }  // namespace Korvex3Sync

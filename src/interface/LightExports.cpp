@@ -5,144 +5,144 @@
 namespace Korvex3Sync {
 
 RETSTATUS Project(void* const& handle, const PROJECTWORKTYPES& type) {
-    return ExportCall(Variant::Standard, "Project", handle, &IManagerSync::Project, type);
+    return ExportCall(Standard{&IManagerSync::Project}, "Project", handle, type);
 }
 
 RETSTATUS SetProjectorBrightness(void* const& handle, const int& brightness) {
-    return ExportCall(Variant::Standard, "SetProjectorBrightness", handle,
-                      &IManagerSync::SetProjectorBrightness, brightness);
+    return ExportCall(Standard{&IManagerSync::SetProjectorBrightness}, "SetProjectorBrightness",
+                      handle, brightness);
 }
 
 RETSTATUS GetProjectorBrightness(void* const& handle, int& brightness) {
-    return ExportCall(Variant::Standard, "GetProjectorBrightness", handle,
-                      &IManagerSync::GetProjectorBrightness, brightness);
+    return ExportCall(Standard{&IManagerSync::GetProjectorBrightness}, "GetProjectorBrightness",
+                      handle, brightness);
 }
 
 RETSTATUS EnableBlueLaser(void* const& handle, const LASERWORKMODE& mode, const bool& enable) {
-    return ExportCall(Variant::Standard, "EnableBlueLaser", handle, &IManagerSync::EnableBlueLaser,
-                      mode, enable);
-}
-
-RETSTATUS EnableIRLaser(void* const& handle, const bool& enable) {
-    return ExportCall(Variant::Standard, "EnableIRLaser", handle, &IManagerSync::EnableIRLaser,
+    return ExportCall(Standard{&IManagerSync::EnableBlueLaser}, "EnableBlueLaser", handle, mode,
                       enable);
 }
 
+RETSTATUS EnableIRLaser(void* const& handle, const bool& enable) {
+    return ExportCall(Standard{&IManagerSync::EnableIRLaser}, "EnableIRLaser", handle, enable);
+}
+
 RETSTATUS SetIRLaserBrightnessLevel(void* const& handle, const int& level) {
-    return ExportCall(Variant::DirectOnly, "SetIRLaserBrightnessLevel", handle,
-                      &IManagerSync::SetIRLaserBrightnessLevel, level);
+    return ExportCall(DirectOnly{&IManagerSync::SetIRLaserBrightnessLevel},
+                      "SetIRLaserBrightnessLevel", handle, level);
 }
 
 RETSTATUS SetStrobeControlledByTrigger(void* const& handle, const CONTROLROUTE& route,
                                        const STROBE_STATE& state) {
-    return ExportCall(Variant::Standard, "SetStrobeControlledByTrigger", handle,
-                      &IManagerSync::SetStrobeControlledByTrigger, route, state);
+    return ExportCall(Standard{&IManagerSync::SetStrobeControlledByTrigger},
+                      "SetStrobeControlledByTrigger", handle, route, state);
 }
 
 RETSTATUS SetStrobeDutioRatio(void* const& handle, const int& textureRatio, const int& ratio,
                               const int& ratioWithTexture) {
-    return ExportCall(Variant::Standard, "SetStrobeDutioRatio", handle,
-                      &IManagerSync::SetStrobeDutioRatio, textureRatio, ratio, ratioWithTexture);
+    return ExportCall(Standard{&IManagerSync::SetStrobeDutioRatio}, "SetStrobeDutioRatio", handle,
+                      textureRatio, ratio, ratioWithTexture);
 }
 
 RETSTATUS GetStrobeDutioRatio(void* const& handle, int& textureRatio, int& ratio,
                               int& ratioWithTexture) {
-    return ExportCall(Variant::Standard, "GetStrobeDutioRatio", handle,
-                      &IManagerSync::GetStrobeDutioRatio, textureRatio, ratio, ratioWithTexture);
+    return ExportCall(Standard{&IManagerSync::GetStrobeDutioRatio}, "GetStrobeDutioRatio", handle,
+                      textureRatio, ratio, ratioWithTexture);
 }
 
 RETSTATUS SetLaserLineDutioRatio(void* const& handle, const int& ratio) {
-    return ExportCall(Variant::Standard, "SetLaserLineDutioRatio", handle,
-                      &IManagerSync::SetLaserLineDutioRatio, ratio);
+    return ExportCall(Standard{&IManagerSync::SetLaserLineDutioRatio}, "SetLaserLineDutioRatio",
+                      handle, ratio);
 }
 
 RETSTATUS GetLaserLineDutioRatio(void* const& handle, int& ratio) {
-    return ExportCall(Variant::Standard, "GetLaserLineDutioRatio", handle,
-                      &IManagerSync::GetLaserLineDutioRatio, ratio);
+    return ExportCall(Standard{&IManagerSync::GetLaserLineDutioRatio}, "GetLaserLineDutioRatio",
+                      handle, ratio);
 }
 
 RETSTATUS SetProjectDutioRatio(void* const& handle, const int& ratio) {
-    return ExportCall(Variant::Standard, "SetProjectDutioRatio", handle,
-                      &IManagerSync::SetProjectDutioRatio, ratio);
+    return ExportCall(Standard{&IManagerSync::SetProjectDutioRatio}, "SetProjectDutioRatio", handle,
+                      ratio);
 }
 
 RETSTATUS GetProjectDutioRatio(void* const& handle, int& ratio) {
-    return ExportCall(Variant::Standard, "GetProjectDutioRatio", handle,
-                      &IManagerSync::GetProjectDutioRatio, ratio);
+    return ExportCall(Standard{&IManagerSync::GetProjectDutioRatio}, "GetProjectDutioRatio", handle,
+                      ratio);
 }
 
 RETSTATUS SetIRLaserDutioRatio(void* const& handle, const int& ratio) {
-    return ExportCall(Variant::Standard, "SetIRLaserDutioRatio", handle,
-                      &IManagerSync::SetIRLaserDutioRatio, ratio);
+    return ExportCall(Standard{&IManagerSync::SetIRLaserDutioRatio}, "SetIRLaserDutioRatio", handle,
+                      ratio);
 }
 
 RETSTATUS GetIRLaserDutioRatio(void* const& handle, int& ratio) {
-    return ExportCall(Variant::Standard, "GetIRLaserDutioRatio", handle,
-                      &IManagerSync::GetIRLaserDutioRatio, ratio);
+    return ExportCall(Standard{&IManagerSync::GetIRLaserDutioRatio}, "GetIRLaserDutioRatio", handle,
+                      ratio);
 }
 
 RETSTATUS SetStrobeWorkTime(void* const& handle, const int& timeWithTexture, const int& time) {
-    return ExportCall(Variant::DirectOnly, "SetStrobeWorkTime", handle,
-                      &IManagerSync::SetStrobeWorkTime, timeWithTexture, time);
+    return ExportCall(DirectOnly{&IManagerSync::SetStrobeWorkTime}, "SetStrobeWorkTime", handle,
+                      timeWithTexture, time);
 }
 
 RETSTATUS GetStrobeWorkTime(void* const& handle, int& timeWithTexture, int& time) {
-    return ExportCall(Variant::DirectOnly, "GetStrobeWorkTime", handle,
-                      &IManagerSync::GetStrobeWorkTime, timeWithTexture, time);
+    return ExportCall(DirectOnly{&IManagerSync::GetStrobeWorkTime}, "GetStrobeWorkTime", handle,
+                      timeWithTexture, time);
 }
 
 RETSTATUS SetLaserLineWorkTime(void* const& handle, const int& time) {
-    return ExportCall(Variant::DirectOnly, "SetLaserLineWorkTime", handle,
-                      &IManagerSync::SetLaserLineWorkTime, time);
+    return ExportCall(DirectOnly{&IManagerSync::SetLaserLineWorkTime}, "SetLaserLineWorkTime",
+                      handle, time);
 }
 
 RETSTATUS GetLaserLineWorkTime(void* const& handle, int& time) {
-    return ExportCall(Variant::DirectOnly, "GetLaserLineWorkTime", handle,
-                      &IManagerSync::GetLaserLineWorkTime, time);
+    return ExportCall(DirectOnly{&IManagerSync::GetLaserLineWorkTime}, "GetLaserLineWorkTime",
+                      handle, time);
 }
 
 RETSTATUS SetProjectWorkTime(void* const& handle, const int& time) {
-    return ExportCall(Variant::DirectOnly, "SetProjectWorkTime", handle,
-                      &IManagerSync::SetProjectWorkTime, time);
+    return ExportCall(DirectOnly{&IManagerSync::SetProjectWorkTime}, "SetProjectWorkTime", handle,
+                      time);
 }
 
 RETSTATUS GetProjectWorkTime(void* const& handle, int& time) {
-    return ExportCall(Variant::DirectOnly, "GetProjectWorkTime", handle,
-                      &IManagerSync::GetProjectWorkTime, time);
+    return ExportCall(DirectOnly{&IManagerSync::GetProjectWorkTime}, "GetProjectWorkTime", handle,
+                      time);
 }
 
 RETSTATUS SetIRLaserWorkTime(void* const& handle, const int& time) {
-    return ExportCall(Variant::DirectOnly, "SetIRLaserWorkTime", handle,
-                      &IManagerSync::SetIRLaserWorkTime, time);
+    return ExportCall(DirectOnly{&IManagerSync::SetIRLaserWorkTime}, "SetIRLaserWorkTime", handle,
+                      time);
 }
 
 RETSTATUS GetIRLaserWorkTime(void* const& handle, int& time) {
-    return ExportCall(Variant::DirectOnly, "GetIRLaserWorkTime", handle,
-                      &IManagerSync::GetIRLaserWorkTime, time);
+    return ExportCall(DirectOnly{&IManagerSync::GetIRLaserWorkTime}, "GetIRLaserWorkTime", handle,
+                      time);
 }
 
 RETSTATUS SetVideoTriggerPeriod(void* const& handle, const int& period) {
-    return ExportCall(Variant::Standard, "SetVideoTriggerPeriod", handle,
-                      &IManagerSync::SetVideoTriggerPeriod, period);
+    return ExportCall(Standard{&IManagerSync::SetVideoTriggerPeriod}, "SetVideoTriggerPeriod",
+                      handle, period);
 }
 
 RETSTATUS GetVideoTriggerPeriod(void* const& handle, int& period) {
-    return ExportCall(Variant::Standard, "GetVideoTriggerPeriod", handle,
-                      &IManagerSync::GetVideoTriggerPeriod, period);
+    return ExportCall(Standard{&IManagerSync::GetVideoTriggerPeriod}, "GetVideoTriggerPeriod",
+                      handle, period);
 }
 
 RETSTATUS EnableVideoTrigger(void* const& handle, const CAMERA_TRIGGER_MODE& mode,
                              const bool& enable) {
-    return ExportCall(Variant::Standard, "EnableVideoTrigger", handle,
-                      &IManagerSync::EnableVideoTrigger, mode, enable);
+    return ExportCall(Standard{&IManagerSync::EnableVideoTrigger}, "EnableVideoTrigger", handle,
+                      mode, enable);
 }
 
 RETSTATUS SetDistanceIndicate(void* const& handle, const DISTANCESTATUS& state) {
-    return ExportCall(Variant::Standard, "SetDistanceIndicate", handle, [&](IManagerSync& manager) {
-        const RETSTATUS status = manager.SetDistanceIndicate(state);
+    const auto set = [](IManagerSync& manager, const DISTANCESTATUS& asked) {
+        const RETSTATUS status = manager.SetDistanceIndicate(asked);
         KORVEX_LOG(kInterfaceLog) << "SetDistanceIndicate leave";
         return status;
-    });
+    };
+    return ExportCall(Standard{set}, "SetDistanceIndicate", handle, state);
 }
 
 }  // namespace Korvex3Sync

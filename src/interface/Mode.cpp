@@ -24,6 +24,10 @@ zr3DHandiSyncQT* ServiceClient() {
     return g_serviceClient;
 }
 
+void SetServiceClient(zr3DHandiSyncQT* client) {
+    g_serviceClient = client;
+}
+
 void ResetConnectionMarker() {
     g_connectionMarker = 0;
 }

@@ -12,6 +12,8 @@ void SetServiceMode(bool on);
 
 /// The one service client; null while none was made.
 zr3DHandiSyncQT* ServiceClient();
+/// To be called once with a client, which lives as long as the process.
+void SetServiceClient(zr3DHandiSyncQT* client);
 
 /// Reset by each end of a direct connection; nothing reads it.
 void ResetConnectionMarker();

@@ -5,8 +5,8 @@
 namespace Korvex3Sync {
 
 RETSTATUS GetScanStatistics(void* const& handle, ScanStatistics& statistics) {
-    return ExportCall(Variant::DirectOnly, "GetScanStatistics", handle,
-                      &IManagerSync::GetScanStatistics, statistics);
+    return ExportCall(DirectOnly{&IManagerSync::GetScanStatistics}, "GetScanStatistics", handle,
+                      statistics);
 }
 
 }  // namespace Korvex3Sync
