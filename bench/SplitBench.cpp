@@ -5,7 +5,7 @@
 #include <cstring>
 #include <vector>
 
-#include "camera/PackedFrameSplit.h"
+#include "camera/images/PackedPixels.h"
 
 namespace {
 

@@ -1,17 +1,13 @@
 // The packed-frame split beside a plain loop, on frames of any size: of bytes, and of a camera.
 
-#include <glog/logging.h>
-
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
 #include <vector>
 
-#include "camera/ImagePool.h"
-#include "camera/PackedFrameSplit.h"
-#include "camera/PhysicalCameraThread.h"
-#include "recorder/Recorder.h"
+#include "camera/images/PackedPixels.h"
+#include "camera/images/SplitPackedFrame.h"
 
 namespace {
 
@@ -59,47 +55,29 @@ void CheckPixels(const Pixels& packed, const Pixels& left, const Pixels& right) 
     Require(alone == right);
 }
 
-class Listener : public Korvex3Sync::PhysicalCameraThreadListener {
-public:
-    void OnThreadNotify(int, int) override {}
-    void OnThreadSignal(int) override {}
-};
-
 /// The images of a camera that delivers frames of this many pixels.
-void CheckCamera(const Pixels& packed, const std::vector<Pixels>& expected) {
+void CheckFrame(const Pixels& packed, const std::vector<Pixels>& expected) {
     std::size_t height = 0;
     for (const std::size_t fits : kHeights) {
         height = height == 0 && packed.size() / 2 % fits == 0 ? fits : height;
     }
     const int rows = static_cast<int>(height);
     const int columns = static_cast<int>(packed.size() / 2 / height);
-    recorder::Recorder::Get().Reset();
-    Listener listener;
-    Korvex3Sync::CPhysicalCameraThread camera(&listener);
-    Require(camera.InializeCamera("KV00R1") && camera.OpenCamera("KV00R1", columns, rows));
     Korvex3Sync::ImagePool pool;
-    std::vector<unsigned char*> images;
-    std::vector<int> widths;
-    std::vector<int> heights;
-    std::vector<int> channels;
-    Require(camera.SplitPackedFrame(images, widths, heights, channels, packed.data(), pool));
+    Korvex3Sync::SplitFrame frame;
+    Require(Korvex3Sync::SplitPackedFrame(frame, packed.data(), columns, rows, pool));
     const std::size_t count = expected.size();
-    Require(images.size() == count && pool.Lent() == count);
-    Require(widths == std::vector<int>(count, columns));
-    Require(heights == std::vector<int>(count, rows));
-    Require(channels == std::vector<int>(count, 1));
+    Require(frame.images.size() == count && pool.Lent() == count);
+    Require(frame.widths == std::vector<int>(count, columns));
+    Require(frame.heights == std::vector<int>(count, rows));
+    Require(frame.channels == std::vector<int>(count, 1));
     for (std::size_t i = 0; i < count; ++i) {
-        Require(Pixels(images[i], images[i] + expected[i].size()) == expected[i]);
-        pool.Release(images[i]);
+        const unsigned char* const pixels = frame.images[i].Pixels();
+        Require(Pixels(pixels, pixels + expected[i].size()) == expected[i]);
     }
 }
 
 }  // namespace
-
-extern "C" int LLVMFuzzerInitialize(int*, char***) {
-    FLAGS_minloglevel = google::GLOG_FATAL;
-    return 0;
-}
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     // Exactly as large as the frame: a read or write behind it is found.
@@ -112,7 +90,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const Pixels right = Expected(packed, kGroup);
     CheckPixels(packed, left, right);
     if (!packed.empty()) {
-        CheckCamera(packed, color ? std::vector<Pixels>{right} : std::vector<Pixels>{left, right});
+        CheckFrame(packed, color ? std::vector<Pixels>{right} : std::vector<Pixels>{left, right});
     }
     return 0;
 }

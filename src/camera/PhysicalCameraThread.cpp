@@ -141,8 +141,7 @@ void CPhysicalCameraThread::SetCameraID(int id) {
     KORVEX_LOG(kLog) << "SetCameraID m_cameraID=" << m_cameraID;
 }
 
-void CPhysicalCameraThread::SetScanCallBackFunction(CameraFrameCallback callback,
-                                                    const void* context) {
+void CPhysicalCameraThread::SetScanCallBackFunction(CameraFrameCallback callback, void* context) {
     if (m_cameraID < 0) {
         return;
     }

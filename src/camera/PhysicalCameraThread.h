@@ -4,10 +4,8 @@
 #include <memory>
 #include <string>
 #include <utility>
-#include <vector>
 
 #include "camera/GrabCounters.h"
-#include "camera/ImagePool.h"
 #include "camera/PauseLock.h"
 #include "camera/PhysicalCameraThreadListener.h"
 #include "platform/include/zr3DCamera.h"
@@ -19,7 +17,7 @@ namespace Korvex3Sync {
 
 /// Receives each accepted frame of a camera on its grab thread. `image` is the camera library's own
 /// buffer and valid only during the call; `width`, `height` and `channels` are those of one image.
-using CameraFrameCallback = void (*)(const void* const& context, const int& cameraId,
+using CameraFrameCallback = void (*)(void* const& context, const int& cameraId,
                                      unsigned char* const& image, const int& width,
                                      const int& height, const int& channels);
 
@@ -57,7 +55,7 @@ public:
     /// Ignored without a camera handle.
     void SetCameraID(int id);
     /// Ignored while no camera ID is set. Waits for the running iteration of the grab thread.
-    void SetScanCallBackFunction(CameraFrameCallback callback, const void* context);
+    void SetScanCallBackFunction(CameraFrameCallback callback, void* context);
     /// How many logical channels this one camera serves; 1 until set. To be set before the thread
     /// starts.
     void SetCameraComplexInfo(int count) { m_complexInfo = count; }
@@ -66,7 +64,7 @@ public:
     /// starts; not null.
     void CountInto(std::shared_ptr<GrabCounters> counters) { m_counters = std::move(counters); }
 
-    // Parameters (CameraParameters.cpp). Units are the camera's: microseconds, gain steps.
+    // Parameters (ParameterAccess.cpp). Units are the camera's: microseconds, gain steps.
 
     bool GetResolution(int& width, int& height);
     bool SetExposure(const long& time);
@@ -89,12 +87,6 @@ public:
     void ResumeThread();
     /// Ends a pause, whoever made it, before destruction.
     void ResetStatusToInitialize();
-
-    /// Takes a packed frame of the opened size apart. False without a camera handle or data, or
-    /// without memory; nothing is appended then. The buffers come from `pool`.
-    bool SplitPackedFrame(std::vector<unsigned char*>& images, std::vector<int>& widths,
-                          std::vector<int>& heights, std::vector<int>& channels,
-                          const unsigned char* data, ImagePool& pool) const;
 
 private:
     /// Makes the grab loop leave the camera alone for 10 ms after each iteration.
@@ -121,7 +113,7 @@ private:
     int m_complexInfo = 1;
     bool m_printSnapFailures = true;
     CameraFrameCallback m_callback KORVEX_GUARDED_BY(m_csPause) = nullptr;
-    const void* m_callbackContext KORVEX_GUARDED_BY(m_csPause) = nullptr;
+    void* m_callbackContext KORVEX_GUARDED_BY(m_csPause) = nullptr;
     std::atomic<bool> m_lastSnapGood{false};
     std::shared_ptr<GrabCounters> m_counters = std::make_shared<GrabCounters>();
     [[maybe_unused]] PhysicalCameraThreadListener* const m_listener;

@@ -1,6 +1,6 @@
 #include "Korvex3Sync/Discovery.h"
-#include "camera/CameraDiscovery.h"
 #include "camera/Usb3Check.h"
+#include "camera/discovery/CameraDiscovery.h"
 #include "interface/CallFrame.h"
 
 namespace Korvex3Sync {

@@ -57,7 +57,7 @@ void IManagerSync::SwitchSnapTrigger(bool on) {
 }
 
 bool IManagerSync::WaitForColorFrame(const char* step) {
-    const auto event = m_colorCatch.CaughtEvent();
+    const auto event = m_frames.SnapshotCatch().CaughtEvent();
     os::WaitResult result = os::WaitResult::TimedOut;
     if (event && !m_stop.IsSet()) {
         result = event->Wait(kFrameLimit);
@@ -83,8 +83,8 @@ RETSTATUS IManagerSync::Snapshot(Steps steps) {
     try {
         return steps();
     } catch (...) {
-        m_colorCatch.End();
-        m_colorCatch.ReleaseAll();
+        m_frames.SnapshotCatch().End();
+        m_frames.SnapshotCatch().ReleaseAll();
         throw;
     }
 }
@@ -94,12 +94,12 @@ bool IManagerSync::SnapFirst(const CONTROLROUTE& route) {
     KORVEX_LOG(kLog) << kStep;
     SwitchSnapTrigger(false);
     WaitUnlessStopped(kDrainTime);
-    m_colorCatch.Begin();
+    m_frames.SnapshotCatch().Begin();
     SetStrobeControlledByTrigger(route, kFirstStrobe);
-    m_colorCatch.Arm();
+    m_frames.SnapshotCatch().Arm();
     SwitchSnapTrigger(true);
     if (!WaitForColorFrame(kStep)) {
-        m_colorCatch.End();
+        m_frames.SnapshotCatch().End();
         return false;
     }
     return true;
@@ -107,7 +107,7 @@ bool IManagerSync::SnapFirst(const CONTROLROUTE& route) {
 
 bool IManagerSync::SnapNext(const SnapPhase& phase) {
     // Reset between the images only: a frame that came late counts for the next one.
-    if (const auto event = m_colorCatch.CaughtEvent()) {
+    if (const auto event = m_frames.SnapshotCatch().CaughtEvent()) {
         event->Reset();
     }
     KORVEX_LOG(kLog) << phase.enter;
@@ -124,22 +124,14 @@ bool IManagerSync::SnapNext(const SnapPhase& phase) {
 
 RETSTATUS IManagerSync::HandOver(std::size_t count, std::vector<unsigned char*>& images, int& width,
                                  int& height) {
-    if (!m_colorCatch.HasFirst()) {
+    if (!m_frames.SnapshotCatch().HasFirst()) {
         KORVEX_LOG(kLog) << "SnapColorImage end failed";
         return STATUS_FAILED;
     }
     images.reserve(images.size() + count);  // nothing may throw once the images are taken
-    const auto slots = m_colorCatch.TakeAll();
-    {
-        os::CriticalSectionGuard frame(m_csFrame);
-        for (std::size_t i = 0; i < slots.size(); ++i) {
-            if (i < count) {
-                m_imagePool.GiveAway(slots[i]);
-                images.push_back(slots[i]);
-            } else {
-                m_imagePool.Release(slots[i]);
-            }
-        }
+    auto slots = m_frames.SnapshotCatch().TakeAll();
+    for (std::size_t i = 0; i < count; ++i) {
+        images.push_back(slots[i].GiveAway());
     }
     width = kReportedWidth;
     height = kReportedHeight;
@@ -156,9 +148,9 @@ RETSTATUS IManagerSync::SnapColorImage(std::vector<unsigned char*>& images, int&
         }
         const bool caught = SnapNext({"SnapColorImage1", "SnapColorImage2", route, kNextStrobe,
                                       camOrder, exposure, gain, true});
-        m_colorCatch.End();
+        m_frames.SnapshotCatch().End();
         if (!caught) {
-            m_colorCatch.ReleaseFirst(1);
+            m_frames.SnapshotCatch().ReleaseFirst(1);
             KORVEX_LOG(kLog) << "SnapColorImage end failed";
             return STATUS_FAILED;
         }
@@ -180,16 +172,16 @@ RETSTATUS IManagerSync::SnapColorImageForIR(std::vector<unsigned char*>& images,
         }
         if (!SnapNext({"SnapColorImage1", "SnapColorImage1", route, kNextStrobe, camOrder,
                        exposures[0], gains[0], true})) {
-            m_colorCatch.ReleaseFirst(1);
-            m_colorCatch.End();
+            m_frames.SnapshotCatch().ReleaseFirst(1);
+            m_frames.SnapshotCatch().End();
             KORVEX_LOG(kLog) << "SnapColorImage end failed";
             return STATUS_FAILED;
         }
         const bool caught = SnapNext({"SnapColorImage2", "SnapColorImage2", kInfraredRoute,
                                       kFirstStrobe, camOrder, exposures[1], gains[1], false});
-        m_colorCatch.End();
+        m_frames.SnapshotCatch().End();
         if (!caught) {
-            m_colorCatch.ReleaseFirst(2);
+            m_frames.SnapshotCatch().ReleaseFirst(2);
             KORVEX_LOG(kLog) << "SnapColorImage end failed";
             return STATUS_FAILED;
         }

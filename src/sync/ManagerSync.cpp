@@ -20,11 +20,7 @@ const char* Printable(const char* text) {
 
 }  // namespace
 
-IManagerSync::IManagerSync()
-    : m_colorCatch([this](unsigned char* image) {
-          os::CriticalSectionGuard frame(m_csFrame);
-          m_imagePool.Release(image);
-      }) {
+IManagerSync::IManagerSync() {
     // The worker thread has nothing to do; it exists to be stopped at shutdown.
     m_hWorkerThread.Start([] {});
 }
@@ -60,23 +56,25 @@ IManagerSync::~IManagerSync() {
         m_statusWake.Set();
         m_hStatusThread.Join();
     }
-    m_colorCatch.ReleaseAll();
-    ReleasePendingFrames();
     // No holder may be inside a section when what it guards goes.
-    for (os::CriticalSection* section : {&m_csFrame, &m_csStatus, &m_csDevice}) {
+    for (os::CriticalSection* section : {&m_csStatus, &m_csDevice}) {
         os::CriticalSectionGuard holder(*section);
     }
 }
 
 void IManagerSync::RequestStop() {
     m_stop.Set();
-    if (const auto event = m_colorCatch.CaughtEvent()) {
+    if (const auto event = m_frames.SnapshotCatch().CaughtEvent()) {
         event->Set();
     }
 }
 
 bool IManagerSync::WaitUnlessStopped(std::chrono::milliseconds nominal) {
     return m_stop.Wait(nominal) == os::WaitResult::TimedOut;
+}
+
+RETSTATUS IManagerSync::SetScanCallBackFunction(ScanCallBackFunction callback, void* context) {
+    return m_frames.SetScanCallBackFunction(callback, context);
 }
 
 void IManagerSync::OnThreadNotify(int, int) {}

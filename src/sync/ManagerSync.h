@@ -11,21 +11,14 @@
 #include "Korvex3Sync/Statistics.h"
 #include "Korvex3Sync/Status.h"
 #include "Korvex3Sync/Types.h"
-#include "camera/GrabCounters.h"
-#include "camera/ImagePool.h"
 #include "camera/PhysicalCameraThread.h"
 #include "platform/os/CriticalSection.h"
 #include "platform/os/Event.h"
 #include "platform/os/Thread.h"
 #include "sync/ChannelCodes.h"
-#include "sync/ColorCatch.h"
-#include "sync/FramePairing.h"
-#include "sync/FrameRouting.h"
-#include "sync/KeyTracker.h"
 #include "sync/RememberedSettings.h"
-#include "sync/ScanCallbackRule.h"
-#include "sync/ScanCounters.h"
-#include "sync/TriggerStarts.h"
+#include "sync/frames/FramePath.h"
+#include "sync/frames/ScanCallbackRule.h"
 
 namespace Korvex3Sync {
 
@@ -33,11 +26,9 @@ namespace Korvex3Sync {
 /// status thread.
 ///
 /// Locks, each taken alone but for these orders: m_csDevice before m_csStatus; m_csDevice before a
-/// camera's pause lock; a camera's pause and snap locks before m_csFrame, on its grab thread.
-/// m_csDevice covers board I/O and the camera list, m_csFrame the pairing and the scan callback
-/// (which runs with these three held), m_csStatus the status callback (which
-/// runs with m_csDevice and m_csStatus held). The camera list changes only while no grab thread
-/// runs, so the frame handler reads it under m_csFrame alone.
+/// camera's pause lock; a camera's pause and snap locks before the m_csFrame of the frame path, on
+/// its grab thread. m_csDevice covers board I/O and the camera list, m_csStatus the status callback
+/// (which runs with m_csDevice and m_csStatus held).
 class IManagerSync : public PhysicalCameraThreadListener {
 public:
     IManagerSync();
@@ -154,7 +145,7 @@ public:
                                   const int& camOrder, const std::vector<double>& exposures,
                                   const std::vector<int>& gains, const CONTROLROUTE& route);
 
-    // Frames (FrameHandler.cpp).
+    // Frames (frames/FramePath.h).
 
     RETSTATUS SetScanCallBackFunction(ScanCallBackFunction callback, void* context);
 
@@ -173,7 +164,6 @@ public:
     RETSTATUS EnableHeartbeat(bool enable);
 
 private:
-    class SetSink;
     /// Made for each camera when it is opened; frames are paired without it.
     struct CameraBookkeeping {
         os::Event frameEvent;
@@ -236,13 +226,8 @@ private:
     RETSTATUS HandOver(std::size_t count, std::vector<unsigned char*>& images, int& width,
                        int& height);
 
-    static void OnFrame(const void* const& context, const int& cameraId,
-                        unsigned char* const& image, const int& width, const int& height,
-                        const int& channels);
     /// Every write of the trigger mode, with the device lock held: what the keys start with.
     bool WriteTriggerMode(void* handle, zr3DHandiDLPdev::MASK_TRIGGER_MODE mode);
-    Routed HandleFrame(int cameraId, const unsigned char* raw, int width);
-    void ReleasePendingFrames();
 
     RETSTATUS QueryCurrentStatus(unsigned char& first, unsigned char& second);
     unsigned StatusThreadFun();
@@ -250,7 +235,6 @@ private:
 
     std::atomic<void*> m_hDevice{nullptr};  // null: the board is not open
     os::CriticalSection m_csDevice;
-    os::CriticalSection m_csFrame;
     os::CriticalSection m_csStatus;
     std::atomic<int> m_threadValue{0};
 
@@ -282,20 +266,7 @@ private:
     bool m_haveColorCamera = false;
     RememberedSettings m_remembered KORVEX_GUARDED_BY(m_csDevice);
 
-    ImagePool m_imagePool KORVEX_GUARDED_BY(m_csFrame);
-    FramePairing m_pairing KORVEX_GUARDED_BY(m_csFrame);
-    DecodedFrame m_decoded KORVEX_GUARDED_BY(m_csFrame);  // kept for its capacity
-    std::vector<unsigned char*> m_callbackImages KORVEX_GUARDED_BY(m_csFrame);
-    std::vector<int> m_callbackInfo KORVEX_GUARDED_BY(m_csFrame);
-    ScanCallBackFunction m_pScanCallBack KORVEX_GUARDED_BY(m_csFrame) = nullptr;
-    void* m_pScanContext KORVEX_GUARDED_BY(m_csFrame) = nullptr;
-    std::array<KeyTracker, kMostGroups> m_keys KORVEX_GUARDED_BY(m_csFrame);  // one per camera
-    ColorCatch m_colorCatch;
-
-    // Losses; each guards itself.
-    TriggerStarts m_triggerStarts;
-    ScanCounters m_scanCounters;
-    const std::shared_ptr<GrabCounters> m_grabCounters = std::make_shared<GrabCounters>();
+    FramePath m_frames{this};
 };
 
 inline constexpr char kManagerSyncLog[] = "sync/ManagerSync";

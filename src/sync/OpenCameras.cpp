@@ -14,6 +14,9 @@ constexpr int kOpened = 0;
 constexpr int kBadLists = 1;
 constexpr int kCameraFailure = 2;
 
+/// Only cameras that serve at least this many entries of the list give packed frames.
+constexpr int kFewestShares = 2;
+
 /// An address as the number that "%d" prints.
 int AsNumber(const void* address) {
     return static_cast<int>(reinterpret_cast<std::uintptr_t>(address));
@@ -103,7 +106,7 @@ bool IManagerSync::CreateCameras(const std::vector<char*>& camSerials,
         KORVEX_LOG(kLog) << "i=" << i << "camSerials[i] =" << camSerials[i]
                          << "tmpFlag[(tmpCH & 0xf0) >> 4]=" << shares;
         camera->SetCameraComplexInfo(shares);
-        camera->CountInto(m_grabCounters);
+        camera->CountInto(m_frames.Grabbed());
         m_cameras.push_back(std::move(camera));
         m_cameraParams.push_back(widths[i]);
         m_cameraParams.push_back(heights[i]);
@@ -145,9 +148,16 @@ bool IManagerSync::OpenAndStartCameras() {
 }
 
 void IManagerSync::StartGrabbing(std::size_t serialCount) {
+    std::vector<FramePath::Route> routes;
+    for (const int code : m_cameraChannels) {
+        const auto slot = static_cast<std::size_t>(ChannelGroup(code));
+        const bool packed = m_cameras[slot]->CameraComplexInfo() >= kFewestShares;
+        routes.push_back({slot, packed, m_cameraParams[2 * slot], m_cameraParams[2 * slot + 1]});
+    }
+    m_frames.SetRoutes(std::move(routes));
     for (auto& camera : m_cameras) {
         m_cameraBookkeeping.push_back(std::make_unique<CameraBookkeeping>());
-        camera->SetScanCallBackFunction(&IManagerSync::OnFrame, this);
+        camera->SetScanCallBackFunction(&FramePath::OnFrame, &m_frames);
         if (!camera->StartThread()) {
             LOG(ERROR) << "a grab thread did not start: camera " << m_cameraBookkeeping.size()
                        << " of " << m_cameras.size() << " gives no frames";

@@ -184,7 +184,7 @@ RETSTATUS IManagerSync::ResetBoard(bool resetFPGA, bool resetDevice) {
 
 bool IManagerSync::SendReset(bool (*reset)(void* board)) {
     const bool accepted = reset(m_hDevice);
-    m_triggerStarts.ForgetState();  // either reset switches the trigger off
+    m_frames.Starts().ForgetState();  // either reset switches the trigger off
     return accepted;
 }
 

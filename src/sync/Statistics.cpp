@@ -6,23 +6,18 @@
 namespace Korvex3Sync {
 
 RETSTATUS IManagerSync::GetScanStatistics(ScanStatistics& statistics) const {
-    m_scanCounters.Read(statistics);
-    statistics.framesAccepted = m_grabCounters->framesAccepted;
-    // The part before the whole, so that a snap that fails meanwhile leaves no part above it.
-    statistics.refusedFrames = m_grabCounters->refusedFrames;
-    statistics.failedSnaps = m_grabCounters->failedSnaps;
-    statistics.rejectedGeometry = m_grabCounters->rejectedGeometry;
+    m_frames.ReadStatistics(statistics);
     return STATUS_SUCCESS;
 }
 
 void IManagerSync::StartKeysAnew() {
-    m_triggerStarts.StartAnew();
+    m_frames.Starts().StartAnew();
 }
 
 bool IManagerSync::WriteTriggerMode(void* handle, zr3DHandiDLPdev::MASK_TRIGGER_MODE mode) {
-    m_triggerStarts.Writing(int{mode});
+    m_frames.Starts().Writing(int{mode});
     const bool accepted = zr3DHandiDLPdev::zr3DSetVideoTrigleMode(handle, mode);
-    m_triggerStarts.Written(accepted);
+    m_frames.Starts().Written(accepted);
     return accepted;
 }
 

@@ -27,10 +27,9 @@ constexpr char kRejected[] = "PhysicalCameraThread: Snap image data failed, wron
 /// Frames that a camera's callback received.
 class Frames {
 public:
-    static void Receive(const void* const& context, const int& cameraId,
-                        unsigned char* const& image, const int& width, const int& height,
-                        const int& channels) {
-        auto* const frames = static_cast<Frames*>(const_cast<void*>(context));
+    static void Receive(void* const& context, const int& cameraId, unsigned char* const& image,
+                        const int& width, const int& height, const int& channels) {
+        auto* const frames = static_cast<Frames*>(context);
         std::lock_guard lock(frames->m_mutex);
         frames->m_seen.push_back({cameraId, image[0], width, height, channels});
         frames->m_changed.notify_all();

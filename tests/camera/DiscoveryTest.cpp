@@ -5,8 +5,8 @@
 #include <new>
 #include <thread>
 
-#include "camera/CameraDiscovery.h"
 #include "camera/Usb3Check.h"
+#include "camera/discovery/CameraDiscovery.h"
 #include "recorder/Recorder.h"
 #include "support/LogCapture.h"
 

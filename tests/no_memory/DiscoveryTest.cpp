@@ -7,7 +7,7 @@
 #include <utility>
 #include <vector>
 
-#include "camera/CameraDiscovery.h"
+#include "camera/discovery/CameraDiscovery.h"
 #include "no_memory/FailingAllocation.h"
 #include "recorder/Recorder.h"
 

@@ -53,23 +53,6 @@ private:
     IManagerSync m_manager;
 };
 
-TEST_F(ScanWithoutMemory, LosesTheSetThatCannotWaitAndGoesOn) {
-    // The callback for key 0 runs while key 1 comes in, which then finds no memory to wait in.
-    m_inCallback = [first = true](Images&) mutable {
-        FailAllocation(first ? 1 : 0);
-        first = false;
-    };
-    for (unsigned char key = 0; key < 4; ++key) {
-        Mono(key);
-    }
-    const ScanStatistics statistics = Handled();
-    EXPECT_EQ(statistics.setsDropped, 1u);
-    EXPECT_EQ(statistics.setsDelivered, 2u) << "0 and 2";
-    EXPECT_EQ(statistics.setsPending, 1u) << "3";
-    EXPECT_EQ(statistics.missingKeys, 0u);
-    EXPECT_EQ(support::AccountedTriggers(statistics), 4u);
-}
-
 TEST_F(ScanWithoutMemory, LosesTheSetWhoseCallbackCannotBeCalledAndGoesOn) {
     // The application keeps the vector of the first two sets. The colour frame of the third needs
     // no memory until its set is delivered, and gets none then.

@@ -1,12 +1,12 @@
 #include <gtest/gtest.h>
 
-#include "camera/ImagePool.h"
-#include "camera/PhysicalCameraThread.h"
+#include "camera/images/ImagePool.h"
+#include "camera/images/SplitPackedFrame.h"
 #include "no_memory/FailingAllocation.h"
-#include "recorder/Recorder.h"
+#include "support/Accounted.h"
 #include "support/PackedFrames.h"
-#include "sync/FramePairing.h"
-#include "sync/Ledger.h"
+#include "sync/frames/FramePairing.h"
+#include "sync/frames/FramePath.h"
 
 namespace Korvex3Sync {
 namespace {
@@ -19,27 +19,26 @@ TEST(ImagePoolWithoutMemory, GivesNothingAndLendsNothing) {
     int failures = 0;
     for (bool failed = true; failed; failures += failed ? 1 : 0) {
         ImagePool pool;
-        unsigned char* image = nullptr;
+        Image image;
         {
             const FailingAllocation failing(failures + 1);
             image = pool.Take(kPixels);
             failed = failing.Failed();
         }
-        EXPECT_EQ(image == nullptr, failed) << failures;
+        EXPECT_EQ(!image, failed) << failures;
         EXPECT_EQ(pool.Lent(), failed ? 0u : 1u) << failures;
-        pool.Release(image);
     }
     EXPECT_GT(failures, 1);
 }
 
 TEST(ImagePoolWithoutMemory, TakesBackWhatItLent) {
     ImagePool pool;
-    unsigned char* const first = pool.Take(kPixels);
-    unsigned char* const second = pool.Take(kPixels);
+    Image first = pool.Take(kPixels);
+    Image second = pool.Take(kPixels);
     {
         const FailingAllocation failing(1);
-        pool.Release(first);
-        pool.Release(second);
+        first.Release();
+        second.Release();
         EXPECT_FALSE(failing.Failed());
     }
     EXPECT_EQ(pool.Lent(), 0u);
@@ -47,36 +46,28 @@ TEST(ImagePoolWithoutMemory, TakesBackWhatItLent) {
 }
 
 TEST(PackedFrameWithoutMemory, IsNotTakenApartAndLendsNothing) {
-    recorder::Recorder::Get().Reset();
-    CPhysicalCameraThread camera(nullptr);
-    ASSERT_TRUE(camera.InializeCamera("KV00R1"));
-    ASSERT_TRUE(camera.OpenCamera("KV00R1", kWidth, kHeight));
     for (const auto& raw :
          {support::MonoFrame(kPixels, 10, 11, 1), support::ColorFrame(kPixels, 30, 1)}) {
         int failures = 0;
         for (bool failed = true; failed; failures += failed ? 1 : 0) {
             ImagePool pool;
-            DecodedFrame frame;
+            SplitFrame frame;
             bool apart = true;
             {
                 const FailingAllocation failing(failures + 1);
-                apart = camera.SplitPackedFrame(frame.images, frame.widths, frame.heights,
-                                                frame.channels, raw.data(), pool);
+                apart = SplitPackedFrame(frame, raw.data(), kWidth, kHeight, pool);
                 failed = failing.Failed();
             }
             EXPECT_EQ(apart, !failed) << failures;
             EXPECT_EQ(frame.images.empty(), failed) << failures;
             EXPECT_EQ(frame.channels.empty(), failed) << failures;
             EXPECT_EQ(pool.Lent(), frame.images.size()) << failures;
-            for (unsigned char* image : frame.images) {
-                pool.Release(image);
-            }
         }
         EXPECT_GT(failures, 4);
     }
 }
 
-DecodedFrame Frame(std::vector<unsigned char*> images) {
+DecodedFrame Frame(std::vector<Image> images) {
     DecodedFrame frame;
     frame.key = 1;
     frame.width = kWidth;
@@ -87,40 +78,51 @@ DecodedFrame Frame(std::vector<unsigned char*> images) {
     return frame;
 }
 
-TEST(PairingWithoutMemory, LosesTheNewSetAndCountsIt) {
-    Ledger ledger;
-    FramePairing pairing;
-    const DecodedFrame frame = Frame({ledger.Make(), ledger.Make()});
-    {
-        const FailingAllocation failing(1);
-        pairing.TakeMono(frame, ledger);
-        EXPECT_TRUE(failing.Failed());
-    }
-    EXPECT_EQ(ledger.setsLost, 1);
-    EXPECT_EQ(ledger.Live(), 0u);
-    EXPECT_EQ(pairing.Size(), 0u);
+DecodedFrame MonoFrame(ImagePool& pool) {
+    std::vector<Image> images;
+    images.push_back(pool.Take(kPixels));
+    images.push_back(pool.Take(kPixels));
+    return Frame(std::move(images));
+}
+
+DecodedFrame ColorFrame(ImagePool& pool) {
+    std::vector<Image> images;
+    images.push_back(pool.Take(kPixels));
+    return Frame(std::move(images));
 }
 
 /// Allocates nothing.
 class CountingSink : public FramePairing::Sink {
 public:
-    void Deliver(const std::vector<unsigned char*>&, int, int, const std::vector<int>&,
-                 bool) override {
+    void Deliver(const std::vector<Image>&, int, int, const std::vector<int>&, bool) override {
         ++delivered;
     }
     void Lose(PairingLoss) override { ++lost; }
-    void Release(unsigned char*) override { ++released; }
 
     int delivered = 0;
     int lost = 0;
-    int released = 0;
 };
 
-TEST(PairingWithoutMemory, DeliversAllTheSame) {
+TEST(PairingWithoutMemory, LosesTheNewSetAndCountsIt) {
+    ImagePool pool;
     CountingSink sink;
-    unsigned char pixel = 0;
-    const DecodedFrame mono = Frame({&pixel, &pixel});
-    const DecodedFrame color = Frame({&pixel});
+    FramePairing pairing;
+    DecodedFrame frame = MonoFrame(pool);
+    {
+        const FailingAllocation failing(1);
+        pairing.TakeMono(frame, sink);
+        EXPECT_TRUE(failing.Failed());
+    }
+    EXPECT_EQ(sink.lost, 1);
+    EXPECT_EQ(pool.Lent(), 0u);
+    EXPECT_EQ(pairing.Size(), 0u);
+}
+
+TEST(PairingWithoutMemory, DeliversAllTheSame) {
+    ImagePool pool;
+    CountingSink sink;
+    DecodedFrame mono = MonoFrame(pool);
+    DecodedFrame color = ColorFrame(pool);
     FramePairing pairing;
     pairing.TakeMono(mono, sink);
     {
@@ -129,8 +131,71 @@ TEST(PairingWithoutMemory, DeliversAllTheSame) {
         EXPECT_FALSE(failing.Failed()) << "the first set already finds all it needs";
     }
     EXPECT_EQ(sink.delivered, 1);
-    EXPECT_EQ(sink.released, 3);
+    EXPECT_EQ(pool.Lent(), 0u);
     EXPECT_EQ(sink.lost, 0);
+}
+
+/// A scan callback that keeps nothing.
+void CountSets(const void* const& context, std::vector<unsigned char*>&, const int&, const int&,
+               std::vector<int>&) {
+    ++*static_cast<int*>(const_cast<void*>(context));
+}
+
+TEST(FramePathWithoutMemory, LosesAndCountsTheFrameThatFindsNoneAndGoesOn) {
+    constexpr int kRunningMode = 2;
+    constexpr unsigned char kFrames = 4;
+    std::uint64_t undecodable = 0;
+    std::uint64_t dropped = 0;
+    bool failed = true;
+    for (int nth = 1; failed; ++nth) {
+        FramePath path(nullptr);
+        path.SetRoutes({{0, true, kWidth, kHeight}});
+        path.Starts().Writing(kRunningMode);
+        path.Starts().Written(true);
+        for (unsigned char key = 0; key < kFrames; ++key) {
+            auto frame = support::MonoFrame(kPixels, 10, 11, key);
+            const FailingAllocation failing(key == 0 ? nth : 0);
+            FramePath::OnFrame(&path, 0, frame.data(), kWidth, kHeight, 1);
+            failed = key == 0 ? failing.Failed() : failed;
+        }
+        ScanStatistics statistics;
+        path.ReadStatistics(statistics);
+        EXPECT_EQ(statistics.undecodableFrames + statistics.setsDropped, failed ? 1u : 0u) << nth;
+        EXPECT_EQ(statistics.missingKeys, statistics.undecodableFrames) << nth;
+        EXPECT_EQ(support::AccountedTriggers(statistics), kFrames) << nth;
+        undecodable += statistics.undecodableFrames;
+        dropped += statistics.setsDropped;
+    }
+    EXPECT_GT(undecodable, 0u) << "no memory for the images";
+    EXPECT_GT(dropped, 0u) << "no memory for the set to wait in";
+}
+
+TEST(FramePathWithoutMemory, NeedsNoneOnceTheFirstSetsWentThrough) {
+    FramePath path(nullptr);
+    path.SetRoutes({{0, true, kWidth, kHeight}});
+    int sets = 0;
+    path.SetScanCallBackFunction(&CountSets, &sets);
+    auto mono = support::MonoFrame(kPixels, 10, 11, 0);
+    auto color = support::ColorFrame(kPixels, 30, 0);
+    const auto take = [&path](std::vector<unsigned char>& frame) {
+        FramePath::OnFrame(&path, 0, frame.data(), kWidth, kHeight, 1);
+    };
+    const auto round = [&] {
+        take(mono);  // delivered with its colour image
+        take(color);
+        take(mono);  // without, by the next one
+        take(mono);
+        take(color);
+    };
+    round();
+    {
+        const FailingAllocation failing(1);
+        for (int i = 0; i < 1000; ++i) {
+            round();
+        }
+        EXPECT_FALSE(failing.Failed());
+    }
+    EXPECT_EQ(sets, 3 * 1001);
 }
 
 }  // namespace

@@ -1,4 +1,4 @@
-#include "sync/FramePairing.h"
+#include "sync/frames/FramePairing.h"
 
 #include "sync/Ledger.h"
 
@@ -18,8 +18,13 @@ namespace {
 class Pairing : public testing::Test {
 protected:
     ~Pairing() override {
-        m_pairing.Clear(m_ledger);
+        DropAll();
         EXPECT_EQ(m_ledger.Live(), 0u) << "images were lost";
+    }
+    void DropAll() {
+        while (m_pairing.Size() > 0) {
+            m_pairing.DropFirst(m_ledger);
+        }
     }
     DecodedFrame Frame(unsigned key, int images, int width = 8, int height = 4) {
         DecodedFrame frame;
@@ -33,8 +38,14 @@ protected:
         }
         return frame;
     }
-    void Mono(unsigned key, int width = 8) { m_pairing.TakeMono(Frame(key, 2, width), m_ledger); }
-    void Color(unsigned key, int width = 8) { m_pairing.TakeColor(Frame(key, 1, width), m_ledger); }
+    void Mono(unsigned key, int width = 8) {
+        DecodedFrame frame = Frame(key, 2, width);
+        m_pairing.TakeMono(frame, m_ledger);
+    }
+    void Color(unsigned key, int width = 8) {
+        DecodedFrame frame = Frame(key, 1, width);
+        m_pairing.TakeColor(frame, m_ledger);
+    }
 
     Ledger m_ledger;
     FramePairing m_pairing;
@@ -56,7 +67,7 @@ TEST_F(Pairing, MonoThenItsColourIsOneSetOfThree) {
     Color(7);
     EXPECT_EQ(m_ledger.delivered, Sets{"1 2 3 8x4 c1 c1 c1"});
     EXPECT_EQ(m_pairing.Size(), 0u);
-    EXPECT_EQ(m_ledger.released, (std::vector<std::uintptr_t>{1, 2, 3}));
+    EXPECT_EQ(m_ledger.Released(), (std::vector<std::uint32_t>{1, 2, 3}));
     EXPECT_EQ(m_ledger.colorsLost, 0);
 }
 
@@ -122,7 +133,7 @@ TEST_F(Pairing, KeysWrapAndTheMapIsOrderedByKeyNotByArrival) {
         item.pMonoImage0 = m_ledger.Make();
         item.pMonoImage1 = m_ledger.Make();
         item.nMonoChannels = 1;
-        m_pairing.Store(key, item);
+        m_pairing.Store(key, std::move(item));
     }
     Mono(1);
     // Stored as 255 (1 2), 0 (3 4), 128 (5 6): sent on their way as 0, 128, 255.
@@ -133,7 +144,7 @@ TEST_F(Pairing, AMonoThatMeetsAnItemWithColourGoesOutWithIt) {
     VideoItem item;
     item.pColorImage = m_ledger.Make();
     item.nColorChannels = 3;
-    m_pairing.Store(9, item);
+    m_pairing.Store(9, std::move(item));
     Mono(9);
     EXPECT_EQ(m_ledger.delivered, Sets{"2 3 1 8x4 c1 c1 c3"});
     EXPECT_EQ(m_pairing.Size(), 0u);
@@ -142,7 +153,7 @@ TEST_F(Pairing, AMonoThatMeetsAnItemWithColourGoesOutWithIt) {
 TEST_F(Pairing, AnItemThatLacksAMonoImageIsReleasedWithoutDelivery) {
     VideoItem item;
     item.pMonoImage0 = m_ledger.Make();
-    m_pairing.Store(9, item);
+    m_pairing.Store(9, std::move(item));
     Color(9);
     EXPECT_EQ(m_pairing.Size(), 1u) << "the colour frame alone was dropped";
     Mono(10);
@@ -156,7 +167,7 @@ TEST_F(Pairing, AnItemWithEverythingIsFlushedAsThreeImages) {
     item.pMonoImage1 = m_ledger.Make();
     item.pColorImage = m_ledger.Make();
     item.nColorChannels = 3;
-    m_pairing.Store(9, item);
+    m_pairing.Store(9, std::move(item));
     Mono(10);
     EXPECT_EQ(m_ledger.delivered, Sets{"1 2 3 8x4 c1 c1 c3"});
 }
@@ -167,15 +178,15 @@ TEST_F(Pairing, DroppingTakesTheSmallestKeyColourFirst) {
         item.pMonoImage0 = m_ledger.Make();
         item.pMonoImage1 = m_ledger.Make();
         item.pColorImage = m_ledger.Make();
-        m_pairing.Store(key, item);
+        m_pairing.Store(key, std::move(item));
     }
     m_pairing.DropFirst(m_ledger);
     // Key 20 holds images 4, 5, 6: colour goes first, then the monos.
-    EXPECT_EQ(m_ledger.released, (std::vector<std::uintptr_t>{6, 4, 5}));
+    EXPECT_EQ(m_ledger.Released(), (std::vector<std::uint32_t>{6, 4, 5}));
     EXPECT_EQ(m_pairing.Size(), 2u);
     EXPECT_EQ(m_ledger.setsLost, 1);
-    m_pairing.Clear(m_ledger);
-    EXPECT_EQ(m_ledger.setsLost, 3) << "what is cleared is lost too";
+    DropAll();
+    EXPECT_EQ(m_ledger.setsLost, 3);
     EXPECT_TRUE(m_ledger.delivered.empty());
 }
 
@@ -186,7 +197,7 @@ TEST_F(Pairing, TenThousandRandomSequencesFollowThePlainRules) {
     std::mt19937 random(seed);
     for (int sequence = 0; sequence < 10000; ++sequence) {
         m_ledger.delivered.clear();
-        m_pairing.Clear(m_ledger);
+        DropAll();
         Sets expected;
         bool waits = false;
         unsigned waitingKey = 0;
@@ -199,8 +210,8 @@ TEST_F(Pairing, TenThousandRandomSequencesFollowThePlainRules) {
             const bool color = random() % 2 == 0;
             DecodedFrame frame = Frame(key, color ? 1 : 2);
             std::string names;
-            for (unsigned char* image : frame.images) {
-                names += std::to_string(reinterpret_cast<std::uintptr_t>(image)) + " ";
+            for (const Image& image : frame.images) {
+                names += std::to_string(Ledger::Number(image)) + " ";
             }
             if (color) {
                 m_pairing.TakeColor(frame, m_ledger);
@@ -229,26 +240,31 @@ TEST_F(Pairing, TenThousandRandomMapsAreFlushedAndMatchedLikeTheModel) {
     const unsigned seed = support::Seed();
     SCOPED_TRACE("seed " + std::to_string(seed));
     std::mt19937 random(seed);
-    const auto name = [](unsigned char* image) {
-        return std::to_string(reinterpret_cast<std::uintptr_t>(image)) + " ";
+    struct Item {
+        std::string mono0;
+        std::string mono1;
+        std::string color;
+    };
+    const auto name = [](const Image& image) {
+        return image ? std::to_string(Ledger::Number(image)) + " " : "";
     };
     for (int sequence = 0; sequence < 10000; ++sequence) {
         m_ledger.delivered.clear();
-        m_pairing.Clear(m_ledger);
-        std::map<unsigned, VideoItem> model;
+        DropAll();
+        std::map<unsigned, Item> model;
         for (unsigned i = random() % 5; i > 0; --i) {
             const unsigned key = random() % 256;
             if (model.count(key) != 0) {
                 continue;
             }
             VideoItem item;
-            item.pMonoImage0 = random() % 4 != 0 ? m_ledger.Make() : nullptr;
-            item.pMonoImage1 = random() % 4 != 0 ? m_ledger.Make() : nullptr;
-            item.pColorImage = random() % 3 == 0 ? m_ledger.Make() : nullptr;
+            item.pMonoImage0 = random() % 4 != 0 ? m_ledger.Make() : Image();
+            item.pMonoImage1 = random() % 4 != 0 ? m_ledger.Make() : Image();
+            item.pColorImage = random() % 3 == 0 ? m_ledger.Make() : Image();
             item.nMonoChannels = 1;
             item.nColorChannels = 3;
-            m_pairing.Store(key, item);
-            model[key] = item;
+            model[key] = {name(item.pMonoImage0), name(item.pMonoImage1), name(item.pColorImage)};
+            m_pairing.Store(key, std::move(item));
         }
         const bool hit = !model.empty() && random() % 2 == 0;
         const unsigned key = hit ? model.begin()->first : random() % 256;
@@ -257,24 +273,23 @@ TEST_F(Pairing, TenThousandRandomMapsAreFlushedAndMatchedLikeTheModel) {
         Sets expected;
         const auto found = model.find(key);
         if (color) {
-            if (found != model.end() && found->second.pMonoImage0 && found->second.pMonoImage1) {
-                expected.push_back(name(found->second.pMonoImage0) +
-                                   name(found->second.pMonoImage1) + name(frame.images[0]) +
-                                   "8x4 c1 c1 c1");
+            if (found != model.end() && !found->second.mono0.empty() &&
+                !found->second.mono1.empty()) {
+                expected.push_back(found->second.mono0 + found->second.mono1 +
+                                   name(frame.images[0]) + "8x4 c1 c1 c1");
                 model.erase(found);
             }
             m_pairing.TakeColor(frame, m_ledger);
         } else {
-            if (found != model.end() && found->second.pColorImage) {
+            if (found != model.end() && !found->second.color.empty()) {
                 expected.push_back(name(frame.images[0]) + name(frame.images[1]) +
-                                   name(found->second.pColorImage) + "8x4 c1 c1 c3");
+                                   found->second.color + "8x4 c1 c1 c3");
                 model.erase(found);
             } else {
                 for (const auto& [waitingKey, item] : model) {
-                    if (item.pMonoImage0 && item.pMonoImage1) {
-                        expected.push_back(name(item.pMonoImage0) + name(item.pMonoImage1) +
-                                           (item.pColorImage ? name(item.pColorImage) : "") +
-                                           "8x4 c1 c1" + (item.pColorImage ? " c3" : ""));
+                    if (!item.mono0.empty() && !item.mono1.empty()) {
+                        expected.push_back(item.mono0 + item.mono1 + item.color + "8x4 c1 c1" +
+                                           (item.color.empty() ? "" : " c3"));
                     }
                 }
                 model.clear();

@@ -1,4 +1,4 @@
-#include "sync/FrameRouting.h"
+#include "sync/frames/FrameRouting.h"
 
 #include <gtest/gtest.h>
 
@@ -12,7 +12,9 @@ class FrameRouting : public testing::Test {
 protected:
     ~FrameRouting() override {
         m_catch.ReleaseAll();
-        m_pairing.Clear(m_ledger);
+        while (m_pairing.Size() > 0) {
+            m_pairing.DropFirst(m_ledger);
+        }
         EXPECT_EQ(m_ledger.Live(), 0u) << "images were lost";
     }
     Routed Route(unsigned key, int images, bool colorExpected = false) {
@@ -32,7 +34,7 @@ protected:
     support::LogCapture m_log;
     Ledger m_ledger;
     FramePairing m_pairing;
-    ColorCatch m_catch{[this](unsigned char* image) { m_ledger.Release(image); }};
+    ColorCatch m_catch;
 };
 
 TEST_F(FrameRouting, AWaitingSnapshotTakesThreeColourFramesAndTheFourthGoesTheNormalWay) {
@@ -75,8 +77,8 @@ TEST_F(FrameRouting, AMonoSetThatTheBoundDropsIsLost) {
     for (unsigned key : {70u, 30u, 60u, 40u, 20u}) {
         VideoItem item;
         item.pMonoImage0 = m_ledger.Make();
-        item.pMonoImage1 = key == 20 ? m_ledger.Make() : nullptr;
-        m_pairing.Store(key, item);
+        item.pMonoImage1 = key == 20 ? m_ledger.Make() : Image();
+        m_pairing.Store(key, std::move(item));
     }
     Route(200, 1);
     EXPECT_EQ(m_pairing.Size(), 4u);
@@ -88,7 +90,7 @@ TEST_F(FrameRouting, MoreThanFourItemsLoseTheSmallestKeyOneForEachFrame) {
     for (unsigned key : {70u, 30u, 60u, 40u, 20u, 50u}) {
         VideoItem item;
         item.pMonoImage0 = m_ledger.Make();
-        m_pairing.Store(key, item);
+        m_pairing.Store(key, std::move(item));
     }
     Route(200, 1);
     EXPECT_TRUE(m_log.Has("ManagerSync: error drop data pThis->_mapVideoItems.size()=6"));
@@ -99,7 +101,7 @@ TEST_F(FrameRouting, MoreThanFourItemsLoseTheSmallestKeyOneForEachFrame) {
     Route(200, 1);
     EXPECT_EQ(m_pairing.Size(), 4u) << "four may stay";
     // Colour frames without a mono were 7, 8 and 9; the smallest keys held 5 and 2.
-    EXPECT_EQ(m_ledger.released, (std::vector<std::uintptr_t>{7, 5, 8, 2, 9}));
+    EXPECT_EQ(m_ledger.Released(), (std::vector<std::uint32_t>{7, 5, 8, 2, 9}));
 }
 
 TEST_F(FrameRouting, TheBoundIsNotLookedAtOnTheWayToASnapshot) {

@@ -1,4 +1,4 @@
-#include "sync/ScanCounters.h"
+#include "sync/frames/ScanCounters.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "sync/TriggerStarts.h"
+#include "sync/frames/TriggerStarts.h"
 
 #include <gtest/gtest.h>
 

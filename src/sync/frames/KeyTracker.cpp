@@ -1,4 +1,4 @@
-#include "sync/KeyTracker.h"
+#include "sync/frames/KeyTracker.h"
 
 #include <algorithm>
 

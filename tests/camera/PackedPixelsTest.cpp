@@ -1,4 +1,4 @@
-#include "camera/PackedFrameSplit.h"
+#include "camera/images/PackedPixels.h"
 
 #include <gtest/gtest.h>
 

@@ -4,8 +4,8 @@
 
 #include "Korvex3Sync/Statistics.h"
 #include "platform/os/CriticalSection.h"
-#include "sync/CallbackTimes.h"
-#include "sync/KeyTracker.h"
+#include "sync/frames/CallbackTimes.h"
+#include "sync/frames/KeyTracker.h"
 
 namespace Korvex3Sync {
 

@@ -1,9 +1,9 @@
 #pragma once
 
 #include <array>
-#include <functional>
 #include <memory>
 
+#include "camera/images/Image.h"
 #include "platform/os/CriticalSection.h"
 #include "platform/os/Event.h"
 
@@ -14,15 +14,7 @@ namespace Korvex3Sync {
 /// slot's image is released before another takes its place.
 class ColorCatch {
 public:
-    using Release = std::function<void(unsigned char*)>;
-
     static constexpr std::size_t kSlots = 3;
-
-    /// `release` frees an image that no caller will get.
-    explicit ColorCatch(Release release) : m_release(std::move(release)) {}
-    ~ColorCatch();
-    ColorCatch(const ColorCatch&) = delete;
-    ColorCatch& operator=(const ColorCatch&) = delete;
 
     /// Whether colour frames are wanted now.
     bool Armed() const;
@@ -36,25 +28,23 @@ public:
     std::shared_ptr<os::Event> CaughtEvent() const;
 
     /// Where frames are wanted: puts the image into the first empty slot, or into the last one when
-    /// the others are taken; disarms when all slots are full; signals the event. The image is the
-    /// catch's from then on. Otherwise false, and the image stays the caller's.
-    bool Catch(unsigned char* image);
+    /// the others are taken; disarms when all slots are full; signals the event. The image is
+    /// taken. Otherwise false, and the image stays as it is.
+    bool Catch(Image& image);
     /// Whether the first slot holds an image.
     bool HasFirst() const;
-    /// Empties the slots; their images are the caller's, who also takes them off whatever pool they
-    /// came from.
-    std::array<unsigned char*, kSlots> TakeAll();
+    /// Empties the slots; their images are the caller's.
+    std::array<Image, kSlots> TakeAll();
     /// Releases what the first `count` slots hold.
     void ReleaseFirst(std::size_t count);
     /// Releases what the slots hold.
     void ReleaseAll() { ReleaseFirst(kSlots); }
 
 private:
-    const Release m_release;
     mutable os::Mutex m_mutex;
     bool m_bSingleSnapColor KORVEX_GUARDED_BY(m_mutex) = false;
     std::shared_ptr<os::Event> m_hSnapColorEvent KORVEX_GUARDED_BY(m_mutex);
-    std::array<unsigned char*, kSlots> m_pSnapColorImages KORVEX_GUARDED_BY(m_mutex){};
+    std::array<Image, kSlots> m_pSnapColorImages KORVEX_GUARDED_BY(m_mutex);
 };
 
 }  // namespace Korvex3Sync

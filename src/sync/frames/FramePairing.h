@@ -4,24 +4,23 @@
 #include <map>
 #include <vector>
 
+#include "camera/images/Image.h"
+#include "camera/images/SplitPackedFrame.h"
+
 namespace Korvex3Sync {
 
 /// A frame taken apart: one image is a colour frame, two are a mono frame.
-struct DecodedFrame {
-    unsigned int key = 0;  // 0..255
-    int width = 0;         // the width that came with the frame
-    std::vector<unsigned char*> images;
-    std::vector<int> widths;
-    std::vector<int> heights;
-    std::vector<int> channels;
+struct DecodedFrame : SplitFrame {
+    unsigned int key = 0;        // 0..255
+    int width = 0;               // the width that came with the frame
     bool colorExpected = false;  // of a mono frame: a colour frame of the same key is to come
 };
 
 /// A pending image set.
 struct VideoItem {
-    unsigned char* pMonoImage0 = nullptr;
-    unsigned char* pMonoImage1 = nullptr;
-    unsigned char* pColorImage = nullptr;
+    Image pMonoImage0;
+    Image pMonoImage1;
+    Image pColorImage;
     int nColorChannels = 0;
     int nMonoChannels = 0;
     int nMonoWidth = 0;
@@ -36,22 +35,20 @@ enum class PairingLoss { ColorWithoutMono, Set };
 ///
 /// A mono set waits for its colour frame until the next mono frame, which sends every waiting set
 /// on its way, ascending by key, described by the newer frame's size and channels. A colour frame
-/// never waits. It owns the images of the items; each image goes to the sink's Release exactly
-/// once, after any delivery. No threads, no locks: the owner's lock guards it.
+/// never waits. The images are released after any delivery. No threads, no locks: the owner's lock
+/// guards it.
 class FramePairing {
 public:
-    /// Where sets, images and losses go.
+    /// Where sets and losses go.
     class Sink {
     public:
         virtual ~Sink() = default;
-        /// One complete set: the images, the size and the channels of each image. `colorMissing`: a
-        /// colour frame was to come and did not.
-        virtual void Deliver(const std::vector<unsigned char*>& images, int width, int height,
+        /// One complete set: the images, the size and the channels of each image. The images are
+        /// released when this returns. `colorMissing`: a colour frame was to come and did not.
+        virtual void Deliver(const std::vector<Image>& images, int width, int height,
                              const std::vector<int>& channels, bool colorMissing) = 0;
         /// A colour frame that found no mono set, or a waiting mono set, is not delivered.
         virtual void Lose(PairingLoss loss) = 0;
-        /// The image is not needed any more.
-        virtual void Release(unsigned char* image) = 0;
     };
 
     /// Most items that stay after a frame.
@@ -59,18 +56,16 @@ public:
 
     FramePairing();
 
-    /// Takes over the one image of a colour frame.
-    void TakeColor(const DecodedFrame& frame, Sink& sink);
-    /// Takes over the two images of a mono frame.
-    void TakeMono(const DecodedFrame& frame, Sink& sink);
+    /// Takes the one image of a colour frame.
+    void TakeColor(DecodedFrame& frame, Sink& sink);
+    /// Takes the two images of a mono frame.
+    void TakeMono(DecodedFrame& frame, Sink& sink);
     /// The colour frame of this key went elsewhere: a set that waits for it does not miss it.
     void ForgoColor(unsigned int key);
-    /// Puts an item under a key that is free; false without memory.
-    bool Store(unsigned int key, const VideoItem& item);
+    /// Puts an item under a key that is free; false, and the item is released, without memory.
+    bool Store(unsigned int key, VideoItem item);
     /// Releases the item with the smallest key; there must be one.
     void DropFirst(Sink& sink);
-    /// Releases everything, delivers nothing.
-    void Clear(Sink& sink);
 
     std::size_t Size() const { return _mapVideoItems.size(); }
 
@@ -78,10 +73,14 @@ private:
     using Items = std::map<unsigned int, VideoItem>;
 
     void Flush(const DecodedFrame& newer, Sink& sink);
-    static void ReleaseSet(const std::vector<unsigned char*>& images, Sink& sink);
+    /// Delivers m_set and releases it.
+    void DeliverSet(const DecodedFrame& newer, Sink& sink, bool colorMissing);
+    void Erase(Items::iterator item);
 
     Items _mapVideoItems;
-    std::vector<unsigned char*> m_set;
+    Items::node_type
+        m_spare;  // of the last item erased, so that a running stream allocates nothing
+    std::vector<Image> m_set;
     std::vector<int> m_setChannels;
 };
 

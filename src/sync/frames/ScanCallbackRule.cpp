@@ -1,4 +1,4 @@
-#include "sync/ScanCallbackRule.h"
+#include "sync/frames/ScanCallbackRule.h"
 
 #ifdef KORVEX_CHECKS
 

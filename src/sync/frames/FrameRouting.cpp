@@ -1,4 +1,4 @@
-#include "sync/FrameRouting.h"
+#include "sync/frames/FrameRouting.h"
 
 #include "platform/os/Log.h"
 
@@ -7,7 +7,7 @@ namespace {
 
 constexpr char kLog[] = "sync/ManagerSync";
 
-bool CatchForSnapshot(unsigned char* image, ColorCatch& colorCatch) {
+bool CatchForSnapshot(Image& image, ColorCatch& colorCatch) {
     if (!colorCatch.Armed()) {
         return false;
     }
@@ -17,7 +17,7 @@ bool CatchForSnapshot(unsigned char* image, ColorCatch& colorCatch) {
 
 }  // namespace
 
-Routed RouteFrame(const DecodedFrame& frame, FramePairing& pairing, ColorCatch& colorCatch,
+Routed RouteFrame(DecodedFrame& frame, FramePairing& pairing, ColorCatch& colorCatch,
                   FramePairing::Sink& sink) {
     if (frame.images.size() != 1) {
         pairing.TakeMono(frame, sink);

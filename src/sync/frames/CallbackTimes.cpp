@@ -1,4 +1,4 @@
-#include "sync/CallbackTimes.h"
+#include "sync/frames/CallbackTimes.h"
 
 #include <algorithm>
 #include <bit>

@@ -1,4 +1,4 @@
-#include "camera/PackedFrameSplit.h"
+#include "camera/images/PackedPixels.h"
 
 #include <cstdint>
 
@@ -6,7 +6,7 @@
 #define HWY_DISABLED_TARGETS (HWY_AVX3 | HWY_AVX3_DL)
 // Highway compiles this file once for each instruction set and chooses at run time.
 #undef HWY_TARGET_INCLUDE
-#define HWY_TARGET_INCLUDE "camera/PackedFrameSplit.cpp"
+#define HWY_TARGET_INCLUDE "camera/images/PackedPixels.cpp"
 #include <hwy/foreach_target.h>
 #include <hwy/highway.h>
 

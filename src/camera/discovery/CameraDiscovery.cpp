@@ -1,4 +1,4 @@
-#include "camera/CameraDiscovery.h"
+#include "camera/discovery/CameraDiscovery.h"
 
 #include <algorithm>
 #include <cstring>

@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <optional>
 
-#include "sync/TriggerStarts.h"
+#include "sync/frames/TriggerStarts.h"
 
 namespace Korvex3Sync {
 

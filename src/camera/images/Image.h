@@ -1,0 +1,43 @@
+#pragma once
+
+#include <cstddef>
+#include <memory>
+
+namespace Korvex3Sync {
+
+class ImagePool;
+
+/// A buffer of pixels that has one owner and returns to its pool by itself, on any thread. The pool
+/// must outlive it. Empty when default-constructed, moved from, released or given away.
+class Image {
+public:
+    /// An ordinary `new[]` block.
+    struct Buffer {
+        std::unique_ptr<unsigned char[]> pixels;
+        std::size_t bytes = 0;
+    };
+
+    Image() = default;
+    Image(Image&& other) noexcept = default;
+    Image& operator=(Image&& other) noexcept;
+    ~Image() { Release(); }
+
+    explicit operator bool() const { return m_buffer.pixels != nullptr; }
+    /// Null for an empty image. Valid as long as the image holds the buffer.
+    unsigned char* Pixels() const { return m_buffer.pixels.get(); }
+
+    /// Returns the buffer to the pool now.
+    void Release();
+    /// The buffer leaves the pool for good: the caller frees it with `delete[]`. Null for an empty
+    /// image.
+    unsigned char* GiveAway();
+
+private:
+    friend class ImagePool;
+    Image(ImagePool& pool, Buffer buffer) : m_pool(&pool), m_buffer(std::move(buffer)) {}
+
+    ImagePool* m_pool = nullptr;
+    Buffer m_buffer;
+};
+
+}  // namespace Korvex3Sync

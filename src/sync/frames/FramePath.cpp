@@ -1,0 +1,132 @@
+#include "sync/frames/FramePath.h"
+
+#include <algorithm>
+#include <chrono>
+#include <utility>
+
+#include "platform/os/Log.h"
+#include "sync/frames/ScanCallbackRule.h"
+
+namespace Korvex3Sync {
+namespace {
+
+constexpr char kLog[] = "sync/ManagerSync";
+
+/// Where a raw frame carries its key.
+constexpr std::size_t kKeyByte = 4;
+/// Images of a mono frame, and of a set without colour.
+constexpr std::size_t kMonoImages = 2;
+
+}  // namespace
+
+FramePath::~FramePath() {
+    // No holder may be inside the section when what it guards goes.
+    os::CriticalSectionGuard frame(m_csFrame);
+}
+
+void FramePath::SetRoutes(std::vector<Route> routes) {
+    os::CriticalSectionGuard frame(m_csFrame);
+    std::size_t slots = 0;
+    for (const Route& route : routes) {
+        slots = std::max(slots, route.slot + 1);
+    }
+    m_keys.assign(slots, {});
+    m_routes = std::move(routes);
+}
+
+void FramePath::OnFrame(void* const& context, const int& cameraId, unsigned char* const& image,
+                        const int& width, const int&, const int&) {
+    auto* const path = static_cast<FramePath*>(context);
+    if (path == nullptr || image == nullptr) {
+        return;
+    }
+    if (path->HandleFrame(cameraId, image, width) == Routed::Caught) {
+        KORVEX_LOG(kLog) << "end m_bSingleSnapColor=" << path->m_colorCatch.Armed();
+    }
+}
+
+const FramePath::Route* FramePath::FindRoute(int cameraId) {
+    const auto id = static_cast<std::size_t>(cameraId);
+    if (id >= m_routes.size() || !m_routes[id].packed) {
+        m_scanCounters.UnroutedFrame();
+        return nullptr;
+    }
+    return &m_routes[id];
+}
+
+Routed FramePath::HandleFrame(int cameraId, const unsigned char* raw, int width) {
+    os::CriticalSectionGuard frame(m_csFrame);
+    const Route* const route = FindRoute(cameraId);
+    if (route == nullptr) {
+        return Routed::Paired;
+    }
+    m_decoded.Clear();
+    if (!SplitPackedFrame(m_decoded, raw, route->width, route->height, m_imagePool)) {
+        m_scanCounters.UndecodableFrame();
+        return Routed::Paired;
+    }
+    m_decoded.key = raw[kKeyByte];
+    m_decoded.width = width;
+    if (m_decoded.images.size() == kMonoImages) {
+        const TriggerStarts::Run run = m_triggerStarts.Current();
+        m_decoded.colorExpected = run.givesColor;
+        m_scanCounters.MonoArrived(m_keys[route->slot].Take(m_decoded.key, run));
+    }
+    const Routed routed = RouteFrame(m_decoded, m_pairing, m_colorCatch, *this);
+    if (routed == Routed::Caught) {
+        m_scanCounters.ColorForSnapshot();
+    }
+    return routed;
+}
+
+void FramePath::Deliver(const std::vector<Image>& images, int width, int height,
+                        const std::vector<int>& channels, bool colorMissing) {
+    if (m_pScanCallBack == nullptr) {
+        m_scanCounters.SetWithoutCallback();
+        return;
+    }
+    const void* const context = m_pScanContext;
+    const InScanCallback mark(m_owner);
+    const auto begin = std::chrono::steady_clock::now();
+    const auto took = [&] { return std::chrono::steady_clock::now() - begin; };
+    try {
+        // Copies: what the application does to its vectors changes nothing here.
+        m_callbackImages.clear();
+        m_callbackImages.reserve(images.size());
+        for (const Image& image : images) {
+            m_callbackImages.push_back(image.Pixels());
+        }
+        m_callbackInfo.assign(channels.begin(), channels.end());
+        m_pScanCallBack(context, m_callbackImages, width, height, m_callbackInfo);
+        m_scanCounters.SetDelivered(took(), images.size() > kMonoImages, colorMissing);
+    } catch (...) {
+        m_scanCounters.SetThrown(took());
+        LOG(ERROR) << "a scan callback threw, or there was no memory to call it; its set is lost";
+    }
+}
+
+void FramePath::Lose(PairingLoss loss) {
+    if (loss == PairingLoss::ColorWithoutMono) {
+        m_scanCounters.ColorWithoutMono();
+    } else {
+        m_scanCounters.SetDropped();
+    }
+}
+
+RETSTATUS FramePath::SetScanCallBackFunction(ScanCallBackFunction callback, void* context) {
+    os::CriticalSectionGuard frame(m_csFrame);
+    m_pScanCallBack = callback;
+    m_pScanContext = context;
+    return STATUS_SUCCESS;
+}
+
+void FramePath::ReadStatistics(ScanStatistics& statistics) const {
+    m_scanCounters.Read(statistics);
+    statistics.framesAccepted = m_grabCounters->framesAccepted;
+    // The part before the whole, so that a snap that fails meanwhile leaves no part above it.
+    statistics.refusedFrames = m_grabCounters->refusedFrames;
+    statistics.failedSnaps = m_grabCounters->failedSnaps;
+    statistics.rejectedGeometry = m_grabCounters->rejectedGeometry;
+}
+
+}  // namespace Korvex3Sync
