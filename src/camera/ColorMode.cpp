@@ -9,7 +9,7 @@ namespace {
 struct Meaning {
     int mode;
     int callbackChannels;
-    int bytesPerPixel;
+    int splitChannels;
     bool color;
 };
 
@@ -35,18 +35,12 @@ int CallbackChannels(zr3DCamera::ZR_IMG_FORMAT mode) {
     return MeaningOf(mode).callbackChannels;
 }
 
-int BytesPerPixel(zr3DCamera::ZR_IMG_FORMAT mode) {
-    return MeaningOf(mode).bytesPerPixel;
-}
-
 bool IsColorCamera(zr3DCamera::ZR_IMG_FORMAT mode) {
     return MeaningOf(mode).color;
 }
 
 int SplitChannels(int format) {
-    // A split image counts a channel for each byte of a pixel, also where the callback is told
-    // less.
-    return MeaningOf(format).bytesPerPixel;
+    return MeaningOf(format).splitChannels;
 }
 
 }  // namespace Korvex3Sync

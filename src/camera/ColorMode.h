@@ -8,8 +8,6 @@ namespace Korvex3Sync {
 
 /// Channels that the frame callback is told.
 int CallbackChannels(zr3DCamera::ZR_IMG_FORMAT mode);
-/// Bytes of a pixel, for the frame size of an opened camera.
-int BytesPerPixel(zr3DCamera::ZR_IMG_FORMAT mode);
 /// Whether discovery lists the camera as a colour camera.
 bool IsColorCamera(zr3DCamera::ZR_IMG_FORMAT mode);
 /// Channels of an image that was split from a packed frame, by its format.

@@ -19,11 +19,6 @@ constexpr std::chrono::milliseconds kSnapLimit{100};
 constexpr int kSizeBound = 2001;
 constexpr int kMostChannels = 3;
 
-/// Failed snaps in a row after which the count starts anew.
-int FailureLimit(zr3DCamera::ZR_IMG_FORMAT mode) {
-    return static_cast<int>(mode) == 1 || static_cast<int>(mode) == 2 ? 600 : 200;
-}
-
 }  // namespace
 
 void CPhysicalCameraThread::GrabLoop() {
@@ -33,14 +28,13 @@ void CPhysicalCameraThread::GrabLoop() {
         os::CriticalSectionGuard snap(m_csSnap);
         zr3DCamera::GetColorMode(m_camera, mode);
     }
-    int failures = 0;
     while (m_bRun) {
         bool hasCamera = false;
         {
             PauseLockGuard pause(m_csPause);
             os::CriticalSectionGuard snap(m_csSnap);
             hasCamera = m_camera != nullptr;
-            failures = SnapOnce(mode) ? 0 : failures + 1;
+            SnapOnce(mode);
         }
         if (m_bYield) {
             os::SleepFor(kYieldTime);
@@ -48,24 +42,19 @@ void CPhysicalCameraThread::GrabLoop() {
         if (!hasCamera) {
             m_stopped.Wait(kSnapLimit);
         }
-        if (failures > FailureLimit(mode)) {
-            failures = 0;
-        }
     }
     KORVEX_LOG(kLog) << "CPhysicalCameraThread::ThreadFun exit";
 }
 
-bool CPhysicalCameraThread::SnapOnce(zr3DCamera::ZR_IMG_FORMAT mode) {
+void CPhysicalCameraThread::SnapOnce(zr3DCamera::ZR_IMG_FORMAT mode) {
     const int result = m_camera != nullptr ? zr3DCamera::SnapShot(m_camera, m_image) : -1;
     if (result == 0 && m_image != nullptr) {
         int width = 0;
         int height = 0;
         zr3DCamera::GetResolution(m_camera, width, height);
         Dispatch(width, height, CallbackChannels(mode));
-        m_lastSnapGood = true;
-        return true;
+        return;
     }
-    m_lastSnapGood = false;
     ++m_counters->failedSnaps;
     if (result != 0 && m_image != nullptr) {
         // Without a camera the buffer is that of its last frame, which was taken.
@@ -74,10 +63,7 @@ bool CPhysicalCameraThread::SnapOnce(zr3DCamera::ZR_IMG_FORMAT mode) {
                          << "ret=" << result;
     }
     m_image = nullptr;
-    if (m_printSnapFailures) {
-        os::Print("Camera %d Snap Failed\n", m_cameraID);
-    }
-    return false;
+    os::Print("Camera %d Snap Failed\n", m_cameraID);
 }
 
 void CPhysicalCameraThread::Dispatch(int width, int height, int channels) {

@@ -9,37 +9,37 @@ constexpr zr3DCamera::CAMPARAM kOrderExposureGain{5};
 }  // namespace
 
 bool CPhysicalCameraThread::GetResolution(int& width, int& height) {
-    return m_camera != nullptr && zr3DCamera::GetResolution(m_camera, width, height) == 0;
+    return Camera() != nullptr && zr3DCamera::GetResolution(Camera(), width, height) == 0;
 }
 
 bool CPhysicalCameraThread::SetExposure(const long& time) {
-    if (m_camera == nullptr) {
+    if (Camera() == nullptr) {
         return false;
     }
     Yield yield(*this);
-    return zr3DCamera::SetExposureTime(m_camera, time) == 0;
+    return zr3DCamera::SetExposureTime(Camera(), time) == 0;
 }
 
 bool CPhysicalCameraThread::GetExposure(long& time) {
-    if (m_camera == nullptr) {
+    if (Camera() == nullptr) {
         return false;
     }
     Yield yield(*this);
-    zr3DCamera::GetExposureTime(m_camera, time);
+    zr3DCamera::GetExposureTime(Camera(), time);
     return true;
 }
 
 bool CPhysicalCameraThread::SetGain(int gain) {
-    if (m_camera == nullptr) {
+    if (Camera() == nullptr) {
         return false;
     }
     Yield yield(*this);
-    return zr3DCamera::SetGain(m_camera, gain) == 0;
+    return zr3DCamera::SetGain(Camera(), gain) == 0;
 }
 
 bool CPhysicalCameraThread::GetGain(int& gain) {
     int value = 0;
-    if (m_camera == nullptr || zr3DCamera::GetGain(m_camera, value) != 0) {
+    if (Camera() == nullptr || zr3DCamera::GetGain(Camera(), value) != 0) {
         return false;
     }
     gain = value;
@@ -47,20 +47,20 @@ bool CPhysicalCameraThread::GetGain(int& gain) {
 }
 
 bool CPhysicalCameraThread::SetCameraParam5(int value) {
-    if (m_camera == nullptr) {
+    if (Camera() == nullptr) {
         return false;
     }
     Yield yield(*this);
-    return zr3DCamera::SetCameraIntParam(m_camera, kOrderExposureGain, value);
+    return zr3DCamera::SetCameraIntParam(Camera(), kOrderExposureGain, value);
 }
 
 bool CPhysicalCameraThread::GetDeviceTotal(int& total) {
-    return m_camera != nullptr && zr3DCamera::GetDeviceTotal(m_camera, total) == 0;
+    return Camera() != nullptr && zr3DCamera::GetDeviceTotal(Camera(), total) == 0;
 }
 
 std::string CPhysicalCameraThread::GetSerial() {
     std::string serial;
-    if (zr3DCamera::GetSerialNo(m_camera, serial) != 0) {
+    if (zr3DCamera::GetSerialNo(Camera(), serial) != 0) {
         serial.clear();
     }
     return serial;
@@ -68,7 +68,7 @@ std::string CPhysicalCameraThread::GetSerial() {
 
 bool CPhysicalCameraThread::ResetCameraState() {
     KORVEX_LOG(kPhysicalCameraThreadLog) << "ResetCameraState 0";
-    const bool reset = zr3DCamera::ResetCameraState(m_camera);
+    const bool reset = zr3DCamera::ResetCameraState(Camera());
     KORVEX_LOG(kPhysicalCameraThreadLog) << "ResetCameraState ret=" << reset;
     return reset;
 }

@@ -2,13 +2,15 @@
 
 namespace Korvex3Sync {
 
-void PauseLock::Take(std::unique_lock<std::mutex>& lock) {
+void PauseLock::Take() {
     if (m_depth > 0 && m_owner == std::this_thread::get_id()) {
         ++m_depth;
         return;
     }
     const std::uint64_t ticket = m_nextTicket++;
-    m_changed.wait(lock, [&] { return m_depth == 0 && m_served == ticket; });
+    while (m_depth > 0 || m_served != ticket) {
+        m_changed.Wait(m_mutex);
+    }
     m_owner = std::this_thread::get_id();
     m_depth = 1;
 }
@@ -17,31 +19,40 @@ void PauseLock::GiveBack() {
     if (--m_depth == 0) {
         m_owner = {};
         ++m_served;
-        m_changed.notify_all();
+        m_changed.NotifyAll();
     }
 }
 
 void PauseLock::Enter() {
-    std::unique_lock lock(m_mutex);
-    Take(lock);
+    os::MutexGuard lock(m_mutex);
+    Take();
+}
+
+void PauseLock::EnterOrJoinPause() {
+    os::MutexGuard lock(m_mutex);
+    if (m_pauseHold) {
+        ++m_depth;
+    } else {
+        Take();
+    }
 }
 
 void PauseLock::Leave() {
-    std::lock_guard lock(m_mutex);
+    os::MutexGuard lock(m_mutex);
     GiveBack();
 }
 
 void PauseLock::BeginPause() {
-    std::unique_lock lock(m_mutex);
+    os::MutexGuard lock(m_mutex);
     if (m_pauseHold) {
         return;
     }
-    Take(lock);
+    Take();
     m_pauseHold = true;
 }
 
 void PauseLock::EndPause() {
-    std::lock_guard lock(m_mutex);
+    os::MutexGuard lock(m_mutex);
     if (m_pauseHold) {
         m_pauseHold = false;
         GiveBack();
@@ -49,7 +60,7 @@ void PauseLock::EndPause() {
 }
 
 bool PauseLock::Paused() const {
-    std::lock_guard lock(m_mutex);
+    os::MutexGuard lock(m_mutex);
     return m_pauseHold;
 }
 

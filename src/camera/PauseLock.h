@@ -1,11 +1,10 @@
 #pragma once
 
-#include <condition_variable>
 #include <cstdint>
-#include <mutex>
 #include <thread>
 
-#include "platform/os/ThreadSafety.h"
+#include "platform/os/Condition.h"
+#include "platform/os/CriticalSection.h"
 
 namespace Korvex3Sync {
 
@@ -18,6 +17,9 @@ namespace Korvex3Sync {
 class KORVEX_CAPABILITY("pause lock") PauseLock {
 public:
     void Enter() KORVEX_ACQUIRE();
+    /// As Enter; while a pause stands, whoever made it, lets the caller in at once. For those who
+    /// pause, never for a grab thread. The lock stays taken until this hold ends too.
+    void EnterOrJoinPause() KORVEX_ACQUIRE();
     /// Only for the thread that entered.
     void Leave() KORVEX_RELEASE();
 
@@ -28,16 +30,30 @@ public:
     bool Paused() const;
 
 private:
-    void Take(std::unique_lock<std::mutex>& lock);
-    void GiveBack();
+    void Take() KORVEX_REQUIRES(m_mutex);
+    void GiveBack() KORVEX_REQUIRES(m_mutex);
 
-    mutable std::mutex m_mutex;
-    std::condition_variable m_changed;
-    std::thread::id m_owner;
-    int m_depth = 0;
-    bool m_pauseHold = false;
-    std::uint64_t m_nextTicket = 0;
-    std::uint64_t m_served = 0;
+    mutable os::Mutex m_mutex;
+    os::Condition m_changed;
+    std::thread::id m_owner KORVEX_GUARDED_BY(m_mutex);
+    int m_depth KORVEX_GUARDED_BY(m_mutex) = 0;
+    bool m_pauseHold KORVEX_GUARDED_BY(m_mutex) = false;
+    std::uint64_t m_nextTicket KORVEX_GUARDED_BY(m_mutex) = 0;
+    std::uint64_t m_served KORVEX_GUARDED_BY(m_mutex) = 0;
+};
+
+/// Keeps the grab thread out for a scope: with a hold of its own, or with the pause that stands.
+class KORVEX_SCOPED_CAPABILITY PauseJoinGuard {
+public:
+    explicit PauseJoinGuard(PauseLock& lock) KORVEX_ACQUIRE(lock) : m_lock(lock) {
+        m_lock.EnterOrJoinPause();
+    }
+    ~PauseJoinGuard() KORVEX_RELEASE() { m_lock.Leave(); }
+    PauseJoinGuard(const PauseJoinGuard&) = delete;
+    PauseJoinGuard& operator=(const PauseJoinGuard&) = delete;
+
+private:
+    PauseLock& m_lock;
 };
 
 /// Holds a pause lock for a scope.

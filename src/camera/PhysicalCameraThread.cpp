@@ -1,9 +1,5 @@
 #include "camera/PhysicalCameraThread.h"
 
-#include <climits>
-#include <cstdint>
-
-#include "camera/ColorMode.h"
 #include "platform/os/Log.h"
 #include "platform/os/Print.h"
 
@@ -11,13 +7,6 @@ namespace Korvex3Sync {
 namespace {
 
 constexpr auto& kLog = kPhysicalCameraThreadLog;
-
-/// Bytes of a frame; 0 where a size is no size, or too large to be one.
-int FrameSize(int width, int height, int bytesPerPixel) {
-    const std::int64_t pixels = std::int64_t{width} * height;
-    const bool fits = width > 0 && height > 0 && pixels <= INT_MAX / bytesPerPixel;
-    return fits ? static_cast<int>(pixels) * bytesPerPixel : 0;
-}
 
 }  // namespace
 
@@ -27,10 +16,7 @@ CPhysicalCameraThread::CPhysicalCameraThread(PhysicalCameraThreadListener* liste
 CPhysicalCameraThread::~CPhysicalCameraThread() {
     KORVEX_LOG(kLog) << "~CPhysicalCameraThread 0";
     CloseCamera();
-    if (m_camera != nullptr) {
-        zr3DCamera::ReleaseCamera(m_camera);
-        m_camera = nullptr;
-    }
+    DestroyInstance();
     KORVEX_LOG(kLog) << "~CPhysicalCameraThread 1";
     {
         // Nobody may be inside either lock when it goes.
@@ -44,10 +30,12 @@ bool CPhysicalCameraThread::InializeCamera(const char* const& devId) {
     int result = -1;
     if (devId != nullptr) {
         KORVEX_LOG(kLog) << "InializeCamera devId=" << devId;
+        const PauseJoinGuard pause(m_csPause);
         result = zr3DCamera::CreateCamera(m_camera, devId);
     } else {
         KORVEX_LOG(kLog) << "InializeCamera ";
         if (m_serial.size() >= 3) {
+            const PauseJoinGuard pause(m_csPause);
             result = zr3DCamera::CreateCamera(m_camera, m_serial.c_str());
         }
     }
@@ -55,12 +43,17 @@ bool CPhysicalCameraThread::InializeCamera(const char* const& devId) {
     return result == 0;
 }
 
-bool CPhysicalCameraThread::ReleaseCamera() {
-    KORVEX_LOG(kLog) << "ReleaseCamera 0";
+void CPhysicalCameraThread::DestroyInstance() {
+    const PauseJoinGuard pause(m_csPause);
     if (m_camera != nullptr) {
         zr3DCamera::ReleaseCamera(m_camera);
         m_camera = nullptr;
     }
+}
+
+bool CPhysicalCameraThread::ReleaseCamera() {
+    KORVEX_LOG(kLog) << "ReleaseCamera 0";
+    DestroyInstance();
     KORVEX_LOG(kLog) << "ReleaseCamera 1";
     return true;
 }
@@ -74,13 +67,12 @@ bool CPhysicalCameraThread::OpenCamera(const char* const& serial, const int& wid
     if (m_bOpen) {
         CloseCamera();
     }
-    if (zr3DCamera::OpenCamera(m_camera, serial, width, height) != 0) {
+    if (zr3DCamera::OpenCamera(Camera(), serial, width, height) != 0) {
         KORVEX_LOG(kLog) << "OpenCamera failed";
         return false;
     }
     zr3DCamera::ZR_IMG_FORMAT mode{};
-    const bool modeKnown = zr3DCamera::GetColorMode(m_camera, mode) == 0;
-    m_frameSize = modeKnown ? FrameSize(width, height, BytesPerPixel(mode)) : 0;
+    zr3DCamera::GetColorMode(Camera(), mode);  // every open asks; the grab thread asks for itself
     m_bOpen = true;
     m_serial = serial != nullptr ? serial : "";
     m_width = width;
@@ -90,18 +82,18 @@ bool CPhysicalCameraThread::OpenCamera(const char* const& serial, const int& wid
 }
 
 bool CPhysicalCameraThread::ReOpenCamera() {
-    if (m_camera == nullptr) {
+    if (Camera() == nullptr) {
         return false;
     }
-    KORVEX_LOG(kLog) << "ReOpenCamera m_camera=" << m_camera;
-    zr3DCamera::CloseCamera(m_camera);
-    const int opened = zr3DCamera::OpenCamera(m_camera, m_serial.c_str(), m_width, m_height);
+    KORVEX_LOG(kLog) << "ReOpenCamera m_camera=" << Camera();
+    zr3DCamera::CloseCamera(Camera());
+    const int opened = zr3DCamera::OpenCamera(Camera(), m_serial.c_str(), m_width, m_height);
     KORVEX_LOG(kLog) << "ReOpenCamera nRet=" << opened;
     if (opened != 0) {
         return false;
     }
     int deviceType = 0;
-    const bool known = zr3DCamera::GetDeviceType(m_camera, deviceType);
+    const bool known = zr3DCamera::GetDeviceType(Camera(), deviceType);
     KORVEX_LOG(kLog) << "ReOpenCamera ret= " << known << "deviceType= " << deviceType;
     if (!known || deviceType <= 0) {
         KORVEX_LOG(kLog) << "ReOpenCamera failed";
@@ -113,14 +105,13 @@ bool CPhysicalCameraThread::ReOpenCamera() {
 bool CPhysicalCameraThread::CloseCamera() {
     KORVEX_LOG(kLog) << "Call Function CPhysicalCameraThread::CloseCamera() CloseCamera 0";
     StopThread();
-    if (m_camera != nullptr && m_bOpen) {
-        zr3DCamera::CloseCamera(m_camera);
+    if (Camera() != nullptr && m_bOpen) {
+        zr3DCamera::CloseCamera(Camera());
     }
     KORVEX_LOG(kLog) << "CloseCamera 1";
-    m_frameSize = 0;
     m_bOpen = false;
-    m_image = nullptr;
     PauseLockGuard pause(m_csPause);
+    m_image = nullptr;
     m_callback = nullptr;
     m_callbackContext = nullptr;
     return true;
@@ -128,13 +119,13 @@ bool CPhysicalCameraThread::CloseCamera() {
 
 bool CPhysicalCameraThread::StartCamera() {
     KORVEX_LOG(kLog) << "StartCamera ";
-    const bool started = zr3DCamera::StartCamera(m_camera, 0.0) == 0;
+    const bool started = zr3DCamera::StartCamera(Camera(), 0.0) == 0;
     KORVEX_LOG(kLog) << (started ? "StartCamera ok" : "StartCamera failed");
     return started;
 }
 
 void CPhysicalCameraThread::SetCameraID(int id) {
-    if (m_camera == nullptr) {
+    if (Camera() == nullptr) {
         return;
     }
     m_cameraID = id;

@@ -27,9 +27,10 @@ using CameraFrameCallback = void (*)(void* const& context, const int& cameraId,
 /// the pause lock and, inside it, the snap lock for a whole iteration, callback included.
 ///
 /// Who touches what: the owner (one caller at a time, under the manager's device lock) opens,
-/// closes, pauses and sets parameters; it changes the camera handle, the size and the callback only
-/// while the grab thread does not run or is paused. The grab thread reads these and owns the image
-/// pointer. Flags that both read are atomic.
+/// closes, pauses and sets parameters. The pause lock guards what it shares with the grab thread:
+/// the camera handle, the image and the callback. The owner alone changes the handle, with the
+/// pause lock or while a pause stands, and therefore reads it without. Camera id and counters are
+/// set before the grab thread starts. Flags that both read are atomic.
 ///
 /// Lock order: pause lock, then snap lock. Nothing is thrown; results are bool.
 class CPhysicalCameraThread {
@@ -93,28 +94,28 @@ private:
     class Yield;
 
     void GrabLoop();
-    bool SnapOnce(zr3DCamera::ZR_IMG_FORMAT mode) KORVEX_REQUIRES(m_csPause, m_csSnap);
+    /// The camera handle, for the owner: nobody else changes it.
+    void* Camera() const KORVEX_NO_THREAD_SAFETY_ANALYSIS { return m_camera; }
+    void DestroyInstance();
+    void SnapOnce(zr3DCamera::ZR_IMG_FORMAT mode) KORVEX_REQUIRES(m_csPause, m_csSnap);
     void Dispatch(int width, int height, int channels) KORVEX_REQUIRES(m_csPause, m_csSnap);
 
     os::CriticalSection m_csSnap;
     PauseLock m_csPause;
-    void* m_camera = nullptr;
+    void* m_camera KORVEX_GUARDED_BY(m_csPause) = nullptr;
     std::atomic<bool> m_bRun{false};
     bool m_bOpen = false;
-    [[maybe_unused]] int m_frameSize = 0;  // bytes
     os::Thread m_hThread;
     os::Event m_stopped;
     std::atomic<bool> m_bYield{false};
-    unsigned char* m_image = nullptr;
+    unsigned char* m_image KORVEX_GUARDED_BY(m_csPause) = nullptr;  // of the last snap
     std::string m_serial;
     int m_width = 0;
     int m_height = 0;
     int m_cameraID = -1;
     int m_complexInfo = 1;
-    bool m_printSnapFailures = true;
     CameraFrameCallback m_callback KORVEX_GUARDED_BY(m_csPause) = nullptr;
     void* m_callbackContext KORVEX_GUARDED_BY(m_csPause) = nullptr;
-    std::atomic<bool> m_lastSnapGood{false};
     std::shared_ptr<GrabCounters> m_counters = std::make_shared<GrabCounters>();
     [[maybe_unused]] PhysicalCameraThreadListener* const m_listener;
 };

@@ -32,7 +32,7 @@ bool CPhysicalCameraThread::StopThread() {
         m_hThread.Join();
         KORVEX_LOG(kLog) << "WaitForSingleObject return";
         m_bYield = false;
-        zr3DCamera::UnlockOthers(m_camera);
+        zr3DCamera::UnlockOthers(Camera());
     }
     KORVEX_LOG(kLog) << "StopThread end";
     return true;
@@ -52,7 +52,6 @@ void CPhysicalCameraThread::ResumeThread() {
     KORVEX_LOG(kLog) << "ResumeThread m_hThread=" << m_hThread.Handle()
                      << "m_bPaused=" << m_csPause.Paused();
     if (m_hThread.Started() && m_csPause.Paused()) {
-        m_lastSnapGood = false;
         Yield yield(*this);
         m_csPause.EndPause();
     }

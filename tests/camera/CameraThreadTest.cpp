@@ -248,6 +248,18 @@ TEST_F(CameraThread, APauseThatAnotherThreadMadeIsEndedBeforeDestruction) {
     EXPECT_TRUE(m_camera.StopThread());
 }
 
+TEST_F(CameraThread, TheInstanceOfACameraThatAnotherThreadPausedCanBeReplaced) {
+    Open();
+    ASSERT_TRUE(m_camera.StartThread());
+    std::thread([&] { m_camera.PauseThread(); }).join();
+    EXPECT_TRUE(m_camera.ReleaseCamera());
+    EXPECT_TRUE(m_camera.InializeCamera(nullptr));
+    EXPECT_TRUE(m_camera.ReOpenCamera());
+    m_camera.ResumeThread();
+    Push(1);
+    EXPECT_TRUE(m_frames.WaitFor(1));
+}
+
 TEST_F(CameraThread, StopEndsWithinOneSnapAndUnlocksTheOthers) {
     Open();
     ASSERT_TRUE(m_camera.StartThread());

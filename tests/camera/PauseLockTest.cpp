@@ -84,6 +84,41 @@ TEST(PauseLock, ThePausingThreadMayEnterAgain) {
     EXPECT_TRUE(other.ComesIn());
 }
 
+TEST(PauseLock, TheOwnersSideJoinsAPauseThatAnotherThreadMade) {
+    PauseLock lock;
+    os::Event paused;
+    os::Event end;
+    std::thread pauser([&] {
+        lock.BeginPause();
+        paused.Set();
+        end.Wait();  // a thread that ends may give its id to the next one
+    });
+    paused.Wait();
+    lock.EnterOrJoinPause();
+    lock.EndPause();
+    Entrant grab(lock);
+    EXPECT_TRUE(grab.StaysOutside()) << "the joined hold outlasts the pause";
+    lock.Leave();
+    EXPECT_TRUE(grab.ComesIn());
+    end.Set();
+    pauser.join();
+}
+
+TEST(PauseLock, WithoutAPauseTheOwnersSideWaitsForItsTurn) {
+    PauseLock lock;
+    os::Event entered;
+    lock.Enter();
+    std::thread owner([&] {
+        lock.EnterOrJoinPause();
+        entered.Set();
+        lock.Leave();
+    });
+    EXPECT_EQ(entered.Wait(100ms), os::WaitResult::TimedOut);
+    lock.Leave();
+    owner.join();
+    EXPECT_TRUE(entered.IsSet());
+}
+
 TEST(PauseLock, AThreadThatEntersBackToBackCannotKeepAPauseOut) {
     constexpr int kRounds = 20;
     PauseLock lock;
