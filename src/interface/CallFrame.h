@@ -36,7 +36,7 @@ RETSTATUS NoThrow(Call&& call) {
 }
 
 // Where an export goes, by what it does in service mode. A direct operation takes an IManagerSync&
-// first (or is a member of it), a client operation a zr3DHandiSyncQT&.
+// first, or is a member of it or of one of its parts; a client operation takes a zr3DHandiSyncQT&.
 
 /// An operation that the service client does not have yet: 5.
 struct NoClientOperation {
@@ -83,6 +83,33 @@ RETSTATUS ServiceCall(const Client& client, Args&&... args) {
     return NoThrow([&] { return std::invoke(client, *service, std::forward<Args>(args)...); });
 }
 
+// What a direct operation is called on: the part that it is a member of, else the manager.
+
+template <class Operation>
+IManagerSync& TargetOf(Operation, IManagerSync& manager) {
+    return manager;
+}
+template <class Function>
+BoardSession& TargetOf(Function BoardSession::*, IManagerSync& manager) {
+    return manager.Board();
+}
+template <class Function>
+CameraSet& TargetOf(Function CameraSet::*, IManagerSync& manager) {
+    return manager.Cameras();
+}
+template <class Function>
+FramePath& TargetOf(Function FramePath::*, IManagerSync& manager) {
+    return manager.Frames();
+}
+template <class Function>
+StatusPoller& TargetOf(Function StatusPoller::*, IManagerSync& manager) {
+    return manager.Status();
+}
+template <class Function>
+ColorSnapshot& TargetOf(Function ColorSnapshot::*, IManagerSync& manager) {
+    return manager.Snapshots();
+}
+
 /// A call inside a live connection: 6 for any other handle.
 template <class Direct, class... Args>
 RETSTATUS DirectCall(const Direct& direct, void* handle, Args&&... args) {
@@ -90,8 +117,9 @@ RETSTATUS DirectCall(const Direct& direct, void* handle, Args&&... args) {
     if (!inside) {
         return STATUS_NOT_CONNECTED;
     }
-    return NoThrow(
-        [&] { return std::invoke(direct, inside.Manager(), std::forward<Args>(args)...); });
+    return NoThrow([&] {
+        return std::invoke(direct, TargetOf(direct, inside.Manager()), std::forward<Args>(args)...);
+    });
 }
 
 template <class Direct, class Client, class... Args>

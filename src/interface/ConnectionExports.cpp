@@ -28,9 +28,9 @@ void EndTemporary(std::unique_ptr<Connection> connection) {
 
 RETSTATUS QueryFirmware(void* handle, const char* projectorId, std::string& version) {
     if (handle == nullptr) {
-        return IManagerSync().GetFirewareVersion(projectorId, version);
+        return IManagerSync().Board().GetFirewareVersion(projectorId, version);
     }
-    return DirectCall(&IManagerSync::GetFirewareVersion, handle, projectorId, version);
+    return DirectCall(&BoardSession::GetFirewareVersion, handle, projectorId, version);
 }
 
 }  // namespace
@@ -89,7 +89,7 @@ RETSTATUS DisConnectDevice(void*& handle) {
 }
 
 RETSTATUS CloseDeviceCamera(void* const& handle) {
-    return ExportCall(Standard{&IManagerSync::ReleaseCamera}, "CloseDeviceCamera", handle);
+    return ExportCall(Standard{&CameraSet::ReleaseCamera}, "CloseDeviceCamera", handle);
 }
 
 RETSTATUS ReconnectDevice(void* const& handle) {
@@ -102,11 +102,11 @@ RETSTATUS ReconnectDevice(void* const& handle) {
 RETSTATUS ReconnectDevice(void* const& handle, const bool& first, const bool& second) {
     LogEnter("ReconnectDevice");
     if (handle != nullptr) {
-        return DirectCall(&IManagerSync::ResetBoard, handle, first, second);
+        return DirectCall(&BoardSession::ResetBoard, handle, first, second);
     }
     return NoThrow([&] {
         auto temporary = std::make_unique<Connection>();
-        const RETSTATUS status = temporary->manager.ResetBoard(first, second);
+        const RETSTATUS status = temporary->manager.Board().ResetBoard(first, second);
         EndTemporary(std::move(temporary));
         return status;
     });
@@ -153,17 +153,17 @@ RETSTATUS GetFirewareVersion(void* handle, const char* deviceType, const char* p
 
 RETSTATUS WriteUserInfomation(void* const& handle, const int& address, const char* data,
                               const int& length) {
-    return ExportCall(Standard{&IManagerSync::WriteUserInfomation}, "WriteUserInfomation", handle,
+    return ExportCall(Standard{&BoardSession::WriteUserInfomation}, "WriteUserInfomation", handle,
                       address, data, length);
 }
 
 RETSTATUS ReadUserInfomation(void* const& handle, const int& address, char*& data) {
-    return ExportCall(Standard{&IManagerSync::ReadUserInfomation}, "ReadUserInfomation", handle,
+    return ExportCall(Standard{&BoardSession::ReadUserInfomation}, "ReadUserInfomation", handle,
                       address, data);
 }
 
 RETSTATUS EnableHeartbeat(void* const& handle, bool& enable) {
-    return ExportCall(Standard{&IManagerSync::EnableHeartbeat}, "EnableHeartbeat", handle, enable);
+    return ExportCall(Standard{&BoardSession::EnableHeartbeat}, "EnableHeartbeat", handle, enable);
 }
 
 }  // namespace Korvex3Sync

@@ -1,7 +1,7 @@
 #include "Korvex3Sync/Discovery.h"
-#include "camera/Usb3Check.h"
 #include "camera/discovery/CameraDiscovery.h"
 #include "interface/CallFrame.h"
+#include "sync/board/Usb3Check.h"
 
 namespace Korvex3Sync {
 namespace {

@@ -6,27 +6,27 @@ namespace Korvex3Sync {
 
 RETSTATUS SetScanCallBackFunction(void* const& handle, ScanCallBackFunction callback,
                                   void* context) {
-    return ExportCall(Standard{&IManagerSync::SetScanCallBackFunction}, "SetScanCallBackFunction",
+    return ExportCall(Standard{&FramePath::SetScanCallBackFunction}, "SetScanCallBackFunction",
                       handle, callback, context);
 }
 
 RETSTATUS SetStatusCallBackFunction(void* const& handle, StatusCallBackFunction callback,
                                     void* context) {
-    return ExportCall(Standard{&IManagerSync::SetStatusCallBackFunction},
+    return ExportCall(Standard{&StatusPoller::SetStatusCallBackFunction},
                       "SetStatusCallBackFunction", handle, callback, context);
 }
 
 RETSTATUS SnapColorImage(void* const& handle, std::vector<unsigned char*>& images, int& width,
                          int& height, const int& cameraIndex, double& exposure, int& gain,
                          const CONTROLROUTE& route) {
-    return ExportCall(Standard{&IManagerSync::SnapColorImage}, "SnapColorImage", handle, images,
+    return ExportCall(Standard{&ColorSnapshot::SnapColorImage}, "SnapColorImage", handle, images,
                       width, height, cameraIndex, exposure, gain, route);
 }
 
 RETSTATUS SnapColorImageForIR(void* const& handle, std::vector<unsigned char*>& images, int& width,
                               int& height, const int& cameraIndex, std::vector<double>& exposures,
                               std::vector<int>& gains, const CONTROLROUTE& route) {
-    return ExportCall(AlwaysDirect{&IManagerSync::SnapColorImageForIR}, "SnapColorImageForIR",
+    return ExportCall(AlwaysDirect{&ColorSnapshot::SnapColorImageForIR}, "SnapColorImageForIR",
                       handle, images, width, height, cameraIndex, exposures, gains, route);
 }
 

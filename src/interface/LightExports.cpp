@@ -5,140 +5,140 @@
 namespace Korvex3Sync {
 
 RETSTATUS Project(void* const& handle, const PROJECTWORKTYPES& type) {
-    return ExportCall(Standard{&IManagerSync::Project}, "Project", handle, type);
+    return ExportCall(Standard{&BoardSession::Project}, "Project", handle, type);
 }
 
 RETSTATUS SetProjectorBrightness(void* const& handle, const int& brightness) {
-    return ExportCall(Standard{&IManagerSync::SetProjectorBrightness}, "SetProjectorBrightness",
+    return ExportCall(Standard{&BoardSession::SetProjectorBrightness}, "SetProjectorBrightness",
                       handle, brightness);
 }
 
 RETSTATUS GetProjectorBrightness(void* const& handle, int& brightness) {
-    return ExportCall(Standard{&IManagerSync::GetProjectorBrightness}, "GetProjectorBrightness",
+    return ExportCall(Standard{&BoardSession::GetProjectorBrightness}, "GetProjectorBrightness",
                       handle, brightness);
 }
 
 RETSTATUS EnableBlueLaser(void* const& handle, const LASERWORKMODE& mode, const bool& enable) {
-    return ExportCall(Standard{&IManagerSync::EnableBlueLaser}, "EnableBlueLaser", handle, mode,
+    return ExportCall(Standard{&BoardSession::EnableBlueLaser}, "EnableBlueLaser", handle, mode,
                       enable);
 }
 
 RETSTATUS EnableIRLaser(void* const& handle, const bool& enable) {
-    return ExportCall(Standard{&IManagerSync::EnableIRLaser}, "EnableIRLaser", handle, enable);
+    return ExportCall(Standard{&BoardSession::EnableIRLaser}, "EnableIRLaser", handle, enable);
 }
 
 RETSTATUS SetIRLaserBrightnessLevel(void* const& handle, const int& level) {
-    return ExportCall(DirectOnly{&IManagerSync::SetIRLaserBrightnessLevel},
+    return ExportCall(DirectOnly{&BoardSession::SetIRLaserBrightnessLevel},
                       "SetIRLaserBrightnessLevel", handle, level);
 }
 
 RETSTATUS SetStrobeControlledByTrigger(void* const& handle, const CONTROLROUTE& route,
                                        const STROBE_STATE& state) {
-    return ExportCall(Standard{&IManagerSync::SetStrobeControlledByTrigger},
+    return ExportCall(Standard{&BoardSession::SetStrobeControlledByTrigger},
                       "SetStrobeControlledByTrigger", handle, route, state);
 }
 
 RETSTATUS SetStrobeDutioRatio(void* const& handle, const int& textureRatio, const int& ratio,
                               const int& ratioWithTexture) {
-    return ExportCall(Standard{&IManagerSync::SetStrobeDutioRatio}, "SetStrobeDutioRatio", handle,
+    return ExportCall(Standard{&BoardSession::SetStrobeDutioRatio}, "SetStrobeDutioRatio", handle,
                       textureRatio, ratio, ratioWithTexture);
 }
 
 RETSTATUS GetStrobeDutioRatio(void* const& handle, int& textureRatio, int& ratio,
                               int& ratioWithTexture) {
-    return ExportCall(Standard{&IManagerSync::GetStrobeDutioRatio}, "GetStrobeDutioRatio", handle,
+    return ExportCall(Standard{&BoardSession::GetStrobeDutioRatio}, "GetStrobeDutioRatio", handle,
                       textureRatio, ratio, ratioWithTexture);
 }
 
 RETSTATUS SetLaserLineDutioRatio(void* const& handle, const int& ratio) {
-    return ExportCall(Standard{&IManagerSync::SetLaserLineDutioRatio}, "SetLaserLineDutioRatio",
+    return ExportCall(Standard{&BoardSession::SetLaserLineDutioRatio}, "SetLaserLineDutioRatio",
                       handle, ratio);
 }
 
 RETSTATUS GetLaserLineDutioRatio(void* const& handle, int& ratio) {
-    return ExportCall(Standard{&IManagerSync::GetLaserLineDutioRatio}, "GetLaserLineDutioRatio",
+    return ExportCall(Standard{&BoardSession::GetLaserLineDutioRatio}, "GetLaserLineDutioRatio",
                       handle, ratio);
 }
 
 RETSTATUS SetProjectDutioRatio(void* const& handle, const int& ratio) {
-    return ExportCall(Standard{&IManagerSync::SetProjectDutioRatio}, "SetProjectDutioRatio", handle,
+    return ExportCall(Standard{&BoardSession::SetProjectDutioRatio}, "SetProjectDutioRatio", handle,
                       ratio);
 }
 
 RETSTATUS GetProjectDutioRatio(void* const& handle, int& ratio) {
-    return ExportCall(Standard{&IManagerSync::GetProjectDutioRatio}, "GetProjectDutioRatio", handle,
+    return ExportCall(Standard{&BoardSession::GetProjectDutioRatio}, "GetProjectDutioRatio", handle,
                       ratio);
 }
 
 RETSTATUS SetIRLaserDutioRatio(void* const& handle, const int& ratio) {
-    return ExportCall(Standard{&IManagerSync::SetIRLaserDutioRatio}, "SetIRLaserDutioRatio", handle,
+    return ExportCall(Standard{&BoardSession::SetIRLaserDutioRatio}, "SetIRLaserDutioRatio", handle,
                       ratio);
 }
 
 RETSTATUS GetIRLaserDutioRatio(void* const& handle, int& ratio) {
-    return ExportCall(Standard{&IManagerSync::GetIRLaserDutioRatio}, "GetIRLaserDutioRatio", handle,
+    return ExportCall(Standard{&BoardSession::GetIRLaserDutioRatio}, "GetIRLaserDutioRatio", handle,
                       ratio);
 }
 
 RETSTATUS SetStrobeWorkTime(void* const& handle, const int& timeWithTexture, const int& time) {
-    return ExportCall(DirectOnly{&IManagerSync::SetStrobeWorkTime}, "SetStrobeWorkTime", handle,
+    return ExportCall(DirectOnly{&BoardSession::SetStrobeWorkTime}, "SetStrobeWorkTime", handle,
                       timeWithTexture, time);
 }
 
 RETSTATUS GetStrobeWorkTime(void* const& handle, int& timeWithTexture, int& time) {
-    return ExportCall(DirectOnly{&IManagerSync::GetStrobeWorkTime}, "GetStrobeWorkTime", handle,
+    return ExportCall(DirectOnly{&BoardSession::GetStrobeWorkTime}, "GetStrobeWorkTime", handle,
                       timeWithTexture, time);
 }
 
 RETSTATUS SetLaserLineWorkTime(void* const& handle, const int& time) {
-    return ExportCall(DirectOnly{&IManagerSync::SetLaserLineWorkTime}, "SetLaserLineWorkTime",
+    return ExportCall(DirectOnly{&BoardSession::SetLaserLineWorkTime}, "SetLaserLineWorkTime",
                       handle, time);
 }
 
 RETSTATUS GetLaserLineWorkTime(void* const& handle, int& time) {
-    return ExportCall(DirectOnly{&IManagerSync::GetLaserLineWorkTime}, "GetLaserLineWorkTime",
+    return ExportCall(DirectOnly{&BoardSession::GetLaserLineWorkTime}, "GetLaserLineWorkTime",
                       handle, time);
 }
 
 RETSTATUS SetProjectWorkTime(void* const& handle, const int& time) {
-    return ExportCall(DirectOnly{&IManagerSync::SetProjectWorkTime}, "SetProjectWorkTime", handle,
+    return ExportCall(DirectOnly{&BoardSession::SetProjectWorkTime}, "SetProjectWorkTime", handle,
                       time);
 }
 
 RETSTATUS GetProjectWorkTime(void* const& handle, int& time) {
-    return ExportCall(DirectOnly{&IManagerSync::GetProjectWorkTime}, "GetProjectWorkTime", handle,
+    return ExportCall(DirectOnly{&BoardSession::GetProjectWorkTime}, "GetProjectWorkTime", handle,
                       time);
 }
 
 RETSTATUS SetIRLaserWorkTime(void* const& handle, const int& time) {
-    return ExportCall(DirectOnly{&IManagerSync::SetIRLaserWorkTime}, "SetIRLaserWorkTime", handle,
+    return ExportCall(DirectOnly{&BoardSession::SetIRLaserWorkTime}, "SetIRLaserWorkTime", handle,
                       time);
 }
 
 RETSTATUS GetIRLaserWorkTime(void* const& handle, int& time) {
-    return ExportCall(DirectOnly{&IManagerSync::GetIRLaserWorkTime}, "GetIRLaserWorkTime", handle,
+    return ExportCall(DirectOnly{&BoardSession::GetIRLaserWorkTime}, "GetIRLaserWorkTime", handle,
                       time);
 }
 
 RETSTATUS SetVideoTriggerPeriod(void* const& handle, const int& period) {
-    return ExportCall(Standard{&IManagerSync::SetVideoTriggerPeriod}, "SetVideoTriggerPeriod",
+    return ExportCall(Standard{&BoardSession::SetVideoTriggerPeriod}, "SetVideoTriggerPeriod",
                       handle, period);
 }
 
 RETSTATUS GetVideoTriggerPeriod(void* const& handle, int& period) {
-    return ExportCall(Standard{&IManagerSync::GetVideoTriggerPeriod}, "GetVideoTriggerPeriod",
+    return ExportCall(Standard{&BoardSession::GetVideoTriggerPeriod}, "GetVideoTriggerPeriod",
                       handle, period);
 }
 
 RETSTATUS EnableVideoTrigger(void* const& handle, const CAMERA_TRIGGER_MODE& mode,
                              const bool& enable) {
-    return ExportCall(Standard{&IManagerSync::EnableVideoTrigger}, "EnableVideoTrigger", handle,
+    return ExportCall(Standard{&BoardSession::EnableVideoTrigger}, "EnableVideoTrigger", handle,
                       mode, enable);
 }
 
 RETSTATUS SetDistanceIndicate(void* const& handle, const DISTANCESTATUS& state) {
     const auto set = [](IManagerSync& manager, const DISTANCESTATUS& asked) {
-        const RETSTATUS status = manager.SetDistanceIndicate(asked);
+        const RETSTATUS status = manager.Board().SetDistanceIndicate(asked);
         KORVEX_LOG(kInterfaceLog) << "SetDistanceIndicate leave";
         return status;
     };

@@ -5,7 +5,7 @@
 namespace Korvex3Sync {
 
 RETSTATUS GetScanStatistics(void* const& handle, ScanStatistics& statistics) {
-    return ExportCall(DirectOnly{&IManagerSync::GetScanStatistics}, "GetScanStatistics", handle,
+    return ExportCall(DirectOnly{&FramePath::GetScanStatistics}, "GetScanStatistics", handle,
                       statistics);
 }
 

@@ -3,9 +3,7 @@
 #include <cstring>
 #include <memory>
 #include <new>
-#include <thread>
 
-#include "camera/Usb3Check.h"
 #include "camera/discovery/CameraDiscovery.h"
 #include "recorder/Recorder.h"
 #include "support/LogCapture.h"
@@ -171,64 +169,6 @@ TEST_F(Discovery, TheCountIsTheLibrarysTotal) {
     EXPECT_EQ(Count("KV00"), 2);
     EXPECT_TRUE(m_log.Has("PhysicalCameraThread: GetSpecifyTypeCameraCount tmpCameraNum=2"));
     EXPECT_EQ(Recorder::Get().Calls(), (Calls{"CreateCamera(KV00)", "GetDeviceTotal(C1)"}));
-}
-
-TEST_F(Discovery, TheFirstBoardDecidesTheUsbSpeed) {
-    const std::string fast = "HCD[0]-HUB-UPT[4]-DEV";
-    const std::string slow = "HCD[0]-HUB-UPT[3]-DEV";
-    bool superSpeed = false;
-    Recorder::Get().SetUsbPaths({fast, slow});
-    EXPECT_TRUE(FindBoardUsbSpeed(superSpeed));
-    EXPECT_TRUE(superSpeed);
-    Recorder::Get().SetUsbPaths({slow, fast});
-    EXPECT_TRUE(FindBoardUsbSpeed(superSpeed));
-    EXPECT_FALSE(superSpeed);
-    EXPECT_TRUE(m_log.Has("KorvexSyncControl: " + slow));
-    EXPECT_EQ(Recorder::Get().Calls(),
-              (Calls{"EnumAllHCD()", "GetSpecifyDeviceTreePath(12903, 22354)", "EraseList()",
-                     "EnumAllHCD()", "GetSpecifyDeviceTreePath(12903, 22354)", "EraseList()"}));
-}
-
-TEST_F(Discovery, TheSpeedMayStandAnywhereInThePath) {
-    for (const char* path : {"UPT[4]-DEV", "UPT[4]-DEV-more", "HCD-UPT[4]-DEV-HUB-UPT[3]"}) {
-        Recorder::Get().SetUsbPaths({path});
-        bool superSpeed = false;
-        EXPECT_TRUE(FindBoardUsbSpeed(superSpeed));
-        EXPECT_TRUE(superSpeed) << path;
-    }
-    for (const char* path : {"", "UPT[4]", "UPT[5]-DEV", "upt[4]-dev"}) {
-        Recorder::Get().SetUsbPaths({path});
-        bool superSpeed = true;
-        EXPECT_TRUE(FindBoardUsbSpeed(superSpeed));
-        EXPECT_FALSE(superSpeed) << path;
-    }
-}
-
-TEST_F(Discovery, OneCallersUsbTreeIsNeverErasedByAnother) {
-    Recorder::Get().SetUsbPaths({"UPT[4]-DEV"});
-    const auto ask = [] {
-        for (int i = 0; i < 200; ++i) {
-            bool superSpeed = false;
-            FindBoardUsbSpeed(superSpeed);
-        }
-    };
-    std::thread other(ask);
-    ask();
-    other.join();
-    // Whoever asks builds, looks up and frees before the next begins.
-    std::vector<std::string> calls = Recorder::Get().CallsInOrder();
-    ASSERT_EQ(calls.size(), 1200u);
-    for (std::size_t i = 0; i < calls.size(); i += 3) {
-        ASSERT_EQ(calls[i], "EnumAllHCD()");
-        ASSERT_EQ(calls[i + 2], "EraseList()");
-    }
-}
-
-TEST_F(Discovery, WithoutABoardTheUsbAnswerIsUntouched) {
-    bool superSpeed = true;
-    EXPECT_FALSE(FindBoardUsbSpeed(superSpeed));
-    EXPECT_TRUE(superSpeed);
-    EXPECT_TRUE(m_log.Has("KorvexSyncControl: IsConnectedOnU3 Fail!"));
 }
 
 }  // namespace

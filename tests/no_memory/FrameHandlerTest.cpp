@@ -23,8 +23,9 @@ protected:
     ScanWithoutMemory() {
         Recorder::Get().Reset();
         EXPECT_EQ(ConnectRecorded(m_manager), STATUS_SUCCESS);
-        EXPECT_EQ(m_manager.EnableVideoTrigger(TRIGGER_LASER_LINES_COLOR, true), STATUS_SUCCESS);
-        m_manager.SetScanCallBackFunction(&ScanWithoutMemory::Receive, this);
+        EXPECT_EQ(m_manager.Board().EnableVideoTrigger(TRIGGER_LASER_LINES_COLOR, true),
+                  STATUS_SUCCESS);
+        m_manager.Frames().SetScanCallBackFunction(&ScanWithoutMemory::Receive, this);
     }
     void Mono(unsigned char key) { Push(support::MonoFrame(kPixels, 10, 11, key)); }
     void Color(unsigned char key) { Push(support::ColorFrame(kPixels, 30, key)); }
@@ -32,7 +33,7 @@ protected:
     ScanStatistics Handled() {
         EXPECT_TRUE(Recorder::Get().WaitForHandled(m_pushed));
         ScanStatistics statistics;
-        EXPECT_EQ(m_manager.GetScanStatistics(statistics), STATUS_SUCCESS);
+        EXPECT_EQ(m_manager.Frames().GetScanStatistics(statistics), STATUS_SUCCESS);
         return statistics;
     }
 

@@ -159,7 +159,7 @@ TEST(FramePathWithoutMemory, LosesAndCountsTheFrameThatFindsNoneAndGoesOn) {
             failed = key == 0 ? failing.Failed() : failed;
         }
         ScanStatistics statistics;
-        path.ReadStatistics(statistics);
+        path.GetScanStatistics(statistics);
         EXPECT_EQ(statistics.undecodableFrames + statistics.setsDropped, failed ? 1u : 0u) << nth;
         EXPECT_EQ(statistics.missingKeys, statistics.undecodableFrames) << nth;
         EXPECT_EQ(support::AccountedTriggers(statistics), kFrames) << nth;

@@ -29,9 +29,8 @@ const std::string kHead = "src/virtual_head/";
 const std::vector<Arrows> kArrows{
     {kPublic, {}},
     {"src/interface/", {kPublic, "src/sync/", "src/camera/", kBoardHeader, kOs}},
-    {"src/sync/", {kPublic, "src/camera/", kBoardHeader, kOs}},
-    {"src/camera/",
-     {kPublic, "src/platform/include/zr3DCamera.h", "src/platform/include/USBTREE.h", kOs}},
+    {"src/sync/", {kPublic, "src/camera/", kBoardHeader, "src/platform/include/USBTREE.h", kOs}},
+    {"src/camera/", {kPublic, "src/platform/include/zr3DCamera.h", kOs}},
     {kHeaders, {}},
     {kOs, {}},
     // Report format and command codes: shared by the board's two ends, so free of both.

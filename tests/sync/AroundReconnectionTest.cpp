@@ -22,15 +22,15 @@ class AroundReconnection : public ReconnectedManager {};
 TEST_F(AroundReconnection, CamerasThatWereClosedStayClosedUntilAReconnection) {
     Connect();
     testing::internal::CaptureStdout();
-    EXPECT_EQ(m_manager->ReleaseCamera(), STATUS_SUCCESS);
+    EXPECT_EQ(m_manager->Cameras().ReleaseCamera(), STATUS_SUCCESS);
     EXPECT_THAT(testing::internal::GetCapturedStdout(),
                 testing::HasSubstr("ReInitializeCamera success\n"));
     EXPECT_TRUE(m_log.Has("ManagerSync: ReleaseCamera success"));
     EXPECT_EQ(Since(), Calls{"ReleaseCamera(C1)"});
     const auto snaps = Recorder::Get().Count("SnapShot");
-    EXPECT_EQ(m_manager->ReleaseCamera(), STATUS_SUCCESS) << "again";
+    EXPECT_EQ(m_manager->Cameras().ReleaseCamera(), STATUS_SUCCESS) << "again";
     EXPECT_EQ(Since(), Calls{"ReleaseCamera(C1)"});
-    EXPECT_EQ(m_manager->Project(PROJECT_OFF), STATUS_SUCCESS) << "the board is there";
+    EXPECT_EQ(m_manager->Board().Project(PROJECT_OFF), STATUS_SUCCESS) << "the board is there";
     EXPECT_EQ(Recorder::Get().Count("SnapShot"), snaps);
     std::thread([&] { EXPECT_EQ(Reconnect(), 0); }).join();  // not the thread that closed them
     EXPECT_EQ(Recorder::Get().Count("ReleaseCamera"), 1u) << "nothing was left to release";
@@ -39,7 +39,7 @@ TEST_F(AroundReconnection, CamerasThatWereClosedStayClosedUntilAReconnection) {
 
 TEST_F(AroundReconnection, ClosedCamerasDoNotKeepTheDestructor) {
     Connect();
-    std::thread([&] { m_manager->ReleaseCamera(); }).join();
+    std::thread([&] { m_manager->Cameras().ReleaseCamera(); }).join();
     m_manager.reset();
     EXPECT_EQ(Recorder::Get().Calls().back(), "zr3DExitHidDev(B1)");
 }
@@ -47,11 +47,11 @@ TEST_F(AroundReconnection, ClosedCamerasDoNotKeepTheDestructor) {
 TEST_F(AroundReconnection, ALostBoardStaysMarkedUntilAGoodPollButIsWrittenTo) {
     Connect();
     Recorder::Get().FailAlways("zr3DQueryCurrentStatus");
-    m_manager->SetStatusCallBackFunction(&IgnoreStatus, &m_frames);
+    m_manager->Status().SetStatusCallBackFunction(&IgnoreStatus, &m_frames);
     // The second poll from here begins only when the first has been judged.
     ASSERT_TRUE(Recorder::Get().WaitForCount("zr3DQueryCurrentStatus",
                                              Recorder::Get().Count("zr3DQueryCurrentStatus") + 2));
-    ASSERT_EQ(m_manager->Project(PROJECT_PATTERN_1), STATUS_FAILED);
+    ASSERT_EQ(m_manager->Board().Project(PROJECT_PATTERN_1), STATUS_FAILED);
     // The reconnection holds the device lock from the one call to the other: no poll sees it.
     Recorder::Get().OnCall("zr3DInitHidDev",
                            [] { Recorder::Get().FailAlways("zr3DQueryCurrentStatus", false); });
@@ -59,16 +59,16 @@ TEST_F(AroundReconnection, ALostBoardStaysMarkedUntilAGoodPollButIsWrittenTo) {
                            [] { Recorder::Get().FailAlways("zr3DQueryCurrentStatus"); });
     EXPECT_EQ(Reconnect(), 0);
     EXPECT_THAT(Since(), Contains("zr3DProject(B2, 1)"));
-    EXPECT_EQ(m_manager->Project(PROJECT_PATTERN_2), STATUS_FAILED);
+    EXPECT_EQ(m_manager->Board().Project(PROJECT_PATTERN_2), STATUS_FAILED);
     Recorder::Get().FailAlways("zr3DQueryCurrentStatus", false);
     const auto polls = Recorder::Get().Count("zr3DQueryCurrentStatus");
     ASSERT_TRUE(Recorder::Get().WaitForCount("zr3DQueryCurrentStatus", polls + 3));
-    EXPECT_EQ(m_manager->Project(PROJECT_PATTERN_2), STATUS_SUCCESS);
+    EXPECT_EQ(m_manager->Board().Project(PROJECT_PATTERN_2), STATUS_SUCCESS);
 }
 
 TEST_F(AroundReconnection, TheStatusThreadLeavesTheBoardAloneWhileItRestarts) {
     Connect();
-    m_manager->SetStatusCallBackFunction(&IgnoreStatus, &m_frames);
+    m_manager->Status().SetStatusCallBackFunction(&IgnoreStatus, &m_frames);
     const auto polls = [] {
         const Calls others = Recorder::Get().CallsOfOthers();
         return std::count_if(others.begin(), others.end(), [](const std::string& call) {
@@ -91,7 +91,7 @@ TEST_F(AroundReconnection, TheStatusThreadLeavesTheBoardAloneWhileItRestarts) {
 
 TEST_F(AroundReconnection, ASecondOneDoesNotWakeTheStatusThreadForTheFirst) {
     Connect();
-    m_manager->SetStatusCallBackFunction(&IgnoreStatus, &m_frames);
+    m_manager->Status().SetStatusCallBackFunction(&IgnoreStatus, &m_frames);
     bool inside = false;
     std::size_t before = 0;
     std::size_t after = 0;
@@ -120,31 +120,31 @@ TEST_F(AroundReconnection, AnOperationThatMeetsItWaitsForItsEnd) {
     Connect();
     std::future<RETSTATUS> operation;
     Recorder::Get().OnCall("zr3DInitHidDev", [&] {  // the board is closed just now
-        operation =
-            std::async(std::launch::async, [&] { return m_manager->SetLaserLineDutioRatio(77); });
+        operation = std::async(std::launch::async,
+                               [&] { return m_manager->Board().SetLaserLineDutioRatio(77); });
         EXPECT_EQ(operation.wait_for(std::chrono::milliseconds(100)), std::future_status::timeout);
     });
     EXPECT_EQ(Reconnect(), 0);
     EXPECT_EQ(operation.get(), STATUS_SUCCESS);
-    EXPECT_EQ(m_manager->SettingsToRestore().laserLineDuty, 77);
+    EXPECT_EQ(m_manager->Board().SettingsToRestore().laserLineDuty, 77);
 }
 
 TEST_F(AroundReconnection, AnOperationThatMeetsOneThatFailsIsNotRemembered) {
     Connect();
     std::future<RETSTATUS> operation;
     Recorder::Get().OnCall("zr3DInitHidDev", [&] {
-        operation =
-            std::async(std::launch::async, [&] { return m_manager->SetLaserLineDutioRatio(77); });
+        operation = std::async(std::launch::async,
+                               [&] { return m_manager->Board().SetLaserLineDutioRatio(77); });
     });
     Recorder::Get().FailAlways("zr3DInitHidDev");
     EXPECT_EQ(Reconnect(), 1);
     EXPECT_EQ(operation.get(), STATUS_NOT_CONNECTED);
-    EXPECT_EQ(m_manager->SettingsToRestore().laserLineDuty, 100);
+    EXPECT_EQ(m_manager->Board().SettingsToRestore().laserLineDuty, 100);
 }
 
 TEST_F(AroundReconnection, OneThatRunsOutOfMemoryLetsEverythingGoOn) {
     Connect();
-    m_manager->SetStatusCallBackFunction(&IgnoreStatus, &m_frames);
+    m_manager->Status().SetStatusCallBackFunction(&IgnoreStatus, &m_frames);
     Recorder::Get().OnCall("GetDeviceType", [] { throw std::bad_alloc(); });
     EXPECT_THROW(Reconnect(), std::bad_alloc);
     testing::internal::GetCapturedStdout();
@@ -160,8 +160,8 @@ TEST_F(AroundReconnection, TwoResetsAtOnceOpenTheBoardOnce) {
     for (int round = 0; round < 20; ++round) {
         Recorder::Get().Reset();
         IManagerSync manager;
-        std::thread other([&] { manager.ResetBoard(false, false); });
-        manager.ResetBoard(false, false);
+        std::thread other([&] { manager.Board().ResetBoard(false, false); });
+        manager.Board().ResetBoard(false, false);
         other.join();
         ASSERT_EQ(Recorder::Get().Count("zr3DInitHidDev"), 1u);
     }
@@ -169,10 +169,10 @@ TEST_F(AroundReconnection, TwoResetsAtOnceOpenTheBoardOnce) {
 
 TEST_F(AroundReconnection, RunsBesideEverythingElseAndEnds) {
     Connect();
-    m_manager->SetStatusCallBackFunction(&IgnoreStatus, &m_frames);
-    m_manager->SetScanCallBackFunction([](const void* const&, std::vector<unsigned char*>&,
-                                          const int&, const int&, std::vector<int>&) {},
-                                       nullptr);
+    m_manager->Status().SetStatusCallBackFunction(&IgnoreStatus, &m_frames);
+    m_manager->Frames().SetScanCallBackFunction([](const void* const&, std::vector<unsigned char*>&,
+                                                   const int&, const int&, std::vector<int>&) {},
+                                                nullptr);
     std::atomic<bool> end{false};
     std::thread frames([&] {
         for (unsigned char key = 0; !end; ++key) {
@@ -185,16 +185,16 @@ TEST_F(AroundReconnection, RunsBesideEverythingElseAndEnds) {
         while (!end) {
             int number = 0;
             double exposure = 0.0;
-            m_manager->SetVideoTriggerPeriod(5);
-            m_manager->GetCameraExposureAndGain(0, exposure, number);
-            m_manager->GetCameraResolution(0, number, number);
-            m_manager->ResetBoard(true, false);
+            m_manager->Board().SetVideoTriggerPeriod(5);
+            m_manager->Cameras().GetCameraExposureAndGain(0, exposure, number);
+            m_manager->Cameras().GetCameraResolution(0, number, number);
+            m_manager->Board().ResetBoard(true, false);
         }
     });
     std::thread second([&] {
         while (!end) {
             m_manager->ReConnectDeviceEx();
-            m_manager->ReleaseCamera();
+            m_manager->Cameras().ReleaseCamera();
         }
     });
     for (int i = 0; i < 10; ++i) {
@@ -205,7 +205,7 @@ TEST_F(AroundReconnection, RunsBesideEverythingElseAndEnds) {
     operations.join();
     second.join();
     EXPECT_EQ(m_manager->ReConnectDeviceEx(), 0);
-    EXPECT_EQ(m_manager->SetVideoTriggerPeriod(6), STATUS_SUCCESS);
+    EXPECT_EQ(m_manager->Board().SetVideoTriggerPeriod(6), STATUS_SUCCESS);
 }
 
 }  // namespace

@@ -1,4 +1,4 @@
-#include "sync/BoardTranslation.h"
+#include "sync/board/BoardTranslation.h"
 
 #include <gtest/gtest.h>
 

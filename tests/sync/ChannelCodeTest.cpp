@@ -1,4 +1,4 @@
-#include "sync/ChannelCodes.h"
+#include "sync/cameras/ChannelCodes.h"
 
 #include <gtest/gtest.h>
 

@@ -58,11 +58,12 @@ protected:
         Recorder::Get().PushSnap({0, false, support::ColorFrame(kPixels, ++m_pushed, kKey)});
     }
     RETSTATUS Snap() {
-        return m_manager->SnapColorImage(m_images, m_width, m_height, 1, 8.5, 3, CONTROL_ROUTE_0);
+        return m_manager->Snapshots().SnapColorImage(m_images, m_width, m_height, 1, 8.5, 3,
+                                                     CONTROL_ROUTE_0);
     }
     RETSTATUS SnapForIR() {
-        return m_manager->SnapColorImageForIR(m_images, m_width, m_height, 1, {8.5, 2.0}, {3, 4},
-                                              CONTROL_ROUTE_0);
+        return m_manager->Snapshots().SnapColorImageForIR(m_images, m_width, m_height, 1,
+                                                          {8.5, 2.0}, {3, 4}, CONTROL_ROUTE_0);
     }
     /// The calls since the connect.
     Calls Since() const {
@@ -150,8 +151,8 @@ TEST_F(ColorSnapshot, ForInfraredNeedsTwoExposuresAndTwoGains) {
     const std::vector<std::pair<std::vector<double>, std::vector<int>>> wrong{
         {{1.0}, {1, 2}}, {{1.0, 2.0}, {1}}, {{}, {}}, {{1.0, 2.0, 3.0}, {1, 2, 3}}};
     for (const auto& [exposures, gains] : wrong) {
-        EXPECT_EQ(m_manager->SnapColorImageForIR(m_images, m_width, m_height, 0, exposures, gains,
-                                                 CONTROL_ROUTE_0),
+        EXPECT_EQ(m_manager->Snapshots().SnapColorImageForIR(m_images, m_width, m_height, 0,
+                                                             exposures, gains, CONTROL_ROUTE_0),
                   STATUS_PARAMETER);
     }
     EXPECT_TRUE(Since().empty());
@@ -320,7 +321,8 @@ TEST_F(ColorSnapshot, OneThatRunsOutOfMemoryLeavesNothingBehind) {
 }
 
 TEST_F(ColorSnapshot, ARouteThatIsNoneStopsNothing) {
-    EXPECT_EQ(m_manager->SnapColorImage(m_images, m_width, m_height, 0, 1.0, 1, CONTROLROUTE{9}),
+    EXPECT_EQ(m_manager->Snapshots().SnapColorImage(m_images, m_width, m_height, 0, 1.0, 1,
+                                                    CONTROLROUTE{9}),
               STATUS_SUCCESS);
     EXPECT_EQ(Recorder::Get().Count("zr3DOpenOrCloseStrobeFlicker"), 0u);
 }

@@ -191,7 +191,7 @@ TEST_F(Connection, SixteenEqualNeighboursShareOneCamera) {
 
 TEST_F(Connection, TheDestructorSwitchesTheHeartbeatOffThatWasOn) {
     ASSERT_EQ(ConnectRecorded(*m_manager), STATUS_SUCCESS);
-    EXPECT_EQ(m_manager->EnableHeartbeat(true), STATUS_SUCCESS);
+    EXPECT_EQ(m_manager->Board().EnableHeartbeat(true), STATUS_SUCCESS);
     m_manager.reset();
     const Calls calls = Recorder::Get().Calls();
     EXPECT_EQ(Calls(calls.end() - 3, calls.end()),

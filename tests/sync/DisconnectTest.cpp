@@ -81,8 +81,8 @@ TEST(Disconnect, EndsWithinTheRunningCallbackOneSnapAndOnePoll) {
     auto manager = std::make_unique<IManagerSync>();
     ASSERT_EQ(ConnectRecorded(*manager), STATUS_SUCCESS);
     const os::ScopedTimeScale slow(100);  // the next poll comes in 20 s
-    manager->SetScanCallBackFunction(&GatedCallback::Receive, &gate);
-    manager->SetStatusCallBackFunction(
+    manager->Frames().SetScanCallBackFunction(&GatedCallback::Receive, &gate);
+    manager->Status().SetStatusCallBackFunction(
         [](const void* const&, const unsigned char&, const unsigned char&) {}, &gate);
     ASSERT_TRUE(Recorder::Get().WaitForCount("zr3DQueryCurrentStatus", 2)) << "connect and a poll";
     // More than a snap and a callback would be there to take.

@@ -69,7 +69,8 @@ protected:
     FrameHandler() { Recorder::Get().Reset(); }
     void Scan() {
         ASSERT_EQ(ConnectRecorded(m_manager), STATUS_SUCCESS);
-        ASSERT_EQ(m_manager.SetScanCallBackFunction(&Sets::Receive, &m_sets), STATUS_SUCCESS);
+        ASSERT_EQ(m_manager.Frames().SetScanCallBackFunction(&Sets::Receive, &m_sets),
+                  STATUS_SUCCESS);
     }
     static void Mono(unsigned char value, unsigned char key) {
         Recorder::Get().PushSnap(
@@ -117,7 +118,7 @@ TEST_F(FrameHandler, AColourFrameWithoutItsMonoIsDroppedInSilence) {
 
 TEST_F(FrameHandler, WithTheCallbackClearedFramesArePairedAndNothingIsDelivered) {
     Scan();
-    m_manager.SetScanCallBackFunction(nullptr, nullptr);
+    m_manager.Frames().SetScanCallBackFunction(nullptr, nullptr);
     Mono(10, 1);
     Color(30, 1);
     ASSERT_TRUE(Handled(2));
@@ -125,7 +126,7 @@ TEST_F(FrameHandler, WithTheCallbackClearedFramesArePairedAndNothingIsDelivered)
     // The pair is gone: only the next mono waits when the callback comes back.
     Mono(20, 2);
     ASSERT_TRUE(Handled(3));
-    m_manager.SetScanCallBackFunction(&Sets::Receive, &m_sets);
+    m_manager.Frames().SetScanCallBackFunction(&Sets::Receive, &m_sets);
     Color(40, 2);
     ASSERT_TRUE(m_sets.WaitFor(1));
     EXPECT_EQ(m_sets.Seen().front(), (Sets::Set{{20, 21, 40}, 8, 4, {1, 1, 1}}));
@@ -135,7 +136,7 @@ TEST_F(FrameHandler, FramesOfACameraThatIsNotSharedAreIgnored) {
     Recorder::Get().Attach({{"A"}});
     SerialList serials{"A"};
     ASSERT_EQ(m_manager.Connect("any", "BOARD", serials.Pointers(), {8}, {4}), STATUS_SUCCESS);
-    m_manager.SetScanCallBackFunction(&Sets::Receive, &m_sets);
+    m_manager.Frames().SetScanCallBackFunction(&Sets::Receive, &m_sets);
     Mono(10, 1);
     Mono(20, 2);
     Mono(30, 3);
@@ -158,7 +159,7 @@ TEST_F(FrameHandler, WhatTheCallbackDoesToItsVectorsLosesNoBuffer) {
 }
 
 TEST_F(FrameHandler, ABoardOperationInAScanCallbackIsToldOf) {
-    m_sets.action = [this](auto&, auto&) { m_manager.Project(PROJECT_OFF); };
+    m_sets.action = [this](auto&, auto&) { m_manager.Board().Project(PROJECT_OFF); };
     Scan();
     Mono(10, 1);
     Color(30, 1);
@@ -173,16 +174,18 @@ TEST_F(FrameHandler, ABoardOperationInAScanCallbackIsToldOf) {
 #ifdef KORVEX_CHECKS
 TEST_F(FrameHandler, AnOperationInAScanCallbackIsToldOfBeforeItWaits) {
     const std::function<void(IManagerSync&)> operations[] = {
-        [](IManagerSync& m) { m.Project(PROJECT_OFF); },
-        [](IManagerSync& m) { m.SetStrobeControlledByTrigger(CONTROL_ROUTE_1, STROBE_STATE_1); },
+        [](IManagerSync& m) { m.Board().Project(PROJECT_OFF); },
+        [](IManagerSync& m) {
+            m.Board().SetStrobeControlledByTrigger(CONTROL_ROUTE_1, STROBE_STATE_1);
+        },
         [](IManagerSync& m) {
             std::string version;
-            m.GetFirewareVersion("BOARD", version);
+            m.Board().GetFirewareVersion("BOARD", version);
         },
         [](IManagerSync& m) {
             int width = 0;
             int height = 0;
-            m.GetCameraResolution(0, width, height);
+            m.Cameras().GetCameraResolution(0, width, height);
         }};
     std::size_t next = 0;
     m_sets.action = [&](auto&, auto&) { operations[next](m_manager); };
@@ -194,7 +197,7 @@ TEST_F(FrameHandler, AnOperationInAScanCallbackIsToldOfBeforeItWaits) {
             held.Set();
             letGo.Wait();
         });
-        std::thread holder([this] { m_manager.SetProjectorBrightness(1); });
+        std::thread holder([this] { m_manager.Board().SetProjectorBrightness(1); });
         held.Wait();
         Mono(10, key);
         Color(30, key);
@@ -215,12 +218,12 @@ TEST_F(FrameHandler, NoCallComesOnceTheSetterHasReturned) {
             Mono(10, key);
             Color(30, key);
         }
-        m_manager.SetScanCallBackFunction(nullptr, nullptr);
+        m_manager.Frames().SetScanCallBackFunction(nullptr, nullptr);
         const auto seen = m_sets.Seen().size();
         ASSERT_TRUE(
             Recorder::Get().WaitForCount("SnapShot", Recorder::Get().Count("SnapShot") + 3));
         ASSERT_EQ(m_sets.Seen().size(), seen);
-        m_manager.SetScanCallBackFunction(&Sets::Receive, &m_sets);
+        m_manager.Frames().SetScanCallBackFunction(&Sets::Receive, &m_sets);
     }
 }
 

@@ -32,9 +32,9 @@ protected:
         ASSERT_EQ(ConnectRecorded(*m_manager), STATUS_SUCCESS);
         SetCallback();
     }
-    void SetCallback() { m_manager->SetScanCallBackFunction(&FrameLosses::Receive, this); }
+    void SetCallback() { m_manager->Frames().SetScanCallBackFunction(&FrameLosses::Receive, this); }
     RETSTATUS Trigger(int mode) {
-        return m_manager->EnableVideoTrigger(CAMERA_TRIGGER_MODE{mode}, true);
+        return m_manager->Board().EnableVideoTrigger(CAMERA_TRIGGER_MODE{mode}, true);
     }
     void Mono(unsigned char key) { Push({0, false, support::MonoFrame(kPixels, 10, 11, key)}); }
     void Color(unsigned char key) { Push({0, false, support::ColorFrame(kPixels, 30, key)}); }
@@ -44,7 +44,7 @@ protected:
     }
     ScanStatistics Statistics() const {
         ScanStatistics statistics;
-        EXPECT_EQ(m_manager->GetScanStatistics(statistics), STATUS_SUCCESS);
+        EXPECT_EQ(m_manager->Frames().GetScanStatistics(statistics), STATUS_SUCCESS);
         return statistics;
     }
     /// The account when all frames that were pushed have been handled.
@@ -157,7 +157,7 @@ TEST_F(FrameLosses, MissingKeysAreCountedFromEachStartOfTheTrigger) {
     Mono(2);
     Mono(5);
     EXPECT_EQ(Handled().missingKeys, 4u) << "0, 1, 3 and 4";
-    ASSERT_EQ(m_manager->EnableVideoTrigger(TRIGGER_LASER_LINES, false), STATUS_SUCCESS);
+    ASSERT_EQ(m_manager->Board().EnableVideoTrigger(TRIGGER_LASER_LINES, false), STATUS_SUCCESS);
     Mono(6);
     ASSERT_EQ(Trigger(TRIGGER_LASER_LINES), STATUS_SUCCESS);
     Mono(7);
@@ -177,7 +177,7 @@ TEST_F(FrameLosses, AReconnectionStartsTheKeysAnew) {
     EXPECT_EQ(Handled().missingKeys, 0u);
     // Restarted, running on, gone round.
     for (const unsigned char key : std::vector<unsigned char>{0, 137, 120}) {
-        m_manager->StartKeysAnew();
+        m_manager->Frames().Starts().StartAnew();
         ASSERT_EQ(Trigger(TRIGGER_LASER_LINES), STATUS_SUCCESS);
         Mono(key);
         Mono(static_cast<unsigned char>(key + 1));
@@ -196,7 +196,7 @@ TEST_F(FrameLosses, ARunAfterAResetOfTheBoardStartsTheKeysAnew) {
             Mono(key);
         }
         EXPECT_EQ(Handled().missingKeys, 0u);
-        ASSERT_EQ(m_manager->ResetBoard(true, wholeDevice), STATUS_SUCCESS);
+        ASSERT_EQ(m_manager->Board().ResetBoard(true, wholeDevice), STATUS_SUCCESS);
         ASSERT_EQ(Trigger(TRIGGER_LASER_LINES), STATUS_SUCCESS);
         Mono(0);
         Mono(1);
@@ -206,7 +206,7 @@ TEST_F(FrameLosses, ARunAfterAResetOfTheBoardStartsTheKeysAnew) {
 
 TEST_F(FrameLosses, SetsThatAreCompleteWithoutACallback) {
     Scan();
-    m_manager->SetScanCallBackFunction(nullptr, nullptr);
+    m_manager->Frames().SetScanCallBackFunction(nullptr, nullptr);
     Mono(0);
     Color(0);
     EXPECT_EQ(Handled().setsWithoutCallback, 1u);
@@ -297,8 +297,8 @@ TEST_F(FrameLosses, CanBeReadWhileACallbackAndABoardOperationAreHeldUp) {
     Scan();
     Mono(0);
     Color(0);
-    std::future<RETSTATUS> projected =
-        std::async(std::launch::async, [&] { return m_manager->Project(PROJECT_PATTERN_1); });
+    std::future<RETSTATUS> projected = std::async(
+        std::launch::async, [&] { return m_manager->Board().Project(PROJECT_PATTERN_1); });
     ASSERT_EQ(inCallback.Wait(kDeadline), os::WaitResult::Signalled);
     ASSERT_EQ(inBoard.Wait(kDeadline), os::WaitResult::Signalled);
     std::future<ScanStatistics> read = std::async(std::launch::async, [&] { return Statistics(); });

@@ -41,7 +41,7 @@ protected:
     }
     ScanStatistics Statistics() {
         ScanStatistics statistics;
-        m_path.ReadStatistics(statistics);
+        m_path.GetScanStatistics(statistics);
         return statistics;
     }
 
@@ -91,7 +91,7 @@ TEST_F(FramePathTest, FramesBeforeTheRoutesAreSetAreUnrouted) {
     auto frame = support::MonoFrame(kPixels, 10, 11, 0);
     FramePath::OnFrame(&path, 0, frame.data(), kWidth, kHeight, 1);
     ScanStatistics statistics;
-    path.ReadStatistics(statistics);
+    path.GetScanStatistics(statistics);
     EXPECT_EQ(statistics.unroutedFrames, 1u);
 }
 

@@ -68,18 +68,19 @@ TEST_F(Reconnection, ReopensBoardAndCamerasAndWritesEverythingBackInOrder) {
 
 TEST_F(Reconnection, TheHeartbeatIsOnAfterwardsThoughItWasSwitchedOff) {
     Connect();
-    m_manager->EnableHeartbeat(false);
+    m_manager->Board().EnableHeartbeat(false);
     EXPECT_EQ(Reconnect(), 0);
     EXPECT_EQ(Since().back(), "zr3DEnableHeartbeat(B2, 1)");
-    EXPECT_FALSE(m_manager->SettingsToRestore().heartbeatEnabled) << "what was asked for stays";
+    EXPECT_FALSE(m_manager->Board().SettingsToRestore().heartbeatEnabled)
+        << "what was asked for stays";
 }
 
 TEST_F(Reconnection, SettingsThatWereAskedForComeBackTheLaserLineWorkTimeAtTheInfraredLaser) {
     Connect();
-    m_manager->SetLaserLineWorkTime(500);
-    m_manager->EnableVideoTrigger(TRIGGER_LASER_LINES_COLOR, true);
+    m_manager->Board().SetLaserLineWorkTime(500);
+    m_manager->Board().EnableVideoTrigger(TRIGGER_LASER_LINES_COLOR, true);
     Recorder::Get().FailAlways("zr3DProject");
-    m_manager->Project(PROJECT_PATTERN_2);
+    m_manager->Board().Project(PROJECT_PATTERN_2);
     Recorder::Get().FailAlways("zr3DProject", false);
     EXPECT_EQ(Reconnect(), 0);
     const Calls calls = Since();
@@ -91,9 +92,9 @@ TEST_F(Reconnection, SettingsThatWereAskedForComeBackTheLaserLineWorkTimeAtTheIn
 
 TEST_F(Reconnection, ExposureAndGainComeBackForEachCameraThatReopens) {
     ConnectTwoCameras();
-    m_manager->SetCameraExposureAndGain(2, 5.0, 1);
-    m_manager->SetCameraExposureAndGain(0, 6.0, 2);
-    m_manager->SetExposureTime(1, 7.0);  // no gain: not written back
+    m_manager->Cameras().SetCameraExposureAndGain(2, 5.0, 1);
+    m_manager->Cameras().SetCameraExposureAndGain(0, 6.0, 2);
+    m_manager->Cameras().SetExposureTime(1, 7.0);  // no gain: not written back
     EXPECT_EQ(Reconnect(), 0);
     Calls parameters;
     for (const std::string& call : Since()) {
@@ -116,7 +117,7 @@ TEST_F(Reconnection, ABoardThatDoesNotOpenIsOneAndTheCamerasGoOn) {
     EXPECT_THAT(m_logged, Contains("Init Projector First time failed"));
     EXPECT_EQ(m_logged.back(), "ReConnectDeviceEx ret=1");
     EXPECT_EQ(std::count(m_logged.begin(), m_logged.end(), m_logged.back()), 1);
-    EXPECT_EQ(m_manager->Project(PROJECT_PATTERN_1), STATUS_NOT_CONNECTED);
+    EXPECT_EQ(m_manager->Board().Project(PROJECT_PATTERN_1), STATUS_NOT_CONNECTED);
     const auto snaps = Recorder::Get().Count("SnapShot");
     EXPECT_TRUE(Recorder::Get().WaitForCount("SnapShot", snaps + 2)) << "the thread was resumed";
     // Later the board is back.
@@ -130,8 +131,8 @@ TEST_F(Reconnection, ASettingWithoutABoardIsNotConnectedAndNotRemembered) {
     Connect();
     Recorder::Get().FailAlways("zr3DInitHidDev");
     EXPECT_EQ(Reconnect(), 1);
-    EXPECT_EQ(m_manager->Project(PROJECT_PATTERN_1), STATUS_NOT_CONNECTED);
-    EXPECT_EQ(int{m_manager->SettingsToRestore().projectType}, 0);
+    EXPECT_EQ(m_manager->Board().Project(PROJECT_PATTERN_1), STATUS_NOT_CONNECTED);
+    EXPECT_EQ(int{m_manager->Board().SettingsToRestore().projectType}, 0);
 }
 
 TEST_F(Reconnection, ASilentBoardIsRestartedAndTriedOnceMoreThenItIsThree) {

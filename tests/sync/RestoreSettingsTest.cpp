@@ -1,4 +1,4 @@
-#include "sync/RestoreSettings.h"
+#include "sync/board/RestoreSettings.h"
 
 #include <gtest/gtest.h>
 
@@ -74,14 +74,6 @@ TEST_F(RestoreSettings, WhatTheBoardRefusesDoesNotStopTheRest) {
     }
     Restore({});
     EXPECT_EQ(Recorder::Get().Calls().size(), 36u);
-}
-
-TEST_F(RestoreSettings, OrdersComeAscendingAndOnlyWhereBothWereSet) {
-    RememberedSettings settings;
-    EXPECT_TRUE(OrdersToRestore(settings).empty());
-    settings.exposures = {{3, 1.5}, {0, 2.5}, {1, 3.5}};
-    settings.gains = {{1, 6}, {2, 7}, {3, 8}};
-    EXPECT_EQ(OrdersToRestore(settings), (std::vector<OrderSetting>{{1, 3.5, 6}, {3, 1.5, 8}}));
 }
 
 }  // namespace

@@ -58,10 +58,10 @@ class StatusThread : public testing::Test {
 protected:
     StatusThread() { Recorder::Get().Reset(); }
     RETSTATUS Set(StatusCallBackFunction callback, void* context) {
-        return m_manager.SetStatusCallBackFunction(callback, context);
+        return m_poller.SetStatusCallBackFunction(callback, context);
     }
     RETSTATUS Report() { return Set(&Reports::Receive, &m_reports); }
-    void Open() { ASSERT_EQ(m_manager.InitProjector(""), STATUS_SUCCESS); }
+    void Open() { ASSERT_EQ(m_board.InitProjector(""), STATUS_SUCCESS); }
     bool WaitForPolls(std::uint64_t more) {
         return Recorder::Get().WaitForCount("zr3DQueryCurrentStatus",
                                             Recorder::Get().Count("zr3DQueryCurrentStatus") + more);
@@ -70,7 +70,10 @@ protected:
     os::ScopedTimeScale m_scale{0.05};
     Reports m_reports;
     support::LogCapture m_log;
-    IManagerSync m_manager;
+    os::CriticalSection m_device;
+    TriggerStarts m_starts;
+    BoardSession m_board{m_device, m_starts};
+    StatusPoller m_poller{m_device, m_board};
 };
 
 TEST_F(StatusThread, TheFirstCallComesOnTheFifthPollWithTheBytesCrossedOver) {
@@ -111,8 +114,9 @@ TEST_F(StatusThread, ANullCallbackSwitchesTheHeartbeatOffAndSilencesTheThread) {
     {
         // For as long as the thread of another board takes for ten polls.
         Reports others;
-        IManagerSync other;
-        ASSERT_EQ(other.InitProjector(""), STATUS_SUCCESS);
+        BoardSession board(m_device, m_starts);
+        StatusPoller other(m_device, board);
+        ASSERT_EQ(board.InitProjector(""), STATUS_SUCCESS);
         other.SetStatusCallBackFunction(&Reports::Receive, &others);
         ASSERT_TRUE(Recorder::Get().WaitForCount("zr3DQueryCurrentStatus(B2)", 10));
     }
@@ -160,17 +164,17 @@ TEST_F(StatusThread, AFailedPollReports255AndMarksTheBoardLostUntilAGoodOne) {
     ASSERT_TRUE(m_reports.WaitFor(1));
     ASSERT_TRUE(WaitForPolls(2));
     EXPECT_EQ(m_reports.Seen().back(), std::make_pair(255, 255));
-    EXPECT_EQ(m_manager.Project(PROJECT_PATTERN_1), STATUS_FAILED);
+    EXPECT_EQ(m_board.Project(PROJECT_PATTERN_1), STATUS_FAILED);
     Recorder::Get().FailAlways("zr3DQueryCurrentStatus", false);
     ASSERT_TRUE(WaitForPolls(3));
-    EXPECT_EQ(m_manager.Project(PROJECT_PATTERN_1), STATUS_SUCCESS);
+    EXPECT_EQ(m_board.Project(PROJECT_PATTERN_1), STATUS_SUCCESS);
 }
 
 TEST_F(StatusThread, ACallbackMayCallBoardOperations) {
     Open();
     m_reports.action = [&] {
         int period = 0;
-        EXPECT_EQ(m_manager.GetVideoTriggerPeriod(period), STATUS_SUCCESS);
+        EXPECT_EQ(m_board.GetVideoTriggerPeriod(period), STATUS_SUCCESS);
     };
     Report();
     ASSERT_TRUE(m_reports.WaitFor(2));
@@ -200,13 +204,36 @@ TEST_F(StatusThread, ACallbackThatThrowsLosesItsReportAndThePollsGoOn) {
 }
 
 TEST_F(StatusThread, TheHeartbeatNeedsABoard) {
-    EXPECT_EQ(m_manager.EnableHeartbeat(true), STATUS_NOT_CONNECTED);
+    EXPECT_EQ(m_board.EnableHeartbeat(true), STATUS_NOT_CONNECTED);
     Open();
-    EXPECT_EQ(m_manager.EnableHeartbeat(false), STATUS_SUCCESS);
+    EXPECT_EQ(m_board.EnableHeartbeat(false), STATUS_SUCCESS);
     EXPECT_EQ(Recorder::Get().Calls().back(), "zr3DEnableHeartbeat(B1, 0)");
     Recorder::Get().FailAlways("zr3DEnableHeartbeat");
-    EXPECT_EQ(m_manager.EnableHeartbeat(true), STATUS_FAILED);
+    EXPECT_EQ(m_board.EnableHeartbeat(true), STATUS_FAILED);
     EXPECT_EQ(Report(), STATUS_SUCCESS) << "the setter never reports the heartbeat";
+}
+
+TEST_F(StatusThread, StaysAwayFromTheBoardUntilTheLastOneUnparksIt) {
+    Open();
+    Report();
+    ASSERT_TRUE(m_reports.WaitFor(1));
+    m_poller.Park();
+    m_poller.Park();
+    const auto polls = Recorder::Get().Count("zr3DQueryCurrentStatus(B1)");
+    EXPECT_FALSE(m_poller.Unpark());
+    {
+        // For as long as the thread of another board takes for ten polls.
+        Reports others;
+        BoardSession board(m_device, m_starts);
+        StatusPoller other(m_device, board);
+        ASSERT_EQ(board.InitProjector(""), STATUS_SUCCESS);
+        other.SetStatusCallBackFunction(&Reports::Receive, &others);
+        ASSERT_TRUE(Recorder::Get().WaitForCount("zr3DQueryCurrentStatus(B2)", 10));
+    }
+    EXPECT_LE(Recorder::Get().Count("zr3DQueryCurrentStatus(B1)"), polls + 1)
+        << "one may have been under way";
+    EXPECT_TRUE(m_poller.Unpark());
+    EXPECT_TRUE(WaitForPolls(2));
 }
 
 TEST(StatusThreadEnd, TheDestructorEndsTheThreadAtOnceAndSaysSo) {
@@ -218,8 +245,8 @@ TEST(StatusThreadEnd, TheDestructorEndsTheThreadAtOnceAndSaysSo) {
     {
         os::ScopedTimeScale slow(1000);  // a poll period of 200 s: nobody may wait for it
         IManagerSync manager;
-        ASSERT_EQ(manager.InitProjector(""), STATUS_SUCCESS);
-        manager.SetStatusCallBackFunction(&Reports::Receive, &reports);
+        ASSERT_EQ(manager.Board().InitProjector(""), STATUS_SUCCESS);
+        manager.Status().SetStatusCallBackFunction(&Reports::Receive, &reports);
         ASSERT_TRUE(Recorder::Get().WaitForCount("zr3DQueryCurrentStatus", 1));
     }
     EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(100));
@@ -238,7 +265,7 @@ TEST(StatusThreadEnd, TheDestructorLeavesACameraAloneThatTheCallbackUses) {
         double exposure = 0.0;
         int gain = 0;
         if (std::exchange(first, false)) {
-            used.GetCameraExposureAndGain(0, exposure, gain);
+            used.Cameras().GetCameraExposureAndGain(0, exposure, gain);
         }
     };
     os::Event inUse;
@@ -249,7 +276,7 @@ TEST(StatusThreadEnd, TheDestructorLeavesACameraAloneThatTheCallbackUses) {
         std::this_thread::sleep_for(std::chrono::milliseconds(50));
         leftAlone = Recorder::Get().Count("CloseCamera") == 0;
     });
-    manager->SetStatusCallBackFunction(&Reports::Receive, &reports);
+    manager->Status().SetStatusCallBackFunction(&Reports::Receive, &reports);
     inUse.Wait();
     manager.reset();
     EXPECT_TRUE(leftAlone);

@@ -47,9 +47,10 @@ void Snap(IManagerSync& manager, bool forInfrared) {
     int width = 0;
     int height = 0;
     const RETSTATUS result =
-        forInfrared ? manager.SnapColorImageForIR(images, width, height, 0, {1.0, 2.0}, {1, 2},
-                                                  CONTROL_ROUTE_0)
-                    : manager.SnapColorImage(images, width, height, 0, 1.0, 1, CONTROL_ROUTE_0);
+        forInfrared
+            ? manager.Snapshots().SnapColorImageForIR(images, width, height, 0, {1.0, 2.0}, {1, 2},
+                                                      CONTROL_ROUTE_0)
+            : manager.Snapshots().SnapColorImage(images, width, height, 0, 1.0, 1, CONTROL_ROUTE_0);
     EXPECT_EQ(result, STATUS_SUCCESS);
     for (unsigned char* image : images) {
         delete[] image;
@@ -57,7 +58,7 @@ void Snap(IManagerSync& manager, bool forInfrared) {
 }
 
 void PollTwice(IManagerSync& manager) {
-    manager.SetStatusCallBackFunction(
+    manager.Status().SetStatusCallBackFunction(
         [](const void* const&, const unsigned char&, const unsigned char&) {}, &manager);
     const auto polls = Recorder::Get().Count("zr3DQueryCurrentStatus");
     // The third has begun: the second was noted.
@@ -66,17 +67,17 @@ void PollTwice(IManagerSync& manager) {
 
 const Wait kWaits[] = {
     {"TheRetryOfTheCombinedSetter", milliseconds(20), "SetCameraIntParam", "SetCameraIntParam", "",
-     "SetCameraIntParam", [](IManagerSync& m) { m.SetCameraExposureAndGain(0, 1.0, 1); }},
+     "SetCameraIntParam", [](IManagerSync& m) { m.Cameras().SetCameraExposureAndGain(0, 1.0, 1); }},
     {"TheExposureOfTheCombinedQuery", milliseconds(20), "SetCameraIntParam", "GetExposureTime", "",
-     "", [](IManagerSync& m) { m.GetCameraExposureAndGain(0, g_exposure, g_gain); }},
+     "", [](IManagerSync& m) { m.Cameras().GetCameraExposureAndGain(0, g_exposure, g_gain); }},
     {"TheGainOfTheCombinedQuery", milliseconds(20), "SetCameraIntParam", "GetGain", "", "",
-     [](IManagerSync& m) { m.GetCameraExposureAndGain(0, g_exposure, g_gain); }},
+     [](IManagerSync& m) { m.Cameras().GetCameraExposureAndGain(0, g_exposure, g_gain); }},
     {"TheExposureSetter", milliseconds(20), "SetCameraIntParam", "SetExposureTime", "", "",
-     [](IManagerSync& m) { m.SetExposureTime(0, 1.0); }},
+     [](IManagerSync& m) { m.Cameras().SetExposureTime(0, 1.0); }},
     {"TheGainSetter", milliseconds(20), "SetCameraIntParam", "SetGain", "", "",
-     [](IManagerSync& m) { m.SetCameraGain(0, 1); }},
+     [](IManagerSync& m) { m.Cameras().SetCameraGain(0, 1); }},
     {"TheGainQuery", milliseconds(20), "SetCameraIntParam", "GetGain", "", "",
-     [](IManagerSync& m) { m.GetCameraGain(0, g_gain); }},
+     [](IManagerSync& m) { m.Cameras().GetCameraGain(0, g_gain); }},
     {"FramesThatAreOnTheirWayToASnapshot", milliseconds(80), "zr3DSetVideoTrigleMode",
      "zr3DOpenOrCloseStrobeFlicker", "", "", [](IManagerSync& m) { Snap(m, false); }},
     {"TheSecondImageOfASnapshot", milliseconds(10), "ResetCameraState", "zr3DSetVideoTrigleMode",

@@ -5,12 +5,13 @@
 #include <utility>
 
 #include "platform/os/Log.h"
-#include "sync/frames/ScanCallbackRule.h"
+#include "sync/connection/ManagerLog.h"
+#include "sync/connection/ScanCallbackRule.h"
 
 namespace Korvex3Sync {
 namespace {
 
-constexpr char kLog[] = "sync/ManagerSync";
+constexpr auto& kLog = kManagerSyncLog;
 
 /// Where a raw frame carries its key.
 constexpr std::size_t kKeyByte = 4;
@@ -25,7 +26,6 @@ FramePath::~FramePath() {
 }
 
 void FramePath::SetRoutes(std::vector<Route> routes) {
-    os::CriticalSectionGuard frame(m_csFrame);
     std::size_t slots = 0;
     for (const Route& route : routes) {
         slots = std::max(slots, route.slot + 1);
@@ -120,13 +120,14 @@ RETSTATUS FramePath::SetScanCallBackFunction(ScanCallBackFunction callback, void
     return STATUS_SUCCESS;
 }
 
-void FramePath::ReadStatistics(ScanStatistics& statistics) const {
+RETSTATUS FramePath::GetScanStatistics(ScanStatistics& statistics) const {
     m_scanCounters.Read(statistics);
     statistics.framesAccepted = m_grabCounters->framesAccepted;
     // The part before the whole, so that a snap that fails meanwhile leaves no part above it.
     statistics.refusedFrames = m_grabCounters->refusedFrames;
     statistics.failedSnaps = m_grabCounters->failedSnaps;
     statistics.rejectedGeometry = m_grabCounters->rejectedGeometry;
+    return STATUS_SUCCESS;
 }
 
 }  // namespace Korvex3Sync

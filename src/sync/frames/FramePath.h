@@ -42,8 +42,9 @@ public:
     FramePath(const FramePath&) = delete;
     FramePath& operator=(const FramePath&) = delete;
 
-    /// The routes by camera id. To be set before the cameras give frames.
-    void SetRoutes(std::vector<Route> routes);
+    /// The routes by camera id. To be set before the grab threads start, which see them without
+    /// m_csFrame being taken here: it is never taken inside the device lock.
+    void SetRoutes(std::vector<Route> routes) KORVEX_NO_THREAD_SAFETY_ANALYSIS;
 
     /// The frame callback of each camera; its context is the FramePath. Runs on the grab thread.
     static void OnFrame(void* const& context, const int& cameraId, unsigned char* const& image,
@@ -59,8 +60,8 @@ public:
     /// Where the cameras' grab threads count.
     const std::shared_ptr<GrabCounters>& Grabbed() const { return m_grabCounters; }
 
-    /// Any thread; takes no lock that is held during a callback.
-    void ReadStatistics(ScanStatistics& statistics) const;
+    /// Any thread; takes no lock that is held during a callback. Always 7.
+    RETSTATUS GetScanStatistics(ScanStatistics& statistics) const;
 
 private:
     Routed HandleFrame(int cameraId, const unsigned char* raw, int width);

@@ -1,11 +1,12 @@
 #include "sync/frames/FrameRouting.h"
 
 #include "platform/os/Log.h"
+#include "sync/connection/ManagerLog.h"
 
 namespace Korvex3Sync {
 namespace {
 
-constexpr char kLog[] = "sync/ManagerSync";
+constexpr auto& kLog = kManagerSyncLog;
 
 bool CatchForSnapshot(Image& image, ColorCatch& colorCatch) {
     if (!colorCatch.Armed()) {

@@ -4,8 +4,10 @@
 #include "platform/os/Clock.h"
 #include "platform/os/Log.h"
 #include "platform/os/Print.h"
-#include "sync/ExposureWord.h"
-#include "sync/ManagerSync.h"
+#include "sync/cameras/CameraSet.h"
+#include "sync/cameras/ExposureWord.h"
+#include "sync/connection/ManagerLog.h"
+#include "sync/connection/ScanCallbackRule.h"
 
 namespace Korvex3Sync {
 namespace {
@@ -40,17 +42,17 @@ double ReadExposure(CPhysicalCameraThread& camera) {
 
 }  // namespace
 
-CPhysicalCameraThread* IManagerSync::FirstCamera() const {
+CPhysicalCameraThread* CameraSet::FirstCamera() const {
     return m_cameras.empty() ? nullptr : m_cameras.front().get();
 }
 
-int IManagerSync::ChannelCount() const {
+int CameraSet::ChannelCount() const {
     return static_cast<int>(m_cameraChannels.size());
 }
 
-RETSTATUS IManagerSync::SetCameraExposureAndGain(const int& order, const double& exposure,
-                                                 const int& gain) {
-    const DeviceGuard device(this, m_csDevice);
+RETSTATUS CameraSet::SetCameraExposureAndGain(const int& order, const double& exposure,
+                                              const int& gain) {
+    const DeviceGuard device(m_csDevice);
     m_remembered.exposures[order] = exposure;
     m_remembered.gains[order] = gain;
     CPhysicalCameraThread* const camera = FirstCamera();
@@ -65,8 +67,8 @@ RETSTATUS IManagerSync::SetCameraExposureAndGain(const int& order, const double&
     return STATUS_SUCCESS;
 }
 
-RETSTATUS IManagerSync::GetCameraExposureAndGain(const int& order, double& exposure, int& gain) {
-    const DeviceGuard device(this, m_csDevice);
+RETSTATUS CameraSet::GetCameraExposureAndGain(const int& order, double& exposure, int& gain) {
+    const DeviceGuard device(m_csDevice);
     CPhysicalCameraThread* const camera = FirstCamera();
     if (camera == nullptr) {
         return STATUS_SUCCESS;
@@ -80,8 +82,8 @@ RETSTATUS IManagerSync::GetCameraExposureAndGain(const int& order, double& expos
     return STATUS_SUCCESS;
 }
 
-RETSTATUS IManagerSync::SetExposureTime(const int& order, const double& exposure) {
-    const DeviceGuard device(this, m_csDevice);
+RETSTATUS CameraSet::SetExposureTime(const int& order, const double& exposure) {
+    const DeviceGuard device(m_csDevice);
     const int microseconds = ExposureMicroseconds(exposure);
     // In microseconds, unlike the combined setter: intended.
     m_remembered.exposures[order] = microseconds;
@@ -96,8 +98,8 @@ RETSTATUS IManagerSync::SetExposureTime(const int& order, const double& exposure
     return STATUS_SUCCESS;
 }
 
-RETSTATUS IManagerSync::GetExposureTime(const int& order, double& exposure) {
-    const DeviceGuard device(this, m_csDevice);
+RETSTATUS CameraSet::GetExposureTime(const int& order, double& exposure) {
+    const DeviceGuard device(m_csDevice);
     // An order equal to the count passes here and in SetCameraGain, and nowhere else: intended.
     if (order < 0 || order > ChannelCount()) {
         return STATUS_NOT_CONNECTED;
@@ -112,8 +114,8 @@ RETSTATUS IManagerSync::GetExposureTime(const int& order, double& exposure) {
     return STATUS_SUCCESS;
 }
 
-RETSTATUS IManagerSync::SetCameraGain(const int& order, const int& gain) {
-    const DeviceGuard device(this, m_csDevice);
+RETSTATUS CameraSet::SetCameraGain(const int& order, const int& gain) {
+    const DeviceGuard device(m_csDevice);
     if (order < 0 || order > ChannelCount()) {
         return STATUS_NOT_CONNECTED;
     }
@@ -129,8 +131,8 @@ RETSTATUS IManagerSync::SetCameraGain(const int& order, const int& gain) {
     return STATUS_SUCCESS;
 }
 
-RETSTATUS IManagerSync::GetCameraGain(const int& order, int& gain) {
-    const DeviceGuard device(this, m_csDevice);
+RETSTATUS CameraSet::GetCameraGain(const int& order, int& gain) {
+    const DeviceGuard device(m_csDevice);
     if (order < 0 || order >= ChannelCount()) {
         return STATUS_NOT_CONNECTED;
     }
@@ -145,8 +147,8 @@ RETSTATUS IManagerSync::GetCameraGain(const int& order, int& gain) {
     return STATUS_SUCCESS;
 }
 
-RETSTATUS IManagerSync::GetCameraSerialNumber(const int& index, char*& serial) {
-    const DeviceGuard device(this, m_csDevice);
+RETSTATUS CameraSet::GetCameraSerialNumber(const int& index, char*& serial) {
+    const DeviceGuard device(m_csDevice);
     if (index < 0 || index >= ChannelCount() || serial != nullptr) {
         return STATUS_NOT_CONNECTED;
     }
@@ -161,8 +163,8 @@ RETSTATUS IManagerSync::GetCameraSerialNumber(const int& index, char*& serial) {
     return STATUS_SUCCESS;
 }
 
-RETSTATUS IManagerSync::GetCameraResolution(const int& index, int& width, int& height) {
-    const DeviceGuard device(this, m_csDevice);
+RETSTATUS CameraSet::GetCameraResolution(const int& index, int& width, int& height) {
+    const DeviceGuard device(m_csDevice);
     if (index < 0 || index >= ChannelCount()) {
         return STATUS_NOT_CONNECTED;
     }
@@ -176,8 +178,8 @@ RETSTATUS IManagerSync::GetCameraResolution(const int& index, int& width, int& h
     return STATUS_SUCCESS;
 }
 
-RETSTATUS IManagerSync::GetConnectCameraCount(int& count) const {
-    count = static_cast<int>(m_cameras.size());
+RETSTATUS CameraSet::GetConnectCameraCount(int& count) const {
+    count = m_cameraCount;
     return STATUS_SUCCESS;
 }
 

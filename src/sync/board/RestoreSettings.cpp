@@ -1,19 +1,8 @@
-#include "sync/RestoreSettings.h"
+#include "sync/board/RestoreSettings.h"
 
-#include "sync/BoardSelectors.h"
+#include "sync/board/BoardSelectors.h"
 
 namespace Korvex3Sync {
-
-std::vector<OrderSetting> OrdersToRestore(const RememberedSettings& settings) {
-    std::vector<OrderSetting> orders;
-    for (const auto& [order, exposure] : settings.exposures) {
-        const auto gain = settings.gains.find(order);
-        if (gain != settings.gains.end()) {
-            orders.push_back({order, exposure, gain->second});
-        }
-    }
-    return orders;
-}
 
 void RestoreBoard(void* board, const RememberedSettings& settings, const TriggerWriter& trigger) {
     namespace lib = zr3DHandiDLPdev;

@@ -1,7 +1,7 @@
-#include <chrono>
+#include "sync/snapshot/ColorSnapshot.h"
 
 #include "platform/os/Log.h"
-#include "sync/ManagerSync.h"
+#include "sync/connection/ManagerLog.h"
 
 namespace Korvex3Sync {
 namespace {
@@ -27,21 +27,9 @@ constexpr CONTROLROUTE kInfraredRoute = CONTROL_ROUTE_1;
 /// Exposures and gains of an infrared snapshot: one each for the second and third image.
 constexpr std::size_t kInfraredSettings = 2;
 
-/// Keeps a camera paused for a scope.
-class Paused {
-public:
-    explicit Paused(CPhysicalCameraThread& camera) : m_camera(camera) { m_camera.PauseThread(); }
-    ~Paused() { m_camera.ResumeThread(); }
-    Paused(const Paused&) = delete;
-    Paused& operator=(const Paused&) = delete;
-
-private:
-    CPhysicalCameraThread& m_camera;
-};
-
 }  // namespace
 
-struct IManagerSync::SnapPhase {
+struct ColorSnapshot::SnapPhase {
     const char* enter;   // logged at its beginning
     const char* waited;  // logged with the result of its wait
     CONTROLROUTE route;
@@ -52,12 +40,22 @@ struct IManagerSync::SnapPhase {
     bool restartCameras;
 };
 
-void IManagerSync::SwitchSnapTrigger(bool on) {
-    EnableVideoTrigger(on ? TRIGGER_SINGLE_COLOR : TRIGGER_PATTERN, on);
+ColorSnapshot::ColorSnapshot(BoardSession& board, CameraSet& cameras, ColorCatch& colorCatch,
+                             os::Event& stop)
+    : m_board(board), m_cameras(cameras), m_colorCatch(colorCatch), m_stop(stop) {}
+
+void ColorSnapshot::WakeUp() {
+    if (const auto event = m_colorCatch.CaughtEvent()) {
+        event->Set();
+    }
 }
 
-bool IManagerSync::WaitForColorFrame(const char* step) {
-    const auto event = m_frames.SnapshotCatch().CaughtEvent();
+void ColorSnapshot::SwitchSnapTrigger(bool on) {
+    m_board.EnableVideoTrigger(on ? TRIGGER_SINGLE_COLOR : TRIGGER_PATTERN, on);
+}
+
+bool ColorSnapshot::WaitForColorFrame(const char* step) {
+    const auto event = m_colorCatch.CaughtEvent();
     os::WaitResult result = os::WaitResult::TimedOut;
     if (event && !m_stop.IsSet()) {
         result = event->Wait(kFrameLimit);
@@ -69,67 +67,58 @@ bool IManagerSync::WaitForColorFrame(const char* step) {
     return result == os::WaitResult::Signalled;
 }
 
-void IManagerSync::RestartCameras() {
-    // A reconnection must not find its pause ended, nor a camera change under this.
-    const DeviceGuard device(this, m_csDevice);
-    for (auto& camera : m_cameras) {
-        const Paused paused(*camera);
-        camera->ResetCameraState();
-    }
-}
-
 template <class Steps>
-RETSTATUS IManagerSync::Snapshot(Steps steps) {
+RETSTATUS ColorSnapshot::Snapshot(Steps steps) {
     try {
         return steps();
     } catch (...) {
-        m_frames.SnapshotCatch().End();
-        m_frames.SnapshotCatch().ReleaseAll();
+        m_colorCatch.End();
+        m_colorCatch.ReleaseAll();
         throw;
     }
 }
 
-bool IManagerSync::SnapFirst(const CONTROLROUTE& route) {
+bool ColorSnapshot::SnapFirst(const CONTROLROUTE& route) {
     constexpr char kStep[] = "SnapColorImage0";
     KORVEX_LOG(kLog) << kStep;
     SwitchSnapTrigger(false);
-    WaitUnlessStopped(kDrainTime);
-    m_frames.SnapshotCatch().Begin();
-    SetStrobeControlledByTrigger(route, kFirstStrobe);
-    m_frames.SnapshotCatch().Arm();
+    m_stop.Wait(kDrainTime);
+    m_colorCatch.Begin();
+    m_board.SetStrobeControlledByTrigger(route, kFirstStrobe);
+    m_colorCatch.Arm();
     SwitchSnapTrigger(true);
     if (!WaitForColorFrame(kStep)) {
-        m_frames.SnapshotCatch().End();
+        m_colorCatch.End();
         return false;
     }
     return true;
 }
 
-bool IManagerSync::SnapNext(const SnapPhase& phase) {
+bool ColorSnapshot::SnapNext(const SnapPhase& phase) {
     // Reset between the images only: a frame that came late counts for the next one.
-    if (const auto event = m_frames.SnapshotCatch().CaughtEvent()) {
+    if (const auto event = m_colorCatch.CaughtEvent()) {
         event->Reset();
     }
     KORVEX_LOG(kLog) << phase.enter;
     SwitchSnapTrigger(false);
-    SetStrobeControlledByTrigger(phase.route, phase.strobe);
-    SetCameraExposureAndGain(phase.camOrder, phase.exposure, phase.gain);
+    m_board.SetStrobeControlledByTrigger(phase.route, phase.strobe);
+    m_cameras.SetCameraExposureAndGain(phase.camOrder, phase.exposure, phase.gain);
     if (phase.restartCameras) {
-        RestartCameras();
+        m_cameras.ResetState();
     }
-    WaitUnlessStopped(kSettleTime);
+    m_stop.Wait(kSettleTime);
     SwitchSnapTrigger(true);
     return WaitForColorFrame(phase.waited);
 }
 
-RETSTATUS IManagerSync::HandOver(std::size_t count, std::vector<unsigned char*>& images, int& width,
-                                 int& height) {
-    if (!m_frames.SnapshotCatch().HasFirst()) {
+RETSTATUS ColorSnapshot::HandOver(std::size_t count, std::vector<unsigned char*>& images,
+                                  int& width, int& height) {
+    if (!m_colorCatch.HasFirst()) {
         KORVEX_LOG(kLog) << "SnapColorImage end failed";
         return STATUS_FAILED;
     }
     images.reserve(images.size() + count);  // nothing may throw once the images are taken
-    auto slots = m_frames.SnapshotCatch().TakeAll();
+    auto slots = m_colorCatch.TakeAll();
     for (std::size_t i = 0; i < count; ++i) {
         images.push_back(slots[i].GiveAway());
     }
@@ -139,18 +128,18 @@ RETSTATUS IManagerSync::HandOver(std::size_t count, std::vector<unsigned char*>&
     return STATUS_SUCCESS;
 }
 
-RETSTATUS IManagerSync::SnapColorImage(std::vector<unsigned char*>& images, int& width, int& height,
-                                       const int& camOrder, const double& exposure, const int& gain,
-                                       const CONTROLROUTE& route) {
+RETSTATUS ColorSnapshot::SnapColorImage(std::vector<unsigned char*>& images, int& width,
+                                        int& height, const int& camOrder, const double& exposure,
+                                        const int& gain, const CONTROLROUTE& route) {
     return Snapshot([&] {
         if (!SnapFirst(route)) {
             return STATUS_FAILED;
         }
         const bool caught = SnapNext({"SnapColorImage1", "SnapColorImage2", route, kNextStrobe,
                                       camOrder, exposure, gain, true});
-        m_frames.SnapshotCatch().End();
+        m_colorCatch.End();
         if (!caught) {
-            m_frames.SnapshotCatch().ReleaseFirst(1);
+            m_colorCatch.ReleaseFirst(1);
             KORVEX_LOG(kLog) << "SnapColorImage end failed";
             return STATUS_FAILED;
         }
@@ -158,11 +147,11 @@ RETSTATUS IManagerSync::SnapColorImage(std::vector<unsigned char*>& images, int&
     });
 }
 
-RETSTATUS IManagerSync::SnapColorImageForIR(std::vector<unsigned char*>& images, int& width,
-                                            int& height, const int& camOrder,
-                                            const std::vector<double>& exposures,
-                                            const std::vector<int>& gains,
-                                            const CONTROLROUTE& route) {
+RETSTATUS ColorSnapshot::SnapColorImageForIR(std::vector<unsigned char*>& images, int& width,
+                                             int& height, const int& camOrder,
+                                             const std::vector<double>& exposures,
+                                             const std::vector<int>& gains,
+                                             const CONTROLROUTE& route) {
     if (exposures.size() != kInfraredSettings || gains.size() != kInfraredSettings) {
         return STATUS_PARAMETER;
     }
@@ -172,16 +161,16 @@ RETSTATUS IManagerSync::SnapColorImageForIR(std::vector<unsigned char*>& images,
         }
         if (!SnapNext({"SnapColorImage1", "SnapColorImage1", route, kNextStrobe, camOrder,
                        exposures[0], gains[0], true})) {
-            m_frames.SnapshotCatch().ReleaseFirst(1);
-            m_frames.SnapshotCatch().End();
+            m_colorCatch.ReleaseFirst(1);
+            m_colorCatch.End();
             KORVEX_LOG(kLog) << "SnapColorImage end failed";
             return STATUS_FAILED;
         }
         const bool caught = SnapNext({"SnapColorImage2", "SnapColorImage2", kInfraredRoute,
                                       kFirstStrobe, camOrder, exposures[1], gains[1], false});
-        m_frames.SnapshotCatch().End();
+        m_colorCatch.End();
         if (!caught) {
-            m_frames.SnapshotCatch().ReleaseFirst(2);
+            m_colorCatch.ReleaseFirst(2);
             KORVEX_LOG(kLog) << "SnapColorImage end failed";
             return STATUS_FAILED;
         }

@@ -1,4 +1,4 @@
-#include "sync/frames/ScanCallbackRule.h"
+#include "sync/connection/ScanCallbackRule.h"
 
 #ifdef KORVEX_CHECKS
 
@@ -9,19 +9,19 @@
 namespace Korvex3Sync {
 namespace {
 
-thread_local const void* t_manager = nullptr;
+thread_local const void* t_connection = nullptr;
 
 }  // namespace
 
-InScanCallback::InScanCallback(const void* manager)
-    : m_previous(std::exchange(t_manager, manager)) {}
+InScanCallback::InScanCallback(const void* connection)
+    : m_previous(std::exchange(t_connection, connection)) {}
 
 InScanCallback::~InScanCallback() {
-    t_manager = m_previous;
+    t_connection = m_previous;
 }
 
-void CheckNotInScanCallback(const void* manager) {
-    if (t_manager == manager) {
+void CheckNotInScanCallback(const void* connection) {
+    if (t_connection == connection) {
         LOG(ERROR) << "an operation was called in a scan callback of the same handle: it can wait "
                       "for a reconnection that waits for this callback";
     }

@@ -1,4 +1,4 @@
-#include "sync/ExposureWord.h"
+#include "sync/cameras/ExposureWord.h"
 
 #include <algorithm>
 #include <cmath>

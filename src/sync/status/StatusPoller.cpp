@@ -1,9 +1,12 @@
-#include <chrono>
+#include "sync/status/StatusPoller.h"
 
-#include "platform/include/zr3DHandiDLPdev.h"
+#include <chrono>
+#include <utility>
+
 #include "platform/os/Log.h"
 #include "platform/os/Print.h"
-#include "sync/ManagerSync.h"
+#include "sync/connection/ManagerLog.h"
+#include "sync/connection/ScanCallbackRule.h"
 
 namespace Korvex3Sync {
 namespace {
@@ -18,7 +21,14 @@ constexpr unsigned char kNoAnswer = 0xFF;
 
 }  // namespace
 
-RETSTATUS IManagerSync::SetStatusCallBackFunction(StatusCallBackFunction callback, void* context) {
+StatusPoller::StatusPoller(os::CriticalSection& device, BoardSession& board)
+    : m_csDevice(device), m_board(board) {}
+
+StatusPoller::~StatusPoller() {
+    Stop();
+}
+
+RETSTATUS StatusPoller::SetStatusCallBackFunction(StatusCallBackFunction callback, void* context) {
     KORVEX_LOG(kLog) << "pCallBack=" << reinterpret_cast<const void*>(callback)
                      << " m_bContinueStatusThread=" << m_bContinueStatusThread;
     const auto store = [&] {
@@ -31,15 +41,15 @@ RETSTATUS IManagerSync::SetStatusCallBackFunction(StatusCallBackFunction callbac
         store();
         if (callback == nullptr || context == nullptr) {
             KORVEX_LOG(kLog) << "SetStatusCallBackFunction close heart beat.";
-            EnableHeartbeat(false);
+            m_board.EnableHeartbeat(false);
         } else {
             KORVEX_LOG(kLog) << "SetStatusCallBackFunction EnableHeartbeat 1.";
-            EnableHeartbeat(true);
+            m_board.EnableHeartbeat(true);
         }
         return STATUS_SUCCESS;
     }
     {
-        const DeviceGuard device(this, m_csDevice);
+        const DeviceGuard device(m_csDevice);
         const StatusCallBackFunction previous = store();
         m_bContinueStatusThread = true;
         if (!m_hStatusThread.Start([this] { StatusThreadFun(); })) {
@@ -50,26 +60,34 @@ RETSTATUS IManagerSync::SetStatusCallBackFunction(StatusCallBackFunction callbac
         }
         KORVEX_LOG(kLog) << "SetStatusCallBackFunction EnableHeartbeat.";
     }
-    EnableHeartbeat(true);
+    m_board.EnableHeartbeat(true);
     return STATUS_SUCCESS;
 }
 
-RETSTATUS IManagerSync::EnableHeartbeat(bool enable) {
-    return BoardOperation(
-        DeviceLost::Ignored, [&](RememberedSettings& r) { r.heartbeatEnabled = enable; },
-        [&](void* h) { return zr3DHandiDLPdev::zr3DEnableHeartbeat(h, enable); });
-}
-
-RETSTATUS IManagerSync::QueryCurrentStatus(unsigned char& first, unsigned char& second) {
-    void* const handle = m_hDevice;
-    if (handle == nullptr) {
-        return STATUS_NOT_CONNECTED;
+void StatusPoller::Stop() {
+    if (m_hStatusThread.Started()) {
+        m_bContinueStatusThread = false;
+        m_statusWake.Set();
+        m_hStatusThread.Join();
     }
-    return zr3DHandiDLPdev::zr3DQueryCurrentStatus(handle, first, second) ? STATUS_SUCCESS
-                                                                          : STATUS_FAILED;
 }
 
-unsigned IManagerSync::StatusThreadFun() {
+void StatusPoller::Park() {
+    os::MutexGuard lock(m_parkMutex);
+    ++m_parked;
+    m_bPauseStatusCheck = true;
+}
+
+bool StatusPoller::Unpark() {
+    os::MutexGuard lock(m_parkMutex);
+    if (--m_parked > 0) {
+        return false;
+    }
+    m_bPauseStatusCheck = false;
+    return true;
+}
+
+unsigned StatusPoller::StatusThreadFun() {
     while (m_bContinueStatusThread) {
         while (m_bPauseStatusCheck && m_bContinueStatusThread) {
             m_statusWake.Wait(kPausedPeriod);
@@ -91,7 +109,7 @@ unsigned IManagerSync::StatusThreadFun() {
     return 0;
 }
 
-void IManagerSync::PollStatus() {
+void StatusPoller::PollStatus() {
     {
         os::CriticalSectionGuard status(m_csStatus);
         if (m_pStatusCallBack == nullptr) {
@@ -100,8 +118,7 @@ void IManagerSync::PollStatus() {
     }
     unsigned char first = 0;
     unsigned char second = 0;
-    m_bDeviceLost = QueryCurrentStatus(first, second) != STATUS_SUCCESS;
-    if (m_bDeviceLost) {
+    if (!m_board.PollStatus(first, second)) {
         first = kNoAnswer;
         second = kNoAnswer;
     }

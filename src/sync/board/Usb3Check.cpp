@@ -1,4 +1,4 @@
-#include "camera/Usb3Check.h"
+#include "sync/board/Usb3Check.h"
 
 #include <string>
 #include <vector>

@@ -1,8 +1,10 @@
 #include "platform/include/zr3DHandiDLPdev.h"
 #include "platform/os/Log.h"
-#include "sync/BoardSelectors.h"
-#include "sync/BoardTranslation.h"
-#include "sync/ManagerSync.h"
+#include "sync/board/BoardSelectors.h"
+#include "sync/board/BoardSession.h"
+#include "sync/board/BoardTranslation.h"
+#include "sync/connection/ManagerLog.h"
+#include "sync/connection/ScanCallbackRule.h"
 
 namespace Korvex3Sync {
 
@@ -18,8 +20,33 @@ using Remembered = RememberedSettings;
 
 }  // namespace
 
-RETSTATUS IManagerSync::GetFirewareVersion(const char* pcbSerial, std::string& version) {
-    const DeviceGuard device(this, m_csDevice);  // no reconnection closes it in between
+template <class Remember, class Call>
+RETSTATUS BoardSession::BoardOperation(DeviceLost lost, Remember remember, Call call,
+                                       Parameters parameters) {
+    // A reconnection closes the board for a while, under the lock: whoever meets it waits.
+    const DeviceGuard device(m_csDevice);
+    void* const handle = m_hDevice;
+    if (handle == nullptr) {
+        return STATUS_NOT_CONNECTED;
+    }
+    if (parameters == Parameters::Bad) {
+        return STATUS_PARAMETER;
+    }
+    remember(m_remembered);
+    if (lost == DeviceLost::Refuses && m_bDeviceLost) {
+        return STATUS_FAILED;
+    }
+    return call(handle) ? STATUS_SUCCESS : STATUS_FAILED;
+}
+
+template <class Call>
+RETSTATUS BoardSession::BoardQuery(Call call) {
+    return BoardOperation(
+        DeviceLost::Refuses, [](Remembered&) {}, call);
+}
+
+RETSTATUS BoardSession::GetFirewareVersion(const char* pcbSerial, std::string& version) {
+    const DeviceGuard device(m_csDevice);  // no reconnection closes it in between
     const RETSTATUS open = EnsureBoardOpen(pcbSerial);
     if (open != STATUS_SUCCESS) {
         return open;
@@ -29,12 +56,7 @@ RETSTATUS IManagerSync::GetFirewareVersion(const char* pcbSerial, std::string& v
         [&](void* h) { return board::zr3DQueryProjectorFirewareVersion(h, version); });
 }
 
-RememberedSettings IManagerSync::SettingsToRestore() {
-    os::CriticalSectionGuard device(m_csDevice);
-    return m_remembered;
-}
-
-RETSTATUS IManagerSync::SetStrobeControlledByTrigger(const CONTROLROUTE& route,
+RETSTATUS BoardSession::SetStrobeControlledByTrigger(const CONTROLROUTE& route,
                                                      const STROBE_STATE& state) {
     const auto boardRoute = ToBoard(route);
     const auto boardState = ToBoard(state);
@@ -48,7 +70,7 @@ RETSTATUS IManagerSync::SetStrobeControlledByTrigger(const CONTROLROUTE& route,
         boardRoute && boardState ? Parameters::Good : Parameters::Bad);
 }
 
-RETSTATUS IManagerSync::EnableBlueLaser(const LASERWORKMODE& mode, const bool& enable) {
+RETSTATUS BoardSession::EnableBlueLaser(const LASERWORKMODE& mode, const bool& enable) {
     return BoardOperation(
         DeviceLost::Refuses,
         [&](Remembered& r) {
@@ -58,52 +80,52 @@ RETSTATUS IManagerSync::EnableBlueLaser(const LASERWORKMODE& mode, const bool& e
         [&](void* h) { return board::zr3DSetLaserEnable(h, enable, ToBoard(mode)); });
 }
 
-RETSTATUS IManagerSync::EnableIRLaser(const bool& enable) {
+RETSTATUS BoardSession::EnableIRLaser(const bool& enable) {
     return BoardOperation(
         DeviceLost::Refuses, [&](Remembered& r) { r.irLaserEnable = enable; },
         [&](void* h) { return board::zr3DSetIRLaserEnable(h, enable); });
 }
 
-RETSTATUS IManagerSync::SetIRLaserBrightnessLevel(const int& level) {
+RETSTATUS BoardSession::SetIRLaserBrightnessLevel(const int& level) {
     return BoardOperation(
         DeviceLost::Ignored, [&](Remembered& r) { r.irLaserLevel = level; },
         [&](void* h) { return board::zr3DSetIRLaserLevel(h, level); });
 }
 
-RETSTATUS IManagerSync::SetVideoTriggerPeriod(const int& period) {
+RETSTATUS BoardSession::SetVideoTriggerPeriod(const int& period) {
     return BoardOperation(
         DeviceLost::Refuses, [&](Remembered& r) { r.triggerPeriod = period; },
         [&](void* h) { return board::zr3DSetVideoTriggerPeriod(h, period); });
 }
 
-RETSTATUS IManagerSync::GetVideoTriggerPeriod(int& period) {
+RETSTATUS BoardSession::GetVideoTriggerPeriod(int& period) {
     return BoardQuery([&](void* h) { return board::zr3DQueryTriggerPeriod(h, period); });
 }
 
-RETSTATUS IManagerSync::SetProjectorBrightness(const int& brightness) {
+RETSTATUS BoardSession::SetProjectorBrightness(const int& brightness) {
     return BoardOperation(
         DeviceLost::Refuses, [&](Remembered& r) { r.projectorBrightness = brightness; },
         [&](void* h) { return board::zr3DSetProjectorBrightness(h, brightness); });
 }
 
-RETSTATUS IManagerSync::GetProjectorBrightness(int& brightness) {
+RETSTATUS BoardSession::GetProjectorBrightness(int& brightness) {
     return BoardQuery([&](void* h) { return board::zr3DQueryProjectorBrightness(h, brightness); });
 }
 
-RETSTATUS IManagerSync::EnableVideoTrigger(const CAMERA_TRIGGER_MODE& mode, const bool& enable) {
+RETSTATUS BoardSession::EnableVideoTrigger(const CAMERA_TRIGGER_MODE& mode, const bool& enable) {
     const board::MASK_TRIGGER_MODE boardMode = ToBoard(mode, enable);
     return BoardOperation(
         DeviceLost::Refuses, [&](Remembered& r) { r.triggerMode = boardMode; },
-        [&](void* h) { return WriteTriggerMode(h, boardMode); });
+        [&](void* h) KORVEX_NO_THREAD_SAFETY_ANALYSIS { return WriteTriggerMode(h, boardMode); });
 }
 
-RETSTATUS IManagerSync::Project(const PROJECTWORKTYPES& type) {
+RETSTATUS BoardSession::Project(const PROJECTWORKTYPES& type) {
     return BoardOperation(
         DeviceLost::Refuses, [&](Remembered& r) { r.projectType = ToBoard(type); },
         [&](void* h) { return board::zr3DProject(h, ToBoard(type)); });
 }
 
-RETSTATUS IManagerSync::SetStrobeDutioRatio(const int& texture, const int& ratio,
+RETSTATUS BoardSession::SetStrobeDutioRatio(const int& texture, const int& ratio,
                                             const int& withTexture) {
     std::array<int, 3> merged{};
     return BoardOperation(
@@ -124,62 +146,62 @@ RETSTATUS IManagerSync::SetStrobeDutioRatio(const int& texture, const int& ratio
         });
 }
 
-RETSTATUS IManagerSync::GetStrobeDutioRatio(int& texture, int& ratio, int& withTexture) {
+RETSTATUS BoardSession::GetStrobeDutioRatio(int& texture, int& ratio, int& withTexture) {
     return BoardQuery([&](void* h) {
         return board::zr3DQueryLedDutioRatio(h, kStrobeDutyQuery, texture, ratio, withTexture);
     });
 }
 
-RETSTATUS IManagerSync::SetLaserLineDutioRatio(const int& ratio) {
+RETSTATUS BoardSession::SetLaserLineDutioRatio(const int& ratio) {
     return BoardOperation(
         DeviceLost::Refuses, [&](Remembered& r) { r.laserLineDuty = ratio; },
         [&](void* h) { return board::zr3DSetDutioRatio(h, kLaserLineDutySet, ratio); });
 }
 
-RETSTATUS IManagerSync::GetLaserLineDutioRatio(int& ratio) {
+RETSTATUS BoardSession::GetLaserLineDutioRatio(int& ratio) {
     return BoardQuery(
         [&](void* h) { return board::zr3DQueryDutioRatio(h, kLaserLineDutyQuery, ratio); });
 }
 
-RETSTATUS IManagerSync::SetProjectDutioRatio(const int& ratio) {
+RETSTATUS BoardSession::SetProjectDutioRatio(const int& ratio) {
     return BoardOperation(
         DeviceLost::Refuses, [&](Remembered& r) { r.projectorDuty = ratio; },
         [&](void* h) { return board::zr3DSetDutioRatio(h, kProjectorDutySet, ratio); });
 }
 
-RETSTATUS IManagerSync::GetProjectDutioRatio(int& ratio) {
+RETSTATUS BoardSession::GetProjectDutioRatio(int& ratio) {
     return BoardQuery(
         [&](void* h) { return board::zr3DQueryDutioRatio(h, kProjectorDutyQuery, ratio); });
 }
 
-RETSTATUS IManagerSync::SetIRLaserDutioRatio(const int& ratio) {
+RETSTATUS BoardSession::SetIRLaserDutioRatio(const int& ratio) {
     return BoardOperation(
         DeviceLost::Refuses, [&](Remembered& r) { r.irLaserDuty = ratio; },
         [&](void* h) { return board::zr3DSetDutioRatio(h, kIRLaserDutySet, ratio); });
 }
 
-RETSTATUS IManagerSync::GetIRLaserDutioRatio(int& ratio) {
+RETSTATUS BoardSession::GetIRLaserDutioRatio(int& ratio) {
     return BoardQuery(
         [&](void* h) { return board::zr3DQueryDutioRatio(h, kIRLaserDutyQuery, ratio); });
 }
 
-RETSTATUS IManagerSync::SetDistanceIndicate(const DISTANCESTATUS& state) {
+RETSTATUS BoardSession::SetDistanceIndicate(const DISTANCESTATUS& state) {
     return BoardOperation(
         DeviceLost::Refuses, [&](Remembered& r) { r.distanceState = ToBoard(state); },
         [&](void* h) { return board::zr3DSetDistanceIndicateState(h, ToBoard(state)); });
 }
 
-RETSTATUS IManagerSync::WriteUserInfomation(const int& address, const char* data,
+RETSTATUS BoardSession::WriteUserInfomation(const int& address, const char* data,
                                             const int& length) {
     return BoardQuery(
         [&](void* h) { return board::zr3DWriteUserInfomation(h, address, data, length); });
 }
 
-RETSTATUS IManagerSync::ReadUserInfomation(const int& address, char*& buffer) {
+RETSTATUS BoardSession::ReadUserInfomation(const int& address, char*& buffer) {
     return BoardQuery([&](void* h) { return board::zr3DReadUserInfomation(h, address, buffer); });
 }
 
-RETSTATUS IManagerSync::SetStrobeWorkTime(const int& withTexture, const int& without) {
+RETSTATUS BoardSession::SetStrobeWorkTime(const int& withTexture, const int& without) {
     return BoardOperation(
         DeviceLost::Ignored,
         [&](Remembered& r) {
@@ -191,7 +213,7 @@ RETSTATUS IManagerSync::SetStrobeWorkTime(const int& withTexture, const int& wit
         });
 }
 
-RETSTATUS IManagerSync::GetStrobeWorkTime(int& withTexture, int& without) {
+RETSTATUS BoardSession::GetStrobeWorkTime(int& withTexture, int& without) {
     return BoardQuery([&](void* h) {
         const bool first = board::zr3DQueryLedWorkTime(h, true, withTexture);
         const bool second = board::zr3DQueryLedWorkTime(h, false, without);
@@ -199,38 +221,44 @@ RETSTATUS IManagerSync::GetStrobeWorkTime(int& withTexture, int& without) {
     });
 }
 
-RETSTATUS IManagerSync::SetLaserLineWorkTime(const int& time) {
+RETSTATUS BoardSession::SetLaserLineWorkTime(const int& time) {
     // Remembered as the infrared laser's: intended, and a reconnection counts on it.
     return BoardOperation(
         DeviceLost::Ignored, [&](Remembered& r) { r.irLaserWorkTime = time; },
         [&](void* h) { return board::zr3DSetWorkTime(h, kLaserLineWorkTimeSet, time); });
 }
 
-RETSTATUS IManagerSync::GetLaserLineWorkTime(int& time) {
+RETSTATUS BoardSession::GetLaserLineWorkTime(int& time) {
     return BoardQuery(
         [&](void* h) { return board::zr3DQueryWorkTime(h, kLaserLineWorkTimeQuery, time); });
 }
 
-RETSTATUS IManagerSync::SetProjectWorkTime(const int& time) {
+RETSTATUS BoardSession::SetProjectWorkTime(const int& time) {
     return BoardOperation(
         DeviceLost::Ignored, [&](Remembered& r) { r.projectorWorkTime = time; },
         [&](void* h) { return board::zr3DSetWorkTime(h, kProjectorWorkTimeSet, time); });
 }
 
-RETSTATUS IManagerSync::GetProjectWorkTime(int& time) {
+RETSTATUS BoardSession::GetProjectWorkTime(int& time) {
     return BoardQuery(
         [&](void* h) { return board::zr3DQueryWorkTime(h, kProjectorWorkTimeQuery, time); });
 }
 
-RETSTATUS IManagerSync::SetIRLaserWorkTime(const int& time) {
+RETSTATUS BoardSession::SetIRLaserWorkTime(const int& time) {
     return BoardOperation(
         DeviceLost::Ignored, [&](Remembered& r) { r.irLaserWorkTime = time; },
         [&](void* h) { return board::zr3DSetWorkTime(h, kIRLaserWorkTimeSet, time); });
 }
 
-RETSTATUS IManagerSync::GetIRLaserWorkTime(int& time) {
+RETSTATUS BoardSession::GetIRLaserWorkTime(int& time) {
     return BoardQuery(
         [&](void* h) { return board::zr3DQueryWorkTime(h, kIRLaserWorkTimeQuery, time); });
+}
+
+RETSTATUS BoardSession::EnableHeartbeat(bool enable) {
+    return BoardOperation(
+        DeviceLost::Ignored, [&](Remembered& r) { r.heartbeatEnabled = enable; },
+        [&](void* h) { return board::zr3DEnableHeartbeat(h, enable); });
 }
 
 }  // namespace Korvex3Sync

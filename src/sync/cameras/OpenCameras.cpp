@@ -2,8 +2,9 @@
 
 #include "platform/os/Log.h"
 #include "platform/os/Print.h"
-#include "sync/ChannelCodes.h"
-#include "sync/ManagerSync.h"
+#include "sync/cameras/CameraSet.h"
+#include "sync/cameras/ChannelCodes.h"
+#include "sync/connection/ManagerLog.h"
 
 namespace Korvex3Sync {
 namespace {
@@ -41,8 +42,8 @@ std::array<unsigned char, kMostGroups> CountShares(const std::vector<int>& codes
 
 }  // namespace
 
-int IManagerSync::OpenCameras(const std::vector<char*>& camSerials, const std::vector<int>& widths,
-                              const std::vector<int>& heights) {
+int CameraSet::OpenCameras(const std::vector<char*>& camSerials, const std::vector<int>& widths,
+                           const std::vector<int>& heights) {
     const std::size_t count = camSerials.size();
     KORVEX_LOG(kLog) << "IShotSync::OpenCameras tmpSerialCount=" << count;
     if (count < 1 || count != widths.size() || count != heights.size()) {
@@ -69,11 +70,14 @@ int IManagerSync::OpenCameras(const std::vector<char*>& camSerials, const std::v
         KORVEX_LOG(kLog) << "Open Camera Failed in IShotSync::opencameras";
         return kCameraFailure;
     }
-    StartGrabbing(count);
+    m_allCamerasMask = AllCamerasMask(count);
+    SetRoutes();
+    StartGrabbing();
+    m_cameraCount = static_cast<int>(m_cameras.size());
     return kOpened;
 }
 
-bool IManagerSync::AssignCameraChannels(const std::vector<char*>& camSerials) {
+bool CameraSet::AssignCameraChannels(const std::vector<char*>& camSerials) {
     ChannelAssignment assignment = AssignChannels(camSerials);
     m_cameraSerials = std::move(assignment.serials);
     m_cameraChannels.insert(m_cameraChannels.end(), assignment.codes.begin(),
@@ -81,8 +85,8 @@ bool IManagerSync::AssignCameraChannels(const std::vector<char*>& camSerials) {
     return assignment.fits;
 }
 
-bool IManagerSync::CreateCameras(const std::vector<char*>& camSerials,
-                                 const std::vector<int>& widths, const std::vector<int>& heights) {
+bool CameraSet::CreateCameras(const std::vector<char*>& camSerials, const std::vector<int>& widths,
+                              const std::vector<int>& heights) {
     const std::size_t count = camSerials.size();
     KORVEX_LOG_FORMATTED(kLog, "OpenCameras tmpSerialCount=%d", static_cast<int>(count));
     const auto tmpFlag = CountShares(m_cameraChannels, count);
@@ -95,7 +99,7 @@ bool IManagerSync::CreateCameras(const std::vector<char*>& camSerials,
             KORVEX_LOG(kLog) << "i=" << i << "tempValue =" << ChannelRepeat(tmpCH);
             continue;
         }
-        auto camera = std::make_unique<CPhysicalCameraThread>(this);
+        auto camera = std::make_unique<CPhysicalCameraThread>(&m_listener);
         if (!camera->InializeCamera(camSerials[i])) {
             break;
         }
@@ -115,7 +119,7 @@ bool IManagerSync::CreateCameras(const std::vector<char*>& camSerials,
     return i == count;
 }
 
-bool IManagerSync::CheckCameraTotals() {
+bool CameraSet::CheckCameraTotals() {
     const std::size_t count = m_cameras.size();
     std::size_t k = 0;
     for (; k < count; ++k) {
@@ -129,7 +133,7 @@ bool IManagerSync::CheckCameraTotals() {
     return k == count;
 }
 
-bool IManagerSync::OpenAndStartCameras() {
+bool CameraSet::OpenAndStartCameras() {
     for (std::size_t k = 0; k < m_cameras.size(); ++k) {
         if (!m_cameras[k]->OpenCamera(m_cameraSerials[k].c_str(), m_cameraParams[2 * k],
                                       m_cameraParams[2 * k + 1])) {
@@ -147,7 +151,7 @@ bool IManagerSync::OpenAndStartCameras() {
     return true;
 }
 
-void IManagerSync::StartGrabbing(std::size_t serialCount) {
+void CameraSet::SetRoutes() {
     std::vector<FramePath::Route> routes;
     for (const int code : m_cameraChannels) {
         const auto slot = static_cast<std::size_t>(ChannelGroup(code));
@@ -155,16 +159,17 @@ void IManagerSync::StartGrabbing(std::size_t serialCount) {
         routes.push_back({slot, packed, m_cameraParams[2 * slot], m_cameraParams[2 * slot + 1]});
     }
     m_frames.SetRoutes(std::move(routes));
+}
+
+void CameraSet::StartGrabbing() {
     for (auto& camera : m_cameras) {
-        m_cameraBookkeeping.push_back(std::make_unique<CameraBookkeeping>());
+        m_frameEvents.emplace_back();
         camera->SetScanCallBackFunction(&FramePath::OnFrame, &m_frames);
         if (!camera->StartThread()) {
-            LOG(ERROR) << "a grab thread did not start: camera " << m_cameraBookkeeping.size()
-                       << " of " << m_cameras.size() << " gives no frames";
+            LOG(ERROR) << "a grab thread did not start: camera " << m_frameEvents.size() << " of "
+                       << m_cameras.size() << " gives no frames";
         }
     }
-    m_serialSlots.resize(m_serialSlots.size() + serialCount, nullptr);
-    m_allCamerasMask = AllCamerasMask(serialCount);
 }
 
 }  // namespace Korvex3Sync

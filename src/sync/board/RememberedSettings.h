@@ -1,15 +1,13 @@
 #pragma once
 
 #include <array>
-#include <map>
 
 #include "platform/include/zr3DHandiDLPdev.h"
 
 namespace Korvex3Sync {
 
-/// What the setters were last asked for, so that a reconnection can bring a head back to its state:
-/// for the board in its own numbers, where the initial values are what a fresh connection would
-/// write; for the cameras by camera order, where nothing is written that was never set.
+/// What the board's setters were last asked for, in the board's own numbers, so that a reconnection
+/// can bring it back to its state. The initial values are what a fresh connection would write.
 struct RememberedSettings {
     zr3DHandiDLPdev::TRIGGERROUTE strobeRoute{2};
     zr3DHandiDLPdev::MASK_STROBE_STATE strobeState{1};
@@ -31,8 +29,6 @@ struct RememberedSettings {
     int laserLineWorkTime = 1000;
     int irLaserWorkTime = 1000;
     bool heartbeatEnabled = false;
-    std::map<int, double> exposures;  // by camera order
-    std::map<int, int> gains;         // by camera order
 };
 
 }  // namespace Korvex3Sync

@@ -1,0 +1,124 @@
+#include "sync/cameras/CameraSet.h"
+
+#include <cstddef>
+
+#include "platform/os/Log.h"
+#include "platform/os/Print.h"
+#include "sync/connection/ManagerLog.h"
+#include "sync/connection/ScanCallbackRule.h"
+
+namespace Korvex3Sync {
+namespace {
+
+constexpr auto& kLog = kManagerSyncLog;
+
+/// The camera instance of the serial that was opened last.
+constexpr const char* kSerialOfLastOpen = nullptr;
+
+/// Keeps a camera paused for a scope.
+class Paused {
+public:
+    explicit Paused(CPhysicalCameraThread& camera) : m_camera(camera) { m_camera.PauseThread(); }
+    ~Paused() { m_camera.ResumeThread(); }
+    Paused(const Paused&) = delete;
+    Paused& operator=(const Paused&) = delete;
+
+private:
+    CPhysicalCameraThread& m_camera;
+};
+
+}  // namespace
+
+CameraSet::CameraSet(os::CriticalSection& device, PhysicalCameraThreadListener& listener,
+                     FramePath& frames)
+    : m_csDevice(device), m_listener(listener), m_frames(frames) {}
+
+void CameraSet::PauseAndRecreate() {
+    const DeviceGuard device(m_csDevice);
+    PauseAndRelease("ReInitializeCamera success");
+    for (auto& camera : m_cameras) {
+        camera->InializeCamera(kSerialOfLastOpen);
+    }
+}
+
+void CameraSet::Resume() {
+    const DeviceGuard device(m_csDevice);
+    for (auto& camera : m_cameras) {
+        camera->ResumeThread();
+    }
+}
+
+RETSTATUS CameraSet::ReleaseCamera() {
+    const DeviceGuard device(m_csDevice);
+    PauseAndRelease("ReleaseCamera success");
+    return STATUS_SUCCESS;
+}
+
+void CameraSet::PauseAndRelease(const char* record) {
+    for (auto& camera : m_cameras) {
+        camera->PauseThread();
+        camera->ReleaseCamera();
+        KORVEX_LOG(kLog) << record;
+        os::Print("ReInitializeCamera success\n");  // the one text of both callers
+    }
+}
+
+void CameraSet::ReOpen() {
+    const DeviceGuard device(m_csDevice);
+    const std::vector<OrderSetting> orders = OrdersToRestore(m_remembered);
+    for (auto& camera : m_cameras) {
+        camera->PauseThread();
+        if (!camera->ReOpenCamera()) {
+            KORVEX_LOG(kLog) << "ReOpenCamera failed";
+            continue;
+        }
+        os::Print("ReOpenCamera success\n");
+        KORVEX_LOG(kLog) << "ReOpenCamera success";
+        camera->StartCamera();
+        for (const OrderSetting& setting : orders) {
+            SetCameraExposureAndGain(setting.order, setting.exposure, setting.gain);
+        }
+        camera->ResumeThread();
+    }
+}
+
+void CameraSet::ResetState() {
+    // A reconnection must not find its pause ended, nor a camera change under this.
+    const DeviceGuard device(m_csDevice);
+    for (auto& camera : m_cameras) {
+        const Paused paused(*camera);
+        camera->ResetCameraState();
+    }
+}
+
+void CameraSet::Close() {
+    for (std::size_t i = 0;; ++i) {
+        CPhysicalCameraThread* camera = nullptr;
+        {
+            os::CriticalSectionGuard device(m_csDevice);
+            if (i == m_cameras.size()) {
+                m_cameras.clear();
+                m_cameraCount = 0;
+                return;
+            }
+            camera = m_cameras[i].get();
+        }
+        camera->ResetStatusToInitialize();
+        camera->StopThread();
+        std::unique_ptr<CPhysicalCameraThread> closed;
+        {
+            // A status callback may be reading from it.
+            os::CriticalSectionGuard device(m_csDevice);
+            camera->CloseCamera();
+            closed = std::move(m_cameras[i]);
+        }
+        // Freed without the device lock: a grab thread takes it after the lock that this takes.
+    }
+}
+
+RememberedParameters CameraSet::ParametersToRestore() {
+    os::CriticalSectionGuard device(m_csDevice);
+    return m_remembered;
+}
+
+}  // namespace Korvex3Sync

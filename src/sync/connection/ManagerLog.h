@@ -1,0 +1,8 @@
+#pragma once
+
+namespace Korvex3Sync {
+
+/// The source name of every record of a connection, whichever part writes it.
+inline constexpr char kManagerSyncLog[] = "sync/ManagerSync";
+
+}  // namespace Korvex3Sync
