@@ -7,7 +7,7 @@
 
 #include "recorder/Recorder.h"
 
-namespace Korvex3Sync {
+namespace Korvex3Sync::tests {
 namespace {
 
 using recorder::Recorder;
@@ -123,4 +123,4 @@ TEST_F(BoardSessionAlone, TellsOfEveryWriteOfTheTriggerModeAlsoOfARestoredOne) {
 }
 
 }  // namespace
-}  // namespace Korvex3Sync
+}  // namespace Korvex3Sync::tests

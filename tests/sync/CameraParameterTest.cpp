@@ -9,7 +9,7 @@
 #include "support/LogCapture.h"
 #include "sync/PartsAlone.h"
 
-namespace Korvex3Sync {
+namespace Korvex3Sync::tests {
 namespace {
 
 using recorder::Recorder;
@@ -259,4 +259,4 @@ TEST(CameraParametersWithoutCameras, AFailedConnectLeavesChannelCodesAndNoCamera
 }
 
 }  // namespace
-}  // namespace Korvex3Sync
+}  // namespace Korvex3Sync::tests

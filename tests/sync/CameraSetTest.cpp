@@ -6,7 +6,7 @@
 #include "platform/os/TimeScale.h"
 #include "sync/PartsAlone.h"
 
-namespace Korvex3Sync {
+namespace Korvex3Sync::tests {
 namespace {
 
 using recorder::Recorder;
@@ -93,4 +93,4 @@ TEST_F(CameraSetAlone, AResetStateLeavesTheGrabThreadsRunning) {
 }
 
 }  // namespace
-}  // namespace Korvex3Sync
+}  // namespace Korvex3Sync::tests

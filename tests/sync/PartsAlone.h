@@ -8,7 +8,7 @@
 #include "sync/cameras/CameraSet.h"
 #include "sync/frames/FramePath.h"
 
-namespace Korvex3Sync {
+namespace Korvex3Sync::tests {
 
 /// The cameras and the board of a connection without the rest of it.
 class CamerasAlone : public PhysicalCameraThreadListener {
@@ -28,4 +28,4 @@ public:
     CameraSet cameras{device, *this, frames};
 };
 
-}  // namespace Korvex3Sync
+}  // namespace Korvex3Sync::tests

@@ -4,7 +4,7 @@
 
 #include <vector>
 
-namespace Korvex3Sync {
+namespace Korvex3Sync::tests {
 namespace {
 
 TEST(OrdersToRestore, OrdersComeAscendingAndOnlyWhereBothWereSet) {
@@ -16,4 +16,4 @@ TEST(OrdersToRestore, OrdersComeAscendingAndOnlyWhereBothWereSet) {
 }
 
 }  // namespace
-}  // namespace Korvex3Sync
+}  // namespace Korvex3Sync::tests

@@ -9,7 +9,7 @@
 #include "recorder/Recorder.h"
 #include "support/LogCapture.h"
 
-namespace Korvex3Sync {
+namespace Korvex3Sync::tests {
 namespace {
 
 using recorder::Recorder;
@@ -81,4 +81,4 @@ TEST_F(Usb3Check, WithoutABoardTheUsbAnswerIsUntouched) {
 }
 
 }  // namespace
-}  // namespace Korvex3Sync
+}  // namespace Korvex3Sync::tests
