@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <memory>
+#include <utility>
 
 namespace Korvex3Sync {
 
@@ -19,7 +20,12 @@ public:
 
     Image() = default;
     Image(Image&& other) noexcept = default;
-    Image& operator=(Image&& other) noexcept;
+    Image& operator=(Image&& other) noexcept {
+        Release();
+        m_pool = other.m_pool;
+        m_buffer = std::move(other.m_buffer);
+        return *this;
+    }
     ~Image() { Release(); }
 
     explicit operator bool() const { return m_buffer.pixels != nullptr; }
@@ -27,7 +33,11 @@ public:
     unsigned char* Pixels() const { return m_buffer.pixels.get(); }
 
     /// Returns the buffer to the pool now.
-    void Release();
+    void Release() {
+        if (*this) {
+            ReturnToPool();
+        }
+    }
     /// The buffer leaves the pool for good: the caller frees it with `delete[]`. Null for an empty
     /// image.
     unsigned char* GiveAway();
@@ -35,6 +45,7 @@ public:
 private:
     friend class ImagePool;
     Image(ImagePool& pool, Buffer buffer) : m_pool(&pool), m_buffer(std::move(buffer)) {}
+    void ReturnToPool();
 
     ImagePool* m_pool = nullptr;
     Buffer m_buffer;

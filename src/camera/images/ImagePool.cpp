@@ -6,19 +6,8 @@
 
 namespace Korvex3Sync {
 
-Image& Image::operator=(Image&& other) noexcept {
-    if (this != &other) {
-        Release();
-        m_pool = other.m_pool;
-        m_buffer = std::move(other.m_buffer);
-    }
-    return *this;
-}
-
-void Image::Release() {
-    if (*this) {
-        m_pool->TakeBack(std::move(m_buffer));
-    }
+void Image::ReturnToPool() {
+    m_pool->TakeBack(std::move(m_buffer));
 }
 
 unsigned char* Image::GiveAway() {
@@ -52,7 +41,7 @@ Image ImagePool::Take(std::size_t bytes) {
     return {*this, std::move(buffer)};
 }
 
-void ImagePool::TakeBack(Image::Buffer buffer) {
+void ImagePool::TakeBack(Image::Buffer&& buffer) {
     os::MutexGuard lock(m_mutex);
     --m_lent;
     m_free.push_back(std::move(buffer));

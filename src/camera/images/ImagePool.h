@@ -30,7 +30,7 @@ private:
     friend class Image;
 
     /// Never allocates: Take has made room.
-    void TakeBack(Image::Buffer buffer);
+    void TakeBack(Image::Buffer&& buffer);
     void Forget();
 
     mutable os::Mutex m_mutex;

@@ -88,7 +88,10 @@ void FramePairing::DeliverSet(const DecodedFrame& newer, Sink& sink, bool colorM
 
 void FramePairing::Erase(Items::iterator item) {
     m_spare = _mapVideoItems.extract(item);
-    m_spare.mapped() = {};  // releases its images
+    VideoItem& erased = m_spare.mapped();
+    erased.pMonoImage0.Release();
+    erased.pMonoImage1.Release();
+    erased.pColorImage.Release();
 }
 
 void FramePairing::ForgoColor(unsigned int key) {
@@ -98,7 +101,7 @@ void FramePairing::ForgoColor(unsigned int key) {
     }
 }
 
-bool FramePairing::Store(unsigned int key, VideoItem item) {
+bool FramePairing::Store(unsigned int key, VideoItem&& item) {
     if (m_spare) {
         m_spare.key() = key;
         m_spare.mapped() = std::move(item);

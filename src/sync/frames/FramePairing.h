@@ -62,8 +62,8 @@ public:
     void TakeMono(DecodedFrame& frame, Sink& sink);
     /// The colour frame of this key went elsewhere: a set that waits for it does not miss it.
     void ForgoColor(unsigned int key);
-    /// Puts an item under a key that is free; false, and the item is released, without memory.
-    bool Store(unsigned int key, VideoItem item);
+    /// Puts an item under a key that is free; false without memory.
+    bool Store(unsigned int key, VideoItem&& item);
     /// Releases the item with the smallest key; there must be one.
     void DropFirst(Sink& sink);
 
