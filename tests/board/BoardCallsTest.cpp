@@ -9,20 +9,18 @@
 #include "platform/board/protocol/Commands.h"
 #include "support/RequestedHead.h"
 
-namespace Korvex3Sync::board {
+namespace Korvex3Sync::tests {
 namespace {
 
+using namespace board;
 using namespace zr3DHandiDLPdev;
-using test::BoardCall;
-using test::EveryCall;
-using test::OpenedBoard;
 using testing::ElementsAre;
 using virtual_head::BoardState;
 using virtual_head::HeadDescription;
 
 class BoardCalls : public testing::Test {
 protected:
-    Korvex3Sync::test::RequestedHead m_head;
+    RequestedHead m_head;
     OpenedBoard m_board;
     void* m_handle = m_board.handle;
 
@@ -261,7 +259,7 @@ TEST(BoardFirmware, IsReadThroughAnOpenBoardAndWithoutOne) {
     HeadDescription description;
     description.firmware = "9.8.7-beta";
     description.boardSerial = "B-1";
-    Korvex3Sync::test::RequestedHead head(description);
+    RequestedHead head(description);
     std::string version;
     EXPECT_TRUE(zr3DQueryFirmwareVersionFast("B-1", version));
     EXPECT_EQ(version, "9.8.7-beta");
@@ -280,7 +278,7 @@ TEST(BoardFirmware, IsReadThroughAnOpenBoardAndWithoutOne) {
 }
 
 TEST(BoardFirmware, WithoutAnOpenBoardFailsForAnotherSerialNullAndAFault) {
-    Korvex3Sync::test::RequestedHead head;
+    RequestedHead head;
     std::string version = "as it was";
     EXPECT_FALSE(zr3DQueryFirmwareVersionFast("another", version));
     EXPECT_FALSE(zr3DQueryFirmwareVersionFast(std::string(10000, 's').c_str(), version));
@@ -294,4 +292,4 @@ TEST(BoardFirmware, WithoutAnOpenBoardFailsForAnotherSerialNullAndAFault) {
 }
 
 }  // namespace
-}  // namespace Korvex3Sync::board
+}  // namespace Korvex3Sync::tests

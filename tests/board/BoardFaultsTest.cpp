@@ -8,15 +8,12 @@
 #include "support/RequestedHead.h"
 #include "support/WaitUntil.h"
 
-namespace Korvex3Sync::board {
+namespace Korvex3Sync::tests {
 namespace {
 
+using namespace board;
 using namespace std::chrono_literals;
 using namespace zr3DHandiDLPdev;
-using Korvex3Sync::test::RequestedHead;
-using test::BoardCall;
-using test::EveryCall;
-using test::OpenedBoard;
 using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -205,4 +202,4 @@ TEST(LateBoard, HoldsUpNoClosing) {
 }
 
 }  // namespace
-}  // namespace Korvex3Sync::board
+}  // namespace Korvex3Sync::tests

@@ -11,11 +11,10 @@
 #include "platform/os/Event.h"
 #include "platform/os/TimeScale.h"
 
-namespace Korvex3Sync::board {
+namespace Korvex3Sync::tests {
 namespace {
 
-using test::Received;
-using test::ScriptedTransport;
+using namespace board;
 
 constexpr std::chrono::seconds kPatience{60};
 
@@ -272,4 +271,4 @@ TEST(BoardLink, RefusesUserDataThatNoPageHolds) {
 }
 
 }  // namespace
-}  // namespace Korvex3Sync::board
+}  // namespace Korvex3Sync::tests

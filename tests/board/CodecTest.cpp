@@ -10,11 +10,10 @@
 #include "board/Samples.h"
 #include "support/Seed.h"
 
-namespace Korvex3Sync::board {
+namespace Korvex3Sync::tests {
 namespace {
 
-using test::BytesOf;
-using test::SamplePayload;
+using namespace board;
 
 Report SampleReply() {
     return EncodeReply(
@@ -211,4 +210,4 @@ TEST(Codec, LooksAtAnyBytesWithoutHarm) {
 }
 
 }  // namespace
-}  // namespace Korvex3Sync::board
+}  // namespace Korvex3Sync::tests

@@ -7,8 +7,10 @@
 
 #include "virtual_head/faults/Faults.h"
 
-namespace Korvex3Sync::board {
+namespace Korvex3Sync::tests {
 namespace {
+
+using namespace board;
 
 TEST(Commands, HaveOneCodeEachAndAreFoundByIt) {
     std::set<Command> codes;
@@ -66,4 +68,4 @@ TEST(PayloadShape, TakesTheSizesBetweenItsLeastAndItsMost) {
 }
 
 }  // namespace
-}  // namespace Korvex3Sync::board
+}  // namespace Korvex3Sync::tests

@@ -6,11 +6,11 @@
 
 #include "support/RequestedHead.h"
 
-namespace Korvex3Sync::board {
+namespace Korvex3Sync::tests {
 namespace {
 
+using namespace board;
 using Clock = std::chrono::steady_clock;
-using Korvex3Sync::test::RequestedHead;
 using virtual_head::VirtualHead;
 
 constexpr auto kCall = "zr3DProject";
@@ -46,4 +46,4 @@ TEST_F(BoardThread, ATaskThatAFaultHoldsIsWaitedForUntilTheDeadline) {
 }
 
 }  // namespace
-}  // namespace Korvex3Sync::board
+}  // namespace Korvex3Sync::tests

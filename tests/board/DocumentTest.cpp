@@ -12,9 +12,10 @@
 #include "platform/board/protocol/Identity.h"
 #include "support/Text.h"
 
-namespace Korvex3Sync::board {
+namespace Korvex3Sync::tests {
 namespace {
 
+using namespace board;
 using testing::HasSubstr;
 
 std::string Document() {
@@ -50,7 +51,7 @@ TEST(BoardProtocolDocument, NamesEveryCommandWithItsCodeAndFunction) {
         EXPECT_THAT(document, HasSubstr("| " + Printed("%u", code) + " (" + Printed("%02X", code) +
                                         ") | `" + info.function + "`"));
     }
-    EXPECT_EQ(Korvex3Sync::test::Count(document, ") | `zr3D"), AllCommands().size())
+    EXPECT_EQ(Count(document, ") | `zr3D"), AllCommands().size())
         << "and no command that does not exist";
 }
 
@@ -63,7 +64,7 @@ TEST(BoardProtocolDocument, ShowsReportsOfTheRealEncoder) {
           EncodeReply({Command::QueryLaserLineDuty, 2, Status::Ok, Values({60})})}) {
         EXPECT_THAT(document, HasSubstr(Dump(report)));
     }
-    EXPECT_EQ(Korvex3Sync::test::Count(document, "\n4B 33 "), 4U);
+    EXPECT_EQ(Count(document, "\n4B 33 "), 4U);
 }
 
 TEST(BoardProtocolDocument, GivesTheLimitsAndTheIdentifiers) {
@@ -87,4 +88,4 @@ TEST(BoardProtocolDocument, NamesEveryReasonToSkipAReport) {
 }
 
 }  // namespace
-}  // namespace Korvex3Sync::board
+}  // namespace Korvex3Sync::tests

@@ -7,7 +7,7 @@
 
 #include "platform/include/zr3DHandiDLPdev.h"
 
-namespace Korvex3Sync::board::test {
+namespace Korvex3Sync::tests {
 
 /// A call of each function that takes an open board, with arguments that are right, and its journal
 /// text without the result.
@@ -77,4 +77,4 @@ inline const std::vector<BoardCall>& EveryCall() {
     return calls;
 }
 
-}  // namespace Korvex3Sync::board::test
+}  // namespace Korvex3Sync::tests

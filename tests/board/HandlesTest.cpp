@@ -10,14 +10,11 @@
 #include "platform/os/Event.h"
 #include "support/RequestedHead.h"
 
-namespace Korvex3Sync::board {
+namespace Korvex3Sync::tests {
 namespace {
 
+using namespace board;
 using namespace zr3DHandiDLPdev;
-using Korvex3Sync::test::RequestedHead;
-using test::BoardCall;
-using test::EveryCall;
-using test::OpenedBoard;
 using testing::ElementsAre;
 using virtual_head::HeadDescription;
 
@@ -258,4 +255,4 @@ TEST(AnotherRequest, EndsTheHandlesOfTheHeadBefore) {
 }
 
 }  // namespace
-}  // namespace Korvex3Sync::board
+}  // namespace Korvex3Sync::tests

@@ -4,7 +4,7 @@
 
 #include "platform/include/zr3DHandiDLPdev.h"
 
-namespace Korvex3Sync::board::test {
+namespace Korvex3Sync::tests {
 
 /// An open board of the requested head; closes at its end, unless that was done.
 class OpenedBoard {
@@ -24,4 +24,4 @@ public:
     void* handle = nullptr;
 };
 
-}  // namespace Korvex3Sync::board::test
+}  // namespace Korvex3Sync::tests

@@ -4,11 +4,11 @@
 
 #include "platform/board/protocol/Codec.h"
 
-namespace Korvex3Sync::board::test {
+namespace Korvex3Sync::tests {
 
 /// A payload of this shape whose bytes all differ.
-inline Payload SamplePayload(const PayloadShape& shape) {
-    Payload payload;
+inline board::Payload SamplePayload(const board::PayloadShape& shape) {
+    board::Payload payload;
     for (std::size_t value = 0; value < shape.values; ++value) {
         payload.PutValue(static_cast<std::int32_t>(0x81020304U + 0x10101010U * value));
     }
@@ -20,8 +20,8 @@ inline Payload SamplePayload(const PayloadShape& shape) {
     return payload;
 }
 
-inline std::vector<std::uint8_t> BytesOf(const Payload& payload) {
+inline std::vector<std::uint8_t> BytesOf(const board::Payload& payload) {
     return {payload.Bytes().begin(), payload.Bytes().end()};
 }
 
-}  // namespace Korvex3Sync::board::test
+}  // namespace Korvex3Sync::tests

@@ -11,29 +11,31 @@
 
 #include "platform/board/ByteTransport.h"
 
-namespace Korvex3Sync::board::test {
+namespace Korvex3Sync::tests {
 
 /// The first `size` bytes of a report, as received.
-inline ReceivedBytes Received(const Report& report, std::size_t size = kReportSize) {
+inline board::ReceivedBytes Received(const board::Report& report,
+                                     std::size_t size = board::kReportSize) {
     return {report, size};
 }
 
 /// A board that says to each report what its script says. Thread-safe.
-class ScriptedTransport final : public ByteTransport {
+class ScriptedTransport final : public board::ByteTransport {
 public:
     /// What the board sends after a report; nothing: the board does not take the report.
-    using Script = std::function<std::optional<std::vector<ReceivedBytes>>(const Report&)>;
+    using Script =
+        std::function<std::optional<std::vector<board::ReceivedBytes>>(const board::Report&)>;
 
     explicit ScriptedTransport(Script script) : m_script(std::move(script)) {}
 
-    bool Send(const Report& report, Deadline) override {
+    bool Send(const board::Report& report, Deadline) override {
         const bool taken = Take(report);
         // A device takes time, in which another caller could come between.
         std::this_thread::yield();
         return taken;
     }
 
-    std::optional<ReceivedBytes> Receive(Deadline deadline) override {
+    std::optional<board::ReceivedBytes> Receive(Deadline deadline) override {
         std::unique_lock lock(m_mutex);
         ++m_receivers;
         m_changed.notify_all();
@@ -42,7 +44,7 @@ public:
         if (m_replies.empty() || m_closed) {
             return std::nullopt;
         }
-        const ReceivedBytes received = m_replies.front();
+        const board::ReceivedBytes received = m_replies.front();
         m_replies.pop_front();
         return received;
     }
@@ -63,7 +65,7 @@ public:
 
     void OnClose(std::function<void()> procedure) { m_onClose = std::move(procedure); }
 
-    std::vector<Report> Sent() const {
+    std::vector<board::Report> Sent() const {
         std::lock_guard lock(m_mutex);
         return m_sent;
     }
@@ -75,7 +77,7 @@ public:
     }
 
 private:
-    bool Take(const Report& report) {
+    bool Take(const board::Report& report) {
         std::lock_guard lock(m_mutex);
         m_sent.push_back(report);
         const auto replies = m_closed ? std::nullopt : m_script(report);
@@ -89,10 +91,10 @@ private:
     std::function<void()> m_onClose;
     mutable std::mutex m_mutex;
     std::condition_variable m_changed;
-    std::deque<ReceivedBytes> m_replies;
-    std::vector<Report> m_sent;
+    std::deque<board::ReceivedBytes> m_replies;
+    std::vector<board::Report> m_sent;
     int m_receivers = 0;
     bool m_closed = false;
 };
 
-}  // namespace Korvex3Sync::board::test
+}  // namespace Korvex3Sync::tests

@@ -8,11 +8,11 @@
 #include "board/OpenBoard.h"
 #include "support/RequestedHead.h"
 
-namespace Korvex3Sync::board {
+namespace Korvex3Sync::tests {
 namespace {
 
+using namespace board;
 using namespace zr3DHandiDLPdev;
-using test::OpenedBoard;
 using testing::Each;
 using testing::ElementsAre;
 using virtual_head::HeadDescription;
@@ -40,7 +40,7 @@ struct Page {
 
 class UserMemory : public testing::Test {
 protected:
-    Korvex3Sync::test::RequestedHead m_head;
+    RequestedHead m_head;
     OpenedBoard m_board;
     void* m_handle = m_board.handle;
 };
@@ -153,7 +153,7 @@ TEST_F(UserMemory, MeetsOneFaultForEachCallAndKeepsThePage) {
 TEST(UserMemoryAtPowerOn, IsThatOfTheHead) {
     HeadDescription description;
     std::iota(description.userMemory.begin(), description.userMemory.end(), std::uint8_t{1});
-    Korvex3Sync::test::RequestedHead head(description);
+    RequestedHead head(description);
     OpenedBoard board;
     for (int address = 0; address < 16; ++address) {
         Page page;
@@ -164,4 +164,4 @@ TEST(UserMemoryAtPowerOn, IsThatOfTheHead) {
 }
 
 }  // namespace
-}  // namespace Korvex3Sync::board
+}  // namespace Korvex3Sync::tests

@@ -12,9 +12,10 @@
 #include "virtual_head/base/Journal.h"
 #include "virtual_head/faults/Faults.h"
 
-namespace Korvex3Sync::virtual_head {
+namespace Korvex3Sync::tests {
 namespace {
 
+using namespace virtual_head;
 using board::Command;
 using board::CommandInfo;
 using board::Payload;
@@ -78,7 +79,7 @@ TEST_F(VirtualBoardTest, RefusesAPayloadOfAnotherShape) {
         if (info.request.values > 0) {
             EXPECT_EQ(Execute(info.command, tooShort).status, Status::BadPayload) << info.function;
         }
-        Payload tooLong = board::test::SamplePayload(info.request);
+        Payload tooLong = SamplePayload(info.request);
         if (tooLong.PutBytes(std::vector<std::uint8_t>(1))) {
             EXPECT_EQ(Execute(info.command, tooLong).status, Status::BadPayload) << info.function;
         }
@@ -195,4 +196,4 @@ TEST_F(VirtualBoardTest, StandsAnyCommandWithAnyPayload) {
 }
 
 }  // namespace
-}  // namespace Korvex3Sync::virtual_head
+}  // namespace Korvex3Sync::tests

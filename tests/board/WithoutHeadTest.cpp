@@ -4,8 +4,10 @@
 #include "support/Text.h"
 #include "virtual_head/Request.h"
 
-namespace zr3DHandiDLPdev {
+namespace Korvex3Sync::tests {
 namespace {
+
+using namespace zr3DHandiDLPdev;
 
 // The one test of its program: the message comes once in the life of a process.
 TEST(WithoutARequestedHead, NoBoardIsFoundAndThatIsSaidOnce) {
@@ -21,8 +23,8 @@ TEST(WithoutARequestedHead, NoBoardIsFoundAndThatIsSaidOnce) {
         EXPECT_EQ(version, "as it was");
     }
     const std::string said = testing::internal::GetCapturedStderr();
-    EXPECT_EQ(Korvex3Sync::test::Count(said, "KORVEX_VIRTUAL_HEAD"), 1U) << said;
+    EXPECT_EQ(Count(said, "KORVEX_VIRTUAL_HEAD"), 1U) << said;
 }
 
 }  // namespace
-}  // namespace zr3DHandiDLPdev
+}  // namespace Korvex3Sync::tests

@@ -4,7 +4,7 @@
 #include "camera/PhysicalCameraThread.h"
 #include "recorder/Recorder.h"
 
-namespace Korvex3Sync {
+namespace Korvex3Sync::tests {
 namespace {
 
 using recorder::Recorder;
@@ -95,4 +95,4 @@ TEST_F(CameraParameters, TheExposureQueryIsTrueEvenWhenTheLibraryFails) {
 }
 
 }  // namespace
-}  // namespace Korvex3Sync
+}  // namespace Korvex3Sync::tests

@@ -12,10 +12,11 @@
 #include "platform/os/Clock.h"
 #include "platform/os/TimeScale.h"
 #include "recorder/Recorder.h"
+#include "support/CaseName.h"
 #include "support/LogCapture.h"
 #include "support/WaitUntil.h"
 
-namespace Korvex3Sync {
+namespace Korvex3Sync::tests {
 namespace {
 
 using recorder::Recorder;
@@ -144,12 +145,19 @@ TEST_P(CameraThreadGeometry, DecidesWhetherAFrameIsDispatched) {
     }
 }
 
+std::string SizeAndMode(const testing::TestParamInfo<Geometry>& row) {
+    return support::CaseName(std::to_string(row.param.width) + " by " +
+                             std::to_string(row.param.height) + " mode " +
+                             std::to_string(row.param.colorMode));
+}
+
 INSTANTIATE_TEST_SUITE_P(Sizes, CameraThreadGeometry,
                          testing::Values(Geometry{2000, 2000, 17, 3}, Geometry{2001, 10, 1, 0},
                                          Geometry{10, 2001, 1, 0}, Geometry{10, 0, 1, 0},
                                          Geometry{0, 10, 1, 0}, Geometry{-1, 10, 1, 0},
                                          Geometry{8, 4, 18, 1}, Geometry{8, 4, 2, 2},
-                                         Geometry{8, 4, 16, 1}));
+                                         Geometry{8, 4, 16, 1}),
+                         SizeAndMode);
 
 TEST_F(CameraThread, AResolutionThatCannotBeReadRejectsTheFrame) {
     Recorder::Get().FailAlways("GetResolution");
@@ -374,4 +382,4 @@ TEST_F(CameraThread, DestructionStopsClosesAndReleases) {
 }
 
 }  // namespace
-}  // namespace Korvex3Sync
+}  // namespace Korvex3Sync::tests

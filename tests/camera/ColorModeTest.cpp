@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-namespace Korvex3Sync {
+namespace Korvex3Sync::tests {
 namespace {
 
 struct Row {
@@ -34,4 +34,4 @@ INSTANTIATE_TEST_SUITE_P(All, ColorModes,
                          });
 
 }  // namespace
-}  // namespace Korvex3Sync
+}  // namespace Korvex3Sync::tests

@@ -8,7 +8,7 @@
 #include "recorder/Recorder.h"
 #include "support/LogCapture.h"
 
-namespace Korvex3Sync {
+namespace Korvex3Sync::tests {
 namespace {
 
 using recorder::Recorder;
@@ -172,4 +172,4 @@ TEST_F(Discovery, TheCountIsTheLibrarysTotal) {
 }
 
 }  // namespace
-}  // namespace Korvex3Sync
+}  // namespace Korvex3Sync::tests

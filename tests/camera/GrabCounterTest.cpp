@@ -7,7 +7,7 @@
 #include "camera/PhysicalCameraThread.h"
 #include "recorder/Recorder.h"
 
-namespace Korvex3Sync {
+namespace Korvex3Sync::tests {
 namespace {
 
 using recorder::Recorder;
@@ -104,4 +104,4 @@ TEST_F(GrabCounting, TheNextCameraGoesOnCountingWhereTheFormerEnded) {
 }
 
 }  // namespace
-}  // namespace Korvex3Sync
+}  // namespace Korvex3Sync::tests

@@ -6,7 +6,7 @@
 #include <utility>
 #include <vector>
 
-namespace Korvex3Sync {
+namespace Korvex3Sync::tests {
 namespace {
 
 TEST(ImagePool, ReusesABufferOfTheSameSize) {
@@ -100,4 +100,4 @@ TEST(Image, ABufferGivenAwayIsFreedByItsNewOwner) {
 }
 
 }  // namespace
-}  // namespace Korvex3Sync
+}  // namespace Korvex3Sync::tests

@@ -4,7 +4,7 @@
 
 #include "camera/PhysicalCameraThreadListener.h"
 
-namespace Korvex3Sync {
+namespace Korvex3Sync::tests {
 
 /// A listener that must never be called.
 class SilentListener : public PhysicalCameraThreadListener {
@@ -13,4 +13,4 @@ public:
     void OnThreadSignal(int) override { ADD_FAILURE() << "the listener was called"; }
 };
 
-}  // namespace Korvex3Sync
+}  // namespace Korvex3Sync::tests

@@ -7,7 +7,7 @@
 
 #include "support/PackedFrames.h"
 
-namespace Korvex3Sync {
+namespace Korvex3Sync::tests {
 namespace {
 
 std::vector<unsigned char> Noise(std::size_t bytes, unsigned seed) {
@@ -75,4 +75,4 @@ TEST(HasColorMarker, NeedsEveryMarkerByte) {
 }
 
 }  // namespace
-}  // namespace Korvex3Sync
+}  // namespace Korvex3Sync::tests

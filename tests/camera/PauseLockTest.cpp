@@ -8,7 +8,7 @@
 
 #include "platform/os/Event.h"
 
-namespace Korvex3Sync {
+namespace Korvex3Sync::tests {
 namespace {
 
 using namespace std::chrono_literals;
@@ -147,4 +147,4 @@ TEST(PauseLock, AThreadThatEntersBackToBackCannotKeepAPauseOut) {
 }
 
 }  // namespace
-}  // namespace Korvex3Sync
+}  // namespace Korvex3Sync::tests

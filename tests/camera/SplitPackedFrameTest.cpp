@@ -4,7 +4,7 @@
 
 #include "support/PackedFrames.h"
 
-namespace Korvex3Sync {
+namespace Korvex3Sync::tests {
 namespace {
 
 class SplitPackedFrameTest : public testing::Test {
@@ -63,4 +63,4 @@ TEST_F(SplitPackedFrameTest, MakesNoNewBufferOnceBuffersComeBack) {
 }
 
 }  // namespace
-}  // namespace Korvex3Sync
+}  // namespace Korvex3Sync::tests

@@ -4,7 +4,7 @@
 #include "cameras/HeadFixture.h"
 #include "virtual_head/Unpacked.h"
 
-namespace Korvex3Sync {
+namespace Korvex3Sync::tests {
 namespace {
 
 using namespace std::chrono_literals;
@@ -14,7 +14,7 @@ using testing::ElementsAre;
 using virtual_head::FaultKind;
 using virtual_head::FaultOrder;
 
-class CameraFaultsTest : public tests::HeadFixture {
+class CameraFaultsTest : public HeadFixture {
 protected:
     void Order(FaultKind kind) {
         FaultOrder order;
@@ -26,7 +26,7 @@ protected:
     int Key(void* handle) {
         unsigned char* image = nullptr;
         EXPECT_EQ(SnapShot(handle, image), 0);
-        return image == nullptr ? -1 : tests::Unpack(image, kPixels).key;
+        return image == nullptr ? -1 : Unpack(image, kPixels).key;
     }
 
     static void ExpectNoFrame(void* handle) {
@@ -41,7 +41,7 @@ protected:
 TEST_F(CameraFaultsTest, AnUnpluggedCameraFailsInEveryCallButClosingAndCounting) {
     void* handle = CreateStarted();
     Order(FaultKind::CameraVanish);
-    for (const auto& call : tests::CallsOnAHandle()) {
+    for (const auto& call : CallsOnAHandle()) {
         const std::string name = call.name;
         if (name != "CloseCamera" && name != "GetDeviceTotal") {
             EXPECT_FALSE(call.succeeds(handle)) << name;
@@ -154,4 +154,4 @@ TEST_F(CameraFaultsTest, AStoppedCameraGivesFramesOnceItIsStartedAgain) {
 }
 
 }  // namespace
-}  // namespace Korvex3Sync
+}  // namespace Korvex3Sync::tests

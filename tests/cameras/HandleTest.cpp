@@ -5,12 +5,10 @@
 #include "cameras/AllCalls.h"
 #include "cameras/HeadFixture.h"
 
-namespace Korvex3Sync {
+namespace Korvex3Sync::tests {
 namespace {
 
-using tests::CallsOnAHandle;
-
-class CameraHandleTest : public tests::HeadFixture {
+class CameraHandleTest : public HeadFixture {
 protected:
     static void ExpectThatEverythingFails(void* handle) {
         for (const auto& call : CallsOnAHandle()) {
@@ -123,4 +121,4 @@ TEST_F(CameraHandleTest, TwoThreadsThatReleaseOneHandleReleaseItOnce) {
 }
 
 }  // namespace
-}  // namespace Korvex3Sync
+}  // namespace Korvex3Sync::tests

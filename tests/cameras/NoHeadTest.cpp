@@ -8,7 +8,7 @@
 #include "cameras/AllCalls.h"
 #include "cameras/HeadFixture.h"
 
-namespace Korvex3Sync {
+namespace Korvex3Sync::tests {
 namespace {
 
 using namespace zr3DCamera;
@@ -19,7 +19,7 @@ void ExpectThatNothingIsFound(const char* type) {
     int total = -1;
     EXPECT_EQ(GetDeviceTotal(handle, total), 0);
     EXPECT_EQ(total, 0);
-    for (const auto& call : tests::CallsOnAHandle()) {
+    for (const auto& call : CallsOnAHandle()) {
         const std::string name = call.name;
         EXPECT_EQ(call.succeeds(handle), name == "GetDeviceTotal" || name == "CloseCamera") << name;
     }
@@ -37,7 +37,7 @@ TEST(NoHeadTest, NothingIsFoundWithoutARequestForTheVirtualHead) {
     ExpectThatNothingIsFound("GC00");
 }
 
-class GenICamTest : public tests::HeadFixture {};
+class GenICamTest : public HeadFixture {};
 
 TEST_F(GenICamTest, CamerasOfAMakerWithoutADriverAreNotThoseOfTheVirtualHead) {
     ExpectThatNothingIsFound("GC00");
@@ -102,4 +102,4 @@ TEST(NoHeadNoticeTest, LogSaysNothingWhileAHeadIsThere) {
 }
 
 }  // namespace
-}  // namespace Korvex3Sync
+}  // namespace Korvex3Sync::tests

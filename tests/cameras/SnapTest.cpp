@@ -7,18 +7,18 @@
 #include "platform/os/Event.h"
 #include "virtual_head/Unpacked.h"
 
-namespace Korvex3Sync {
+namespace Korvex3Sync::tests {
 namespace {
 
 using namespace std::chrono_literals;
 using namespace zr3DCamera;
 
-class SnapTest : public tests::HeadFixture {
+class SnapTest : public HeadFixture {
 protected:
-    static tests::Unpacked Snap(void* handle) {
+    static Unpacked Snap(void* handle) {
         unsigned char* image = nullptr;
         EXPECT_EQ(SnapShot(handle, image), 0);
-        return image == nullptr ? tests::Unpacked() : tests::Unpack(image, kPixels);
+        return image == nullptr ? Unpacked() : Unpack(image, kPixels);
     }
 
     static void ExpectNoFrame(void* handle) {
@@ -99,7 +99,7 @@ TEST_F(SnapTest, EveryInstanceGetsEveryFrameInABufferOfItsOwn) {
     ASSERT_EQ(SnapShot(one, first), 0);
     ASSERT_EQ(SnapShot(other, second), 0);
     EXPECT_NE(first, second);
-    EXPECT_EQ(tests::Unpack(first, kPixels).second, tests::Unpack(second, kPixels).second);
+    EXPECT_EQ(Unpack(first, kPixels).second, Unpack(second, kPixels).second);
     ASSERT_EQ(CloseCamera(one), 0);
     EXPECT_EQ(Snap(other).key, 1) << "closing one instance leaves the other alone";
     ReleaseCamera(one);
@@ -249,4 +249,4 @@ TEST_F(SnapTest, SnapsOfTwoThreadsOnOneHandleShareTheFrames) {
 }
 
 }  // namespace
-}  // namespace Korvex3Sync
+}  // namespace Korvex3Sync::tests

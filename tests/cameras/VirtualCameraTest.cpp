@@ -3,13 +3,13 @@
 #include "cameras/AllCalls.h"
 #include "cameras/HeadFixture.h"
 
-namespace Korvex3Sync {
+namespace Korvex3Sync::tests {
 namespace {
 
 using namespace zr3DCamera;
 using testing::ElementsAre;
 
-class VirtualCameraTest : public tests::HeadFixture {};
+class VirtualCameraTest : public HeadFixture {};
 
 TEST_F(VirtualCameraTest, AnotherTypeOfTheMakerHasNoCameras) {
     for (const char* type : {"KV99", "KV00A", "KV00A10012"}) {
@@ -67,7 +67,7 @@ TEST_F(VirtualCameraTest, OnlyItsIndicesItsSerialAndItsSizeOpen) {
 
 TEST_F(VirtualCameraTest, CameraThatIsNotOpenFailsButForWhatNeedsNone) {
     void* handle = Create();
-    for (const auto& call : tests::CallsOnAHandle()) {
+    for (const auto& call : CallsOnAHandle()) {
         const std::string name = call.name;
         if (name == "OpenCamera") {
             continue;
@@ -164,7 +164,7 @@ TEST_F(VirtualCameraTest, PresentCameraHasATypeAboveZero) {
 
 TEST_F(VirtualCameraTest, EveryCallGoesIntoTheJournalOnce) {
     void* handle = Create();
-    for (const auto& call : tests::CallsOnAHandle()) {
+    for (const auto& call : CallsOnAHandle()) {
         EXPECT_TRUE(call.succeeds(handle)) << call.name;
     }
     unsigned char* image = nullptr;
@@ -187,7 +187,7 @@ TEST_F(VirtualCameraTest, EveryCallMeetsItsFault) {
     ASSERT_TRUE(faults.Fail("CreateCamera", 1));
     EXPECT_NE(CreateCamera(handle, "KV00"), 0);
     handle = Create();
-    for (const auto& call : tests::CallsOnAHandle()) {
+    for (const auto& call : CallsOnAHandle()) {
         ASSERT_TRUE(faults.Fail(call.name, 1));
         EXPECT_FALSE(call.succeeds(handle)) << call.name;
         EXPECT_TRUE(call.succeeds(handle)) << call.name;
@@ -208,4 +208,4 @@ TEST_F(VirtualCameraTest, EveryCallMeetsItsFault) {
 }
 
 }  // namespace
-}  // namespace Korvex3Sync
+}  // namespace Korvex3Sync::tests

@@ -8,7 +8,7 @@
 #include "support/Accounted.h"
 #include "support/WaitUntil.h"
 
-namespace Korvex3Sync {
+namespace Korvex3Sync::tests {
 namespace {
 
 using support::WaitUntil;
@@ -290,4 +290,4 @@ TEST_F(Account, AMuteBoardKeepsNoConnectionFromClosing) {
 }
 
 }  // namespace
-}  // namespace Korvex3Sync
+}  // namespace Korvex3Sync::tests

@@ -14,7 +14,7 @@
 #include "platform/os/TimeScale.h"
 #include "support/WaitUntil.h"
 
-namespace Korvex3Sync {
+namespace Korvex3Sync::tests {
 
 /// What a callback does. It is called with the number of the call, from 0.
 using Action = std::function<void(std::size_t number)>;
@@ -119,4 +119,4 @@ private:
     os::ScopedTimeScale m_scale{0.05};
 };
 
-}  // namespace Korvex3Sync
+}  // namespace Korvex3Sync::tests

@@ -7,7 +7,7 @@
 #include "head/CallbackSession.h"
 #include "support/LogCapture.h"
 
-namespace Korvex3Sync {
+namespace Korvex3Sync::tests {
 namespace {
 
 class Callbacks : public CallbackSession {};
@@ -214,4 +214,4 @@ TEST_F(Callbacks, AStatusCallbackThatThrowsIsCalledAgain) {
 }
 
 }  // namespace
-}  // namespace Korvex3Sync
+}  // namespace Korvex3Sync::tests

@@ -5,7 +5,7 @@
 #include "head/CallbackSession.h"
 #include "support/LogCapture.h"
 
-namespace Korvex3Sync {
+namespace Korvex3Sync::tests {
 namespace {
 
 /// Long enough for a call that does not wait to return; a call that waits is never late for it.
@@ -120,4 +120,4 @@ TEST_F(CallbackWaits, DisconnectingWaitsForTheStatusCallbackThatRuns) {
 }
 
 }  // namespace
-}  // namespace Korvex3Sync
+}  // namespace Korvex3Sync::tests

@@ -8,7 +8,7 @@
 #include "platform/os/TimeScale.h"
 #include "virtual_head/Request.h"
 
-namespace Korvex3Sync {
+namespace Korvex3Sync::tests {
 namespace {
 
 using testing::Contains;
@@ -260,4 +260,4 @@ TEST_F(ConnectedHead, ABoardThatHangsDelaysACallButNeverKeepsIt) {
 }
 
 }  // namespace
-}  // namespace Korvex3Sync
+}  // namespace Korvex3Sync::tests

@@ -2,7 +2,7 @@
 #include "platform/os/TimeScale.h"
 #include "support/WaitUntil.h"
 
-namespace Korvex3Sync {
+namespace Korvex3Sync::tests {
 namespace {
 
 using virtual_head::FaultKind;
@@ -50,4 +50,4 @@ TEST_F(DeviceFaults, NothingThatIsGoneKeepsAConnectionFromClosing) {
 }
 
 }  // namespace
-}  // namespace Korvex3Sync
+}  // namespace Korvex3Sync::tests

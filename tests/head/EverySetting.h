@@ -8,7 +8,7 @@
 #include "Korvex3Sync/Korvex3Sync.h"
 #include "virtual_head/VirtualHead.h"
 
-namespace Korvex3Sync {
+namespace Korvex3Sync::tests {
 
 /// The settings of a board that change in a test after SetEverySetting.
 struct ChangedSettings {
@@ -80,4 +80,4 @@ inline std::vector<std::string> WrittenSinceOpening(virtual_head::VirtualHead& h
     return written;
 }
 
-}  // namespace Korvex3Sync
+}  // namespace Korvex3Sync::tests

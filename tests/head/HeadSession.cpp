@@ -2,7 +2,7 @@
 
 #include "virtual_head/Request.h"
 
-namespace Korvex3Sync {
+namespace Korvex3Sync::tests {
 namespace {
 
 constexpr std::chrono::seconds kDeadline{60};
@@ -88,4 +88,4 @@ RETSTATUS HeadSession::TriggerOff() {
     return EnableVideoTrigger(m_handle, TRIGGER_LASER_LINES, false);
 }
 
-}  // namespace Korvex3Sync
+}  // namespace Korvex3Sync::tests

@@ -13,7 +13,7 @@
 #include "virtual_head/VirtualHead.h"
 #include "virtual_head/config/HeadDescription.h"
 
-namespace Korvex3Sync {
+namespace Korvex3Sync::tests {
 
 /// One image set, copied.
 struct ImageSet {
@@ -81,4 +81,4 @@ private:
     std::shared_ptr<virtual_head::VirtualHead> m_head;
 };
 
-}  // namespace Korvex3Sync
+}  // namespace Korvex3Sync::tests

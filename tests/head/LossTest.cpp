@@ -8,7 +8,7 @@
 #include "support/Accounted.h"
 #include "support/WaitUntil.h"
 
-namespace Korvex3Sync {
+namespace Korvex3Sync::tests {
 namespace {
 
 using support::AccountedTriggers;
@@ -285,4 +285,4 @@ TEST_F(Losses, AreCountedFromZeroForEachConnection) {
 }
 
 }  // namespace
-}  // namespace Korvex3Sync
+}  // namespace Korvex3Sync::tests

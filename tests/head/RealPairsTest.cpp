@@ -7,7 +7,7 @@
 
 #include "head/HeadSession.h"
 
-namespace Korvex3Sync {
+namespace Korvex3Sync::tests {
 namespace {
 
 constexpr std::size_t kWidth = 1280;
@@ -75,4 +75,4 @@ TEST_F(RealPairs, ArriveUnchangedInOrderEachWithItsPartner) {
 }
 
 }  // namespace
-}  // namespace Korvex3Sync
+}  // namespace Korvex3Sync::tests

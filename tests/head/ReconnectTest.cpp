@@ -8,7 +8,7 @@
 #include "platform/os/TimeScale.h"
 #include "support/WaitUntil.h"
 
-namespace Korvex3Sync {
+namespace Korvex3Sync::tests {
 namespace {
 
 using support::WaitUntil;
@@ -238,4 +238,4 @@ TEST_F(ReconnectedHead, OperationsOfOtherThreadsMeetIt) {
 }
 
 }  // namespace
-}  // namespace Korvex3Sync
+}  // namespace Korvex3Sync::tests

@@ -1,11 +1,8 @@
 #include "head/HeadSession.h"
 #include "virtual_head/TestFiles.h"
 
-namespace Korvex3Sync {
+namespace Korvex3Sync::tests {
 namespace {
-
-using tests::RandomImage;
-using tests::TestImage;
 
 constexpr int kWidth = 1280;
 constexpr int kHeight = 1024;
@@ -35,11 +32,11 @@ protected:
             const std::string number = (i < 9 ? "0" : "") + std::to_string(i + 1);
             m_lefts.push_back(RandomImage(600 + i, 480, 3 * seed));
             m_rights.push_back(RandomImage(600, 480 + i, 3 * seed + 1));
-            tests::WriteGrey(m_folder.Path() / ("left" + number + ".png"), m_lefts.back());
-            tests::WriteGrey(m_folder.Path() / ("right" + number + ".png"), m_rights.back());
+            WriteGrey(m_folder.Path() / ("left" + number + ".png"), m_lefts.back());
+            WriteGrey(m_folder.Path() / ("right" + number + ".png"), m_rights.back());
             if (ownColor) {
                 m_colors.push_back(RandomImage(kWidth, kHeight, 3 * seed + 2));
-                tests::WriteGrey(m_folder.Path() / ("color" + number + ".png"), m_colors.back());
+                WriteGrey(m_folder.Path() / ("color" + number + ".png"), m_colors.back());
             } else {
                 m_colors.push_back(m_lefts.back());
             }
@@ -70,7 +67,7 @@ protected:
         DisConnectDevice(m_handle);
     }
 
-    tests::TemporaryFolder m_folder;
+    TemporaryFolder m_folder;
     std::vector<TestImage> m_lefts;
     std::vector<TestImage> m_rights;
     std::vector<TestImage> m_colors;
@@ -87,4 +84,4 @@ TEST_F(ReplayScan, WithoutColourFilesTheColourShowsTheLeftPicture) {
 }
 
 }  // namespace
-}  // namespace Korvex3Sync
+}  // namespace Korvex3Sync::tests

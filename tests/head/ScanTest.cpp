@@ -5,7 +5,7 @@
 #include "support/WaitUntil.h"
 #include "virtual_head/images/ImageSource.h"
 
-namespace Korvex3Sync {
+namespace Korvex3Sync::tests {
 namespace {
 
 using support::WaitUntil;
@@ -151,4 +151,4 @@ TEST_F(Scan, AFullSizeHeadGivesWholeSets) {
 }
 
 }  // namespace
-}  // namespace Korvex3Sync
+}  // namespace Korvex3Sync::tests

@@ -6,7 +6,7 @@
 #include "head/HeadSession.h"
 #include "platform/os/TimeScale.h"
 
-namespace Korvex3Sync {
+namespace Korvex3Sync::tests {
 namespace {
 
 using testing::ElementsAre;
@@ -208,4 +208,4 @@ TEST_F(ParametersOfHead, SerialSizeAndCountAreThoseOfTheHead) {
 }
 
 }  // namespace
-}  // namespace Korvex3Sync
+}  // namespace Korvex3Sync::tests

@@ -3,11 +3,8 @@
 #include "head/HeadSession.h"
 #include "head/LaserLines.h"
 
-namespace Korvex3Sync {
+namespace Korvex3Sync::tests {
 namespace {
-
-using tests::LaserLines;
-using tests::Point;
 
 constexpr double kTolerance = 0.5;  // millimetres
 
@@ -24,7 +21,7 @@ Fit Compare(const virtual_head::SceneDescription& scene, int pose,
     std::vector<double> off;
     off.reserve(points.size());
     for (const Point& point : points) {
-        off.push_back(tests::DistanceToObject(scene, pose, point));
+        off.push_back(DistanceToObject(scene, pose, point));
     }
     std::sort(off.begin(), off.end());
     Fit fit;
@@ -79,7 +76,7 @@ TEST_F(Triangulation, EverySetOfLinesGivesTheObjectBack) {
     ASSERT_NO_FATAL_FAILURE(Scan(LASER_WORK_MODE_1));
     for (int pose = 0; pose < Poses(); ++pose) {
         const Fit fit = Compare(m_description.scene, pose,
-                                tests::PointsOnFirstSet(m_description, Left(pose), Right(pose)));
+                                PointsOnFirstSet(m_description, Left(pose), Right(pose)));
         EXPECT_GE(fit.points, 3000u) << pose;
         EXPECT_GE(fit.within, 0.999) << "pose " << pose << ": " << fit;
         EXPECT_LE(fit.median, 0.1) << "pose " << pose << ": " << fit;
@@ -90,7 +87,7 @@ TEST_F(Triangulation, OnlyImagesOfOneTriggerFitTogether) {
     ASSERT_NO_FATAL_FAILURE(Scan(LASER_WORK_MODE_3));
     for (int left = 0; left < Poses(); ++left) {
         for (int right = 0; right < Poses(); ++right) {
-            const auto points = tests::PointsOnSingleLine(m_description, Left(left), Right(right));
+            const auto points = PointsOnSingleLine(m_description, Left(left), Right(right));
             const Fit fit = Compare(m_description.scene, left, points);
             if (left == right) {
                 // But for some points at edges of the object, where a line is seen in part only.
@@ -107,4 +104,4 @@ TEST_F(Triangulation, OnlyImagesOfOneTriggerFitTogether) {
 }
 
 }  // namespace
-}  // namespace Korvex3Sync
+}  // namespace Korvex3Sync::tests

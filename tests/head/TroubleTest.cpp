@@ -15,7 +15,7 @@
 #include "support/ThreadCount.h"
 #include "support/WaitUntil.h"
 
-namespace Korvex3Sync {
+namespace Korvex3Sync::tests {
 namespace {
 
 using support::WaitUntil;
@@ -357,4 +357,4 @@ INSTANTIATE_TEST_SUITE_P(Obedient, TroubleOfHead,
                          CaseName);
 
 }  // namespace
-}  // namespace Korvex3Sync
+}  // namespace Korvex3Sync::tests

@@ -19,7 +19,9 @@ public:
     void* m_handle = nullptr;
 };
 
-namespace tests {
+}  // namespace Korvex3Sync
+
+namespace Korvex3Sync::tests {
 namespace {
 
 RETSTATUS Direct(IManagerSync&, const int& in, int& out) {
@@ -79,5 +81,4 @@ TEST_F(CallTargets, AnExceptionOfEitherTargetIsAFailure) {
 }
 
 }  // namespace
-}  // namespace tests
-}  // namespace Korvex3Sync
+}  // namespace Korvex3Sync::tests

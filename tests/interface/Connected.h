@@ -7,7 +7,7 @@
 #include "recorder/SingleColor.h"
 #include "support/PackedFrames.h"
 
-namespace Korvex3Sync {
+namespace Korvex3Sync::tests {
 
 /// Direct mode over the recorded head; ends what a test connected.
 class Connected : public testing::Test {
@@ -33,4 +33,4 @@ protected:
     void* m_handle = nullptr;
 };
 
-}  // namespace Korvex3Sync
+}  // namespace Korvex3Sync::tests

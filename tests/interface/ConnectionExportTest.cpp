@@ -8,7 +8,7 @@
 #include "interface/Connected.h"
 #include "support/LogCapture.h"
 
-namespace Korvex3Sync {
+namespace Korvex3Sync::tests {
 namespace {
 
 using recorder::Recorder;
@@ -211,4 +211,4 @@ TEST_F(ConnectionExports, AFirmwareQueryThatRunsOutOfMemoryEndsTheConnectionToo)
 }
 
 }  // namespace
-}  // namespace Korvex3Sync
+}  // namespace Korvex3Sync::tests

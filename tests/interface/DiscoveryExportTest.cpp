@@ -3,7 +3,7 @@
 #include "interface/Connected.h"
 #include "support/LogCapture.h"
 
-namespace Korvex3Sync {
+namespace Korvex3Sync::tests {
 namespace {
 
 using recorder::Recorder;
@@ -82,4 +82,4 @@ TEST_F(DiscoveryExports, TheUsbCheckIsTheSameInEitherMode) {
 }
 
 }  // namespace
-}  // namespace Korvex3Sync
+}  // namespace Korvex3Sync::tests

@@ -1,6 +1,6 @@
 #include "interface/EveryExport.h"
 
-namespace Korvex3Sync {
+namespace Korvex3Sync::tests {
 namespace {
 
 int g_int = 1;
@@ -110,4 +110,4 @@ const std::vector<Export>& EveryExport() {
     return exports;
 }
 
-}  // namespace Korvex3Sync
+}  // namespace Korvex3Sync::tests

@@ -5,7 +5,7 @@
 
 #include "Korvex3Sync/Korvex3Sync.h"
 
-namespace Korvex3Sync {
+namespace Korvex3Sync::tests {
 
 /// How an export treats handle and mode.
 enum class Kind { Standard, DirectOnly, AlwaysDirect, Retired };
@@ -20,4 +20,4 @@ struct Export {
 /// Every export of the standard, direct-only, always-direct and retired kinds.
 const std::vector<Export>& EveryExport();
 
-}  // namespace Korvex3Sync
+}  // namespace Korvex3Sync::tests

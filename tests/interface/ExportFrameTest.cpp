@@ -5,7 +5,7 @@
 #include "platform/os/TimeScale.h"
 #include "support/LogCapture.h"
 
-namespace Korvex3Sync {
+namespace Korvex3Sync::tests {
 namespace {
 
 using recorder::Recorder;
@@ -106,4 +106,4 @@ TEST_F(Connected, TheModeSwitchGoesBackAndForth) {
 }
 
 }  // namespace
-}  // namespace Korvex3Sync
+}  // namespace Korvex3Sync::tests

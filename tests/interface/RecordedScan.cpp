@@ -5,9 +5,9 @@
 #include <string>
 #include <vector>
 
-using namespace Korvex3Sync;
-
 namespace {
+
+using namespace Korvex3Sync;
 
 void OnSet(const void* const&, std::vector<unsigned char*>&, const int&, const int&,
            std::vector<int>&) {}

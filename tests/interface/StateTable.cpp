@@ -4,7 +4,7 @@
 
 #include "interface/EveryExport.h"
 
-namespace Korvex3Sync {
+namespace Korvex3Sync::tests {
 namespace {
 
 using Calls = std::vector<std::string>;
@@ -248,4 +248,4 @@ std::vector<Row> EveryRow() {
     return rows;
 }
 
-}  // namespace Korvex3Sync
+}  // namespace Korvex3Sync::tests

@@ -6,7 +6,7 @@
 
 #include "Korvex3Sync/Korvex3Sync.h"
 
-namespace Korvex3Sync {
+namespace Korvex3Sync::tests {
 
 /// What is answered in a state, and the calls into the platform libraries.
 struct Cell {
@@ -37,4 +37,4 @@ std::vector<Row> RowsWithBodies();
 /// The exports that take no handle. What is connected is nothing to them; what the devices do is.
 std::vector<Row> RowsWithoutHandle();
 
-}  // namespace Korvex3Sync
+}  // namespace Korvex3Sync::tests

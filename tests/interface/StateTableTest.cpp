@@ -9,7 +9,7 @@
 #include "platform/os/TimeScale.h"
 #include "project/DeclaredFunctions.h"
 
-namespace Korvex3Sync {
+namespace Korvex3Sync::tests {
 namespace {
 
 using recorder::Recorder;
@@ -107,7 +107,7 @@ TEST_F(StateTable, HasARowForEveryDeclaredFunction) {
     for (const Row& row : EveryRow()) {
         names.insert(row.name.substr(0, row.name.find(' ')));
     }
-    EXPECT_EQ(names, tests::DeclaredFunctions());
+    EXPECT_EQ(names, DeclaredFunctions());
 }
 
 TEST_F(StateTable, WithoutAHandle) {
@@ -135,4 +135,4 @@ TEST_F(StateTable, WithCamerasThatFailEveryCall) {
 }
 
 }  // namespace
-}  // namespace Korvex3Sync
+}  // namespace Korvex3Sync::tests

@@ -3,7 +3,7 @@
 
 #include "interface/StateTable.h"
 
-namespace Korvex3Sync {
+namespace Korvex3Sync::tests {
 namespace {
 
 using Calls = std::vector<std::string>;
@@ -156,4 +156,4 @@ std::vector<Row> RowsWithoutHandle() {
     };
 }
 
-}  // namespace Korvex3Sync
+}  // namespace Korvex3Sync::tests

@@ -5,7 +5,7 @@
 
 #include "Korvex3Sync/Status.h"
 
-namespace Korvex3Sync {
+namespace Korvex3Sync::tests {
 namespace {
 
 TEST(StatusText, ANullPointerGetsNothing) {
@@ -46,4 +46,4 @@ TEST(StatusText, AnUnknownStatusIsTheEmptyText) {
 }
 
 }  // namespace
-}  // namespace Korvex3Sync
+}  // namespace Korvex3Sync::tests

@@ -5,6 +5,7 @@
 
 #include "korvexctl/CommandOverHead.h"
 #include "korvexctl/head/UserInfoText.h"
+#include "support/CaseName.h"
 
 namespace Korvex3Sync::tests {
 
@@ -21,7 +22,7 @@ class BoardCommands : public ::testing::Test {
 protected:
     virtual_head::Faults& Faults() { return m_head->GetFaults(); }
 
-    test::RequestedHead m_head{SmallHeadDescription()};
+    RequestedHead m_head{SmallHeadDescription()};
 };
 
 TEST_F(BoardCommands, FirmwareIsAskedForWithoutAConnection) {
@@ -135,7 +136,7 @@ TEST_F(BoardCommands, UsbSaysYes) {
 TEST(BoardCommandsOnUsb2, UsbSaysWhatToDo) {
     virtual_head::HeadDescription description = SmallHeadDescription();
     description.usbSpeed = 3;
-    const test::RequestedHead head(description);
+    const RequestedHead head(description);
     const CommandResult result = RunHere({"usb"});
     EXPECT_EQ(result.code, ExitCode::NotOnUsb3);
     EXPECT_EQ(result.figures["usb3"], false);
@@ -166,7 +167,8 @@ INSTANTIATE_TEST_SUITE_P(
                       std::vector<std::string>{"user-info", "read", "0"},
                       std::vector<std::string>{"user-info", "write", "0", "x"},
                       std::vector<std::string>{"distance", "1"}, std::vector<std::string>{"usb"},
-                      std::vector<std::string>{"profile", "save", "/dev/null"}));
+                      std::vector<std::string>{"profile", "save", "/dev/null"}),
+    [](const auto& row) { return support::CaseName(row.param); });
 
 class BadCommandLines : public ::testing::TestWithParam<std::vector<std::string>> {};
 
@@ -200,7 +202,8 @@ INSTANTIATE_TEST_SUITE_P(
                       std::vector<std::string>{"snap-ir", "--gain", "1", "2", "3"},
                       std::vector<std::string>{"reconnect", "--timeout", "nan"},
                       std::vector<std::string>{"reconnect", "--timeout", "2.9"},
-                      std::vector<std::string>{"distance"}));
+                      std::vector<std::string>{"distance"}),
+    [](const auto& row) { return support::CaseName(row.param); });
 
 TEST(KorvexctlHelp, NamesUnitAndRangeOfEverySetting) {
     for (const char* command : {"get", "set", "profile"}) {

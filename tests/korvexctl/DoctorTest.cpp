@@ -74,7 +74,7 @@ protected:
 };
 
 TEST_F(KorvexctlDoctor, AHealthyHeadCanScan) {
-    const test::RequestedHead head(PatientHead());
+    const RequestedHead head(PatientHead());
     const Outcome outcome = Examine();
     EXPECT_EQ(outcome.code, ExitCode::Done) << outcome.Document();
     EXPECT_EQ(outcome.figures["healthy"], true);
@@ -91,7 +91,7 @@ TEST_F(KorvexctlDoctor, AHealthyHeadCanScan) {
 }
 
 TEST_F(KorvexctlDoctor, SettingsStandAsTheyWereFound) {
-    const test::RequestedHead head(PatientHead());
+    const RequestedHead head(PatientHead());
     const auto with = [](const std::function<void(void* const&)>& call) {
         const korvexctl::ConnectedHead connected{korvexctl::HeadChoice{}};
         call(connected.Handle());
@@ -117,7 +117,7 @@ TEST_F(KorvexctlDoctor, SettingsStandAsTheyWereFound) {
 TEST_F(KorvexctlDoctor, AHeadOnUsb2IsNamedAsTheFaultWithWhatToDo) {
     virtual_head::HeadDescription description = PatientHead();
     description.usbSpeed = 3;
-    const test::RequestedHead head(description);
+    const RequestedHead head(description);
     const Outcome outcome = Examine();
     EXPECT_EQ(outcome.code, ExitCode::NotHealthy);
     EXPECT_EQ(outcome.message, "cannot scan: USB speed");
@@ -153,7 +153,7 @@ TEST_F(KorvexctlDoctor, ABoardThatThisUserMayNotOpenIsNamedWithTheRule) {
 }
 
 TEST_F(KorvexctlDoctor, ABoardThatOpensAndDoesNotAnswerIsAFault) {
-    const test::RequestedHead head(PatientHead());
+    const RequestedHead head(PatientHead());
     for (const char* call :
          {"zr3DQueryFirmwareVersionFast", "zr3DQueryCurrentStatus", "zr3DQueryTriggerPeriod"}) {
         ASSERT_TRUE(head->GetFaults().Fail(call, 1));
@@ -170,7 +170,7 @@ TEST_F(KorvexctlDoctor, LostFramesAreNamedWithTheirPlace) {
     virtual_head::HeadDescription description = PatientHead();
     description.color = false;
     description.cameraBuffers = 2;
-    const test::RequestedHead head(description);
+    const RequestedHead head(description);
     ASSERT_TRUE(head->GetFaults().Slow("SnapShot", std::chrono::milliseconds(300), 3));
     const Outcome outcome = Examine();
     EXPECT_EQ(outcome.code, ExitCode::Warnings) << outcome.Document();
@@ -192,7 +192,7 @@ TEST_F(KorvexctlDoctor, AHeadThatStopsDeliveringIsAFaultWhateverElseWasLost) {
     virtual_head::HeadDescription description = PatientHead();
     description.faults = {AtTrigger(2, virtual_head::FaultKind::LoseBoth),
                           AtTrigger(8, virtual_head::FaultKind::CameraStop)};
-    const test::RequestedHead head(description);
+    const RequestedHead head(description);
     m_options.trialLimit = std::chrono::seconds(5);
     const Outcome outcome = Examine();
     EXPECT_EQ(outcome.code, ExitCode::NotHealthy) << outcome.Document();
@@ -210,14 +210,14 @@ TEST_F(KorvexctlDoctor, ATriggerThatStaysOnIsAFault) {
     refusal.order.call = "zr3DSetVideoTrigleMode";
     refusal.order.times = 2;
     description.faults = {refusal};
-    const test::RequestedHead head(description);
+    const RequestedHead head(description);
     const Outcome outcome = Examine();
     EXPECT_EQ(outcome.code, ExitCode::NotHealthy) << outcome.Document();
     EXPECT_EQ(Check(outcome, "settings put back")["finding"], "not switched off: trigger");
 }
 
 TEST_F(KorvexctlDoctor, ARefusedSettingFailsTheTrialOnly) {
-    const test::RequestedHead head(PatientHead());
+    const RequestedHead head(PatientHead());
     ASSERT_TRUE(head->GetFaults().Fail("zr3DSetLaserEnable", 1));
     const Outcome outcome = Examine();
     EXPECT_THAT(With(outcome, "FAULT"), UnorderedElementsAre("trial scan"));

@@ -14,6 +14,7 @@
 #include "korvexctl/ScanOverHead.h"
 #include "korvexctl/cli/Signals.h"
 #include "korvexctl/commands/Program.h"
+#include "support/CaseName.h"
 #include "support/WaitUntil.h"
 #include "virtual_head/TestFiles.h"
 
@@ -68,7 +69,7 @@ class KorvexctlInterruptAnywhere : public KorvexctlInterrupted,
 
 TEST_P(KorvexctlInterruptAnywhere, DoesNothingMoreAndDisconnectsAndTellsIt) {
     const auto& [hanging, signal] = GetParam();
-    const test::RequestedHead head(SmallHeadDescription());
+    const RequestedHead head(SmallHeadDescription());
     ASSERT_TRUE(head->GetFaults().Hang(hanging.call));
     std::vector<std::string> before;
     int code = 0;
@@ -109,12 +110,20 @@ const Hanging kHangingCommands[] = {
     {{"user-info", "read", "3"}, "zr3DInitHidDev", kFailed},
 };
 
+std::string NameOf(const testing::TestParamInfo<std::tuple<Hanging, int>>& row) {
+    const auto& [hanging, signal] = row.param;
+    return support::CaseName(hanging.words) + "_in_" + hanging.call + '_' +
+           support::SignalName(signal);
+}
+
 INSTANTIATE_TEST_SUITE_P(Signals, KorvexctlInterruptAnywhere,
                          ::testing::Combine(::testing::Values(kHangingCommands[0]),
-                                            ::testing::Values(SIGINT, SIGHUP)));
+                                            ::testing::Values(SIGINT, SIGHUP)),
+                         NameOf);
 INSTANTIATE_TEST_SUITE_P(Commands, KorvexctlInterruptAnywhere,
                          ::testing::Combine(::testing::ValuesIn(kHangingCommands),
-                                            ::testing::Values(SIGTERM)));
+                                            ::testing::Values(SIGTERM)),
+                         NameOf);
 
 TEST(KorvexctlInterruptWatch, IsNotMadeWithinOneThatHasMetASignal) {
     const korvexctl::EndingOnInterrupt ending;
@@ -176,7 +185,7 @@ TEST_F(ScanOverHead, PicturesThatAreStillWrittenAfterAnInterruptAreTold) {
 }
 
 TEST_F(KorvexctlInterrupted, ASearchWithoutAConnectionEndsWithItsAnswer) {
-    const test::RequestedHead head(SmallHeadDescription());
+    const RequestedHead head(SmallHeadDescription());
     ASSERT_TRUE(head->GetFaults().Slow("GetDeviceTotal", std::chrono::seconds(5), 1));
     // Takes a signal that comes when the search has ended.
     const korvexctl::InterruptWatch around([] { ADD_FAILURE() << "the signal came too late"; });

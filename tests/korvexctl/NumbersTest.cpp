@@ -39,7 +39,7 @@ TEST(Decimal, NumbersAreWrittenWithoutExponent) {
 
 class Numbers : public ::testing::Test {
 protected:
-    test::RequestedHead m_head{SmallHeadDescription()};
+    RequestedHead m_head{SmallHeadDescription()};
 };
 
 TEST_F(Numbers, APageWithALeadingZeroIsThatPage) {

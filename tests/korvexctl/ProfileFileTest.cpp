@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "korvexctl/cli/ExitCodes.h"
+#include "support/CaseName.h"
 #include "virtual_head/TestFiles.h"
 
 namespace Korvex3Sync::tests {
@@ -148,7 +149,8 @@ INSTANTIATE_TEST_SUITE_P(
         BadProfile{"trigger-period = 5\ntrigger-period = 6\n", 2, "trigger-period"},
         BadProfile{"trigger-period = 5\nproject = 7\nx = 1\n", 2, "project: 7"},
         BadProfile{"\"a\\nb\" = 1\n", 1, "unknown setting \"a b\""},
-        BadProfile{"trigger-period = \n", 1, ""}, BadProfile{"= \xff\xfe\n", 1, ""}));
+        BadProfile{"trigger-period = \n", 1, ""}, BadProfile{"= \xff\xfe\n", 1, ""}),
+    [](const auto& row) { return support::CaseName(row.param.text); });
 
 std::string RefusalOf(const std::filesystem::path& file) {
     try {

@@ -26,7 +26,7 @@ protected:
 
     void WriteProfileText(const std::string& text) { WriteText(m_file, text); }
 
-    test::RequestedHead m_head{SmallHeadDescription()};
+    RequestedHead m_head{SmallHeadDescription()};
     TemporaryFolder m_folder;
     std::filesystem::path m_file = m_folder.Path() / "bench.toml";
 };

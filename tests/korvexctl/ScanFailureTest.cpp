@@ -7,6 +7,7 @@
 
 #include "korvexctl/Korvexctl.h"
 #include "platform/os/Clock.h"
+#include "support/CaseName.h"
 #include "virtual_head/TestFiles.h"
 
 namespace Korvex3Sync::tests {
@@ -86,7 +87,8 @@ TEST_P(KorvexctlInterrupt, EndsTheScanWithCompleteFiles) {
     EXPECT_THAT(ReadText(log), HasSubstr("DisConnectDevice"));
 }
 
-INSTANTIATE_TEST_SUITE_P(Signals, KorvexctlInterrupt, ::testing::Values(SIGINT, SIGTERM, SIGHUP));
+INSTANTIATE_TEST_SUITE_P(Signals, KorvexctlInterrupt, ::testing::Values(SIGINT, SIGTERM, SIGHUP),
+                         [](const auto& row) { return support::SignalName(row.param); });
 
 TEST_F(KorvexctlScanFailure, ABoardThatGoesMuteDuringTheScanIsToldWithWhatMayBeOn) {
     WriteSmallHead(m_folder.Path(), "[[fault]]\nwhat = \"board-mute\"\nat_trigger = 3\n");

@@ -131,7 +131,7 @@ TEST(ScanLosses, AHeadWithoutColourMissesNone) {
     description.width = 64;
     description.height = 48;
     description.color = false;
-    const test::RequestedHead head(description);
+    const RequestedHead head(description);
     korvexctl::ScanOptions options;
     options.sets = 5;
     options.timeoutSeconds = 30;

@@ -73,7 +73,7 @@ protected:
         EXPECT_THAT(Commands({"zr3DExitHidDev"}).back(), ::testing::StartsWith("zr3DExitHidDev"));
     }
 
-    test::RequestedHead m_head{SmallHead()};
+    RequestedHead m_head{SmallHead()};
     korvexctl::ScanOptions m_options;
 };
 

@@ -10,6 +10,7 @@
 #include "korvexctl/cli/Signals.h"
 #include "korvexctl/health/Selftest.h"
 #include "korvexctl/health/StepRun.h"
+#include "support/CaseName.h"
 #include "support/WaitUntil.h"
 #include "virtual_head/TestFiles.h"
 
@@ -69,7 +70,7 @@ TEST_F(KorvexctlSelftest, TheDefaultHeadPassesEveryStep) {
     m_head.width = standard.width;
     m_head.height = standard.height;
     m_options.periodMs = 50;
-    const test::RequestedHead head(m_head);
+    const RequestedHead head(m_head);
     const Outcome outcome = Run();
     EXPECT_EQ(outcome.code, ExitCode::Done) << outcome.Document();
     EXPECT_EQ(outcome.figures["failed"], 0);
@@ -80,7 +81,7 @@ TEST_F(KorvexctlSelftest, TheDefaultHeadPassesEveryStep) {
 
 TEST_F(KorvexctlSelftest, AHeadWithoutColourPassesWithoutSnapshots) {
     m_head.color = false;
-    const test::RequestedHead head(m_head);
+    const RequestedHead head(m_head);
     m_options.writeUserMemory = false;
     const Outcome outcome = Run();
     EXPECT_EQ(outcome.code, ExitCode::Done) << outcome.Document();
@@ -94,7 +95,7 @@ TEST_F(KorvexctlSelftest, AHeadWithoutColourPassesWithoutSnapshots) {
 TEST_F(KorvexctlSelftest, ASmallHeadPassesAndKeepsItsUserMemory) {
     constexpr std::size_t kByteOfLastPage = 15 * 256 + 7;
     m_head.userMemory.at(kByteOfLastPage) = 0xA5;
-    const test::RequestedHead head(m_head);
+    const RequestedHead head(m_head);
     const Outcome outcome = Run();
     EXPECT_EQ(outcome.code, ExitCode::Done) << outcome.Document();
     const auto written = head->GetJournal().Texts({"zr3DWriteUserInfomation"});
@@ -104,7 +105,7 @@ TEST_F(KorvexctlSelftest, ASmallHeadPassesAndKeepsItsUserMemory) {
 }
 
 TEST_F(KorvexctlSelftest, FaultsFailExactlyTheirSteps) {
-    const test::RequestedHead head(m_head);
+    const RequestedHead head(m_head);
     for (const char* call :
          {"GetSpecifyDeviceTreePath", "zr3DQueryFirmwareVersionFast", "zr3DSetProjectorBrightness",
           "zr3DSetIRLaserLevel", "zr3DOpenOrCloseStrobeFlicker", "zr3DSetDistanceIndicateState",
@@ -121,7 +122,7 @@ TEST_F(KorvexctlSelftest, FaultsFailExactlyTheirSteps) {
 }
 
 TEST_F(KorvexctlSelftest, ACameraThatHangsFailsItsStepAndEndsTheRun) {
-    const test::RequestedHead head(m_head);
+    const RequestedHead head(m_head);
     ASSERT_TRUE(head->GetFaults().Hang("GetExposureTime"));
     auto steps = korvexctl::SelftestSteps(m_options);
     for (Step& step : steps) {
@@ -143,7 +144,7 @@ TEST_F(KorvexctlSelftest, LightThatStaysOnFailsEachStepThatLeavesIt) {
     refusal.order.times = 3;
     refusal.atTrigger = 1;
     m_head.faults = {refusal};
-    const test::RequestedHead head(m_head);
+    const RequestedHead head(m_head);
     const Outcome outcome = Run();
     EXPECT_EQ(outcome.code, ExitCode::SelftestFailed);
     EXPECT_THAT(With(outcome, "FAILED"), Contains("scan laser")) << outcome.Document();
@@ -162,7 +163,7 @@ class KorvexctlHealthInterrupt : public KorvexctlSelftest,
                                  public ::testing::WithParamInterface<const char*> {};
 
 TEST_P(KorvexctlHealthInterrupt, IsAnsweredAtOnceAndCleansUp) {
-    const test::RequestedHead head(m_head);
+    const RequestedHead head(m_head);
     ASSERT_TRUE(head->GetFaults().Hang("GetExposureTime"));
     const TemporaryFolder folder;
     const auto errorFile = folder.Path() / "error";
@@ -183,7 +184,7 @@ TEST_P(KorvexctlHealthInterrupt, IsAnsweredAtOnceAndCleansUp) {
 }
 
 TEST_P(KorvexctlHealthInterrupt, BeforeItBeginsNothingIsDone) {
-    const test::RequestedHead head(m_head);
+    const RequestedHead head(m_head);
     const korvexctl::EndingOnInterrupt ending;
     std::raise(SIGINT);
     ASSERT_TRUE(support::WaitUntil(korvexctl::ToldToEnd));
@@ -192,7 +193,8 @@ TEST_P(KorvexctlHealthInterrupt, BeforeItBeginsNothingIsDone) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Commands, KorvexctlHealthInterrupt,
-                         ::testing::Values("doctor", "selftest"));
+                         ::testing::Values("doctor", "selftest"),
+                         [](const auto& row) { return support::CaseName(row.param); });
 
 TEST_F(KorvexctlSelftest, WithoutAHeadOnlyTheSearchFails) {
     virtual_head::WithdrawVirtualHead();

@@ -17,7 +17,7 @@ class SettingsOverHead : public ::testing::Test {
 protected:
     virtual_head::Faults& Faults() { return m_head->GetFaults(); }
 
-    test::RequestedHead m_head{SmallHeadDescription()};
+    RequestedHead m_head{SmallHeadDescription()};
 };
 
 TEST_F(SettingsOverHead, SetSendsInOrderAndShowsWhatIsReadBack) {

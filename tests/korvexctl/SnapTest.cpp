@@ -12,6 +12,7 @@
 #include "korvexctl/ErrorIntoFile.h"
 #include "korvexctl/commands/SnapCommand.h"
 #include "korvexctl/files/Descriptors.h"
+#include "support/CaseName.h"
 #include "support/WaitUntil.h"
 #include "virtual_head/TestFiles.h"
 
@@ -40,7 +41,7 @@ protected:
 };
 
 TEST_F(KorvexctlSnap, WritesTwoColourImagesAndPutsTheHeadBack) {
-    const test::RequestedHead head(SmallHeadDescription());
+    const RequestedHead head(SmallHeadDescription());
     const CommandResult result = RunHere(
         {"snap", "--exposure", "8.5", "--gain", "3", "--route", "1", "--out", m_out.string()});
     ASSERT_EQ(result.code, ExitCode::Done) << result.message;
@@ -59,7 +60,7 @@ TEST_F(KorvexctlSnap, WritesTwoColourImagesAndPutsTheHeadBack) {
 }
 
 TEST_F(KorvexctlSnap, InfraredWritesThreeImagesAndPutsBothStrobesBack) {
-    const test::RequestedHead head(SmallHeadDescription());
+    const RequestedHead head(SmallHeadDescription());
     const CommandResult result = RunHere({"snap-ir", "--camera", "1", "--exposure", "8.5", "2",
                                           "--gain", "3", "4", "--out", m_out.string()});
     ASSERT_EQ(result.code, ExitCode::Done) << result.message;
@@ -75,7 +76,7 @@ TEST_F(KorvexctlSnap, InfraredWritesThreeImagesAndPutsBothStrobesBack) {
 TEST_F(KorvexctlSnap, AHeadWithoutColourIsRefusedBeforeItIsConnected) {
     virtual_head::HeadDescription description = SmallHeadDescription();
     description.color = false;
-    const test::RequestedHead head(description);
+    const RequestedHead head(description);
     for (const char* command : {"snap", "snap-ir"}) {
         const CommandResult result = RunHere({command, "--out", m_out.string()});
         EXPECT_EQ(result.code, ExitCode::DeviceRefused);
@@ -86,7 +87,7 @@ TEST_F(KorvexctlSnap, AHeadWithoutColourIsRefusedBeforeItIsConnected) {
 }
 
 TEST_F(KorvexctlSnap, ExposureAndGainThatTheCameraDoesNotTakeAreNamed) {
-    const test::RequestedHead head(SmallHeadDescription());
+    const RequestedHead head(SmallHeadDescription());
     // Of the range that the command takes, the camera takes a part only.
     const CommandResult result =
         RunHere({"snap", "--exposure", "0.1", "--gain", "17", "--out", m_out.string()});
@@ -98,7 +99,7 @@ TEST_F(KorvexctlSnap, ExposureAndGainThatTheCameraDoesNotTakeAreNamed) {
 }
 
 TEST_F(KorvexctlSnap, AStrobeThatIsNotPutBackIsNamed) {
-    const test::RequestedHead head(SmallHeadDescription());
+    const RequestedHead head(SmallHeadDescription());
     ASSERT_TRUE(head->GetFaults().Fail("zr3DOpenOrCloseStrobeFlicker", 1'000));
     const CommandResult result = RunHere({"snap", "--out", m_out.string()});
     head->GetFaults().Clear();
@@ -108,14 +109,14 @@ TEST_F(KorvexctlSnap, AStrobeThatIsNotPutBackIsNamed) {
 }
 
 TEST_F(KorvexctlSnap, ACameraThatTheHeadDoesNotHaveIsRefused) {
-    const test::RequestedHead head(SmallHeadDescription());
+    const RequestedHead head(SmallHeadDescription());
     const CommandResult result = RunHere({"snap", "--camera", "2", "--out", m_out.string()});
     EXPECT_EQ(result.code, ExitCode::DeviceRefused);
     EXPECT_THAT(result.message, HasSubstr("the head has 2 cameras"));
 }
 
 TEST_F(KorvexctlSnap, AFolderThatCannotBeMadeIsToldBeforeAnythingIsTaken) {
-    const test::RequestedHead head(SmallHeadDescription());
+    const RequestedHead head(SmallHeadDescription());
     WriteText(m_out, "a file in the way");
     EXPECT_EQ(RunHere({"snap", "--out", m_out.string()}).code, ExitCode::NotWritable);
     EXPECT_THAT(head->GetJournal().Texts({"zr3DInitHidDev"}), IsEmpty());
@@ -145,7 +146,7 @@ protected:
 };
 
 TEST_P(KorvexctlSnapInterrupt, PutsTheHeadBackAndWritesNothing) {
-    const test::RequestedHead head(SmallHeadDescription());
+    const RequestedHead head(SmallHeadDescription());
     EXPECT_TRUE(head->GetFaults().Hang("SnapShot"));
     const auto errorFile = m_folder.Path() / "error";
     const ErrorIntoFile errorIntoFile(errorFile);
@@ -179,7 +180,7 @@ TEST_P(KorvexctlSnapInterrupt, PutsTheHeadBackAndWritesNothing) {
 }
 
 TEST_P(KorvexctlSnapInterrupt, WhileImagesAreWrittenTellsHowMany) {
-    const test::RequestedHead head(SmallHeadDescription());
+    const RequestedHead head(SmallHeadDescription());
     const auto errorFile = m_folder.Path() / "error";
     const ErrorIntoFile errorIntoFile(errorFile);
     korvexctl::SnapChoice choice;
@@ -217,7 +218,8 @@ TEST_P(KorvexctlSnapInterrupt, ASecondTimeEndsAtOnce) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Signals, KorvexctlSnapInterrupt,
-                         ::testing::Values(SIGINT, SIGTERM, SIGHUP));
+                         ::testing::Values(SIGINT, SIGTERM, SIGHUP),
+                         [](const auto& row) { return support::SignalName(row.param); });
 
 }  // namespace
 

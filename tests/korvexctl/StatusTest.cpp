@@ -6,6 +6,7 @@
 
 #include "korvexctl/CommandOverHead.h"
 #include "korvexctl/head/StatusReport.h"
+#include "support/CaseName.h"
 #include "virtual_head/TestFiles.h"
 
 namespace Korvex3Sync::tests {
@@ -42,7 +43,7 @@ TEST(KorvexctlStatus, ShowsTheFirstStatus) {
 }
 
 TEST(KorvexctlStatus, EndsByItself) {
-    const test::RequestedHead head(SmallHeadDescription());
+    const RequestedHead head(SmallHeadDescription());
     EXPECT_EQ(RunHere({"status", "--seconds", "0.1"}).code, ExitCode::Done);
 }
 
@@ -86,8 +87,8 @@ TEST_P(KorvexctlStatusSignal, EndsItCleanly) {
     EXPECT_THAT(ReadText(log), HasSubstr("DisConnectDevice"));
 }
 
-INSTANTIATE_TEST_SUITE_P(Signals, KorvexctlStatusSignal,
-                         ::testing::Values(SIGINT, SIGTERM, SIGHUP));
+INSTANTIATE_TEST_SUITE_P(Signals, KorvexctlStatusSignal, ::testing::Values(SIGINT, SIGTERM, SIGHUP),
+                         [](const auto& row) { return support::SignalName(row.param); });
 
 TEST(KorvexctlStatus, WithoutAHeadTheErrorIsOneLine) {
     const ChildResult result = RunKorvexctl({"status", "--json"});
@@ -98,7 +99,7 @@ TEST(KorvexctlStatus, WithoutAHeadTheErrorIsOneLine) {
 }
 
 TEST(KorvexctlStatus, AMuteBoardIsOneLineAndTheCodeOfOne) {
-    const test::RequestedHead head(SmallHeadDescription());
+    const RequestedHead head(SmallHeadDescription());
     ASSERT_TRUE(head->GetFaults().Order({virtual_head::FaultKind::BoardMute}));
     const CommandResult result = RunHere({"status", "--seconds", "0.1"});
     EXPECT_EQ(result.code, ExitCode::NotConnected);
@@ -122,7 +123,7 @@ TEST(KorvexctlStatus, AHeadWithoutColourMissesNone) {
 }
 
 TEST(KorvexctlStatus, SwitchesTheTriggerOnAndOff) {
-    const test::RequestedHead head(SmallHeadDescription());
+    const RequestedHead head(SmallHeadDescription());
     EXPECT_EQ(RunHere({"status", "--seconds", "0.1", "--mode", "pattern"}).code, ExitCode::Done);
     EXPECT_THAT(head->GetJournal().Texts({"zr3DSetVideoTrigleMode"}),
                 ::testing::ElementsAre("zr3DSetVideoTrigleMode(2) = true",

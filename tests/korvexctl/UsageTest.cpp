@@ -7,6 +7,7 @@
 #include "korvexctl/Korvexctl.h"
 #include "korvexctl/cli/ExitCodes.h"
 #include "korvexctl/commands/CommandLine.h"
+#include "support/CaseName.h"
 #include "virtual_head/TestFiles.h"
 
 namespace Korvex3Sync::tests {
@@ -116,11 +117,6 @@ struct Wrong {
     const char* message;
 };
 
-/// What the test is called after.
-void PrintTo(const Wrong& wrong, std::ostream* out) {
-    *out << ::testing::PrintToString(wrong.words);
-}
-
 class WrongWords : public ::testing::TestWithParam<Wrong> {};
 
 TEST_P(WrongWords, AreNamedWithWhatComesNear) {
@@ -153,7 +149,8 @@ INSTANTIATE_TEST_SUITE_P(
         Wrong{{"status", "--mode", "4"},
               "--mode: \"4\" is not one of laser, pattern, pattern-color, laser-color"},
         Wrong{{"--virtual=", "list"}, "--virtual=: the name of a head file is missing"},
-        Wrong{{"list", "--virtual="}, "--virtual=: the name of a head file is missing"}));
+        Wrong{{"list", "--virtual="}, "--virtual=: the name of a head file is missing"}),
+    [](const auto& row) { return support::CaseName(row.param.words); });
 
 class BadUsage : public ::testing::TestWithParam<std::vector<std::string>> {};
 
@@ -182,7 +179,8 @@ INSTANTIATE_TEST_SUITE_P(
                       std::vector<std::string>{"scan", "--laser-duty", "101"},
                       std::vector<std::string>{"scan", "--out"},
                       std::vector<std::string>{"scan", "--out="},
-                      std::vector<std::string>{"--virtual", "head.toml", "list"}));
+                      std::vector<std::string>{"--virtual", "head.toml", "list"}),
+    [](const auto& row) { return support::CaseName(row.param); });
 
 TEST(KorvexctlUsage, BadUsageWithJsonIsOneDocument) {
     const ChildResult result = RunKorvexctl({"scan", "--sets", "0", "--json"});
@@ -261,7 +259,8 @@ INSTANTIATE_TEST_SUITE_P(
                       std::vector<std::string>{"--virtual", "snap", "--out", "", "--out"},
                       std::vector<std::string>{"--virtual", "list", "--log", "", "--log"},
                       std::vector<std::string>{"virtual", "new", "", "FILE"},
-                      std::vector<std::string>{"--virtual", "profile", "save", "", "file"}));
+                      std::vector<std::string>{"--virtual", "profile", "save", "", "file"}),
+    [](const auto& row) { return support::CaseName(row.param); });
 
 TEST(KorvexctlUsage, FullStandardOutputIsAnError) {
     ChildOptions options;

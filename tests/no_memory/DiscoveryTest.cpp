@@ -11,7 +11,7 @@
 #include "no_memory/FailingAllocation.h"
 #include "recorder/Recorder.h"
 
-namespace Korvex3Sync {
+namespace Korvex3Sync::tests {
 namespace {
 
 using recorder::Recorder;
@@ -74,4 +74,4 @@ INSTANTIATE_TEST_SUITE_P(After, DiscoveryWithoutMemory,
                          });
 
 }  // namespace
-}  // namespace Korvex3Sync
+}  // namespace Korvex3Sync::tests

@@ -3,7 +3,7 @@
 #include "Korvex3Sync/Korvex3Sync.h"
 #include "no_memory/FailingAllocation.h"
 
-namespace Korvex3Sync {
+namespace Korvex3Sync::tests {
 namespace {
 
 TEST(StatusTextWithoutMemory, IsNullAndNeverTheCallersOwnText) {
@@ -25,4 +25,4 @@ TEST(ExportWithoutMemory, SaysThatItWasEnteredAllTheSame) {
 }
 
 }  // namespace
-}  // namespace Korvex3Sync
+}  // namespace Korvex3Sync::tests

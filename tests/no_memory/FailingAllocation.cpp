@@ -27,7 +27,7 @@ thread_local int t_untilFailure = 0;
     std::free(block);
 }
 
-namespace Korvex3Sync {
+namespace Korvex3Sync::tests {
 
 void FailAllocation(int nth) {
     t_untilFailure = nth;
@@ -41,4 +41,4 @@ bool FailingAllocation::Failed() const {
     return t_untilFailure == 0;
 }
 
-}  // namespace Korvex3Sync
+}  // namespace Korvex3Sync::tests

@@ -1,6 +1,6 @@
 #pragma once
 
-namespace Korvex3Sync {
+namespace Korvex3Sync::tests {
 
 /// From now on the `nth` allocation of this thread fails (1: the next), once.
 void FailAllocation(int nth);
@@ -17,4 +17,4 @@ public:
     bool Failed() const;
 };
 
-}  // namespace Korvex3Sync
+}  // namespace Korvex3Sync::tests

@@ -8,7 +8,7 @@
 #include "support/PackedFrames.h"
 #include "sync/Head.h"
 
-namespace Korvex3Sync {
+namespace Korvex3Sync::tests {
 namespace {
 
 using recorder::Recorder;
@@ -72,4 +72,4 @@ TEST_F(ScanWithoutMemory, LosesTheSetWhoseCallbackCannotBeCalledAndGoesOn) {
 }
 
 }  // namespace
-}  // namespace Korvex3Sync
+}  // namespace Korvex3Sync::tests

@@ -8,7 +8,7 @@
 #include "recorder/Recorder.h"
 #include "sync/Head.h"
 
-namespace Korvex3Sync {
+namespace Korvex3Sync::tests {
 namespace {
 
 /// Leaves no memory for the thread whose start is logged, and counts what is said then.
@@ -42,4 +42,4 @@ TEST(GrabThreadWithoutMemory, DoesNotStartAndTheLogSaysSo) {
 }
 
 }  // namespace
-}  // namespace Korvex3Sync
+}  // namespace Korvex3Sync::tests

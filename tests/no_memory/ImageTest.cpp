@@ -8,7 +8,7 @@
 #include "sync/frames/FramePairing.h"
 #include "sync/frames/FramePath.h"
 
-namespace Korvex3Sync {
+namespace Korvex3Sync::tests {
 namespace {
 
 constexpr int kWidth = 8;
@@ -199,4 +199,4 @@ TEST(FramePathWithoutMemory, NeedsNoneOnceTheFirstSetsWentThrough) {
 }
 
 }  // namespace
-}  // namespace Korvex3Sync
+}  // namespace Korvex3Sync::tests

@@ -3,8 +3,10 @@
 #include "no_memory/FailingAllocation.h"
 #include "platform/os/Thread.h"
 
-namespace Korvex3Sync::os {
+namespace Korvex3Sync::tests {
 namespace {
+
+using namespace os;
 
 TEST(ThreadWithoutMemory, DoesNotStartAndSaysSo) {
     int failures = 0;
@@ -23,4 +25,4 @@ TEST(ThreadWithoutMemory, DoesNotStartAndSaysSo) {
 }
 
 }  // namespace
-}  // namespace Korvex3Sync::os
+}  // namespace Korvex3Sync::tests

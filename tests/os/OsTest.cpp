@@ -10,9 +10,10 @@
 #include "platform/os/Thread.h"
 #include "platform/os/TimeScale.h"
 
-namespace Korvex3Sync::os {
+namespace Korvex3Sync::tests {
 namespace {
 
+using namespace os;
 using namespace std::chrono_literals;
 
 // The compiler's analysis knows no re-entrance.
@@ -167,4 +168,4 @@ TEST(Thread, CanBeStartedAgainAfterAJoin) {
 }
 
 }  // namespace
-}  // namespace Korvex3Sync::os
+}  // namespace Korvex3Sync::tests

@@ -2,8 +2,10 @@
 
 #include <gtest/gtest.h>
 
-namespace Korvex3Sync::os {
+namespace Korvex3Sync::tests {
 namespace {
+
+using namespace os;
 
 TEST(Print, FormatsToStandardOutput) {
     testing::internal::CaptureStdout();
@@ -19,4 +21,4 @@ TEST(Print, FormatsToStandardError) {
 }
 
 }  // namespace
-}  // namespace Korvex3Sync::os
+}  // namespace Korvex3Sync::tests

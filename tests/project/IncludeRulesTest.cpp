@@ -4,9 +4,10 @@
 #include <gtest/gtest.h>
 
 #include <map>
-#include <ostream>
 #include <set>
 #include <sstream>
+
+#include "support/CaseName.h"
 
 namespace Korvex3Sync::tests {
 
@@ -43,8 +44,8 @@ struct Case {
     const char* header;
 };
 
-void PrintTo(const Case& c, std::ostream* out) {
-    *out << c.file << " includes " << c.header;
+std::string NameOf(const testing::TestParamInfo<Case>& row) {
+    return support::CaseName(std::string(row.param.file) + " includes " + row.param.header);
 }
 
 class ForbiddenInclude : public ::testing::TestWithParam<Case> {};
@@ -91,7 +92,8 @@ INSTANTIATE_TEST_SUITE_P(
                       Case{"programs/korvexctl/A.cpp", "platform/os/Event.h"},
                       Case{"programs/korvexctl/A.cpp", "support/Child.h"},
                       Case{"examples/a.cpp", "virtual_head/Request.h"},
-                      Case{"src/unknown_room/A.cpp", "sync/Manager.h"}));
+                      Case{"src/unknown_room/A.cpp", "sync/Manager.h"}),
+    NameOf);
 
 INSTANTIATE_TEST_SUITE_P(
     Rooms, AllowedInclude,
@@ -111,7 +113,8 @@ INSTANTIATE_TEST_SUITE_P(
                       Case{"programs/korvexctl/A.cpp", "korvexctl/Session.h"},
                       Case{"examples/a.cpp", "Korvex3Sync/Status.h"},
                       Case{"tests/a/A.cpp", "virtual_head/VirtualHead.h"},
-                      Case{"tests/a/A.cpp", "support/Child.h"}));
+                      Case{"tests/a/A.cpp", "support/Child.h"}),
+    NameOf);
 
 TEST(IncludeRules, AngleBracketsAndSpacesHideNothing) {
     EXPECT_THAT(ForbiddenIncludes(TreeWith("src/sync/A.cpp",

@@ -6,6 +6,8 @@
 namespace zr3DHandiDLPdev {
 namespace {
 
+namespace recorder = Korvex3Sync::tests::recorder;
+
 recorder::Recorder& R() {
     return recorder::Recorder::Get();
 }

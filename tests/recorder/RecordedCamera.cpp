@@ -9,6 +9,8 @@
 namespace zr3DCamera {
 namespace {
 
+namespace recorder = Korvex3Sync::tests::recorder;
+
 constexpr int kFailed = -5;
 
 recorder::Recorder& R() {

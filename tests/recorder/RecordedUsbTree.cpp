@@ -4,6 +4,8 @@
 namespace USBTREE {
 namespace {
 
+namespace recorder = Korvex3Sync::tests::recorder;
+
 recorder::Recorder& R() {
     return recorder::Recorder::Get();
 }

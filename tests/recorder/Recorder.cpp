@@ -3,7 +3,7 @@
 #include <cstdlib>
 #include <fstream>
 
-namespace recorder {
+namespace Korvex3Sync::tests::recorder {
 namespace {
 
 constexpr std::chrono::seconds kDeadline{30};
@@ -227,4 +227,4 @@ bool Recorder::TakeSnap(Snap& snap) {
     return true;
 }
 
-}  // namespace recorder
+}  // namespace Korvex3Sync::tests::recorder

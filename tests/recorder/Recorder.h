@@ -15,7 +15,7 @@
 
 /// Platform libraries that record every call and answer as told. They stand in for board, cameras
 /// and USB tree: linked into a test, or preloaded into a program.
-namespace recorder {
+namespace Korvex3Sync::tests::recorder {
 
 /// What a camera's next snap gives.
 struct Snap {
@@ -125,4 +125,4 @@ private:
     std::uintptr_t m_nextHandle = 0x1000;
 };
 
-}  // namespace recorder
+}  // namespace Korvex3Sync::tests::recorder

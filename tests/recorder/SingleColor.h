@@ -4,7 +4,7 @@
 
 #include "recorder/Recorder.h"
 
-namespace recorder {
+namespace Korvex3Sync::tests::recorder {
 
 /// What the board does when the trigger mode is written: runs `action` inside each write of the
 /// mode that gives one colour frame.
@@ -17,4 +17,4 @@ inline void OnSingleColorTrigger(std::function<void()> action) {
     });
 }
 
-}  // namespace recorder
+}  // namespace Korvex3Sync::tests::recorder

@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <sstream>
 
-namespace Korvex3Sync::soak {
+namespace Korvex3Sync::tests::soak {
 namespace {
 
 using virtual_head::FrameCounts;
@@ -108,4 +108,4 @@ std::string Text(const ScanStatistics& statistics) {
     return text.str();
 }
 
-}  // namespace Korvex3Sync::soak
+}  // namespace Korvex3Sync::tests::soak

@@ -6,7 +6,7 @@
 #include "Korvex3Sync/Statistics.h"
 #include "virtual_head/cameras/HeadCounts.h"
 
-namespace Korvex3Sync::soak {
+namespace Korvex3Sync::tests::soak {
 
 /// What the head did with its triggers between two moments, with nothing connected at either.
 virtual_head::HeadCounts Between(const virtual_head::HeadCounts& before,
@@ -24,4 +24,4 @@ void Add(const ScanStatistics& connection, ScanStatistics& all);
 /// All figures with their names, one a line.
 std::string Text(const ScanStatistics& statistics);
 
-}  // namespace Korvex3Sync::soak
+}  // namespace Korvex3Sync::tests::soak

@@ -6,7 +6,7 @@
 
 #include "soak/Dice.h"
 
-namespace Korvex3Sync::soak {
+namespace Korvex3Sync::tests::soak {
 namespace {
 
 using std::chrono::milliseconds;
@@ -141,4 +141,4 @@ Chaos::Calm::Calm(Chaos& chaos) : m_lock(chaos.m_mutex) {
     faults.Order({FaultKind::CameraReturn});
 }
 
-}  // namespace Korvex3Sync::soak
+}  // namespace Korvex3Sync::tests::soak

@@ -10,7 +10,7 @@
 #include "soak/Watchdog.h"
 #include "virtual_head/VirtualHead.h"
 
-namespace Korvex3Sync::soak {
+namespace Korvex3Sync::tests::soak {
 
 /// Orders faults of the virtual head at random, until told to stop.
 class Chaos {
@@ -43,4 +43,4 @@ private:
     std::map<std::string, unsigned long> m_counts;
 };
 
-}  // namespace Korvex3Sync::soak
+}  // namespace Korvex3Sync::tests::soak

@@ -5,7 +5,7 @@
 #include <random>
 #include <vector>
 
-namespace Korvex3Sync::soak {
+namespace Korvex3Sync::tests::soak {
 
 /// Who throws: no two of them share their throws.
 enum class Thrower : std::uint32_t { Scanner, Caller, Faults };
@@ -34,4 +34,4 @@ private:
     std::mt19937_64 m_engine;
 };
 
-}  // namespace Korvex3Sync::soak
+}  // namespace Korvex3Sync::tests::soak

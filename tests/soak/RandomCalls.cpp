@@ -9,7 +9,7 @@
 #include "platform/os/Clock.h"
 #include "soak/Dice.h"
 
-namespace Korvex3Sync::soak {
+namespace Korvex3Sync::tests::soak {
 namespace {
 
 /// What a call may run beside.
@@ -297,4 +297,4 @@ void RandomCalls::Run(const std::atomic<bool>& stop, Watchdog::Watched& watched)
     }
 }
 
-}  // namespace Korvex3Sync::soak
+}  // namespace Korvex3Sync::tests::soak

@@ -8,7 +8,7 @@
 #include "soak/SoakHead.h"
 #include "soak/Watchdog.h"
 
-namespace Korvex3Sync::soak {
+namespace Korvex3Sync::tests::soak {
 
 /// Calls exports at random, with arguments at random, legal and not, until told to stop.
 class RandomCalls {
@@ -26,4 +26,4 @@ private:
     std::map<std::string, unsigned long> m_counts;
 };
 
-}  // namespace Korvex3Sync::soak
+}  // namespace Korvex3Sync::tests::soak

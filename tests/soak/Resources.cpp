@@ -13,7 +13,7 @@
 // Where a sanitizer has taken the allocator over, it is the one to ask.
 extern "C" std::size_t __sanitizer_get_current_allocated_bytes() __attribute__((weak));
 
-namespace Korvex3Sync::soak {
+namespace Korvex3Sync::tests::soak {
 namespace {
 
 constexpr std::size_t kWarmingUp = 3;
@@ -73,4 +73,4 @@ std::string ResourceWatch::Look() {
     return "";
 }
 
-}  // namespace Korvex3Sync::soak
+}  // namespace Korvex3Sync::tests::soak

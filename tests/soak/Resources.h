@@ -3,7 +3,7 @@
 #include <cstddef>
 #include <string>
 
-namespace Korvex3Sync::soak {
+namespace Korvex3Sync::tests::soak {
 
 /// What the process holds at this moment.
 struct Resources {
@@ -29,4 +29,4 @@ private:
     Resources m_last;
 };
 
-}  // namespace Korvex3Sync::soak
+}  // namespace Korvex3Sync::tests::soak

@@ -26,7 +26,7 @@
 #include "support/Accounted.h"
 #include "virtual_head/Request.h"
 
-namespace Korvex3Sync::soak {
+namespace Korvex3Sync::tests::soak {
 namespace {
 
 using std::chrono::milliseconds;
@@ -373,16 +373,16 @@ int Run(const Options& options) {
 }
 
 }  // namespace
-}  // namespace Korvex3Sync::soak
+}  // namespace Korvex3Sync::tests::soak
 
 int main(int count, char** arguments) {
     CLI::App app("Scans, random calls and random faults at once.", "korvex_soak");
-    Korvex3Sync::soak::Options options;
+    Korvex3Sync::tests::soak::Options options;
     options.seed = std::random_device()();
     app.add_option("--seconds", options.seconds, "How long, in seconds")
         ->check(CLI::Range(1, 1'000'000))
         ->capture_default_str();
     app.add_option("--seed", options.seed, "Of an earlier run, to throw its dice again");
     CLI11_PARSE(app, count, arguments);
-    return Korvex3Sync::soak::Run(options);
+    return Korvex3Sync::tests::soak::Run(options);
 }

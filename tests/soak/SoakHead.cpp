@@ -2,7 +2,7 @@
 
 #include <atomic>
 
-namespace Korvex3Sync::soak {
+namespace Korvex3Sync::tests::soak {
 namespace {
 
 // The built-in head's two sensors, of the size that Soak.cpp asks for.
@@ -64,4 +64,4 @@ unsigned long SoakHead::Statuses() {
     return g_statuses;
 }
 
-}  // namespace Korvex3Sync::soak
+}  // namespace Korvex3Sync::tests::soak

@@ -5,7 +5,7 @@
 
 #include "Korvex3Sync/Korvex3Sync.h"
 
-namespace Korvex3Sync::soak {
+namespace Korvex3Sync::tests::soak {
 
 /// The one connection that everybody uses, and who may use it when.
 ///
@@ -30,4 +30,4 @@ struct SoakHead {
     static unsigned long Statuses();
 };
 
-}  // namespace Korvex3Sync::soak
+}  // namespace Korvex3Sync::tests::soak

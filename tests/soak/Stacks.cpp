@@ -12,7 +12,7 @@
 #include <filesystem>
 #include <string>
 
-namespace Korvex3Sync::soak {
+namespace Korvex3Sync::tests::soak {
 namespace {
 
 constexpr int kMostFrames = 64;
@@ -52,4 +52,4 @@ void PrintAllStacks() {
     }
 }
 
-}  // namespace Korvex3Sync::soak
+}  // namespace Korvex3Sync::tests::soak

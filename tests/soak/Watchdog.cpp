@@ -5,7 +5,7 @@
 
 #include "soak/Stacks.h"
 
-namespace Korvex3Sync::soak {
+namespace Korvex3Sync::tests::soak {
 namespace {
 
 constexpr std::array kNames{"scanner", "caller", "faults"};
@@ -54,4 +54,4 @@ void Watchdog::Report() {
     std::abort();
 }
 
-}  // namespace Korvex3Sync::soak
+}  // namespace Korvex3Sync::tests::soak

@@ -9,7 +9,7 @@
 #include <thread>
 #include <vector>
 
-namespace Korvex3Sync::soak {
+namespace Korvex3Sync::tests::soak {
 
 /// Ends the program when one of the watched threads makes no progress for the limit: prints the
 /// stacks of all threads first.
@@ -51,4 +51,4 @@ private:
     std::thread m_thread;
 };
 
-}  // namespace Korvex3Sync::soak
+}  // namespace Korvex3Sync::tests::soak

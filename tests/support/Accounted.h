@@ -4,7 +4,7 @@
 
 #include "Korvex3Sync/Statistics.h"
 
-namespace support {
+namespace Korvex3Sync::tests::support {
 
 /// The triggers that the figures of a connection account for, as Statistics.h sums them up.
 inline std::uint64_t AccountedTriggers(const Korvex3Sync::ScanStatistics& s) {
@@ -12,4 +12,4 @@ inline std::uint64_t AccountedTriggers(const Korvex3Sync::ScanStatistics& s) {
            s.setsDropped + s.setsPending;
 }
 
-}  // namespace support
+}  // namespace Korvex3Sync::tests::support

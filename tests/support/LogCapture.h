@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-namespace support {
+namespace Korvex3Sync::tests::support {
 
 /// Collects, while it lives, the log records of this process as "source: text".
 class LogCapture : public google::LogSink {
@@ -43,4 +43,4 @@ private:
     int m_errors = 0;
 };
 
-}  // namespace support
+}  // namespace Korvex3Sync::tests::support

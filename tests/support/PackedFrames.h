@@ -3,7 +3,7 @@
 #include <cstddef>
 #include <vector>
 
-namespace support {
+namespace Korvex3Sync::tests::support {
 
 /// Packs two images byte by byte, as a camera does: the plainest way to say what the layout is.
 inline std::vector<unsigned char> Pack(const std::vector<unsigned char>& first,
@@ -36,4 +36,4 @@ inline std::vector<unsigned char> ColorFrame(std::size_t pixels, unsigned char m
     return packed;
 }
 
-}  // namespace support
+}  // namespace Korvex3Sync::tests::support

@@ -9,7 +9,7 @@
 #include "virtual_head/Request.h"
 #include "virtual_head/VirtualHead.h"
 
-namespace Korvex3Sync::test {
+namespace Korvex3Sync::tests {
 
 /// The virtual head of this process for as long as it lives. At its end a fault that was ordered
 /// and never met fails the test.
@@ -34,4 +34,4 @@ private:
     std::shared_ptr<virtual_head::VirtualHead> m_head;
 };
 
-}  // namespace Korvex3Sync::test
+}  // namespace Korvex3Sync::tests

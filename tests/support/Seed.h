@@ -5,7 +5,7 @@
 #include <random>
 #include <string>
 
-namespace support {
+namespace Korvex3Sync::tests::support {
 
 /// The seed of a test's random numbers: what KORVEX_TEST_SEED says, otherwise another in each run.
 /// It is printed, so that a run that failed can be had again.
@@ -17,4 +17,4 @@ inline unsigned Seed() {
     return seed;
 }
 
-}  // namespace support
+}  // namespace Korvex3Sync::tests::support

@@ -3,7 +3,7 @@
 #include <cstddef>
 #include <string>
 
-namespace Korvex3Sync::test {
+namespace Korvex3Sync::tests {
 
 /// How often a part occurs in a text.
 inline std::size_t Count(const std::string& text, const std::string& part) {
@@ -15,4 +15,4 @@ inline std::size_t Count(const std::string& text, const std::string& part) {
     return count;
 }
 
-}  // namespace Korvex3Sync::test
+}  // namespace Korvex3Sync::tests

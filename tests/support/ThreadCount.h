@@ -4,7 +4,7 @@
 #include <filesystem>
 #include <iterator>
 
-namespace support {
+namespace Korvex3Sync::tests::support {
 
 /// The threads that this process has now.
 inline std::size_t ThreadCount() {
@@ -12,4 +12,4 @@ inline std::size_t ThreadCount() {
     return static_cast<std::size_t>(std::distance(begin(tasks), end(tasks)));
 }
 
-}  // namespace support
+}  // namespace Korvex3Sync::tests::support

@@ -3,7 +3,7 @@
 #include <chrono>
 #include <thread>
 
-namespace support {
+namespace Korvex3Sync::tests::support {
 
 /// Waits until the condition holds; false when it does not within a minute of real time.
 template <class Condition>
@@ -18,4 +18,4 @@ bool WaitUntil(Condition condition) {
     return true;
 }
 
-}  // namespace support
+}  // namespace Korvex3Sync::tests::support

@@ -10,7 +10,7 @@
 
 #include "sync/ReconnectedManager.h"
 
-namespace Korvex3Sync {
+namespace Korvex3Sync::tests {
 namespace {
 
 using recorder::Recorder;
@@ -209,4 +209,4 @@ TEST_F(AroundReconnection, RunsBesideEverythingElseAndEnds) {
 }
 
 }  // namespace
-}  // namespace Korvex3Sync
+}  // namespace Korvex3Sync::tests

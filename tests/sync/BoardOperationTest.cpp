@@ -6,7 +6,7 @@
 #include "support/LogCapture.h"
 #include "sync/board/BoardSession.h"
 
-namespace Korvex3Sync {
+namespace Korvex3Sync::tests {
 namespace {
 
 using recorder::Recorder;
@@ -354,4 +354,4 @@ TEST_F(BoardOperations, AResetWithoutABoardGivesTheResultOfTheOpen) {
 }
 
 }  // namespace
-}  // namespace Korvex3Sync
+}  // namespace Korvex3Sync::tests

@@ -94,11 +94,11 @@ TEST_F(BoardSessionAlone, SwitchesOffWhatIsOnBeforeItCloses) {
     ASSERT_EQ(m_board.InitProjector("A"), STATUS_SUCCESS);
     ASSERT_EQ(m_board.EnableHeartbeat(true), STATUS_SUCCESS);
     m_board.SwitchOffAndClose();
-    EXPECT_EQ(Recorder::Get().Calls(),
-              (Calls{"zr3DInitHidDev(null, 3267, 5752, A)", "zr3DProject(B1, 0)",
-                     "zr3DExitHidDev(B1)", "zr3DInitHidDev(null, 3267, 5752, A)",
-                     "zr3DEnableHeartbeat(B2, 1)", "zr3DEnableHeartbeat(B2, 0)",
-                     "zr3DProject(B2, 0)", "zr3DExitHidDev(B2)"}));
+    EXPECT_EQ(
+        Recorder::Get().Calls(),
+        (Calls{"zr3DInitHidDev(null, 3267, 5752, A)", "zr3DProject(B1, 0)", "zr3DExitHidDev(B1)",
+               "zr3DInitHidDev(null, 3267, 5752, A)", "zr3DEnableHeartbeat(B2, 1)",
+               "zr3DEnableHeartbeat(B2, 0)", "zr3DProject(B2, 0)", "zr3DExitHidDev(B2)"}));
 }
 
 TEST_F(BoardSessionAlone, AHeartbeatThatWasNotAskedForIsSwitchedOnAndNotRemembered) {

@@ -4,7 +4,7 @@
 
 #include <climits>
 
-namespace Korvex3Sync {
+namespace Korvex3Sync::tests {
 namespace {
 
 TEST(BoardTranslation, LaserModesKeepTheirNumbers) {
@@ -55,4 +55,4 @@ TEST(BoardTranslation, RoutesAndStrobeStatesOutsideTheirRangeHaveNoTranslation) 
 }
 
 }  // namespace
-}  // namespace Korvex3Sync
+}  // namespace Korvex3Sync::tests

@@ -9,7 +9,7 @@
 
 #include "support/Seed.h"
 
-namespace Korvex3Sync {
+namespace Korvex3Sync::tests {
 namespace {
 
 using std::chrono::microseconds;
@@ -107,4 +107,4 @@ TEST(CallbackTimes, RandomTimesKeepToTheLimitsToo) {
 }
 
 }  // namespace
-}  // namespace Korvex3Sync
+}  // namespace Korvex3Sync::tests

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-namespace Korvex3Sync {
+namespace Korvex3Sync::tests {
 namespace {
 
 ChannelAssignment Assign(std::vector<std::string> serials) {
@@ -69,4 +69,4 @@ TEST(ChannelCodes, NoSerialsGiveNoCodes) {
 }
 
 }  // namespace
-}  // namespace Korvex3Sync
+}  // namespace Korvex3Sync::tests

@@ -8,7 +8,7 @@
 
 #include "sync/Ledger.h"
 
-namespace Korvex3Sync {
+namespace Korvex3Sync::tests {
 namespace {
 
 class ColorCatchTest : public testing::Test {
@@ -103,4 +103,4 @@ TEST_F(ColorCatchTest, WakesTheCallerThatWaits) {
 }
 
 }  // namespace
-}  // namespace Korvex3Sync
+}  // namespace Korvex3Sync::tests

@@ -14,7 +14,7 @@
 #include "support/PackedFrames.h"
 #include "sync/Head.h"
 
-namespace Korvex3Sync {
+namespace Korvex3Sync::tests {
 namespace {
 
 using recorder::Recorder;
@@ -328,4 +328,4 @@ TEST_F(ColorSnapshot, ARouteThatIsNoneStopsNothing) {
 }
 
 }  // namespace
-}  // namespace Korvex3Sync
+}  // namespace Korvex3Sync::tests

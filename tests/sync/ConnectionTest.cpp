@@ -4,7 +4,7 @@
 #include "support/LogCapture.h"
 #include "sync/Head.h"
 
-namespace Korvex3Sync {
+namespace Korvex3Sync::tests {
 namespace {
 
 using recorder::Recorder;
@@ -204,4 +204,4 @@ TEST_F(Connection, AManagerThatNeverConnectedTouchesNothingWhenItGoes) {
 }
 
 }  // namespace
-}  // namespace Korvex3Sync
+}  // namespace Korvex3Sync::tests

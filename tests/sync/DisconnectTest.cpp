@@ -17,7 +17,7 @@
 #include "support/WaitUntil.h"
 #include "sync/Head.h"
 
-namespace Korvex3Sync {
+namespace Korvex3Sync::tests {
 namespace {
 
 using recorder::Recorder;
@@ -132,4 +132,4 @@ TEST(Disconnect, WaitsForOneSnapOfEachCameraAtTheMost) {
 }
 
 }  // namespace
-}  // namespace Korvex3Sync
+}  // namespace Korvex3Sync::tests

@@ -5,7 +5,7 @@
 #include <climits>
 #include <limits>
 
-namespace Korvex3Sync {
+namespace Korvex3Sync::tests {
 namespace {
 
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
@@ -62,4 +62,4 @@ TEST(ExposureMicroseconds, AreCutToWholeOnesWithin32Bits) {
 }
 
 }  // namespace
-}  // namespace Korvex3Sync
+}  // namespace Korvex3Sync::tests

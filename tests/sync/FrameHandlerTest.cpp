@@ -14,7 +14,7 @@
 #include "support/WaitUntil.h"
 #include "sync/Head.h"
 
-namespace Korvex3Sync {
+namespace Korvex3Sync::tests {
 namespace {
 
 using recorder::Recorder;
@@ -252,4 +252,4 @@ TEST_F(FrameHandler, DestructionWhileFramesWaitFreesThem) {
 }
 
 }  // namespace
-}  // namespace Korvex3Sync
+}  // namespace Korvex3Sync::tests

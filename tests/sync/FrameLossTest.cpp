@@ -12,7 +12,7 @@
 #include "support/PackedFrames.h"
 #include "sync/Head.h"
 
-namespace Korvex3Sync {
+namespace Korvex3Sync::tests {
 namespace {
 
 using recorder::Recorder;
@@ -311,4 +311,4 @@ TEST_F(FrameLosses, CanBeReadWhileACallbackAndABoardOperationAreHeldUp) {
 }
 
 }  // namespace
-}  // namespace Korvex3Sync
+}  // namespace Korvex3Sync::tests

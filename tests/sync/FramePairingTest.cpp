@@ -12,7 +12,7 @@
 
 #include "support/Seed.h"
 
-namespace Korvex3Sync {
+namespace Korvex3Sync::tests {
 namespace {
 
 class Pairing : public testing::Test {
@@ -303,4 +303,4 @@ TEST_F(Pairing, TenThousandRandomMapsAreFlushedAndMatchedLikeTheModel) {
 }
 
 }  // namespace
-}  // namespace Korvex3Sync
+}  // namespace Korvex3Sync::tests

@@ -9,7 +9,7 @@
 #include "platform/os/Event.h"
 #include "support/PackedFrames.h"
 
-namespace Korvex3Sync {
+namespace Korvex3Sync::tests {
 namespace {
 
 constexpr int kWidth = 8;
@@ -175,4 +175,4 @@ TEST_F(FramePathTest, StatisticsCanBeReadWhileACallbackRuns) {
 }
 
 }  // namespace
-}  // namespace Korvex3Sync
+}  // namespace Korvex3Sync::tests

@@ -5,7 +5,7 @@
 #include "support/LogCapture.h"
 #include "sync/Ledger.h"
 
-namespace Korvex3Sync {
+namespace Korvex3Sync::tests {
 namespace {
 
 class FrameRouting : public testing::Test {
@@ -115,4 +115,4 @@ TEST_F(FrameRouting, TheBoundIsNotLookedAtOnTheWayToASnapshot) {
 }
 
 }  // namespace
-}  // namespace Korvex3Sync
+}  // namespace Korvex3Sync::tests

@@ -6,7 +6,7 @@
 #include "recorder/Recorder.h"
 #include "sync/ManagerSync.h"
 
-namespace Korvex3Sync {
+namespace Korvex3Sync::tests {
 
 /// A list of serials in the form that connect takes.
 class SerialList {
@@ -31,4 +31,4 @@ inline RETSTATUS ConnectRecorded(IManagerSync& manager) {
     return manager.Connect("any", "BOARD", serials.Pointers(), {8, 8}, {4, 4});
 }
 
-}  // namespace Korvex3Sync
+}  // namespace Korvex3Sync::tests

@@ -9,7 +9,7 @@
 
 #include "support/Seed.h"
 
-namespace Korvex3Sync {
+namespace Korvex3Sync::tests {
 namespace {
 
 struct Taken {
@@ -214,4 +214,4 @@ TEST_F(Keys, AThousandRandomScansAreCountedExactly) {
 }
 
 }  // namespace
-}  // namespace Korvex3Sync
+}  // namespace Korvex3Sync::tests

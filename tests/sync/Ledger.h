@@ -10,7 +10,7 @@
 #include "camera/images/ImagePool.h"
 #include "sync/frames/FramePairing.h"
 
-namespace Korvex3Sync {
+namespace Korvex3Sync::tests {
 
 /// Images that carry a number, and where they went. Must outlive whatever holds its images.
 class Ledger : public FramePairing::Sink {
@@ -68,4 +68,4 @@ private:
     std::vector<std::uint32_t> m_released;
 };
 
-}  // namespace Korvex3Sync
+}  // namespace Korvex3Sync::tests

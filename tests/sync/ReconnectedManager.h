@@ -13,7 +13,7 @@
 #include "support/PackedFrames.h"
 #include "sync/Head.h"
 
-namespace Korvex3Sync {
+namespace Korvex3Sync::tests {
 
 /// A manager over the recorded head that is reconnected; time runs a hundred times faster.
 class ReconnectedManager : public testing::Test {
@@ -77,4 +77,4 @@ protected:
     std::uint64_t m_frames = 0;
 };
 
-}  // namespace Korvex3Sync
+}  // namespace Korvex3Sync::tests

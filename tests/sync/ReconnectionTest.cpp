@@ -7,7 +7,7 @@
 #include "platform/os/Clock.h"
 #include "sync/ReconnectedManager.h"
 
-namespace Korvex3Sync {
+namespace Korvex3Sync::tests {
 namespace {
 
 using recorder::Recorder;
@@ -257,4 +257,4 @@ TEST_F(Reconnection, ACameraThatCannotBeCreatedIsLeftOutToo) {
 }
 
 }  // namespace
-}  // namespace Korvex3Sync
+}  // namespace Korvex3Sync::tests

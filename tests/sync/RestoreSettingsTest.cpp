@@ -7,7 +7,7 @@
 
 #include "recorder/Recorder.h"
 
-namespace Korvex3Sync {
+namespace Korvex3Sync::tests {
 namespace {
 
 using recorder::Recorder;
@@ -77,4 +77,4 @@ TEST_F(RestoreSettings, WhatTheBoardRefusesDoesNotStopTheRest) {
 }
 
 }  // namespace
-}  // namespace Korvex3Sync
+}  // namespace Korvex3Sync::tests

@@ -7,7 +7,7 @@
 
 #include "support/Accounted.h"
 
-namespace Korvex3Sync {
+namespace Korvex3Sync::tests {
 namespace {
 
 using std::chrono::microseconds;
@@ -101,4 +101,4 @@ TEST(ScanCounters, WhatIsReadAddsUpWhileTwoThreadsCount) {
 }
 
 }  // namespace
-}  // namespace Korvex3Sync
+}  // namespace Korvex3Sync::tests

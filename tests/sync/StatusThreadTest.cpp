@@ -12,7 +12,7 @@
 #include "support/LogCapture.h"
 #include "sync/Head.h"
 
-namespace Korvex3Sync {
+namespace Korvex3Sync::tests {
 namespace {
 
 using recorder::Recorder;
@@ -284,4 +284,4 @@ TEST(StatusThreadEnd, TheDestructorLeavesACameraAloneThatTheCallbackUses) {
 }
 
 }  // namespace
-}  // namespace Korvex3Sync
+}  // namespace Korvex3Sync::tests

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-namespace Korvex3Sync {
+namespace Korvex3Sync::tests {
 namespace {
 
 constexpr int kMono = 1;
@@ -120,4 +120,4 @@ TEST_F(Starts, WhileTheModeChangesNoColourIsExpected) {
 }
 
 }  // namespace
-}  // namespace Korvex3Sync
+}  // namespace Korvex3Sync::tests

@@ -13,7 +13,7 @@
 #include "support/PackedFrames.h"
 #include "sync/Head.h"
 
-namespace Korvex3Sync {
+namespace Korvex3Sync::tests {
 namespace {
 
 using recorder::Recorder;
@@ -164,4 +164,4 @@ TEST(ParkedStatusThread, WaitsInsteadOfSpinning) {
 }
 
 }  // namespace
-}  // namespace Korvex3Sync
+}  // namespace Korvex3Sync::tests

@@ -6,10 +6,10 @@
 #include "platform/include/USBTREE.h"
 #include "support/RequestedHead.h"
 
-namespace USBTREE {
+namespace Korvex3Sync::tests {
 namespace {
 
-using Korvex3Sync::test::RequestedHead;
+using namespace USBTREE;
 using Korvex3Sync::virtual_head::HeadDescription;
 using testing::ElementsAre;
 using testing::EndsWith;
@@ -162,4 +162,4 @@ TEST(UsbTree, MayBeUsedByManyThreads) {
 }
 
 }  // namespace
-}  // namespace USBTREE
+}  // namespace Korvex3Sync::tests

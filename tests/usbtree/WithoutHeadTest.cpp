@@ -4,8 +4,10 @@
 #include "support/Text.h"
 #include "virtual_head/Request.h"
 
-namespace USBTREE {
+namespace Korvex3Sync::tests {
 namespace {
+
+using namespace USBTREE;
 
 // The one test of its program: the message comes once in the life of a process.
 TEST(WithoutARequestedHead, NoPathIsFoundAndThatIsSaidOnce) {
@@ -19,8 +21,8 @@ TEST(WithoutARequestedHead, NoPathIsFoundAndThatIsSaidOnce) {
     }
     const std::string said = testing::internal::GetCapturedStderr();
     EXPECT_TRUE(paths.empty());
-    EXPECT_EQ(Korvex3Sync::test::Count(said, "KORVEX_VIRTUAL_HEAD"), 1U) << said;
+    EXPECT_EQ(Count(said, "KORVEX_VIRTUAL_HEAD"), 1U) << said;
 }
 
 }  // namespace
-}  // namespace USBTREE
+}  // namespace Korvex3Sync::tests

@@ -5,9 +5,10 @@
 #include <latch>
 #include <thread>
 
-namespace Korvex3Sync::virtual_head {
+namespace Korvex3Sync::tests {
 namespace {
 
+using namespace virtual_head;
 using namespace std::chrono_literals;
 
 TEST(ExposureQueue, ClosingEndsAPopThatWaits) {
@@ -62,4 +63,4 @@ TEST(ExposureQueue, WhatFindsNoRoomIsCounted) {
 }
 
 }  // namespace
-}  // namespace Korvex3Sync::virtual_head
+}  // namespace Korvex3Sync::tests

@@ -8,15 +8,16 @@
 #include "virtual_head/VirtualHead.h"
 #include "virtual_head/config/HeadFile.h"
 
-namespace Korvex3Sync::virtual_head {
+namespace Korvex3Sync::tests {
 namespace {
 
+using namespace virtual_head;
 using namespace std::chrono_literals;
 
 class FaultKeysTest : public testing::Test {
 protected:
     HeadDescription Good(const std::string& text) {
-        tests::WriteText(m_file, text);
+        WriteText(m_file, text);
         const auto read = ReadHeadFile(m_file);
         if (const auto* error = std::get_if<HeadFileError>(&read)) {
             ADD_FAILURE() << error->message;
@@ -27,7 +28,7 @@ protected:
 
     /// What is wrong in `line`.
     std::string Wrong(const std::string& text, int line) {
-        tests::WriteText(m_file, text);
+        WriteText(m_file, text);
         const auto read = ReadHeadFile(m_file);
         const auto* error = std::get_if<HeadFileError>(&read);
         if (error == nullptr) {
@@ -44,7 +45,7 @@ protected:
         return Wrong("[[fault]]\n" + lines, line);
     }
 
-    tests::TemporaryFolder m_folder;
+    TemporaryFolder m_folder;
     std::filesystem::path m_file = m_folder.Path() / "head.toml";
 };
 
@@ -201,4 +202,4 @@ TEST_F(FaultKeysTest, ADescriptionIsCheckedAsAFileIs) {
 }
 
 }  // namespace
-}  // namespace Korvex3Sync::virtual_head
+}  // namespace Korvex3Sync::tests

@@ -6,9 +6,10 @@
 
 #include "virtual_head/faults/Faults.h"
 
-namespace Korvex3Sync::virtual_head {
+namespace Korvex3Sync::tests {
 namespace {
 
+using namespace virtual_head;
 using namespace std::chrono_literals;
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -134,4 +135,4 @@ TEST(FaultOrder, AVanishingThatNobodyNoticedIsNotForgottenByTheReturn) {
 }
 
 }  // namespace
-}  // namespace Korvex3Sync::virtual_head
+}  // namespace Korvex3Sync::tests

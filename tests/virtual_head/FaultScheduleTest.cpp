@@ -7,9 +7,10 @@
 #include "virtual_head/base/Journal.h"
 #include "virtual_head/faults/Faults.h"
 
-namespace Korvex3Sync::virtual_head {
+namespace Korvex3Sync::tests {
 namespace {
 
+using namespace virtual_head;
 using namespace std::chrono_literals;
 using support::WaitUntil;
 using testing::Contains;
@@ -198,4 +199,4 @@ TEST(FaultSchedule, AFaultMayEndTheTriggerThatItComesWith) {
 }
 
 }  // namespace
-}  // namespace Korvex3Sync::virtual_head
+}  // namespace Korvex3Sync::tests

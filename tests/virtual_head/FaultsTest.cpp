@@ -5,9 +5,10 @@
 #include <atomic>
 #include <thread>
 
-namespace Korvex3Sync::virtual_head {
+namespace Korvex3Sync::tests {
 namespace {
 
+using namespace virtual_head;
 using namespace std::chrono_literals;
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -135,4 +136,4 @@ TEST(Faults, WaitForHangGivesUpAtItsLimit) {
 }
 
 }  // namespace
-}  // namespace Korvex3Sync::virtual_head
+}  // namespace Korvex3Sync::tests

@@ -6,9 +6,10 @@
 #include "virtual_head/base/Journal.h"
 #include "virtual_head/faults/Faults.h"
 
-namespace Korvex3Sync::virtual_head {
+namespace Korvex3Sync::tests {
 namespace {
 
+using namespace virtual_head;
 using namespace std::chrono_literals;
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -274,4 +275,4 @@ TEST_F(FrameFaultsTest, TheJournalSaysWhichTriggerMetWhat) {
 }
 
 }  // namespace
-}  // namespace Korvex3Sync::virtual_head
+}  // namespace Korvex3Sync::tests

@@ -7,9 +7,10 @@
 
 #include "virtual_head/TestFiles.h"
 
-namespace Korvex3Sync::virtual_head {
+namespace Korvex3Sync::tests {
 namespace {
 
+using namespace virtual_head;
 using testing::EndsWith;
 using testing::HasSubstr;
 using testing::Not;
@@ -18,7 +19,7 @@ using testing::StartsWith;
 class HeadFileTest : public testing::Test {
 protected:
     std::variant<HeadDescription, HeadFileError> Read(const std::string& text) {
-        tests::WriteText(m_file, text);
+        WriteText(m_file, text);
         return ReadHeadFile(m_file);
     }
 
@@ -56,7 +57,7 @@ protected:
         EXPECT_EQ(error.message, file.string() + ": " + what);
     }
 
-    tests::TemporaryFolder m_folder;
+    TemporaryFolder m_folder;
     std::filesystem::path m_file = m_folder.Path() / "head.toml";
 };
 
@@ -264,7 +265,7 @@ TEST_F(HeadFileTest, MissingFileFolderAndUnreadableFileAreRefused) {
 }
 
 TEST_F(HeadFileTest, FileThatCannotBeAHeadFileIsTooLarge) {
-    tests::WriteText(m_file, std::string((1U << 20U) + 1, '#'));
+    WriteText(m_file, std::string((1U << 20U) + 1, '#'));
     ExpectRefused(m_file, "is too large");
 }
 
@@ -274,4 +275,4 @@ TEST_F(HeadFileTest, DeeplyNestedFileIsRefusedWithoutACrash) {
 }
 
 }  // namespace
-}  // namespace Korvex3Sync::virtual_head
+}  // namespace Korvex3Sync::tests

@@ -2,9 +2,10 @@
 
 #include <gmock/gmock.h>
 
-namespace Korvex3Sync::virtual_head {
+namespace Korvex3Sync::tests {
 namespace {
 
+using namespace virtual_head;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::SizeIs;
@@ -154,4 +155,4 @@ TEST(Journal, ManyThreadsAtOnceLoseNoCall) {
 }
 
 }  // namespace
-}  // namespace Korvex3Sync::virtual_head
+}  // namespace Korvex3Sync::tests

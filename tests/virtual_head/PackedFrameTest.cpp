@@ -5,12 +5,11 @@
 #include "virtual_head/TestFiles.h"
 #include "virtual_head/Unpacked.h"
 
-namespace Korvex3Sync::virtual_head {
+namespace Korvex3Sync::tests {
 namespace {
 
+using namespace virtual_head;
 using Pixels = std::vector<std::uint8_t>;
-using tests::RandomImage;
-using tests::Unpack;
 
 constexpr std::size_t kPixels = 32 * 20;
 
@@ -95,4 +94,4 @@ TEST(PackedFrame, ImageThatMissesTheMarkerByOneByteIsUnchanged) {
 }
 
 }  // namespace
-}  // namespace Korvex3Sync::virtual_head
+}  // namespace Korvex3Sync::tests

@@ -7,15 +7,12 @@
 #include "virtual_head/Unpacked.h"
 #include "virtual_head/images/ImageSource.h"
 
-namespace Korvex3Sync::virtual_head {
+namespace Korvex3Sync::tests {
 namespace {
 
+using namespace virtual_head;
 using testing::HasSubstr;
 using testing::Not;
-using tests::PngKind;
-using tests::RandomImage;
-using tests::TestImage;
-using tests::WriteGrey;
 using Pixels = std::vector<std::uint8_t>;
 
 constexpr int kWidth = 64;
@@ -56,14 +53,14 @@ protected:
         return std::get<std::string>(made);
     }
 
-    static tests::Unpacked Frame(ImageSource& source, std::uint64_t trigger, bool color) {
+    static Unpacked Frame(ImageSource& source, std::uint64_t trigger, bool color) {
         Exposure exposure;
         exposure.trigger = trigger;
         exposure.key = static_cast<std::uint8_t>(trigger & 0xFFU);
         exposure.color = color;
         Pixels packed(2 * kPixels, 0xEE);
         source.WritePacked(exposure, packed.data());
-        return tests::Unpack(packed.data(), kPixels);
+        return Unpack(packed.data(), kPixels);
     }
 
     static Pixels WithKey(Pixels image, std::uint64_t trigger) {
@@ -71,7 +68,7 @@ protected:
         return image;
     }
 
-    tests::TemporaryFolder m_folder;
+    TemporaryFolder m_folder;
     HeadDescription m_description;
 };
 
@@ -129,8 +126,8 @@ TEST_F(ReplayTest, SmallerImageIsCentredOnBlackAtAnEvenCorner) {
 
 TEST_F(ReplayTest, OtherFilesOfTheFolderAreLeftAlone) {
     WritePair("01", 10);
-    tests::WriteText(File("README.md"), "not an image");
-    tests::WriteText(File("left01.txt"), "not an image");
+    WriteText(File("README.md"), "not an image");
+    WriteText(File("left01.txt"), "not an image");
     EXPECT_TRUE(Make());
 }
 
@@ -149,7 +146,7 @@ TEST_F(ReplayTest, EmptyFolderAndMissingFolderAreRefused) {
               m_folder.Path().string() + ": the folder has no pair leftNN.png and rightNN.png");
     m_description.replayFolder = File("none");
     EXPECT_THAT(Error(), HasSubstr("none: the folder cannot be read: "));
-    tests::WriteText(File("file"), "");
+    WriteText(File("file"), "");
     m_description.replayFolder = File("file");
     EXPECT_THAT(Error(), HasSubstr("file: the folder cannot be read: "));
 }
@@ -165,17 +162,17 @@ TEST_F(ReplayTest, ImageLargerThanTheSensorIsRefused) {
 
 TEST_F(ReplayTest, ImageThatIsNotEightBitGreyIsRefused) {
     WritePair("01", 1);
-    tests::WritePng(File("left01.png"), 8, 8, PngKind::Rgb8, Pixels(8 * 8 * 3));
+    WritePng(File("left01.png"), 8, 8, PngKind::Rgb8, Pixels(8 * 8 * 3));
     EXPECT_EQ(Error(), File("left01.png").string() + ": is not an 8-bit grey image");
-    tests::WritePng(File("left01.png"), 8, 8, PngKind::Grey16, Pixels(8 * 8 * 2));
+    WritePng(File("left01.png"), 8, 8, PngKind::Grey16, Pixels(8 * 8 * 2));
     EXPECT_EQ(Error(), File("left01.png").string() + ": is not an 8-bit grey image");
 }
 
 TEST_F(ReplayTest, UnreadableImageIsRefused) {
     WritePair("01", 1);
-    tests::WriteText(File("right01.png"), "this is no PNG");
+    WriteText(File("right01.png"), "this is no PNG");
     EXPECT_THAT(Error(), HasSubstr("right01.png: is not a readable PNG image: "));
-    tests::WriteText(File("right01.png"), "");
+    WriteText(File("right01.png"), "");
     EXPECT_THAT(Error(), HasSubstr("right01.png: is not a readable PNG image: "));
     std::filesystem::remove(File("right01.png"));
     std::filesystem::create_directory(File("right01.png"));
@@ -191,7 +188,7 @@ TEST_F(ReplayTest, CutImageIsRefused) {
 
 TEST_F(ReplayTest, BrokenColorImageIsRefusedOnlyByAHeadWithColor) {
     WritePair("01", 1);
-    tests::WriteText(File("color01.png"), "this is no PNG");
+    WriteText(File("color01.png"), "this is no PNG");
     EXPECT_THAT(Error(), HasSubstr("color01.png: "));
     m_description.color = false;
     EXPECT_TRUE(Make());
@@ -210,4 +207,4 @@ TEST_F(ReplayTest, MoreThanTwoHundredPairsAreRefused) {
 }
 
 }  // namespace
-}  // namespace Korvex3Sync::virtual_head
+}  // namespace Korvex3Sync::tests

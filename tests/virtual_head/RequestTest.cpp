@@ -9,9 +9,10 @@
 #include "virtual_head/TestFiles.h"
 #include "virtual_head/VirtualHead.h"
 
-namespace Korvex3Sync::virtual_head {
+namespace Korvex3Sync::tests {
 namespace {
 
+using namespace virtual_head;
 using namespace std::chrono_literals;
 using testing::ExitedWithCode;
 using testing::HasSubstr;
@@ -42,17 +43,17 @@ TEST_F(RequestTest, DefaultGivesTheBuiltInHead) {
 }
 
 TEST_F(RequestTest, HeadFileGivesItsHead) {
-    const tests::TemporaryFolder folder;
+    const TemporaryFolder folder;
     const auto file = folder.Path() / "head.toml";
-    tests::WriteText(file, "[camera]\nwidth = 64\nheight = 32\nserial = \"KV7\"\n");
+    WriteText(file, "[camera]\nwidth = 64\nheight = 32\nserial = \"KV7\"\n");
     ASSERT_TRUE(RequestVirtualHead(file.string(), m_error)) << m_error;
     EXPECT_EQ(RequestedVirtualHead()->Description().cameraSerial, "KV7");
 }
 
 TEST_F(RequestTest, RefusedHeadFileLeavesTheHeadOfBefore) {
-    const tests::TemporaryFolder folder;
+    const TemporaryFolder folder;
     const auto file = folder.Path() / "head.toml";
-    tests::WriteText(file, "[camera]\nwide = 64\n");
+    WriteText(file, "[camera]\nwide = 64\n");
     ASSERT_TRUE(RequestVirtualHead(Small(), m_error));
     const auto before = RequestedVirtualHead();
     EXPECT_FALSE(RequestVirtualHead(file.string(), m_error));
@@ -61,7 +62,7 @@ TEST_F(RequestTest, RefusedHeadFileLeavesTheHeadOfBefore) {
 }
 
 TEST_F(RequestTest, RefusedImagesAreToldInOneLine) {
-    const tests::TemporaryFolder folder;
+    const TemporaryFolder folder;
     HeadDescription description = Small();
     description.replayFolder = folder.Path();
     EXPECT_FALSE(RequestVirtualHead(description, m_error));
@@ -187,4 +188,4 @@ TEST_F(RequestByEnvironmentTest, RunningHeadEndsWithTheProcess) {
 }
 
 }  // namespace
-}  // namespace Korvex3Sync::virtual_head
+}  // namespace Korvex3Sync::tests

@@ -6,16 +6,17 @@
 #include "virtual_head/TestFiles.h"
 #include "virtual_head/config/HeadFile.h"
 
-namespace Korvex3Sync::virtual_head {
+namespace Korvex3Sync::tests {
 namespace {
 
+using namespace virtual_head;
 using testing::EndsWith;
 using testing::HasSubstr;
 
 class SceneKeysTest : public testing::Test {
 protected:
     std::variant<HeadDescription, HeadFileError> Read(const std::string& keys) {
-        tests::WriteText(m_file, "[scene]\n" + keys);
+        WriteText(m_file, "[scene]\n" + keys);
         return ReadHeadFile(m_file);
     }
     SceneDescription Good(const std::string& keys) {
@@ -37,7 +38,7 @@ protected:
         return {error->line, error->message};
     }
 
-    tests::TemporaryFolder m_folder;
+    TemporaryFolder m_folder;
     const std::filesystem::path m_file = m_folder.Path() / "head.toml";
 };
 
@@ -130,4 +131,4 @@ TEST_F(SceneKeysTest, DescriptionOfAProgramObeysTheSameRules) {
 }
 
 }  // namespace
-}  // namespace Korvex3Sync::virtual_head
+}  // namespace Korvex3Sync::tests

@@ -5,8 +5,10 @@
 
 #include "virtual_head/SceneFrames.h"
 
-namespace Korvex3Sync::virtual_head {
+namespace Korvex3Sync::tests {
 namespace {
+
+using namespace virtual_head;
 
 constexpr double kBlack = 2;  // what a sensor gives in the dark
 
@@ -111,7 +113,7 @@ std::vector<Knob> Knobs() {
 class SceneKnobs : public testing::TestWithParam<Knob> {};
 
 TEST_P(SceneKnobs, EachStepIsBrighterInEveryImage) {
-    const tests::SceneFrames frames(Small());
+    const SceneFrames frames(Small());
     Exposure exposure = GetParam().exposure;
     double left = 0;
     double right = 0;
@@ -120,13 +122,13 @@ TEST_P(SceneKnobs, EachStepIsBrighterInEveryImage) {
         const auto frame = frames.Frame(exposure);
         const bool first = value == GetParam().values.front();
         if (first && GetParam().startsDark) {
-            EXPECT_EQ(tests::Mean(frame.second), kBlack);
+            EXPECT_EQ(Mean(frame.second), kBlack);
         } else {
-            EXPECT_GT(tests::Mean(frame.second), right) << value;
-            EXPECT_TRUE(exposure.color || tests::Mean(frame.first) > left) << value;
+            EXPECT_GT(Mean(frame.second), right) << value;
+            EXPECT_TRUE(exposure.color || Mean(frame.first) > left) << value;
         }
-        left = tests::Mean(frame.first);
-        right = tests::Mean(frame.second);
+        left = Mean(frame.first);
+        right = Mean(frame.second);
     }
 }
 
@@ -135,17 +137,13 @@ INSTANTIATE_TEST_SUITE_P(All, SceneKnobs, testing::ValuesIn(Knobs()),
 
 class SceneLight : public testing::Test {
 protected:
-    double Left(const Exposure& exposure) const {
-        return tests::Mean(m_frames.Frame(exposure).first);
-    }
-    double Right(const Exposure& exposure) const {
-        return tests::Mean(m_frames.Frame(exposure).second);
-    }
+    double Left(const Exposure& exposure) const { return Mean(m_frames.Frame(exposure).first); }
+    double Right(const Exposure& exposure) const { return Mean(m_frames.Frame(exposure).second); }
     bool Dark(const Exposure& exposure) const {
         return Right(exposure) == kBlack && (exposure.color || Left(exposure) == kBlack);
     }
 
-    const tests::SceneFrames m_frames{Small()};
+    const SceneFrames m_frames{Small()};
 };
 
 TEST_F(SceneLight, WithoutLightItIsDark) {
@@ -276,4 +274,4 @@ TEST_F(SceneLight, NumbersThatNoLightHasCountAsTheNearestOne) {
 }
 
 }  // namespace
-}  // namespace Korvex3Sync::virtual_head
+}  // namespace Korvex3Sync::tests

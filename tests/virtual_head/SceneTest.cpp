@@ -6,8 +6,10 @@
 
 #include "virtual_head/SceneFrames.h"
 
-namespace Korvex3Sync::virtual_head {
+namespace Korvex3Sync::tests {
 namespace {
+
+using namespace virtual_head;
 
 struct Size {
     int width;
@@ -35,7 +37,7 @@ protected:
 };
 
 TEST_P(SceneTest, FramesDifferFromPoseToPoseAndBetweenTheSensors) {
-    const tests::SceneFrames frames(m_description);
+    const SceneFrames frames(m_description);
     const int poses = m_description.scene.poses;
     for (int trigger = 0; trigger < poses; ++trigger) {
         const auto number = static_cast<std::uint64_t>(trigger);
@@ -54,13 +56,13 @@ TEST_P(SceneTest, FramesDifferFromPoseToPoseAndBetweenTheSensors) {
 }
 
 TEST_P(SceneTest, ThePosesComeOverAndOver) {
-    const tests::SceneFrames frames(m_description);
+    const SceneFrames frames(m_description);
     const auto poses = static_cast<std::uint64_t>(m_description.scene.poses);
     EXPECT_EQ(frames.Frame(At(1, false)).first, frames.Frame(At(1 + 64 * poses, false)).first);
 }
 
 TEST_P(SceneTest, EveryFrameCarriesItsKey) {
-    const tests::SceneFrames frames(m_description);
+    const SceneFrames frames(m_description);
     for (const std::uint64_t trigger : {0, 1, 255, 256, 1000}) {
         EXPECT_EQ(frames.Frame(At(trigger, false)).key, trigger % 256);
         EXPECT_EQ(frames.Frame(At(trigger, true)).key, trigger % 256);
@@ -69,13 +71,15 @@ TEST_P(SceneTest, EveryFrameCarriesItsKey) {
 
 TEST_P(SceneTest, HeadWithoutColorHasItsMonoFrames) {
     m_description.color = false;
-    const tests::SceneFrames frames(m_description);
+    const SceneFrames frames(m_description);
     EXPECT_FALSE(frames.Frame(At(0, false)).marker);
 }
 
-INSTANTIATE_TEST_SUITE_P(Sizes, SceneTest,
-                         testing::Values(Size{64, 32}, Size{2000, 16}, Size{18, 1000},
-                                         Size{320, 240}));
+INSTANTIATE_TEST_SUITE_P(
+    Sizes, SceneTest, testing::Values(Size{64, 32}, Size{2000, 16}, Size{18, 1000}, Size{320, 240}),
+    [](const auto& size) {
+        return std::to_string(size.param.width) + "x" + std::to_string(size.param.height);
+    });
 
 HeadDescription Small() {
     HeadDescription description;
@@ -85,7 +89,7 @@ HeadDescription Small() {
 }
 
 TEST(Scene, PreparingTwiceChangesNothing) {
-    const tests::SceneFrames frames(Small());
+    const SceneFrames frames(Small());
     EXPECT_TRUE(frames.Source().Prepare());
     const auto before = frames.Frame(Exposure{});
     EXPECT_TRUE(frames.Source().Prepare());
@@ -93,14 +97,14 @@ TEST(Scene, PreparingTwiceChangesNothing) {
 }
 
 TEST(Scene, EveryThreadGetsTheFrameOfItsOwnLight) {
-    const tests::SceneFrames frames(Small());
+    const SceneFrames frames(Small());
     Exposure dark;
     dark.light.strobeState = 4;
     const Exposure lit;
     const auto wantDark = frames.Frame(dark);
     const auto wantLit = frames.Frame(lit);
     std::atomic<int> wrong{0};
-    const auto fetch = [&](const Exposure& exposure, const tests::Unpacked& want) {
+    const auto fetch = [&](const Exposure& exposure, const Unpacked& want) {
         for (int i = 0; i < 50; ++i) {
             const auto frame = frames.Frame(exposure);
             wrong += frame.first != want.first || frame.second != want.second ? 1 : 0;
@@ -120,7 +124,7 @@ TEST(Scene, ColoursStandInTheirPlacesOfTheMosaic) {
     description.height = 512;
     Exposure exposure;
     exposure.color = true;
-    const auto mosaic = tests::SceneFrames(description).Frame(exposure).second;
+    const auto mosaic = SceneFrames(description).Frame(exposure).second;
     const auto at = [&](std::size_t x, std::size_t y) { return int{mosaic[y * 640 + x]}; };
     // The sphere's bands are orange and cream, the box is blue: both without doubt.
     const auto redder = [&](std::size_t x, std::size_t y) {
@@ -131,7 +135,7 @@ TEST(Scene, ColoursStandInTheirPlacesOfTheMosaic) {
 }
 
 TEST(Scene, ASingleLineIsOneOfAllLines) {
-    const tests::SceneFrames frames(Small());
+    const SceneFrames frames(Small());
     Exposure exposure;
     exposure.light.triggerMode = 1;
     exposure.light.laserEnable = true;
@@ -158,4 +162,4 @@ TEST(Scene, ASingleLineIsOneOfAllLines) {
 }
 
 }  // namespace
-}  // namespace Korvex3Sync::virtual_head
+}  // namespace Korvex3Sync::tests

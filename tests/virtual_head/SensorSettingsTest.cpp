@@ -4,8 +4,10 @@
 
 #include <climits>
 
-namespace Korvex3Sync::virtual_head {
+namespace Korvex3Sync::tests {
 namespace {
+
+using namespace virtual_head;
 
 TEST(SensorSettings, WordCarriesOrderGainAndExposure) {
     SensorSettings sensors{HeadDescription{}};
@@ -83,4 +85,4 @@ TEST(SensorSettings, ExposureAndGainHaveLimits) {
 }
 
 }  // namespace
-}  // namespace Korvex3Sync::virtual_head
+}  // namespace Korvex3Sync::tests

@@ -6,9 +6,10 @@
 
 #include "virtual_head/faults/Faults.h"
 
-namespace Korvex3Sync::virtual_head {
+namespace Korvex3Sync::tests {
 namespace {
 
+using namespace virtual_head;
 using namespace std::chrono_literals;
 using std::chrono::steady_clock;
 
@@ -218,4 +219,4 @@ TEST_F(TriggerClockTest, ExposuresWithoutRoomAreLostAndCountedAlsoAfterDetaching
 }
 
 }  // namespace
-}  // namespace Korvex3Sync::virtual_head
+}  // namespace Korvex3Sync::tests
