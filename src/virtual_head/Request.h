@@ -5,6 +5,7 @@
 
 #include "virtual_head/base/Export.h"
 #include "virtual_head/config/HeadDescription.h"
+#include "virtual_head/config/HeadFileText.h"
 
 namespace Korvex3Sync::virtual_head {
 

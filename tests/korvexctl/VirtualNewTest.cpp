@@ -2,7 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "korvexctl/Korvexctl.h"
-#include "korvexctl/head/HeadFileText.h"
+#include "virtual_head/Request.h"
 #include "virtual_head/TestFiles.h"
 
 namespace Korvex3Sync::tests {
@@ -32,7 +32,7 @@ TEST_F(KorvexctlVirtualNew, WritesAFileThatAHeadCanBeMadeOf) {
     const ChildResult result = New({m_file.string()});
     EXPECT_EQ(result.exitCode, 0) << result.error;
     EXPECT_THAT(result.output, HasSubstr("--virtual=" + m_file.string()));
-    EXPECT_EQ(ReadText(m_file), korvexctl::HeadFileText());
+    EXPECT_EQ(ReadText(m_file), virtual_head::HeadFileText());
     EXPECT_THAT(FileNames(m_folder.Path()), ElementsAre("bench.toml"));
     const ChildResult list = RunKorvexctl({"--virtual=" + m_file.string(), "list"});
     EXPECT_EQ(list.exitCode, 0) << list.error;
@@ -50,7 +50,7 @@ TEST_F(KorvexctlVirtualNew, LeavesAFileAloneUnlessForced) {
     const ChildResult forced = New({m_file.string(), "--force", "--json"});
     EXPECT_EQ(forced.exitCode, 0) << forced.error;
     EXPECT_EQ(ParseJson(forced.output)["file"], m_file.string());
-    EXPECT_EQ(ReadText(m_file), korvexctl::HeadFileText());
+    EXPECT_EQ(ReadText(m_file), virtual_head::HeadFileText());
 }
 
 TEST_F(KorvexctlVirtualNew, DoesNotFollowALinkThatLeadsNowhere) {
@@ -68,7 +68,7 @@ TEST_F(KorvexctlVirtualNew, WritesToAStreamWhenForcedOnly) {
     }
     const ChildResult forced = New({"/dev/stdout", "--force"});
     EXPECT_EQ(forced.exitCode, 0) << forced.error;
-    EXPECT_EQ(forced.output, korvexctl::HeadFileText());
+    EXPECT_EQ(forced.output, virtual_head::HeadFileText());
     EXPECT_EQ(New({"/dev/null", "--force"}).exitCode, 0);
     EXPECT_TRUE(std::filesystem::is_character_file("/dev/null"));
 }
@@ -80,8 +80,8 @@ TEST_F(KorvexctlVirtualNew, StandardOutputThatIsAFileIsWrittenToAndNotReplaced) 
     const ChildResult result = New({"/dev/stdout", "--force", "--json"}, options);
     EXPECT_EQ(result.exitCode, 0) << result.error;
     const std::string text = ReadText(m_file);
-    EXPECT_THAT(text, ::testing::StartsWith(korvexctl::HeadFileText()));
-    EXPECT_EQ(ParseJson(text.substr(korvexctl::HeadFileText().size()))["file"], "/dev/stdout");
+    EXPECT_THAT(text, ::testing::StartsWith(virtual_head::HeadFileText()));
+    EXPECT_EQ(ParseJson(text.substr(virtual_head::HeadFileText().size()))["file"], "/dev/stdout");
 }
 
 TEST_F(KorvexctlVirtualNew, AFolderInTheWayIsNoFileToReplace) {
@@ -93,9 +93,9 @@ TEST_F(KorvexctlVirtualNew, AFolderInTheWayIsNoFileToReplace) {
 TEST_F(KorvexctlVirtualNew, AHyphenIsStandardOutput) {
     const ChildResult text = New({"-"});
     EXPECT_EQ(text.exitCode, 0) << text.error;
-    EXPECT_EQ(text.output, korvexctl::HeadFileText());
+    EXPECT_EQ(text.output, virtual_head::HeadFileText());
     const ChildResult document = New({"-", "--json"});
-    EXPECT_EQ(ParseJson(document.output)["text"], korvexctl::HeadFileText());
+    EXPECT_EQ(ParseJson(document.output)["text"], virtual_head::HeadFileText());
 }
 
 TEST_F(KorvexctlVirtualNew, AFullDiskLeavesNothingBehind) {

@@ -146,11 +146,11 @@ TEST_F(FaultKeysTest, UnknownNamesNameTheirLine) {
 
 TEST_F(FaultKeysTest, WhatAKindHasNoUseForNamesItsLine) {
     EXPECT_EQ(WrongFault("what = \"lose-mono\"\nat_ms = 1\nfor_ms = 1\n", 4),
-              "[[fault]] for_ms: lose-mono has no use for it");
+              "[[fault]] for_ms: lose-mono does not take it");
     EXPECT_EQ(WrongFault("what = \"board-vanish\"\nat_ms = 1\ntimes = 1\n", 4),
-              "[[fault]] times: board-vanish has no use for it");
+              "[[fault]] times: board-vanish does not take it");
     EXPECT_EQ(WrongFault("what = \"tear-mono\"\nat_ms = 1\ncall = \"SnapShot\"\n", 4),
-              "[[fault]] call: tear-mono has no use for it");
+              "[[fault]] call: tear-mono does not take it");
 }
 
 TEST_F(FaultKeysTest, ValuesOutOfRangeAndOfAWrongTypeNameTheirLine) {
@@ -175,13 +175,14 @@ TEST_F(FaultKeysTest, ValuesOutOfRangeAndOfAWrongTypeNameTheirLine) {
 }
 
 TEST_F(FaultKeysTest, WhatIsMissingNamesTheFault) {
-    EXPECT_EQ(WrongFault("at_ms = 1\n", 1), "[[fault]] what is needed");
+    EXPECT_EQ(WrongFault("at_ms = 1\n", 1), "[[fault]] missing key \"what\"");
     EXPECT_EQ(WrongFault("what = \"lose-mono\"\n", 1),
-              "[[fault]] at_trigger, at_ms or chance is needed");
+              "[[fault]] missing key: at_trigger, at_ms or chance has to be given");
     EXPECT_EQ(WrongFault("what = \"lose-mono\"\nat_ms = 1\nat_trigger = 1\n", 1),
               "[[fault]] at_trigger and at_ms exclude each other");
-    EXPECT_EQ(WrongFault("what = \"fail\"\nat_ms = 1\n", 1), "[[fault]] call is needed");
-    EXPECT_EQ(WrongFault("what = \"board-late\"\nat_ms = 1\n", 1), "[[fault]] extra_ms is needed");
+    EXPECT_EQ(WrongFault("what = \"fail\"\nat_ms = 1\n", 1), "[[fault]] missing key \"call\"");
+    EXPECT_EQ(WrongFault("what = \"board-late\"\nat_ms = 1\n", 1),
+              "[[fault]] missing key \"extra_ms\"");
     EXPECT_EQ(WrongFault("what = \"board-return\"\nat_trigger = 1\n", 1),
               "[[fault]] board-return needs at_ms: a head whose board is gone gives no triggers");
 }
@@ -198,7 +199,7 @@ TEST_F(FaultKeysTest, ADescriptionIsCheckedAsAFileIs) {
     description.faults.back().order.kind = FaultKind::LoseMono;
     std::string error;
     EXPECT_FALSE(RequestVirtualHead(description, error));
-    EXPECT_EQ(error, "[[fault]] at_trigger, at_ms or chance is needed");
+    EXPECT_EQ(error, "[[fault]] missing key: at_trigger, at_ms or chance has to be given");
 }
 
 }  // namespace

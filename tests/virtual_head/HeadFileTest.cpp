@@ -224,7 +224,7 @@ TEST_F(HeadFileTest, ContradictionsNameALine) {
 TEST_F(HeadFileTest, SyntaxErrorNamesItsLine) {
     EXPECT_THAT(Wrong("[camera]\nwidth = 640\nheight = = 480\n", 3), Not(testing::IsEmpty()));
     EXPECT_THAT(Wrong("[camera]\nwidth = 640\nwidth = 480\n", 3), HasSubstr("width"))
-        << "a key that stands twice";
+        << "a key that is given twice";
     EXPECT_THAT(Wrong(std::string("[camera]\ntype = \"\xFF\xFE\"\n"), 2), Not(testing::IsEmpty()))
         << "bytes that are no text";
 }
@@ -245,21 +245,21 @@ TEST_F(HeadFileTest, UserMemoryErrorsNameTheirLine) {
     EXPECT_THAT(Wrong(page + "page = 1\nbytes = \"1\"\n", 3), HasSubstr("array of numbers"));
     EXPECT_THAT(Wrong(page + "page = 1\ntext = 1\n", 3), HasSubstr("a text is expected"));
     EXPECT_THAT(Wrong(page + "page = 1\nname = 1\n", 3), HasSubstr("unknown key \"name\""));
-    EXPECT_THAT(Wrong(page + "page = 1\n", 1), HasSubstr("needed"));
-    EXPECT_THAT(Wrong(page + "text = \"a\"\n", 1), HasSubstr("needed"));
+    EXPECT_THAT(Wrong(page + "page = 1\n", 1), HasSubstr("missing key"));
+    EXPECT_THAT(Wrong(page + "text = \"a\"\n", 1), HasSubstr("missing key"));
     EXPECT_THAT(Wrong(page + "page = 1\nbytes = []\ntext = \"a\"\n", 4), HasSubstr("exclude"));
     EXPECT_THAT(Wrong(page + "page = 1\ntext = \"" + std::string(257, 'x') + "\"\n", 1),
                 HasSubstr("more than 256"));
     EXPECT_THAT(Wrong(page + "page = 1\ntext = \"\"\n" + page + "page = 1\ntext = \"\"\n", 4),
-                HasSubstr("stands twice"));
+                HasSubstr("page 1 is given twice"));
 }
 
 TEST_F(HeadFileTest, MissingFileFolderAndUnreadableFileAreRefused) {
-    ExpectRefused(m_folder.Path() / "none.toml", "there is no such file");
-    ExpectRefused(m_folder.Path() / "none" / "head.toml", "there is no such file");
+    ExpectRefused(m_folder.Path() / "none.toml", "no such file");
+    ExpectRefused(m_folder.Path() / "none" / "head.toml", "no such file");
     ExpectRefused(m_folder.Path(), "is a folder, not a file");
-    ExpectRefused("", "there is no such file");
-    ExpectRefused("/dev/zero", "is not an ordinary file");
+    ExpectRefused("", "no such file");
+    ExpectRefused("/dev/zero", "is not a regular file");
     // A file that everybody may open, also an administrator, and whose first byte nobody can read.
     ExpectRefused("/proc/self/mem", "cannot be read");
 }

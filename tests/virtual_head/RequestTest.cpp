@@ -160,7 +160,7 @@ TEST_F(RequestByEnvironmentTest, RefusedHeadFileIsToldOnceAndNoHeadExists) {
             setenv(kVariable, "/none/head.toml", 1);
             Leave(!RequestedVirtualHead() && !RequestedVirtualHead());
         },
-        ExitedWithCode(0), "^KORVEX_VIRTUAL_HEAD: /none/head.toml: there is no such file\nleft\n$");
+        ExitedWithCode(0), "^KORVEX_VIRTUAL_HEAD: /none/head.toml: no such file\nleft\n$");
 }
 
 TEST_F(RequestByEnvironmentTest, RequestMadeBeforeGoesFirst) {

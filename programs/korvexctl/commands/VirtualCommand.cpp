@@ -8,7 +8,7 @@
 #include "korvexctl/commands/Commands.h"
 #include "korvexctl/files/AtomicFile.h"
 #include "korvexctl/files/Place.h"
-#include "korvexctl/head/HeadFileText.h"
+#include "virtual_head/Request.h"
 
 namespace Korvex3Sync::korvexctl {
 
@@ -25,7 +25,7 @@ struct NewHeadFile {
 
 Outcome PrintNew(Output& output) {
     Outcome outcome;
-    std::string text = HeadFileText();
+    std::string text = virtual_head::HeadFileText();
     outcome.figures["text"] = text;
     // The line adds its own end.
     text.pop_back();
@@ -46,7 +46,8 @@ Outcome RunNew(const NewHeadFile& asked, Output& output) {
                                                   "- is standard output"
                                                 : " is there already; --force replaces it"));
     }
-    WriteFile(asked.file, HeadFileText(), asked.force ? Existing::Replaced : Existing::Kept);
+    WriteFile(asked.file, virtual_head::HeadFileText(),
+              asked.force ? Existing::Replaced : Existing::Kept);
     Outcome outcome;
     outcome.figures["file"] = asked.file;
     // Nothing can be read from a stream again, and it may be standard output itself.

@@ -11,17 +11,17 @@ std::variant<std::string, const char*> ReadFileBytes(const std::filesystem::path
     std::error_code error;
     const std::filesystem::file_status status = std::filesystem::status(file, error);
     if (!std::filesystem::exists(status)) {
-        return error && status.type() == std::filesystem::file_type::none ? "cannot be looked at"
-                                                                          : "there is no such file";
+        return error && status.type() == std::filesystem::file_type::none ? "cannot be examined"
+                                                                          : "no such file";
     }
     if (std::filesystem::is_directory(status)) {
         return "is a folder, not a file";
     }
     if (!std::filesystem::is_regular_file(status)) {
-        return "is not an ordinary file";
+        return "is not a regular file";
     }
     if (std::filesystem::file_size(file, error) > most || error) {
-        return error ? "cannot be looked at" : "is too large";
+        return error ? "cannot be examined" : "is too large";
     }
     std::ifstream stream(file, std::ios::binary);
     // The stream buffer reports a failed read of the system by an exception only.

@@ -56,7 +56,7 @@ Wrong CheckKeys(const toml::table& values) {
 Wrong ReadKind(const toml::table& values, FaultKind& kind) {
     const toml::node* const what = values.get("what");
     if (what == nullptr) {
-        return WrongAt(values.source(), "what is needed");
+        return WrongAt(values.source(), "missing key \"what\"");
     }
     const auto name = what->value_exact<std::string>();
     if (!name) {
@@ -99,7 +99,7 @@ Wrong ReadParameter(const toml::key& key, const toml::node& value, FaultOrder& o
         }
         if (!Takes(order.kind, rule.parameter)) {
             return WrongAt(key.source(),
-                           std::string(rule.key) + ": " + Name(order.kind) + " has no use for it");
+                           std::string(rule.key) + ": " + Name(order.kind) + " does not take it");
         }
         std::int64_t number = 0;
         if (auto wrong = ReadNumber(key, value, rule.lowest, rule.highest, number)) {
@@ -166,7 +166,7 @@ Wrong ReadFault(const toml::table& values, TimedFault& fault) {
     }
     for (const FaultNumber& rule : FaultNumbers()) {
         if (Needs(fault.order.kind, rule.parameter) && !values.contains(rule.key)) {
-            return WrongAt(values.source(), std::string(rule.key) + " is needed");
+            return WrongAt(values.source(), "missing key \"" + std::string(rule.key) + "\"");
         }
     }
     if (auto wrong = Check(fault)) {

@@ -12,7 +12,7 @@
 namespace Korvex3Sync::virtual_head {
 
 /// What a virtual head is. Every member has the built-in default that applies when a head file
-/// does not name it. The limits stand in HeadRules.h.
+/// does not name it. The limits are in HeadRules.cpp.
 struct HeadDescription {
     /// Begins with the maker "KV", as the serial does; discovery asks for the type.
     std::string cameraType = "KV00";

@@ -12,7 +12,7 @@
 #include "virtual_head/base/FileBytes.h"
 #include "virtual_head/config/FaultKeys.h"
 #include "virtual_head/config/HeadRules.h"
-#include "virtual_head/config/SceneKeys.h"
+#include "virtual_head/config/KeyReader.h"
 #include "virtual_head/config/UserMemoryKeys.h"
 
 namespace Korvex3Sync::virtual_head {
@@ -79,7 +79,7 @@ private:
 
     void Find(const std::optional<BrokenRule>& broken) {
         if (broken) {
-            const auto line = m_lines.find({broken->where.table, broken->where.key});
+            const auto line = m_lines.find({broken->table, broken->key});
             Find(line == m_lines.end() ? 1 : line->second, broken->message);
         }
     }
@@ -100,81 +100,28 @@ private:
         for (const auto& [key, value] : values) {
             const std::pair<std::string, std::string> where{table, key.str()};
             m_lines[where] = LineOf(key);
-            if (!ReadNumber(where, value) && !ReadText(where, value) && !ReadOther(where, value)) {
+            if (!ReadKey(where, value)) {
                 Find(LineOf(key), "unknown key \"" + where.second + "\" in [" + where.first + "]");
             }
         }
     }
 
-    /// False when no number has this key.
-    bool ReadNumber(const std::pair<std::string, std::string>& where, const toml::node& value) {
-        for (const NumberRule& rule : NumberRules()) {
-            if (where.first == rule.where.table && where.second == rule.where.key) {
-                if (const auto* number = value.as_integer()) {
-                    Find(Check(rule, number->get()));
-                    m_description.*rule.member = static_cast<int>(number->get());
-                } else {
-                    FindWrongType(where, "a whole number");
-                }
-                return true;
-            }
-        }
-        return false;
-    }
-
-    bool ReadText(const std::pair<std::string, std::string>& where, const toml::node& value) {
-        for (const TextRule& rule : TextRules()) {
-            if (where.first == rule.where.table && where.second == rule.where.key) {
-                if (const auto* text = value.as_string()) {
-                    Find(Check(rule, text->get()));
-                    m_description.*rule.member = text->get();
-                } else {
-                    FindWrongType(where, "a text");
-                }
-                return true;
-            }
-        }
-        return false;
-    }
-
-    bool ReadOther(const std::pair<std::string, std::string>& where, const toml::node& value) {
-        if (where == std::pair<std::string, std::string>{"camera", "color"}) {
-            if (const auto* color = value.as_boolean()) {
-                m_description.color = color->get();
-            } else {
-                FindWrongType(where, "true or false");
-            }
-            return true;
-        }
-        if (where == std::pair<std::string, std::string>{kReplay, kReplayFolder}) {
-            const auto* folder = value.as_string();
-            if (folder != nullptr && !folder->get().empty()) {
-                m_description.replayFolder = m_folder / folder->get();
-            } else {
-                FindWrongType(where, "a text that is not empty");
-            }
-            return true;
-        }
+    /// False when the table has no such key.
+    bool ReadKey(const std::pair<std::string, std::string>& where, const toml::node& value) {
         if (where == std::pair<std::string, std::string>{"board", "user_memory"}) {
             if (auto wrong = ReadUserMemory(value, m_description.userMemory)) {
                 Find(wrong->line, std::move(wrong->what));
             }
             return true;
         }
-        return where.first == "scene" && ReadScene(where, value);
-    }
-
-    bool ReadScene(const std::pair<std::string, std::string>& where, const toml::node& value) {
-        SceneKeyRead read = ReadSceneKey(where.second, value, m_description.scene);
-        if (read.wrong) {
-            Find(m_lines[where], std::move(*read.wrong));
+        const KeyRule* const rule = FindKey(where.first, where.second);
+        if (rule == nullptr) {
+            return false;
         }
-        return read.known;
-    }
-
-    void FindWrongType(const std::pair<std::string, std::string>& where, const char* expected) {
-        Find(m_lines[where],
-             "[" + where.first + "] " + where.second + ": " + expected + " is expected");
+        if (const auto wrong = ReadValue(*rule, value, m_folder, m_description)) {
+            Find(m_lines[where], KeyText(*rule) + ": " + *wrong);
+        }
+        return true;
     }
 
     const std::filesystem::path m_folder;

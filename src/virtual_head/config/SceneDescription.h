@@ -6,7 +6,7 @@ namespace Korvex3Sync::virtual_head {
 
 /// The scene that the virtual head sees, and where its sensors and lights stand. Lengths are in
 /// millimetres, angles in degrees; coordinates are explained in docs/virtual-head.md (x to the
-/// right, y down, z away from the head). The limits stand in SceneRules.cpp.
+/// right, y down, z away from the head). The limits are in HeadRules.cpp.
 struct SceneDescription {
     /// In pixels of an image of 1280 x 1024; other sizes see the same field.
     double focalLength = 1500;

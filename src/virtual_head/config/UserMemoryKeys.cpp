@@ -4,11 +4,10 @@
 #include <set>
 #include <vector>
 
+#include "platform/board/protocol/Commands.h"
+
 namespace Korvex3Sync::virtual_head {
 namespace {
-
-constexpr std::size_t kPageSize = 256;
-constexpr std::int64_t kPages = 16;
 
 WrongPage Wrong(const toml::node& node, const std::string& what) {
     return {static_cast<int>(node.source().begin.line), "[[board.user_memory]] " + what};
@@ -37,8 +36,9 @@ struct Page {
 std::optional<WrongPage> ReadValue(const toml::key& key, const toml::node& value, Page& page) {
     if (key == "page") {
         page.number = value.value_exact<std::int64_t>();
-        if (!page.number || *page.number < 0 || *page.number >= kPages) {
-            return Wrong(value, "page: a number from 0 to 15 is expected");
+        if (!page.number || *page.number < 0 || *page.number >= board::kUserPages) {
+            return Wrong(value, "page: a number from 0 to " +
+                                    std::to_string(board::kUserPages - 1) + " is expected");
         }
         return std::nullopt;
     }
@@ -82,16 +82,17 @@ std::optional<WrongPage> ReadUserMemory(const toml::node& pages,
             }
         }
         if (!page.number || !page.content) {
-            return Wrong(entry, "page, and text or bytes, are needed");
+            return Wrong(entry, "missing key: page, and text or bytes, have to be given");
         }
         if (!seen.insert(*page.number).second) {
-            return Wrong(entry, "page " + std::to_string(*page.number) + " stands twice");
+            return Wrong(entry, "page " + std::to_string(*page.number) + " is given twice");
         }
-        if (page.content->size() > kPageSize) {
-            return Wrong(entry, "the content has more than 256 bytes");
+        if (page.content->size() > std::size_t{board::kUserPageSize}) {
+            return Wrong(entry, "the content has more than " +
+                                    std::to_string(board::kUserPageSize) + " bytes");
         }
         std::copy(page.content->begin(), page.content->end(),
-                  memory.begin() + *page.number * static_cast<std::int64_t>(kPageSize));
+                  memory.begin() + *page.number * board::kUserPageSize);
     }
     return std::nullopt;
 }

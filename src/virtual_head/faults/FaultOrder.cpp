@@ -66,18 +66,52 @@ constexpr bool InOrder() {
 static_assert(InOrder() && static_cast<std::size_t>(FaultKind::SkipKeys) + 1 == kTraits.size());
 
 constexpr std::array kNumbers{
-    FaultNumber{Parameter::Times, "times", 1, 1'000'000},
-    FaultNumber{Parameter::Extra, "extra_ms", 1, 600'000},
-    FaultNumber{Parameter::Lasting, "for_ms", 1, kLatestFaultMs},
-    FaultNumber{Parameter::Opens, "opens", 1, 1'000},
-    FaultNumber{Parameter::ByTriggers, "by_triggers", 1, 10'000},
+    FaultNumber{Parameter::Times, "times", 1, 1'000'000, "how often it happens"},
+    FaultNumber{Parameter::Extra, "extra_ms", 1, 600'000,
+                "how much longer each takes, in milliseconds"},
+    FaultNumber{Parameter::Lasting, "for_ms", 1, kLatestFaultMs,
+                "it ends by itself after this time, in milliseconds"},
+    FaultNumber{Parameter::Opens, "opens", 1, 1'000, "how many more opens stay without an answer"},
+    FaultNumber{Parameter::ByTriggers, "by_triggers", 1, 10'000,
+                "how many triggers later the frames come"},
 };
 
 const Traits& TraitsOf(FaultKind kind) {
     return kTraits.at(static_cast<std::size_t>(kind));
 }
 
-std::int64_t Value(const FaultOrder& order, Parameter parameter) {
+std::string OutOfRange(const char* key, std::int64_t value, std::int64_t lowest,
+                       std::int64_t highest) {
+    return std::string(key) + ": " + std::to_string(value) + " is out of range, " +
+           std::to_string(lowest) + " to " + std::to_string(highest);
+}
+
+std::optional<std::string> CheckNumber(const FaultOrder& order, const FaultNumber& number) {
+    const std::int64_t value = ValueOf(order, number.parameter);
+    if (value == ValueOf(FaultOrder{}, number.parameter) && !Needs(order.kind, number.parameter)) {
+        return std::nullopt;
+    }
+    if (!Takes(order.kind, number.parameter)) {
+        return std::string(number.key) + ": " + Name(order.kind) + " does not take it";
+    }
+    if (value < number.lowest || value > number.highest) {
+        return OutOfRange(number.key, value, number.lowest, number.highest);
+    }
+    return std::nullopt;
+}
+
+// Without its board a head gives no triggers, so that the return would never begin.
+bool ComesBackToTriggers(FaultKind kind) {
+    return kind != FaultKind::BoardReturn;
+}
+
+}  // namespace
+
+std::span<const FaultNumber> FaultNumbers() {
+    return kNumbers;
+}
+
+std::int64_t ValueOf(const FaultOrder& order, Parameter parameter) {
     switch (parameter) {
         case Parameter::Times:
             return order.times;
@@ -95,35 +129,12 @@ std::int64_t Value(const FaultOrder& order, Parameter parameter) {
     return 0;
 }
 
-std::string OutOfRange(const char* key, std::int64_t value, std::int64_t lowest,
-                       std::int64_t highest) {
-    return std::string(key) + ": " + std::to_string(value) + " is out of range, " +
-           std::to_string(lowest) + " to " + std::to_string(highest);
-}
-
-std::optional<std::string> CheckNumber(const FaultOrder& order, const FaultNumber& number) {
-    const std::int64_t value = Value(order, number.parameter);
-    if (value == Value(FaultOrder{}, number.parameter) && !Needs(order.kind, number.parameter)) {
-        return std::nullopt;
+std::vector<FaultKind> FaultKinds() {
+    std::vector<FaultKind> kinds;
+    for (const Traits& traits : kTraits) {
+        kinds.push_back(traits.kind);
     }
-    if (!Takes(order.kind, number.parameter)) {
-        return std::string(number.key) + ": " + Name(order.kind) + " has no use for it";
-    }
-    if (value < number.lowest || value > number.highest) {
-        return OutOfRange(number.key, value, number.lowest, number.highest);
-    }
-    return std::nullopt;
-}
-
-// Without its board a head gives no triggers, so that the return would never begin.
-bool ComesBackToTriggers(FaultKind kind) {
-    return kind != FaultKind::BoardReturn;
-}
-
-}  // namespace
-
-std::span<const FaultNumber> FaultNumbers() {
-    return kNumbers;
+    return kinds;
 }
 
 const char* Name(FaultKind kind) {
@@ -149,10 +160,10 @@ std::optional<std::string> CheckCall(const FaultOrder& order) {
     if (!Takes(order.kind, Parameter::Call)) {
         return order.call.empty()
                    ? std::nullopt
-                   : std::optional("call: " + std::string(Name(order.kind)) + " has no use for it");
+                   : std::optional("call: " + std::string(Name(order.kind)) + " does not take it");
     }
     if (order.call.empty()) {
-        return "call is needed";
+        return "missing key \"call\"";
     }
     if (!CallFaults::Known(order.call)) {
         return "call: no platform function is called \"" + order.call + "\"";
@@ -180,7 +191,7 @@ std::optional<std::string> Check(const TimedFault& fault) {
         return "at_trigger and at_ms exclude each other";
     }
     if (!fault.atTrigger && !fault.at && !fault.chance) {
-        return "at_trigger, at_ms or chance is needed";
+        return "missing key: at_trigger, at_ms or chance has to be given";
     }
     if (fault.atTrigger && *fault.atTrigger > std::uint64_t{kLatestFaultTrigger}) {
         return OutOfRange("at_trigger", static_cast<std::int64_t>(*fault.atTrigger), 0,
@@ -205,7 +216,7 @@ std::string Text(const FaultOrder& order) {
         text += " " + order.call;
     }
     for (const FaultNumber& number : kNumbers) {
-        const std::int64_t value = Value(order, number.parameter);
+        const std::int64_t value = ValueOf(order, number.parameter);
         if (Takes(order.kind, number.parameter) && value != 0) {
             text += ", " + std::string(number.key) + " " + std::to_string(value);
         }

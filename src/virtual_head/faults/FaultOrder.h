@@ -6,6 +6,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "virtual_head/base/Export.h"
 
@@ -84,13 +85,18 @@ struct FaultNumber {
     const char* key;
     std::int64_t lowest;
     std::int64_t highest;
+    const char* meaning;  // a phrase without a full stop
 };
-std::span<const FaultNumber> FaultNumbers();
+KORVEX_VIRTUAL_HEAD_API std::span<const FaultNumber> FaultNumbers();
+/// The number that the order holds for a parameter; 0 for the call.
+std::int64_t ValueOf(const FaultOrder& order, FaultParameter parameter);
 
 /// The latest time and trigger at which a fault can begin.
 inline constexpr std::int64_t kLatestFaultMs = 86'400'000;
 inline constexpr std::int64_t kLatestFaultTrigger = 1'000'000'000;
 
+/// Every kind.
+std::vector<FaultKind> FaultKinds();
 /// The name of a kind: "lose-mono".
 KORVEX_VIRTUAL_HEAD_API const char* Name(FaultKind kind);
 KORVEX_VIRTUAL_HEAD_API std::optional<FaultKind> FaultKindNamed(std::string_view name);
