@@ -75,7 +75,7 @@ TEST_F(ReconnectedHead, WritesEverySettingBackInOrder) {
 
 TEST_F(ReconnectedHead, ExposureAndGainAreThereAgain) {
     ASSERT_EQ(SetCameraExposureAndGain(m_handle, 1, 8.5, 3), STATUS_SUCCESS);
-    ASSERT_TRUE(Head().Sensors().ApplyWord(0x0401 + 0x0100));  // the sensor forgot: other values
+    ASSERT_TRUE(Head().Sensors().SelectAndSet(1, 100, 1));  // the sensor forgot: other values
     EXPECT_EQ(ReconnectDevice(m_handle), STATUS_SUCCESS);
     double exposure = 0.0;
     int gain = 0;

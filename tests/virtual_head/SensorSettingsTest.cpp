@@ -9,60 +9,54 @@ namespace {
 
 using namespace virtual_head;
 
-TEST(SensorSettings, WordCarriesOrderGainAndExposure) {
+TEST(SensorSettings, OrderExposureAndGainAreSetAtOnce) {
     SensorSettings sensors{HeadDescription{}};
-    EXPECT_TRUE(sensors.ApplyWord(0x0D55));
+    EXPECT_TRUE(sensors.SelectAndSet(1, 8500, 3));
     EXPECT_EQ(sensors.SelectedOrder(), 1);
     EXPECT_EQ(sensors.Gain(), 3);
     EXPECT_EQ(sensors.Exposure(), 8500);
 }
 
-TEST(SensorSettings, LowByteOfZeroOnlySelects) {
+TEST(SensorSettings, SelectingAnOrderKeepsItsValues) {
     SensorSettings sensors{HeadDescription{}};
-    ASSERT_TRUE(sensors.ApplyWord(0x0D55));
-    EXPECT_TRUE(sensors.ApplyWord(0xFE00));
+    ASSERT_TRUE(sensors.SelectAndSet(1, 8500, 3));
+    EXPECT_TRUE(sensors.SelectOrder(2));
     EXPECT_EQ(sensors.SelectedOrder(), 2);
-    EXPECT_TRUE(sensors.ApplyWord(0x0100));
+    EXPECT_TRUE(sensors.SelectOrder(1));
     EXPECT_EQ(sensors.SelectedOrder(), 1);
     EXPECT_EQ(sensors.Gain(), 3);
     EXPECT_EQ(sensors.Exposure(), 8500);
-}
-
-TEST(SensorSettings, ZeroToThreeSelectTheOrderItself) {
-    SensorSettings sensors{HeadDescription{}};
-    for (int order = 0; order < 4; ++order) {
-        EXPECT_TRUE(sensors.ApplyWord(order));
-        EXPECT_EQ(sensors.SelectedOrder(), order);
-    }
-    EXPECT_TRUE(sensors.ApplyWord(4));
-    EXPECT_EQ(sensors.SelectedOrder(), 0) << "4 is an exposure of 0.4 ms for order 0";
-    EXPECT_EQ(sensors.Exposure(), 400);
 }
 
 TEST(SensorSettings, EachOrderHasItsOwnExposureAndGain) {
     SensorSettings sensors{HeadDescription{}};
     for (int order = 0; order < 4; ++order) {
-        ASSERT_TRUE(sensors.ApplyWord(order));
+        ASSERT_TRUE(sensors.SelectOrder(order));
         ASSERT_TRUE(sensors.SetExposure(1000 + order));
         ASSERT_TRUE(sensors.SetGain(order));
     }
     for (int order = 0; order < 4; ++order) {
-        ASSERT_TRUE(sensors.ApplyWord(order));
+        ASSERT_TRUE(sensors.SelectOrder(order));
         EXPECT_EQ(sensors.Exposure(), 1000 + order);
         EXPECT_EQ(sensors.Gain(), order);
     }
 }
 
-TEST(SensorSettings, WordThatIsNoneChangesNothing) {
+TEST(SensorSettings, ValuesOutOfRangeChangeNothing) {
     SensorSettings sensors{HeadDescription{}};
-    ASSERT_TRUE(sensors.ApplyWord(2));
+    ASSERT_TRUE(sensors.SelectOrder(2));
     const long exposure = sensors.Exposure();
-    for (const int word : {-1, 0x10000, INT_MIN, INT_MAX}) {
-        EXPECT_FALSE(sensors.ApplyWord(word)) << word;
+    const int gain = sensors.Gain();
+    for (const int order : {-1, 4, INT_MIN, INT_MAX}) {
+        EXPECT_FALSE(sensors.SelectOrder(order)) << order;
+        EXPECT_FALSE(sensors.SelectAndSet(order, 5000, 1)) << order;
     }
-    EXPECT_FALSE(sensors.ApplyWord(17 << 10 | 1 << 8 | 50)) << "a gain of 17, above 16";
+    EXPECT_FALSE(sensors.SelectAndSet(1, 5000, 17)) << "a gain of 17, above 16";
+    EXPECT_FALSE(sensors.SelectAndSet(1, 0, 1));
+    EXPECT_FALSE(sensors.SelectAndSet(1, 1000001, 1));
     EXPECT_EQ(sensors.SelectedOrder(), 2);
     EXPECT_EQ(sensors.Exposure(), exposure);
+    EXPECT_EQ(sensors.Gain(), gain);
 }
 
 TEST(SensorSettings, ExposureAndGainHaveLimits) {

@@ -2,20 +2,20 @@
 
 namespace Korvex3Sync::cameras {
 
-int AbsentCamera::Release() {
+bool AbsentCamera::Release() {
     m_released.Set();
-    return kOk;
+    return true;
 }
 
-int AbsentCamera::DeviceTotal(int& total) {
+bool AbsentCamera::CountDevices(int& total) {
     total = 0;
-    return kOk;
+    return true;
 }
 
-int AbsentCamera::Snap(unsigned char*& image) {
+bool AbsentCamera::Snap(Deadline deadline, unsigned char*& image) {
     image = nullptr;
-    m_released.Wait(kSnapLimit);
-    return kFailed;
+    m_released.WaitUntil(deadline);
+    return false;
 }
 
 }  // namespace Korvex3Sync::cameras

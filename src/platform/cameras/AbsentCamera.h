@@ -8,23 +8,24 @@ namespace Korvex3Sync::cameras {
 /// The instance of a maker whose driver finds nothing: it counts no device and opens none.
 class AbsentCamera : public Camera {
 public:
-    int Release() override;
-    int DeviceTotal(int& total) override;
-    int OpenIndex(int, int, int) override { return kFailed; }
-    int OpenSerial(std::string_view, int, int) override { return kFailed; }
-    int Close() override { return kOk; }
-    int Start(double) override { return kFailed; }
-    int Snap(unsigned char*& image) override;
-    int Serial(std::string&) override { return kFailed; }
-    int Resolution(int&, int&) override { return kFailed; }
-    int ColorMode(int&) override { return kFailed; }
-    int GainRange(int&, int&) override { return kFailed; }
-    int SetExposure(long) override { return kFailed; }
-    int Exposure(long&) override { return kFailed; }
-    int SetGain(int) override { return kFailed; }
-    int Gain(int&) override { return kFailed; }
-    bool SetIntParameter(int, int) override { return false; }
-    bool DeviceType(int&) override { return false; }
+    bool Release() override;
+    bool CountDevices(int& total) override;
+    bool OpenIndex(int, int, int) override { return false; }
+    bool OpenSerial(std::string_view, int, int) override { return false; }
+    bool Close() override { return true; }
+    bool Start() override { return false; }
+    bool Snap(Deadline deadline, unsigned char*& image) override;
+    bool Serial(std::string&) override { return false; }
+    bool Resolution(int&, int&) override { return false; }
+    bool HasColor(bool&) override { return false; }
+    bool GainRange(int&, int&) override { return false; }
+    bool SelectOrder(int) override { return false; }
+    bool SetExposure(long) override { return false; }
+    bool Exposure(long&) override { return false; }
+    bool SetGain(int) override { return false; }
+    bool Gain(int&) override { return false; }
+    bool SelectAndSet(int, long, int) override { return false; }
+    bool IsPresent() override { return false; }
     bool ResetState() override { return false; }
     bool UnlockOthers() override { return false; }
 

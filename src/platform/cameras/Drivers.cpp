@@ -2,52 +2,48 @@
 
 #include <glog/logging.h>
 
-#include <mutex>
-#include <string>
-
-#include "platform/cameras/AbsentCamera.h"
-#include "platform/cameras/VirtualCamera.h"
-#include "virtual_head/Request.h"
-#include "virtual_head/VirtualHead.h"
+#include <algorithm>
+#include <atomic>
+#include <vector>
 
 namespace Korvex3Sync::cameras {
 namespace {
 
-constexpr std::string_view kVirtualHead = "KV";
-constexpr std::string_view kGenICam = "GC";  // known, without a driver in this build
-constexpr std::size_t kLongestArgument = 80;
+constexpr std::size_t kPrefixLength = 2;
 
-void SayThatNothingIsThere() {
-    static std::once_flag once;
-    std::call_once(once, [] {
-        LOG(WARNING) << "zr3DCamera: no camera driver of this build finds a device. For the "
-                        "simulated head set KORVEX_VIRTUAL_HEAD to \"default\" or to a head file.";
-    });
+/// Changes only while the library is loaded.
+std::vector<Driver>& Table() {
+    static std::vector<Driver> table;
+    return table;
 }
 
-std::shared_ptr<Camera> MakeVirtualCamera(std::string_view typeOrSerial) {
-    const auto head = virtual_head::RequestedVirtualHead();
-    if (!head) {
-        return std::make_shared<AbsentCamera>();
+void SayThatNothingIsThere() {
+    static std::atomic_flag said;
+    if (!said.test_and_set()) {
+        LOG(WARNING) << "zr3DCamera: no camera driver of this build finds a device. For the "
+                        "simulated head set KORVEX_VIRTUAL_HEAD to \"default\" or to a head file.";
     }
-    const bool fails = head->GetFaults().Meet("CreateCamera");
-    head->GetJournal().Add("CreateCamera", std::string(typeOrSerial.substr(0, kLongestArgument)),
-                           std::to_string(fails ? kFailed : kOk));
-    return fails ? nullptr : std::make_shared<VirtualCamera>(head, std::string(typeOrSerial));
 }
 
 }  // namespace
 
+DriverRegistration::DriverRegistration(const Driver& driver) {
+    Table().push_back(driver);
+}
+
 std::shared_ptr<Camera> MakeCamera(std::string_view typeOrSerial) {
-    const std::string_view maker = typeOrSerial.substr(0, 2);
-    if (maker != kVirtualHead && maker != kGenICam) {
+    const std::vector<Driver>& table = Table();
+    const auto driver = std::find_if(table.begin(), table.end(),
+                                     [prefix = typeOrSerial.substr(0, kPrefixLength)](
+                                         const Driver& each) { return each.prefix == prefix; });
+    if (driver == table.end()) {
         return nullptr;
     }
-    if (!virtual_head::RequestedVirtualHead()) {
+    if (std::none_of(table.begin(), table.end(),
+                     [](const Driver& each) { return each.canFindCameras(); })) {
         SayThatNothingIsThere();
     }
-    return maker == kVirtualHead ? MakeVirtualCamera(typeOrSerial)
-                                 : std::make_shared<AbsentCamera>();
+    return driver->make(typeOrSerial);
 }
 
 }  // namespace Korvex3Sync::cameras

@@ -3,15 +3,14 @@
 #include <algorithm>
 #include <utility>
 
-#include "platform/cameras/VirtualCameraCall.h"
 #include "virtual_head/Request.h"
+#include "virtual_head/VirtualHead.h"
 #include "virtual_head/images/ImageSource.h"
 
 namespace Korvex3Sync::cameras {
 namespace {
 
 constexpr int kSensors = 2;
-constexpr std::size_t kLongestArgument = 80;
 
 }  // namespace
 
@@ -22,26 +21,49 @@ VirtualCamera::~VirtualCamera() {
     EndStream();
 }
 
+bool VirtualCamera::Run(const LibraryCall& call, const std::function<bool()>& work) {
+    const std::shared_ptr<Head> head = PresentHead();
+    if (!head) {
+        return work();
+    }
+    const bool done = !head->GetFaults().Meet(call.name) && work();
+    head->GetJournal().Add(call.name, call.arguments, done ? call.succeeded : call.failed);
+    return done;
+}
+
 std::shared_ptr<virtual_head::VirtualHead> VirtualCamera::PresentHead() const {
     std::shared_ptr<Head> head = m_head.lock();
     return head == virtual_head::RequestedVirtualHead() ? head : nullptr;
 }
 
 std::shared_ptr<VirtualCamera::Stream> VirtualCamera::OpenStream() const {
-    std::lock_guard lock(m_mutex);
+    os::MutexGuard lock(m_mutex);
     return m_stream;
 }
 
-bool VirtualCamera::Reaches(Head& head, const char* call) const {
+std::optional<VirtualCamera::Reached> VirtualCamera::Reach(const char* call) const {
+    Reached reached{PresentHead(), OpenStream()};
+    if (!reached.head || !reached.stream ||
+        !reached.head->GetFaults().ReachCamera(reached.stream->plug, call)) {
+        return std::nullopt;
+    }
+    return reached;
+}
+
+bool VirtualCamera::ReachAny(const char* call) const {
+    const std::shared_ptr<Head> head = PresentHead();
+    if (!head) {
+        return false;
+    }
     const std::shared_ptr<Stream> stream = OpenStream();
-    virtual_head::Faults& faults = head.GetFaults();
+    virtual_head::Faults& faults = head->GetFaults();
     return stream ? faults.ReachCamera(stream->plug, call) : faults.ReachCamera(call);
 }
 
 void VirtualCamera::EndStream() {
     std::shared_ptr<Stream> stream;
     {
-        std::lock_guard lock(m_mutex);
+        os::MutexGuard lock(m_mutex);
         stream = std::exchange(m_stream, nullptr);
         if (!stream) {
             return;
@@ -53,50 +75,48 @@ void VirtualCamera::EndStream() {
     stream->queue->Close();
 }
 
-int VirtualCamera::Release() {
-    if (Call(
-            "ReleaseCamera", "", kFailed, [](Head&) { return kOk; }, kOk) != kOk) {
-        return kFailed;
-    }
+bool VirtualCamera::Release() {
     {
-        std::lock_guard lock(m_mutex);
+        os::MutexGuard lock(m_mutex);
         m_gone = true;
     }
     EndStream();
     m_released.Set();
-    return kOk;
+    return true;
 }
 
-int VirtualCamera::DeviceTotal(int& total) {
-    return Call("GetDeviceTotal", "", kFailed, [&](Head& head) {
-        const auto& description = head.Description();
-        const bool meant = description.cameraType.starts_with(m_typeOrSerial) ||
-                           description.cameraSerial == m_typeOrSerial;
-        total = meant && head.GetFaults().ReachCamera("GetDeviceTotal") ? kSensors : 0;
-        return kOk;
-    });
+bool VirtualCamera::CountDevices(int& total) {
+    const std::shared_ptr<Head> head = PresentHead();
+    if (!head) {
+        return false;
+    }
+    const auto& description = head->Description();
+    const bool meant = description.cameraType.starts_with(m_typeOrSerial) ||
+                       description.cameraSerial == m_typeOrSerial;
+    total = meant && head->GetFaults().ReachCamera("GetDeviceTotal") ? kSensors : 0;
+    return true;
 }
 
-int VirtualCamera::OpenIndex(int index, int width, int height) {
-    return Call("OpenCamera", Arguments(index, width, height), kFailed, [&](Head& head) {
-        return Open(head, index >= 0 && index < kSensors, width, height);
-    });
+bool VirtualCamera::OpenIndex(int index, int width, int height) {
+    return Open(index >= 0 && index < kSensors, width, height);
 }
 
-int VirtualCamera::OpenSerial(std::string_view serial, int width, int height) {
-    return Call("OpenCamera", Arguments(serial.substr(0, kLongestArgument), width, height), kFailed,
-                [&](Head& head) {
-                    return Open(head, serial == head.Description().cameraSerial, width, height);
-                });
+bool VirtualCamera::OpenSerial(std::string_view serial, int width, int height) {
+    const std::shared_ptr<Head> head = PresentHead();
+    return Open(head && serial == head->Description().cameraSerial, width, height);
 }
 
-int VirtualCamera::Open(Head& head, bool found, int width, int height) {
-    const virtual_head::HeadDescription& description = head.Description();
+bool VirtualCamera::Open(bool found, int width, int height) {
+    const std::shared_ptr<Head> head = PresentHead();
+    if (!head) {
+        return false;
+    }
+    const virtual_head::HeadDescription& description = head->Description();
     const bool native =
         (width == 0 && height == 0) || (width == description.width && height == description.height);
-    const std::uint64_t plug = head.GetFaults().Camera().Plug();
-    if (!head.GetFaults().ReachCamera(plug, "OpenCamera") || !found || !native) {
-        return kFailed;
+    const std::uint64_t plug = head->GetFaults().Camera().Plug();
+    if (!head->GetFaults().ReachCamera(plug, "OpenCamera") || !found || !native) {
+        return false;
     }
     auto stream = std::make_shared<Stream>();
     stream->plug = plug;
@@ -104,66 +124,54 @@ int VirtualCamera::Open(Head& head, bool found, int width, int height) {
         static_cast<std::size_t>(description.cameraBuffers));
     stream->buffer.resize(std::size_t{2} * static_cast<std::size_t>(description.width) *
                           static_cast<std::size_t>(description.height));
-    std::lock_guard lock(m_mutex);
+    os::MutexGuard lock(m_mutex);
     if (m_gone || m_stream) {
-        return kFailed;
+        return false;
     }
     m_stream = std::move(stream);
-    return kOk;
+    return true;
 }
 
-int VirtualCamera::Close() {
-    if (Call(
-            "CloseCamera", "", kFailed, [](Head&) { return kOk; }, kOk) != kOk) {
-        return kFailed;
-    }
+bool VirtualCamera::Close() {
     EndStream();
-    return kOk;
+    return true;
 }
 
-int VirtualCamera::Start(double value) {
-    return Call("StartCamera", Arguments(value), kFailed, [this](Head& head) {
-        if (!OpenStream() || !head.Images().Prepare()) {
-            return kFailed;
-        }
-        std::lock_guard lock(m_mutex);
-        if (!m_stream) {
-            return kFailed;
-        }
-        head.Clock().Attach(m_stream->queue);
-        // Looked at behind the attaching: the unplugging itself detaches what was attached before.
-        if (!head.GetFaults().ReachCamera(m_stream->plug, "StartCamera")) {
-            head.Clock().Detach(m_stream->queue);
-            return kFailed;
-        }
-        head.GetFaults().Frames().CameraStarted();
-        return kOk;
-    });
+bool VirtualCamera::Start() {
+    const std::shared_ptr<Head> head = PresentHead();
+    if (!head || !OpenStream() || !head->Images().Prepare()) {
+        return false;
+    }
+    os::MutexGuard lock(m_mutex);
+    if (!m_stream) {
+        return false;
+    }
+    head->Clock().Attach(m_stream->queue);
+    // Checked after the attaching: unplugging detaches only what was attached before.
+    if (!head->GetFaults().ReachCamera(m_stream->plug, "StartCamera")) {
+        head->Clock().Detach(m_stream->queue);
+        return false;
+    }
+    head->GetFaults().Frames().CameraStarted();
+    return true;
 }
 
-int VirtualCamera::Snap(unsigned char*& image) {
+bool VirtualCamera::Snap(Deadline deadline, unsigned char*& image) {
     image = nullptr;
-    if (!PresentHead()) {
-        m_released.Wait(kSnapLimit);
-        return kFailed;
+    const std::optional<Reached> reached = Reach("SnapShot");
+    if (!reached) {
+        m_released.WaitUntil(deadline);
+        return false;
     }
-    return Call("SnapShot", "", kFailed, [&](Head& head) { return Fetch(head, image); });
-}
-
-int VirtualCamera::Fetch(Head& head, unsigned char*& image) {
-    const std::shared_ptr<Stream> stream = OpenStream();
-    if (!stream || !head.GetFaults().ReachCamera(stream->plug, "SnapShot")) {
-        m_released.Wait(kSnapLimit);
-        return kFailed;
-    }
+    const auto& [head, stream] = *reached;
     stream->misSized = false;
-    const std::optional<virtual_head::Exposure> exposure = stream->queue->Pop(kSnapLimit);
+    const std::optional<virtual_head::Exposure> exposure = stream->queue->Pop(deadline);
     if (!exposure) {
-        return kFailed;
+        return false;
     }
     {
-        std::lock_guard writing(stream->writing);
-        head.Images().WritePacked(*exposure, stream->buffer.data());
+        os::MutexGuard writing(stream->writing);
+        head->Images().WritePacked(*exposure, stream->buffer.data());
         if (exposure->torn) {
             const auto half = static_cast<std::ptrdiff_t>(stream->buffer.size() / 2);
             std::fill(stream->buffer.begin() + half, stream->buffer.end(), std::uint8_t{0});
@@ -172,10 +180,10 @@ int VirtualCamera::Fetch(Head& head, unsigned char*& image) {
     }
     // Closed meanwhile: nothing keeps the buffer alive for the caller.
     if (OpenStream() != stream) {
-        return kFailed;
+        return false;
     }
     image = stream->buffer.data();
-    return exposure->torn ? kFailed : kOk;
+    return !exposure->torn;
 }
 
 }  // namespace Korvex3Sync::cameras

@@ -3,13 +3,13 @@
 #include <atomic>
 #include <cstdint>
 #include <memory>
-#include <mutex>
+#include <optional>
 #include <string>
 #include <string_view>
-#include <type_traits>
 #include <vector>
 
 #include "platform/cameras/Camera.h"
+#include "platform/os/CriticalSection.h"
 #include "platform/os/Event.h"
 
 namespace Korvex3Sync::virtual_head {
@@ -32,23 +32,25 @@ public:
     VirtualCamera(const std::shared_ptr<virtual_head::VirtualHead>& head, std::string typeOrSerial);
     ~VirtualCamera() override;
 
-    int Release() override;
-    int DeviceTotal(int& total) override;
-    int OpenIndex(int index, int width, int height) override;
-    int OpenSerial(std::string_view serial, int width, int height) override;
-    int Close() override;
-    int Start(double value) override;
-    int Snap(unsigned char*& image) override;
-    int Serial(std::string& serial) override;
-    int Resolution(int& width, int& height) override;
-    int ColorMode(int& mode) override;
-    int GainRange(int& low, int& high) override;
-    int SetExposure(long microseconds) override;
-    int Exposure(long& microseconds) override;
-    int SetGain(int gain) override;
-    int Gain(int& gain) override;
-    bool SetIntParameter(int parameter, int value) override;
-    bool DeviceType(int& type) override;
+    bool Run(const LibraryCall& call, const std::function<bool()>& work) override;
+    bool Release() override;
+    bool CountDevices(int& total) override;
+    bool OpenIndex(int index, int width, int height) override;
+    bool OpenSerial(std::string_view serial, int width, int height) override;
+    bool Close() override;
+    bool Start() override;
+    bool Snap(Deadline deadline, unsigned char*& image) override;
+    bool Serial(std::string& serial) override;
+    bool Resolution(int& width, int& height) override;
+    bool HasColor(bool& color) override;
+    bool GainRange(int& low, int& high) override;
+    bool SelectOrder(int order) override;
+    bool SetExposure(long microseconds) override;
+    bool Exposure(long& microseconds) override;
+    bool SetGain(int gain) override;
+    bool Gain(int& gain) override;
+    bool SelectAndSet(int order, long exposureMicroseconds, int gain) override;
+    bool IsPresent() override;
     bool ResetState() override;
     bool UnlockOthers() override;
 
@@ -60,32 +62,30 @@ private:
         std::shared_ptr<virtual_head::ExposureQueue> queue;
         std::uint64_t plug = 0;              // of the camera that was opened
         std::atomic<bool> misSized = false;  // the latest frame came with an impossible size
-        std::mutex writing;                  // snaps of several threads share the buffer
+        os::Mutex writing;                   // snaps of several threads share the bytes
         std::vector<unsigned char> buffer;
+    };
+    /// The head and the open camera that a call gets to.
+    struct Reached {
+        std::shared_ptr<Head> head;
+        std::shared_ptr<Stream> stream;
     };
 
     /// The head, while it is the requested one.
     std::shared_ptr<Head> PresentHead() const;
-    template <class Result, class Work>
-    Result Call(const char* name, const std::string& arguments, Result failed, Work work,
-                std::type_identity_t<Result> gone);
-    template <class Result, class Work>
-    Result Call(const char* name, const std::string& arguments, Result failed, Work work);
-    template <class Result, class Work>
-    Result CallOpen(const char* name, const std::string& arguments, Result failed, Work work);
-
     std::shared_ptr<Stream> OpenStream() const;
-    /// Whether a call gets to the camera: to the one that was opened, or to any when none was.
-    bool Reaches(Head& head, const char* call) const;
-    int Open(Head& head, bool found, int width, int height);
-    int Fetch(Head& head, unsigned char*& image);
+    /// Nothing when no camera is open or a fault keeps the call, a platform function's name, away.
+    std::optional<Reached> Reach(const char* call) const;
+    /// The same for a call that needs no open camera.
+    bool ReachAny(const char* call) const;
+    bool Open(bool found, int width, int height);
     void EndStream();
 
     const std::weak_ptr<Head> m_head;
     const std::string m_typeOrSerial;
-    mutable std::mutex m_mutex;
-    std::shared_ptr<Stream> m_stream;  // null: not open
-    bool m_gone = false;               // released
+    mutable os::Mutex m_mutex;
+    std::shared_ptr<Stream> m_stream KORVEX_GUARDED_BY(m_mutex);  // null: not open
+    bool m_gone KORVEX_GUARDED_BY(m_mutex) = false;               // released
     os::Event m_released;
 };
 

@@ -1,102 +1,100 @@
-#include "platform/cameras/VirtualCameraCall.h"
+#include "platform/cameras/VirtualCamera.h"
+#include "virtual_head/VirtualHead.h"
 
 namespace Korvex3Sync::cameras {
 namespace {
 
-constexpr int kPresentType = 1;
 // More than any image has.
 constexpr int kImpossibleSize = 5000;
 
 }  // namespace
 
-int VirtualCamera::Serial(std::string& serial) {
-    return CallOpen("GetSerialNo", "", kFailed, [&serial](Head& head) {
-        serial = head.Description().cameraSerial;
-        return kOk;
-    });
+bool VirtualCamera::Serial(std::string& serial) {
+    const auto reached = Reach("GetSerialNo");
+    if (reached) {
+        serial = reached->head->Description().cameraSerial;
+    }
+    return reached.has_value();
 }
 
-int VirtualCamera::Resolution(int& width, int& height) {
-    return CallOpen("GetResolution", "", kFailed, [&](Head& head) {
-        const std::shared_ptr<Stream> stream = OpenStream();
-        const bool misSized = stream && stream->misSized;
-        width = misSized ? kImpossibleSize : head.Description().width;
-        height = misSized ? kImpossibleSize : head.Description().height;
-        return kOk;
-    });
+bool VirtualCamera::Resolution(int& width, int& height) {
+    const auto reached = Reach("GetResolution");
+    if (reached) {
+        const bool misSized = reached->stream->misSized;
+        width = misSized ? kImpossibleSize : reached->head->Description().width;
+        height = misSized ? kImpossibleSize : reached->head->Description().height;
+    }
+    return reached.has_value();
 }
 
-int VirtualCamera::ColorMode(int& mode) {
-    return CallOpen("GetColorMode", "", kFailed, [&mode](Head& head) {
-        mode = head.Description().color ? kColorMode : kMonoMode;
-        return kOk;
-    });
+bool VirtualCamera::HasColor(bool& color) {
+    const auto reached = Reach("GetColorMode");
+    if (reached) {
+        color = reached->head->Description().color;
+    }
+    return reached.has_value();
 }
 
-int VirtualCamera::GainRange(int& low, int& high) {
-    return CallOpen("GetGainRange", "", kFailed, [&](Head& head) {
-        low = head.Description().gainLow;
-        high = head.Description().gainHigh;
-        return kOk;
-    });
+bool VirtualCamera::GainRange(int& low, int& high) {
+    const auto reached = Reach("GetGainRange");
+    if (reached) {
+        low = reached->head->Description().gainLow;
+        high = reached->head->Description().gainHigh;
+    }
+    return reached.has_value();
 }
 
-int VirtualCamera::SetExposure(long microseconds) {
-    return CallOpen("SetExposureTime", Arguments(microseconds), kFailed, [=](Head& head) {
-        return head.Sensors().SetExposure(microseconds) ? kOk : kFailed;
-    });
+bool VirtualCamera::SelectOrder(int order) {
+    const auto reached = Reach("SetCameraIntParam");
+    return reached && reached->head->Sensors().SelectOrder(order);
 }
 
-int VirtualCamera::Exposure(long& microseconds) {
-    return CallOpen("GetExposureTime", "", kFailed, [&microseconds](Head& head) {
-        microseconds = head.Sensors().Exposure();
-        return kOk;
-    });
+bool VirtualCamera::SetExposure(long microseconds) {
+    const auto reached = Reach("SetExposureTime");
+    return reached && reached->head->Sensors().SetExposure(microseconds);
 }
 
-int VirtualCamera::SetGain(int gain) {
-    return CallOpen("SetGain", Arguments(gain), kFailed,
-                    [gain](Head& head) { return head.Sensors().SetGain(gain) ? kOk : kFailed; });
+bool VirtualCamera::Exposure(long& microseconds) {
+    const auto reached = Reach("GetExposureTime");
+    if (reached) {
+        microseconds = reached->head->Sensors().Exposure();
+    }
+    return reached.has_value();
 }
 
-int VirtualCamera::Gain(int& gain) {
-    return CallOpen("GetGain", "", kFailed, [&gain](Head& head) {
-        gain = head.Sensors().Gain();
-        return kOk;
-    });
+bool VirtualCamera::SetGain(int gain) {
+    const auto reached = Reach("SetGain");
+    return reached && reached->head->Sensors().SetGain(gain);
 }
 
-bool VirtualCamera::SetIntParameter(int parameter, int value) {
-    return CallOpen("SetCameraIntParam", Arguments(parameter, value), false, [=](Head& head) {
-        return parameter == kOrderParameter && head.Sensors().ApplyWord(value);
-    });
+bool VirtualCamera::Gain(int& gain) {
+    const auto reached = Reach("GetGain");
+    if (reached) {
+        gain = reached->head->Sensors().Gain();
+    }
+    return reached.has_value();
 }
 
-bool VirtualCamera::DeviceType(int& type) {
-    return Call("GetDeviceType", "", false, [this, &type](Head& head) {
-        if (!Reaches(head, "GetDeviceType")) {
-            return false;
-        }
-        type = kPresentType;
-        return true;
-    });
+bool VirtualCamera::SelectAndSet(int order, long exposureMicroseconds, int gain) {
+    const auto reached = Reach("SetCameraIntParam");
+    return reached && reached->head->Sensors().SelectAndSet(order, exposureMicroseconds, gain);
+}
+
+bool VirtualCamera::IsPresent() {
+    return ReachAny("GetDeviceType");
 }
 
 bool VirtualCamera::ResetState() {
-    return Call("ResetCameraState", "", false, [this](Head& head) {
-        const std::shared_ptr<Stream> stream = OpenStream();
-        if (!stream || !head.GetFaults().ReachCamera(stream->plug, "ResetCameraState")) {
-            return false;
-        }
-        stream->queue->Clear();
-        return true;
-    });
+    const auto reached = Reach("ResetCameraState");
+    if (reached) {
+        reached->stream->queue->Clear();
+    }
+    return reached.has_value();
 }
 
 bool VirtualCamera::UnlockOthers() {
     // Instances of the virtual head never lock each other out.
-    return Call("UnlockOthers", "", false,
-                [this](Head& head) { return Reaches(head, "UnlockOthers"); });
+    return ReachAny("UnlockOthers");
 }
 
 }  // namespace Korvex3Sync::cameras

@@ -1,8 +1,8 @@
 #pragma once
 
 #include <array>
-#include <mutex>
 
+#include "platform/os/CriticalSection.h"
 #include "virtual_head/base/Export.h"
 #include "virtual_head/config/HeadDescription.h"
 
@@ -25,10 +25,11 @@ public:
 
     explicit SensorSettings(const HeadDescription& description);
 
-    /// Takes a parameter word: 0 to 3 selects that order; otherwise bits 8-9 are the order, bits
-    /// 10-15 the gain, bits 0-7 the exposure in tenths of a millisecond, and a low byte of 0 only
-    /// selects. False, with nothing changed, for more than 16 bits or a gain out of range.
-    bool ApplyWord(int word);
+    /// False for an order that is not 0 to 3.
+    bool SelectOrder(int order);
+    /// Selects the order and sets both values; false, with nothing changed, when one is out of
+    /// range.
+    bool SelectAndSet(int order, long exposureMicroseconds, int gain);
     /// Of the selected order; false when out of range.
     bool SetExposure(long microseconds);
     long Exposure() const;
@@ -42,12 +43,16 @@ public:
 
 private:
     bool GainInRange(int gain) const { return gain >= m_gainLow && gain <= m_gainHigh; }
+    static bool ExposureInRange(long microseconds) {
+        return microseconds >= kShortestExposure && microseconds <= kLongestExposure;
+    }
+    static bool OrderInRange(int order) { return order >= 0 && order < kOrders; }
 
     const int m_gainLow;
     const int m_gainHigh;
-    mutable std::mutex m_mutex;
-    std::array<SensorSetting, kOrders> m_settings{};
-    std::size_t m_selected = 0;
+    mutable os::Mutex m_mutex;
+    std::array<SensorSetting, kOrders> m_settings KORVEX_GUARDED_BY(m_mutex){};
+    std::size_t m_selected KORVEX_GUARDED_BY(m_mutex) = 0;
 };
 
 }  // namespace Korvex3Sync::virtual_head
