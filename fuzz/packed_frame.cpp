@@ -8,6 +8,7 @@
 
 #include "camera/images/PackedPixels.h"
 #include "camera/images/SplitPackedFrame.h"
+#include "platform/include/PackedFrameLayout.h"
 
 namespace {
 
@@ -84,7 +85,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const Pixels packed(data, data + size / 2 * 2);
     const bool color = ExpectedMarker(packed);
     if (packed.size() >= kMarkerBytes) {
-        Require(Korvex3Sync::HasColorMarker(packed.data()) == color);
+        Require(Korvex3Sync::hardware::CarriesColorMarker(packed.data()) == color);
     }
     const Pixels left = Expected(packed, 0);
     const Pixels right = Expected(packed, kGroup);

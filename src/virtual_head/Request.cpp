@@ -2,10 +2,10 @@
 
 #include <cstdlib>
 #include <exception>
-#include <mutex>
 #include <utility>
 #include <variant>
 
+#include "platform/os/CriticalSection.h"
 #include "platform/os/Print.h"
 #include "virtual_head/VirtualHead.h"
 #include "virtual_head/config/HeadFile.h"
@@ -18,9 +18,10 @@ namespace {
 constexpr const char* kVariable = "KORVEX_VIRTUAL_HEAD";
 
 struct Requests {
-    std::mutex mutex;
-    bool decided = false;  // a request was made, or the environment was looked at
-    std::shared_ptr<VirtualHead> head;
+    os::Mutex mutex;
+    /// A request was made, or the environment was looked at.
+    bool decided KORVEX_GUARDED_BY(mutex) = false;
+    std::shared_ptr<VirtualHead> head KORVEX_GUARDED_BY(mutex);
 };
 
 /// Never destroyed: threads of the application may still ask while the process ends.
@@ -81,7 +82,7 @@ std::shared_ptr<VirtualHead> MakeHead(const std::string& request, std::string& e
 void Replace(std::shared_ptr<VirtualHead> head) {
     Requests& requests = TheRequests();
     {
-        std::lock_guard lock(requests.mutex);
+        os::MutexGuard lock(requests.mutex);
         requests.decided = true;
         requests.head.swap(head);
     }
@@ -116,7 +117,7 @@ void WithdrawVirtualHead() {
 
 std::shared_ptr<VirtualHead> RequestedVirtualHead() {
     Requests& requests = TheRequests();
-    std::lock_guard lock(requests.mutex);
+    os::MutexGuard lock(requests.mutex);
     if (!requests.decided) {
         requests.decided = true;
         const char* const request = std::getenv(kVariable);

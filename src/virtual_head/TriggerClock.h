@@ -1,11 +1,11 @@
 #pragma once
 
 #include <chrono>
-#include <condition_variable>
 #include <cstdint>
 #include <memory>
-#include <mutex>
 
+#include "platform/os/Condition.h"
+#include "platform/os/CriticalSection.h"
 #include "platform/os/Thread.h"
 #include "virtual_head/base/Export.h"
 #include "virtual_head/board/BoardState.h"
@@ -19,10 +19,10 @@ namespace Korvex3Sync::virtual_head {
 class Faults;
 
 /// The board's trigger output: a thread that, at the trigger period and in the trigger mode, hands
-/// an exposure to every queue that is attached. It runs in real time, as a device does, and holds
-/// its rate on average. Keys and trigger numbers start at 0 with each start of the trigger: a
-/// change from off, or from single exposures, to a running mode, and from off to single exposures.
-/// Thread-safe.
+/// an exposure to every queue that is attached. It runs in real time, as a device does, whatever
+/// the time scale (platform/os/TimeScale.h), and holds its rate on average. Keys and trigger
+/// numbers start at 0 with each start of the trigger: a change from off, or from single exposures,
+/// to a running mode, and from off to single exposures. Thread-safe.
 class KORVEX_VIRTUAL_HEAD_API TriggerClock {
 public:
     /// `color`: the head makes colour exposures. `sensors` may be null: then exposures have the
@@ -55,22 +55,25 @@ public:
 
 private:
     void Run();
-    Exposure Moment() const;
-    bool Announced() const;
-    void BeginDueFaults(std::unique_lock<std::mutex>& lock);
-    std::chrono::steady_clock::duration Period() const;
+    Exposure Moment() const KORVEX_REQUIRES(m_mutex);
+    bool Announced() const KORVEX_REQUIRES(m_mutex);
+    /// Gives the mutex up meanwhile: a fault may end the trigger that it comes with.
+    void BeginDueFaults() KORVEX_REQUIRES(m_mutex);
+    std::chrono::steady_clock::duration Period() const KORVEX_REQUIRES(m_mutex);
 
     const bool m_color;
     Faults& m_faults;
     const SensorSettings* const m_sensors;
-    mutable std::mutex m_mutex;
-    std::condition_variable m_changed;
-    bool m_end = false;
-    bool m_power = true;
-    BoardState m_board;
-    std::chrono::steady_clock::time_point m_next;  // of a running mode
-    ExposureOutput m_output;
-    std::uint64_t m_announced = 0;  // the trigger of this number minus 1 has begun its faults
+    mutable os::Mutex m_mutex;
+    os::Condition m_changed;
+    bool m_end KORVEX_GUARDED_BY(m_mutex) = false;
+    bool m_power KORVEX_GUARDED_BY(m_mutex) = true;
+    BoardState m_board KORVEX_GUARDED_BY(m_mutex);
+    /// The next trigger of a running mode.
+    std::chrono::steady_clock::time_point m_next KORVEX_GUARDED_BY(m_mutex);
+    ExposureOutput m_output KORVEX_GUARDED_BY(m_mutex);
+    /// The trigger of this number minus 1 has begun its faults.
+    std::uint64_t m_announced KORVEX_GUARDED_BY(m_mutex) = 0;
     os::Thread m_thread;
 };
 

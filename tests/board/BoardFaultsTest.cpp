@@ -5,6 +5,7 @@
 
 #include "board/EveryCall.h"
 #include "board/OpenBoard.h"
+#include "platform/os/TimeScale.h"
 #include "support/RequestedHead.h"
 #include "support/WaitUntil.h"
 
@@ -108,6 +109,7 @@ TEST(VanishedBoard, TakesACommandInProgressWithIt) {
 }
 
 TEST(MuteBoard, OpensAndAnswersNothingUntilItDoes) {
+    const os::ScopedTimeScale fast{0.1};
     const RequestedHead head;
     const OpenedBoard board;
     ASSERT_TRUE(head->GetFaults().Order(Of(FaultKind::BoardMute)));
@@ -126,6 +128,7 @@ TEST(MuteBoard, OpensAndAnswersNothingUntilItDoes) {
 }
 
 TEST(MuteBoard, AnswersFromTheOpenBehindTheOrderedOnes) {
+    const os::ScopedTimeScale fast{0.1};
     const RequestedHead head;
     FaultOrder mute = Of(FaultKind::BoardMute);
     mute.opens = 1;
@@ -140,6 +143,7 @@ TEST(MuteBoard, AnswersFromTheOpenBehindTheOrderedOnes) {
 }
 
 TEST(MuteBoard, GoesOnTriggering) {
+    const os::ScopedTimeScale fast{0.1};
     const RequestedHead head;
     const OpenedBoard board;
     ASSERT_TRUE(zr3DSetVideoTriggerPeriod(board.handle, 1));
@@ -167,6 +171,7 @@ TEST(LateBoard, DelaysItsAnswersAndDoesAtOnceWhatItIsTold) {
 }
 
 TEST(LateBoard, ThatAnswersBehindTheLimitFailsTheCallAndNotTheNext) {
+    const os::ScopedTimeScale fast{0.1};
     const RequestedHead head;
     const OpenedBoard board;
     FaultOrder late = Of(FaultKind::BoardLate);
@@ -181,6 +186,7 @@ TEST(LateBoard, ThatAnswersBehindTheLimitFailsTheCallAndNotTheNext) {
 }
 
 TEST(SlowCall, BeyondTheLimitFailsAndNotTheNext) {
+    const os::ScopedTimeScale fast{0.2};
     const RequestedHead head;
     const OpenedBoard board;
     ASSERT_TRUE(head->GetFaults().Slow("zr3DProject", 2s, 1));
@@ -192,6 +198,7 @@ TEST(SlowCall, BeyondTheLimitFailsAndNotTheNext) {
 }
 
 TEST(LateBoard, HoldsUpNoClosing) {
+    const os::ScopedTimeScale fast{0.1};
     const RequestedHead head;
     OpenedBoard board;
     FaultOrder late = Of(FaultKind::BoardLate);

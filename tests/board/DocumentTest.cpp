@@ -9,7 +9,7 @@
 
 #include "platform/board/BoardLink.h"
 #include "platform/board/protocol/Codec.h"
-#include "platform/board/protocol/Identity.h"
+#include "platform/include/BoardFacts.h"
 #include "support/Text.h"
 
 namespace Korvex3Sync::tests {
@@ -70,8 +70,8 @@ TEST(BoardProtocolDocument, ShowsReportsOfTheRealEncoder) {
 TEST(BoardProtocolDocument, GivesTheLimitsAndTheIdentifiers) {
     const std::string document = Document();
     EXPECT_THAT(document, HasSubstr(std::to_string(kReplyLimit.count()) + " ms after the sending"));
-    EXPECT_THAT(document, HasSubstr("`" + Printed("%04x", kVendorId) + ":" +
-                                    Printed("%04x", kProductId) + "`"));
+    EXPECT_THAT(document, HasSubstr("`" + Printed("%04x", hardware::kBoardVendor) + ":" +
+                                    Printed("%04x", hardware::kBoardProduct) + "`"));
     EXPECT_THAT(document, HasSubstr(std::to_string(kUserPages) + " pages of " +
                                     std::to_string(kUserPageSize) + " bytes"));
     EXPECT_THAT(document, HasSubstr("parts of " + std::to_string(kUserPart) + " bytes"));

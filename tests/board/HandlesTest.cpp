@@ -8,6 +8,7 @@
 #include "board/EveryCall.h"
 #include "board/OpenBoard.h"
 #include "platform/os/Event.h"
+#include "platform/os/TimeScale.h"
 #include "support/RequestedHead.h"
 
 namespace Korvex3Sync::tests {
@@ -109,6 +110,7 @@ TEST(Opening, MeetsFaults) {
 }
 
 TEST(Opening, ThatHangsFailsByItself) {
+    const os::ScopedTimeScale fast{0.1};
     const RequestedHead head;
     ASSERT_TRUE(head->GetFaults().Hang("zr3DInitHidDev"));
     void* handle = nullptr;
@@ -117,6 +119,7 @@ TEST(Opening, ThatHangsFailsByItself) {
 }
 
 TEST(Closing, ThatFailsOrHangsGivesFalseAndClosesAllTheSame) {
+    const os::ScopedTimeScale fast{0.1};
     const RequestedHead head;
     for (const bool hangs : {false, true}) {
         OpenedBoard board;
@@ -143,6 +146,7 @@ TEST(Opening, MayBeDoneMoreThanOnce) {
 }
 
 TEST(Hanging, CallGivesFalseByItselfAndTheNextOneToo) {
+    const os::ScopedTimeScale fast{0.1};
     const RequestedHead head;
     const OpenedBoard board;
     ASSERT_TRUE(head->GetFaults().Hang("zr3DSetIRLaserLevel"));

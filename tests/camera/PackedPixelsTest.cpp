@@ -5,6 +5,7 @@
 #include <random>
 #include <vector>
 
+#include "platform/include/PackedFrameLayout.h"
 #include "support/PackedFrames.h"
 
 namespace Korvex3Sync::tests {
@@ -63,14 +64,14 @@ TEST(SplitPackedPixels, ZeroesThePixelsBehindTheLastGroupOfFour) {
     EXPECT_EQ(b, (std::vector<unsigned char>{packed[7], packed[6], packed[5], packed[4], 0, 0, 0}));
 }
 
-TEST(HasColorMarker, NeedsEveryMarkerByte) {
+TEST(ColorMarker, NeedsEveryMarkerByte) {
     const auto marked = support::ColorFrame(64, 0x31, 200);
-    EXPECT_TRUE(HasColorMarker(marked.data()));
+    EXPECT_TRUE(hardware::CarriesColorMarker(marked.data()));
     for (std::size_t byte = 0; byte < 12; ++byte) {
         auto changed = marked;
         changed[byte] ^= 0xFF;
         const bool markerByte = byte <= 3 || byte >= 9;
-        EXPECT_EQ(HasColorMarker(changed.data()), !markerByte) << "byte " << byte;
+        EXPECT_EQ(hardware::CarriesColorMarker(changed.data()), !markerByte) << "byte " << byte;
     }
 }
 

@@ -4,8 +4,10 @@
 
 #include <climits>
 
-namespace Korvex3Sync::cameras {
+namespace Korvex3Sync::tests {
 namespace {
+
+using namespace cameras;
 
 TEST(ParameterWord, CarriesOrderGainAndExposure) {
     const auto word = DecodeParameterWord(0x0D55);
@@ -52,4 +54,4 @@ TEST(ParameterWord, ANumberOfMoreThan16BitsIsNone) {
 }
 
 }  // namespace
-}  // namespace Korvex3Sync::cameras
+}  // namespace Korvex3Sync::tests

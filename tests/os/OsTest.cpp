@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <cstdlib>
 #include <thread>
 
 #include "platform/os/Clock.h"
@@ -139,6 +140,42 @@ TEST(TimeScale, ShortensNominalTimeWhileItLives) {
         SleepFor(10000ms);
     }
     EXPECT_EQ(Scaled(100ms), std::chrono::steady_clock::duration(100ms));
+}
+
+#if KORVEX_CHECKS
+TEST(TimeScale, OfAProgramComesFromItsEnvironment) {
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    Scaled(1ms);  // this process keeps its own
+    setenv("KORVEX_TIME_SCALE", "0.25", 1);
+    EXPECT_EXIT(std::exit(Scaled(1000ms) == 250ms ? 0 : 1), testing::ExitedWithCode(0), "");
+    setenv("KORVEX_TIME_SCALE", "fast", 1);
+    EXPECT_EXIT(std::exit(Scaled(1ms).count() > 0 ? 0 : 2), testing::ExitedWithCode(1),
+                "KORVEX_TIME_SCALE: \"fast\" is not a number above 0");
+    unsetenv("KORVEX_TIME_SCALE");
+}
+#endif
+
+TEST(MutexRelease, GivesTheMutexUpForAScope) {
+    Mutex mutex;
+    int turns = 0;
+    MutexGuard guard(mutex);
+    {
+        MutexRelease release(mutex);
+        std::thread([&] {
+            MutexGuard other(mutex);
+            ++turns;
+        }).join();
+    }
+    std::thread waiter([&] {
+        MutexGuard other(mutex);
+        ++turns;
+    });
+    EXPECT_EQ(turns, 1) << "the mutex is held again";
+    {
+        MutexRelease release(mutex);
+        waiter.join();
+    }
+    EXPECT_EQ(turns, 2);
 }
 
 TEST(Thread, JoinsInItsDestructor) {

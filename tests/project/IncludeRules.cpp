@@ -24,21 +24,24 @@ const std::string kPublic = "include/Korvex3Sync/";
 const std::string kOs = "src/platform/os/";
 const std::string kHeaders = "src/platform/include/";
 const std::string kBoardHeader = "src/platform/include/zr3DHandiDLPdev.h";
+const std::string kBoardFacts = "src/platform/include/BoardFacts.h";
+const std::string kFrameLayout = "src/platform/include/PackedFrameLayout.h";
 const std::string kHead = "src/virtual_head/";
 
 const std::vector<Arrows> kArrows{
     {kPublic, {}},
     {"src/interface/", {kPublic, "src/sync/", "src/camera/", kBoardHeader, kOs}},
-    {"src/sync/", {kPublic, "src/camera/", kBoardHeader, "src/platform/include/USBTREE.h", kOs}},
-    {"src/camera/", {kPublic, "src/platform/include/zr3DCamera.h", kOs}},
+    {"src/sync/",
+     {kPublic, "src/camera/", kBoardHeader, "src/platform/include/USBTREE.h", kBoardFacts,
+      kFrameLayout, kOs}},
+    {"src/camera/", {kPublic, "src/platform/include/zr3DCamera.h", kBoardFacts, kFrameLayout, kOs}},
     {kHeaders, {}},
     {kOs, {}},
     // Report format and command codes: shared by the board's two ends, so free of both.
     {"src/platform/board/protocol/", {kHeaders, kOs}},
     {"src/platform/board/", {kHeaders, kOs, kHead}},
     {"src/platform/cameras/", {kHeaders, kOs, kHead}},
-    // The board's USB identity is known in one place.
-    {"src/platform/usbtree/", {kHeaders, kOs, kHead, "src/platform/board/protocol/Identity.h"}},
+    {"src/platform/usbtree/", {kHeaders, kOs, kHead}},
     {kHead, {"src/platform/board/protocol/", kHeaders, kOs}},
     {"programs/korvexctl/", {kPublic, "src/virtual_head/Request.h"}},
     {"examples/", {kPublic}},

@@ -198,7 +198,8 @@ std::set<std::string> Meant(const std::string& words) {
         {"virtual_head", {"src/virtual_head/"}},
         {"virtual_head/Request.h", {"src/virtual_head/Request.h"}},
         {"board/protocol", {"src/platform/board/protocol/"}},
-        {"board/protocol/Identity.h", {"src/platform/board/protocol/Identity.h"}}};
+        {"facts of the hardware",
+         {"src/platform/include/BoardFacts.h", "src/platform/include/PackedFrameLayout.h"}}};
     const auto found = kMeant.find(words);
     return found != kMeant.end() ? found->second : std::set<std::string>{words + '/'};
 }

@@ -54,7 +54,7 @@ public:
         std::vector<std::uint64_t> seen;
         for (int i = 0; i < triggers; ++i) {
             m_clock.Apply(board, true);
-            while (const auto exposure = m_queue->Pop(0ms)) {
+            while (const auto exposure = m_queue->Pop(std::chrono::steady_clock::now() + 0ms)) {
                 seen.push_back(exposure->trigger);
             }
         }
@@ -187,13 +187,15 @@ TEST(FaultSchedule, AFaultMayEndTheTriggerThatItComesWith) {
     clock.Apply(board, true);
     EXPECT_TRUE(WaitUntil([&] { return !faults.Board().Plugged().Here(); }));
     for (std::uint64_t trigger = 0; trigger < 10; ++trigger) {
-        EXPECT_EQ(queue->Pop(60000ms).value().trigger, trigger);
+        EXPECT_EQ(queue->Pop(std::chrono::steady_clock::now() + 60000ms).value().trigger, trigger);
     }
     clock.Apply(board, true);
-    EXPECT_FALSE(queue->Pop(10ms)) << "without power nothing is triggered";
+    EXPECT_FALSE(queue->Pop(std::chrono::steady_clock::now() + 10ms))
+        << "without power nothing is triggered";
     EXPECT_EQ(clock.Triggers(), 10U);
     clock.SetPower(true);
-    EXPECT_FALSE(queue->Pop(10ms)) << "the trigger is off when the power comes back";
+    EXPECT_FALSE(queue->Pop(std::chrono::steady_clock::now() + 10ms))
+        << "the trigger is off when the power comes back";
     faults.End();
     clock.End();
 }

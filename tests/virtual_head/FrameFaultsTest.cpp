@@ -45,7 +45,7 @@ protected:
     }
 
     Exposure ExpectNext(std::uint64_t trigger, bool color) {
-        const auto exposure = m_queue->Pop(kGenerous);
+        const auto exposure = m_queue->Pop(std::chrono::steady_clock::now() + kGenerous);
         if (!exposure) {
             ADD_FAILURE() << "nothing came";
             return {};
@@ -55,7 +55,9 @@ protected:
         EXPECT_EQ(exposure->color, color);
         return *exposure;
     }
-    void ExpectNothingWaits() { EXPECT_FALSE(m_queue->Pop(0ms)); }
+    void ExpectNothingWaits() {
+        EXPECT_FALSE(m_queue->Pop(std::chrono::steady_clock::now() + 0ms));
+    }
 
     /// What was made went somewhere.
     void ExpectAccount() {
@@ -238,7 +240,7 @@ TEST_F(FrameFaultsTest, EveryInstanceSeesTheSameAndTheFirstIsCounted) {
     for (std::uint64_t trigger = 1; trigger < 5; ++trigger) {
         ExpectNext(trigger, true);
     }
-    EXPECT_EQ(small->Pop(0ms).value().trigger, 1U);
+    EXPECT_EQ(small->Pop(std::chrono::steady_clock::now() + 0ms).value().trigger, 1U);
     FrameCounts counts = m_clock.Counts().color;
     EXPECT_EQ(counts.handed, 4U);
     EXPECT_EQ(counts.fetched, 4U) << "what the other instance fetched is not counted";

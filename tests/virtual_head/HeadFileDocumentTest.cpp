@@ -6,8 +6,10 @@
 
 #include "virtual_head/config/HeadRules.h"
 
-namespace Korvex3Sync::virtual_head {
+namespace Korvex3Sync::tests {
 namespace {
+
+using namespace virtual_head;
 
 std::string Page() {
     std::ifstream stream(KORVEX_SOURCE_DIR "/docs/virtual-head.md");
@@ -42,4 +44,4 @@ TEST(HeadFileDocument, ListsTheNumbersOfFaultsWithTheirRanges) {
 }
 
 }  // namespace
-}  // namespace Korvex3Sync::virtual_head
+}  // namespace Korvex3Sync::tests

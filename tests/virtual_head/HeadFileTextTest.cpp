@@ -12,8 +12,10 @@
 #include "virtual_head/config/HeadFile.h"
 #include "virtual_head/config/HeadRules.h"
 
-namespace Korvex3Sync::virtual_head {
+namespace Korvex3Sync::tests {
 namespace {
+
+using namespace virtual_head;
 
 using ::testing::HasSubstr;
 
@@ -144,4 +146,4 @@ TEST(HeadFileText, EveryKeyIsExplainedOnShortLines) {
 }
 
 }  // namespace
-}  // namespace Korvex3Sync::virtual_head
+}  // namespace Korvex3Sync::tests

@@ -32,14 +32,14 @@ protected:
 
     /// Expects the next exposure to be this one.
     void ExpectNext(std::uint64_t trigger, bool color) {
-        const auto exposure = m_queue->Pop(kGenerous);
+        const auto exposure = m_queue->Pop(std::chrono::steady_clock::now() + kGenerous);
         ASSERT_TRUE(exposure);
         EXPECT_EQ(exposure->trigger, trigger);
         EXPECT_EQ(exposure->key, trigger % 256);
         EXPECT_EQ(exposure->color, color);
     }
 
-    void ExpectNothing() { EXPECT_FALSE(m_queue->Pop(kShort)); }
+    void ExpectNothing() { EXPECT_FALSE(m_queue->Pop(std::chrono::steady_clock::now() + kShort)); }
 
     std::shared_ptr<ExposureQueue> m_queue = std::make_shared<ExposureQueue>(100000);
     Faults m_faults;
@@ -141,7 +141,7 @@ TEST_F(TriggerClockTest, ChangeOfARunningModeOrPeriodGoesOnCounting) {
     Write(6, 2);
     bool sawColor = false;
     for (std::uint64_t trigger = 1; !sawColor;) {
-        const auto exposure = m_queue->Pop(kGenerous);
+        const auto exposure = m_queue->Pop(std::chrono::steady_clock::now() + kGenerous);
         ASSERT_TRUE(exposure);
         sawColor = exposure->color;
         EXPECT_EQ(exposure->trigger, sawColor ? trigger - 1 : trigger++);
@@ -172,7 +172,7 @@ TEST_F(TriggerClockTest, ExposureCarriesTheLightOfItsMoment) {
     board.laserEnable = true;
     board.projectorBrightness = 77;
     m_clock.Apply(board, true);
-    const auto exposure = m_queue->Pop(kGenerous);
+    const auto exposure = m_queue->Pop(std::chrono::steady_clock::now() + kGenerous);
     ASSERT_TRUE(exposure);
     EXPECT_TRUE(exposure->light.laserEnable);
     EXPECT_EQ(exposure->light.projectorBrightness, 77);
@@ -195,13 +195,13 @@ TEST_F(TriggerClockTest, EveryAttachedQueueGetsEachExposureOnce) {
     Write(4);
     ExpectNext(0, true);
     ExpectNext(1, true);
-    EXPECT_EQ(other->Pop(kGenerous).value().trigger, 0U);
-    EXPECT_EQ(other->Pop(kGenerous).value().trigger, 1U);
-    EXPECT_FALSE(other->Pop(0ms));
+    EXPECT_EQ(other->Pop(std::chrono::steady_clock::now() + kGenerous).value().trigger, 0U);
+    EXPECT_EQ(other->Pop(std::chrono::steady_clock::now() + kGenerous).value().trigger, 1U);
+    EXPECT_FALSE(other->Pop(std::chrono::steady_clock::now() + 0ms));
     m_clock.Detach(other);
     Write(4);
     ExpectNext(2, true);
-    EXPECT_FALSE(other->Pop(0ms));
+    EXPECT_FALSE(other->Pop(std::chrono::steady_clock::now() + 0ms));
 }
 
 TEST_F(TriggerClockTest, ExposuresWithoutRoomAreLostAndCountedAlsoAfterDetaching) {
@@ -212,7 +212,8 @@ TEST_F(TriggerClockTest, ExposuresWithoutRoomAreLostAndCountedAlsoAfterDetaching
     }
     EXPECT_EQ(small->Lost(), 3U);
     EXPECT_EQ(m_clock.Lost(), 3U);
-    EXPECT_EQ(small->Pop(0ms).value().trigger, 0U) << "the oldest stay";
+    EXPECT_EQ(small->Pop(std::chrono::steady_clock::now() + 0ms).value().trigger, 0U)
+        << "the oldest stay";
     m_clock.Detach(small);
     EXPECT_EQ(m_clock.Lost(), 3U);
     EXPECT_EQ(m_clock.Triggers(), 5U);

@@ -60,11 +60,6 @@ namespace Korvex3Sync {
 
 HWY_EXPORT(SplitGroups);
 
-bool HasColorMarker(const unsigned char* packed) {
-    return packed[0] == 0xAA && packed[1] == 0xAA && packed[2] == 0x55 && packed[3] == 0x55 &&
-           packed[9] == 0xAA && packed[10] == 0x55 && packed[11] == 0x55;
-}
-
 void SplitPackedPixels(const unsigned char* packed, std::size_t pixels, unsigned char* first,
                        unsigned char* second) {
     const std::size_t groups = pixels / 4;

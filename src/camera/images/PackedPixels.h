@@ -4,9 +4,6 @@
 
 namespace Korvex3Sync {
 
-/// Whether a packed frame carries the colour marker. Reads its first 12 bytes.
-bool HasColorMarker(const unsigned char* packed);
-
 /// Takes the two images of a packed frame apart: of each 8 bytes, bytes 3, 2, 1, 0 are the next
 /// four pixels of `first` and bytes 7, 6, 5, 4 those of `second`. `packed` holds 2 x `pixels`
 /// bytes; each image gets `pixels` bytes, and the last `pixels` % 4 of them are 0. `first` may be

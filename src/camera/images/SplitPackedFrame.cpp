@@ -5,11 +5,11 @@
 
 #include "camera/ColorMode.h"
 #include "camera/images/PackedPixels.h"
+#include "platform/include/PackedFrameLayout.h"
 
 namespace Korvex3Sync {
 namespace {
 
-constexpr std::size_t kMarkerBytes = 12;
 constexpr std::size_t kMostImages = 2;
 
 /// Room in every list for the images of a frame; false without memory.
@@ -39,7 +39,7 @@ bool SplitPackedFrame(SplitFrame& frame, const unsigned char* data, int width, i
         return false;
     }
     const std::size_t pixels = static_cast<std::size_t>(width) * static_cast<std::size_t>(height);
-    const bool color = 2 * pixels >= kMarkerBytes && HasColorMarker(data);
+    const bool color = 2 * pixels >= hardware::kMarkerEnd && hardware::CarriesColorMarker(data);
     Image first = color ? Image() : pool.Take(pixels);
     Image second = pool.Take(pixels);
     if (!second || (!color && !first)) {

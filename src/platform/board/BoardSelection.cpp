@@ -5,7 +5,7 @@
 #include <cstring>
 #include <system_error>
 
-#include "platform/board/protocol/Identity.h"
+#include "platform/include/BoardFacts.h"
 
 namespace Korvex3Sync::board {
 namespace {
@@ -43,7 +43,7 @@ std::optional<BoardSelection> ParseSelection(const char* vendor, const char* pro
 }
 
 BoardSelection BoardOfSerial(const char* serial) {
-    return {kVendorId, kProductId, serial};
+    return {hardware::kBoardVendor, hardware::kBoardProduct, serial};
 }
 
 bool Selects(const BoardSelection& selection, std::uint16_t vendor, std::uint16_t product,

@@ -1,8 +1,8 @@
 #include "platform/board/DeviceThread.h"
 
+#include <algorithm>
 #include <utility>
 
-#include "platform/os/Clock.h"
 #include "virtual_head/VirtualHead.h"
 
 namespace Korvex3Sync::board {
@@ -27,35 +27,41 @@ bool DeviceThread::Start() {
 }
 
 bool DeviceThread::Give(const std::string& call, Task task, Deadline deadline) {
-    std::unique_lock lock(m_mutex);
-    if (!m_changed.wait_until(lock, deadline, [this] { return !m_busy || m_end; }) || m_end) {
+    os::MutexGuard lock(m_mutex);
+    if (!WaitForTask(deadline) || m_end) {
         return false;
     }
     m_call = call;
     m_task = std::move(task);
     m_busy = true;
-    m_changed.notify_all();
+    m_changed.NotifyAll();
     return true;
 }
 
 bool DeviceThread::WaitIdle(Deadline deadline) {
-    std::unique_lock lock(m_mutex);
-    const auto idle = [this] { return !m_busy; };
-    if (m_changed.wait_until(lock, deadline, idle)) {
-        return true;
-    }
-    const Deadline last = std::chrono::steady_clock::now() + kGrace;
-    while (m_busy && std::chrono::steady_clock::now() < last) {
+    os::MutexGuard lock(m_mutex);
+    return WaitForTask(deadline) && !m_busy;
+}
+
+bool DeviceThread::WaitForTask(Deadline deadline) {
+    const Deadline last = std::max(deadline, std::chrono::steady_clock::now()) + kGrace;
+    while (m_busy && !m_end) {
+        if (m_changed.WaitUntil(m_mutex, deadline)) {
+            continue;
+        }
         const std::string call = m_call;
-        lock.unlock();
-        const bool held = Held(call);
-        lock.lock();
-        if (held) {
+        bool held = false;
+        {
+            os::MutexRelease unlocked(m_mutex);
+            held = Held(call);
+        }
+        const Deadline now = std::chrono::steady_clock::now();
+        if (held || now >= last) {
             break;
         }
-        m_changed.wait_for(lock, kLookEvery, idle);
+        deadline = now + kLookEvery;
     }
-    return !m_busy;
+    return !m_busy || m_end;
 }
 
 bool DeviceThread::Held(const std::string& call) const {
@@ -64,37 +70,42 @@ bool DeviceThread::Held(const std::string& call) const {
 }
 
 void DeviceThread::End() {
-    std::unique_lock lock(m_mutex);
-    m_end = true;
-    m_changed.notify_all();
-    while (m_busy && m_thread.Started()) {
-        if (const auto head = m_head.lock()) {
-            const std::string call = m_call;
-            lock.unlock();
-            head->GetFaults().ReleaseHangs(call);
-            lock.lock();
+    {
+        os::MutexGuard lock(m_mutex);
+        m_end = true;
+        m_changed.NotifyAll();
+        while (m_busy && m_thread.Started()) {
+            if (const auto head = m_head.lock()) {
+                const std::string call = m_call;
+                os::MutexRelease unlocked(m_mutex);
+                head->GetFaults().ReleaseHangs(call);
+            }
+            if (m_busy) {
+                m_changed.WaitUntil(m_mutex, std::chrono::steady_clock::now() + kReleaseEvery);
+            }
         }
-        m_changed.wait_for(lock, os::Scaled(kReleaseEvery), [this] { return !m_busy; });
     }
-    lock.unlock();
     m_thread.Join();
 }
 
 void DeviceThread::Run() {
-    std::unique_lock lock(m_mutex);
+    os::MutexGuard lock(m_mutex);
     while (true) {
-        m_changed.wait(lock, [this] { return m_busy || m_end; });
+        while (!m_busy && !m_end) {
+            m_changed.Wait(m_mutex);
+        }
         if (!m_busy) {
             return;
         }
         const Task task = std::move(m_task);
-        lock.unlock();
-        if (const auto head = m_head.lock()) {
-            task(*head);
+        {
+            os::MutexRelease unlocked(m_mutex);
+            if (const auto head = m_head.lock()) {
+                task(*head);
+            }
         }
-        lock.lock();
         m_busy = false;
-        m_changed.notify_all();
+        m_changed.NotifyAll();
     }
 }
 

@@ -1,12 +1,12 @@
 #pragma once
 
 #include <chrono>
-#include <condition_variable>
 #include <functional>
 #include <memory>
-#include <mutex>
 #include <string>
 
+#include "platform/os/Condition.h"
+#include "platform/os/CriticalSection.h"
 #include "platform/os/Thread.h"
 
 namespace Korvex3Sync::virtual_head {
@@ -17,8 +17,8 @@ namespace Korvex3Sync::board {
 
 /// Runs the virtual head's side of calls on a thread of its own, one at a time, so that a head that
 /// hangs never holds a caller beyond its limit. The thread lives from Start to End. Thread-safe but
-/// for Start and End, which belong to the owner. `m_mutex` guards everything but the thread and is
-/// never held while a task runs.
+/// for Start and End, which belong to the owner. `m_mutex` is never
+/// held while a task runs.
 class DeviceThread {
 public:
     using Deadline = std::chrono::steady_clock::time_point;
@@ -32,13 +32,13 @@ public:
 
     /// False when the system gives no thread.
     bool Start();
-    /// Hands a task over when the one before has ended; false when that takes longer than until
-    /// the deadline, or when the thread ends. `call` is the platform function that the task serves.
-    /// A task is dropped when the head is gone.
+    /// Hands a task over when the one before has ended. False when a fault of the head holds that
+    /// one at the deadline, or when the thread ends. `call` is the platform function that the task
+    /// serves. A task is dropped when the head is gone.
     bool Give(const std::string& call, Task task, Deadline deadline);
     /// Waits until no task is left; false at the deadline when a fault of the head holds the task.
-    /// A task that nothing holds is only short of processor time, which is the machine's doing and
-    /// not the head's: it is waited for beyond the deadline, 10 s at most.
+    /// Both wait up to 10 s longer for a task that no fault holds: it only lacks processor time,
+    /// which is the machine's doing and not the head's.
     bool WaitIdle(Deadline deadline);
     /// Wakes who waits in Give, ends the hang of a task that hangs, waits for the thread. Blocks as
     /// long as the running task is slowed. Any further call does nothing.
@@ -46,15 +46,17 @@ public:
 
 private:
     void Run();
+    /// True when the task before has ended or the thread ends.
+    bool WaitForTask(Deadline deadline) KORVEX_REQUIRES(m_mutex);
     bool Held(const std::string& call) const;
 
     const std::weak_ptr<virtual_head::VirtualHead> m_head;
-    std::mutex m_mutex;
-    std::condition_variable m_changed;
-    std::string m_call;
-    Task m_task;
-    bool m_busy = false;  // from the giving of a task to its end
-    bool m_end = false;
+    os::Mutex m_mutex;
+    os::Condition m_changed;
+    std::string m_call KORVEX_GUARDED_BY(m_mutex);
+    Task m_task KORVEX_GUARDED_BY(m_mutex);
+    bool m_busy KORVEX_GUARDED_BY(m_mutex) = false;  // from the giving of a task to its end
+    bool m_end KORVEX_GUARDED_BY(m_mutex) = false;
     os::Thread m_thread;
 };
 

@@ -11,7 +11,7 @@
 
 #include "platform/board/BoardLink.h"
 #include "platform/board/protocol/Codec.h"
-#include "platform/board/protocol/Identity.h"
+#include "platform/include/BoardFacts.h"
 #include "platform/os/Clock.h"
 #include "virtual_head/Request.h"
 #include "virtual_head/VirtualHead.h"
@@ -69,7 +69,8 @@ std::unique_ptr<ByteTransport> VirtualTransport::Open(const BoardSelection& sele
         SayAbsentOnce();
         return nullptr;
     }
-    const bool meant = Selects(selection, kVendorId, kProductId, head->Description().boardSerial);
+    const bool meant = Selects(selection, hardware::kBoardVendor, hardware::kBoardProduct,
+                               head->Description().boardSerial);
     const bool use = purpose == Purpose::Use;
     const std::string call =
         use ? "zr3DInitHidDev" : FindCommand(Command::QueryFirmwareVersionFast)->function;
@@ -127,21 +128,24 @@ void VirtualTransport::Serve(VirtualHead& head, const Report& report, const std:
     }
     // From the sending on: how long this thread waited for a processor is no lateness of the board.
     const auto from = sent + os::Scaled(faults.Lateness(call));
-    std::lock_guard lock(m_mutex);
+    os::MutexGuard lock(m_mutex);
     m_replies.push_back({*reply, from});
-    m_changed.notify_all();
+    m_changed.NotifyAll();
 }
 
 std::optional<ReceivedBytes> VirtualTransport::Receive(Deadline deadline) {
-    std::unique_lock lock(m_mutex);
-    if (!m_changed.wait_until(lock, deadline, [this] { return !m_replies.empty() || m_closed; })) {
-        lock.unlock();
-        m_device.WaitIdle(deadline);
-        lock.lock();
+    os::MutexGuard lock(m_mutex);
+    while (m_replies.empty() && !m_closed) {
+        if (!m_changed.WaitUntil(m_mutex, deadline)) {
+            os::MutexRelease unlocked(m_mutex);
+            m_device.WaitIdle(deadline);
+            break;
+        }
     }
     if (!m_replies.empty()) {
         const Deadline from = m_replies.front().from;
-        m_changed.wait_until(lock, std::min(from, deadline), [this] { return m_closed; });
+        while (!m_closed && m_changed.WaitUntil(m_mutex, std::min(from, deadline))) {
+        }
         if (from > deadline) {
             return std::nullopt;
         }
@@ -156,11 +160,11 @@ std::optional<ReceivedBytes> VirtualTransport::Receive(Deadline deadline) {
 
 bool VirtualTransport::Close() {
     {
-        std::lock_guard lock(m_mutex);
+        os::MutexGuard lock(m_mutex);
         if (std::exchange(m_closed, true)) {
             return true;
         }
-        m_changed.notify_all();
+        m_changed.NotifyAll();
     }
     m_device.End();
     const auto head = m_head.lock();
@@ -169,7 +173,7 @@ bool VirtualTransport::Close() {
 }
 
 bool VirtualTransport::Closed() const {
-    std::lock_guard lock(m_mutex);
+    os::MutexGuard lock(m_mutex);
     return m_closed;
 }
 

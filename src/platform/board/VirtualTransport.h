@@ -1,15 +1,15 @@
 #pragma once
 
-#include <condition_variable>
 #include <cstdint>
 #include <deque>
 #include <memory>
-#include <mutex>
 #include <string>
 
 #include "platform/board/BoardSelection.h"
 #include "platform/board/ByteTransport.h"
 #include "platform/board/DeviceThread.h"
+#include "platform/os/Condition.h"
+#include "platform/os/CriticalSection.h"
 
 namespace Korvex3Sync::board {
 
@@ -21,7 +21,7 @@ enum class Purpose {
 
 /// The way to the board of the virtual head that was requested for this process. It ends with that
 /// head: after another request nothing passes any more; nor does it when the board was gone since.
-/// `m_mutex` guards the replies and the closed state and is not held during a call to the head.
+/// `m_mutex` is not held during a call to the head.
 class VirtualTransport final : public ByteTransport {
 public:
     /// Null when no head is requested, when the head's board is not the one that is meant or gone,
@@ -49,14 +49,14 @@ private:
     const std::weak_ptr<virtual_head::VirtualHead> m_head;
     const std::uint64_t m_plug;  // of the board that was opened
     const Purpose m_purpose;
-    mutable std::mutex m_mutex;
-    std::condition_variable m_changed;
+    mutable os::Mutex m_mutex;
+    os::Condition m_changed;
     struct Reply {
         Report report;
         Deadline from;  // not given out before
     };
-    std::deque<Reply> m_replies;
-    bool m_closed = false;
+    std::deque<Reply> m_replies KORVEX_GUARDED_BY(m_mutex);
+    bool m_closed KORVEX_GUARDED_BY(m_mutex) = false;
     DeviceThread m_device;
 };
 

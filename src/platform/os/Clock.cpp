@@ -1,31 +1,60 @@
 #include "platform/os/Clock.h"
 
 #include <atomic>
+#include <cstdlib>
+#include <locale>
+#include <sstream>
 #include <thread>
 
+#include "platform/os/Print.h"
 #include "platform/os/TimeScale.h"
 
 namespace Korvex3Sync::os {
 namespace {
 
-std::atomic<double> g_factor{1.0};
+#if KORVEX_CHECKS
+double InitialFactor() {
+    const char* const text = std::getenv("KORVEX_TIME_SCALE");
+    if (text == nullptr) {
+        return 1;
+    }
+    double factor = 0;
+    std::istringstream stream(text);
+    stream.imbue(std::locale::classic());
+    if (!(stream >> factor) || !stream.eof() || !(factor > 0)) {
+        // A test that asked for it would run at the wrong speed unnoticed.
+        PrintError("KORVEX_TIME_SCALE: \"%s\" is not a number above 0\n", text);
+        std::exit(EXIT_FAILURE);
+    }
+    return factor;
+}
+#else
+double InitialFactor() {
+    return 1;
+}
+#endif
+
+std::atomic<double>& Factor() {
+    static std::atomic<double> factor{InitialFactor()};
+    return factor;
+}
 
 }  // namespace
 
 std::chrono::steady_clock::duration Scaled(std::chrono::milliseconds nominal) {
     return std::chrono::duration_cast<std::chrono::steady_clock::duration>(
         std::chrono::duration<double, std::milli>(static_cast<double>(nominal.count()) *
-                                                  g_factor.load()));
+                                                  Factor().load()));
 }
 
 void SleepFor(std::chrono::milliseconds nominal) {
     std::this_thread::sleep_for(Scaled(nominal));
 }
 
-ScopedTimeScale::ScopedTimeScale(double factor) : m_previous(g_factor.exchange(factor)) {}
+ScopedTimeScale::ScopedTimeScale(double factor) : m_previous(Factor().exchange(factor)) {}
 
 ScopedTimeScale::~ScopedTimeScale() {
-    g_factor.store(m_previous);
+    Factor().store(m_previous);
 }
 
 }  // namespace Korvex3Sync::os

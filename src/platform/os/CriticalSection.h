@@ -70,4 +70,16 @@ private:
     Mutex& m_mutex;
 };
 
+/// Gives a mutex up for a scope, inside the scope of its guard.
+class KORVEX_SCOPED_CAPABILITY MutexRelease {
+public:
+    explicit MutexRelease(Mutex& mutex) KORVEX_RELEASE(mutex) : m_mutex(mutex) { m_mutex.Unlock(); }
+    ~MutexRelease() KORVEX_RELEASE() { m_mutex.Lock(); }
+    MutexRelease(const MutexRelease&) = delete;
+    MutexRelease& operator=(const MutexRelease&) = delete;
+
+private:
+    Mutex& m_mutex;
+};
+
 }  // namespace Korvex3Sync::os

@@ -22,8 +22,11 @@ bool Event::IsSet() const {
 }
 
 WaitResult Event::Wait(std::chrono::milliseconds nominalLimit) {
+    return WaitUntil(std::chrono::steady_clock::now() + Scaled(nominalLimit));
+}
+
+WaitResult Event::WaitUntil(std::chrono::steady_clock::time_point deadline) {
     std::unique_lock lock(m_mutex);
-    const auto deadline = std::chrono::steady_clock::now() + Scaled(nominalLimit);
     return m_changed.wait_until(lock, deadline, [this] { return m_set; }) ? WaitResult::Signalled
                                                                           : WaitResult::TimedOut;
 }

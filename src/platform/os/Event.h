@@ -17,6 +17,8 @@ public:
     bool IsSet() const;
     /// Blocks until the event is signalled, at most for the nominal limit.
     WaitResult Wait(std::chrono::milliseconds nominalLimit);
+    /// The same until a real time: `steady_clock::now() + Scaled(nominal)`.
+    WaitResult WaitUntil(std::chrono::steady_clock::time_point deadline);
     /// Blocks until the event is signalled.
     void Wait();
 

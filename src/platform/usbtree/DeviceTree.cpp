@@ -9,18 +9,18 @@ std::string DevicePath(int speed) {
 }
 
 void DeviceTree::Replace(std::vector<Device> devices) {
-    std::lock_guard lock(m_mutex);
+    os::MutexGuard lock(m_mutex);
     m_devices = std::move(devices);
 }
 
 void DeviceTree::Erase() {
-    std::lock_guard lock(m_mutex);
+    os::MutexGuard lock(m_mutex);
     m_devices.reset();
 }
 
 bool DeviceTree::Find(unsigned long vendor, unsigned long product,
                       std::vector<std::string>& paths) const {
-    std::lock_guard lock(m_mutex);
+    os::MutexGuard lock(m_mutex);
     bool found = false;
     for (const Device& device : m_devices.value_or(std::vector<Device>{})) {
         if (device.vendor == vendor && device.product == product) {

@@ -1,10 +1,11 @@
 #pragma once
 
 #include <cstdint>
-#include <mutex>
 #include <optional>
 #include <string>
 #include <vector>
+
+#include "platform/os/CriticalSection.h"
 
 namespace Korvex3Sync::usbtree {
 
@@ -29,8 +30,9 @@ public:
     bool Find(unsigned long vendor, unsigned long product, std::vector<std::string>& paths) const;
 
 private:
-    mutable std::mutex m_mutex;
-    std::optional<std::vector<Device>> m_devices;  // nothing: not enumerated
+    mutable os::Mutex m_mutex;
+    std::optional<std::vector<Device>> m_devices
+        KORVEX_GUARDED_BY(m_mutex);  // nothing: not enumerated
 };
 
 }  // namespace Korvex3Sync::usbtree

@@ -5,7 +5,7 @@
 #include <atomic>
 #include <memory>
 
-#include "platform/board/protocol/Identity.h"
+#include "platform/include/BoardFacts.h"
 #include "platform/usbtree/DeviceTree.h"
 #include "virtual_head/Request.h"
 #include "virtual_head/VirtualHead.h"
@@ -26,8 +26,8 @@ std::vector<usbtree::Device> Devices(VirtualHead& head) {
     if (!head.GetFaults().Board().Reach("EnumAllHCD")) {
         return {};
     }
-    return {
-        {board::kVendorId, board::kProductId, usbtree::DevicePath(head.Description().usbSpeed)}};
+    return {{hardware::kBoardVendor, hardware::kBoardProduct,
+             usbtree::DevicePath(head.Description().usbSpeed)}};
 }
 
 void SayEmptyOnce() {

@@ -1,5 +1,6 @@
 #include "sync/board/BoardSession.h"
 
+#include "platform/include/BoardFacts.h"
 #include "platform/include/zr3DHandiDLPdev.h"
 #include "platform/os/Log.h"
 #include "sync/board/RestoreSettings.h"
@@ -14,9 +15,8 @@ namespace {
 
 constexpr auto& kLog = kManagerSyncLog;
 
-/// The board's USB identifiers in hexadecimal.
-constexpr char kVendorId[] = "3267";
-constexpr char kProductId[] = "5752";
+constexpr auto kVendorId = hardware::HexText(hardware::kBoardVendor);
+constexpr auto kProductId = hardware::HexText(hardware::kBoardProduct);
 constexpr char kAnyBoard[] = "";
 constexpr board::PROJECTTYPE kProjectionOff{0};
 
@@ -57,7 +57,8 @@ RETSTATUS BoardSession::InitProjector(const char* pcbSerial) {
     KORVEX_LOG(kLog) << " InitProjector pcbSerial=" << pcbSerial;
     const DeviceGuard device(m_csDevice);
     void* handle = m_hDevice;
-    const bool opened = board::zr3DInitHidDev(handle, kVendorId, kProductId, pcbSerial);
+    const bool opened =
+        board::zr3DInitHidDev(handle, kVendorId.data(), kProductId.data(), pcbSerial);
     // What a failed open may have left is no board.
     m_hDevice = opened ? handle : nullptr;
     return opened ? STATUS_SUCCESS : STATUS_PROJECTOR;

@@ -1,5 +1,7 @@
 #include "sync/board/BoardTranslation.h"
 
+#include "platform/include/BoardFacts.h"
+
 namespace Korvex3Sync {
 
 namespace board = zr3DHandiDLPdev;
@@ -27,23 +29,23 @@ board::DISTANCEINDICATE ToBoard(DISTANCESTATUS state) {
 }
 
 board::MASK_TRIGGER_MODE ToBoard(CAMERA_TRIGGER_MODE mode, bool enable) {
-    constexpr int kNoTrigger = 5;
+    namespace modes = hardware::trigger_mode;
     if (!enable) {
-        return board::MASK_TRIGGER_MODE{kNoTrigger};
+        return board::MASK_TRIGGER_MODE{modes::kOff};
     }
     switch (int{mode}) {
         case 1:
-            return board::MASK_TRIGGER_MODE{1};
+            return board::MASK_TRIGGER_MODE{modes::kLines};
         case 2:
-            return board::MASK_TRIGGER_MODE{2};
+            return board::MASK_TRIGGER_MODE{modes::kPattern};
         case 3:
-            return board::MASK_TRIGGER_MODE{3};
+            return board::MASK_TRIGGER_MODE{modes::kPatternAndColor};
         case 4:
-            return board::MASK_TRIGGER_MODE{6};
+            return board::MASK_TRIGGER_MODE{modes::kLinesAndColor};
         case 5:
-            return board::MASK_TRIGGER_MODE{4};
+            return board::MASK_TRIGGER_MODE{modes::kSingleColor};
         default:
-            return board::MASK_TRIGGER_MODE{kNoTrigger};
+            return board::MASK_TRIGGER_MODE{modes::kOff};
     }
 }
 

@@ -3,6 +3,7 @@
 #include <string>
 #include <vector>
 
+#include "platform/include/BoardFacts.h"
 #include "platform/include/USBTREE.h"
 #include "platform/os/CriticalSection.h"
 #include "platform/os/Log.h"
@@ -11,9 +12,6 @@ namespace Korvex3Sync {
 namespace {
 
 constexpr char kLog[] = "KorvexSyncControl";
-/// The scanner board's identifiers, those that the manager opens it with.
-constexpr unsigned long kVendorId = 0x3267;
-constexpr unsigned long kProductId = 0x5752;
 
 /// The library has one tree for the whole process: one caller at a time builds and frees it.
 std::vector<std::string> BoardPaths() {
@@ -21,7 +19,7 @@ std::vector<std::string> BoardPaths() {
     os::MutexGuard lock(oneAtATime);
     std::vector<std::string> paths;
     USBTREE::EnumAllHCD();
-    USBTREE::GetSpecifyDeviceTreePath(kVendorId, kProductId, paths);
+    USBTREE::GetSpecifyDeviceTreePath(hardware::kBoardVendor, hardware::kBoardProduct, paths);
     USBTREE::EraseList();
     return paths;
 }

@@ -4,6 +4,7 @@
 #include <chrono>
 #include <utility>
 
+#include "platform/include/PackedFrameLayout.h"
 #include "platform/os/Log.h"
 #include "sync/connection/ManagerLog.h"
 #include "sync/connection/ScanCallbackRule.h"
@@ -13,8 +14,6 @@ namespace {
 
 constexpr auto& kLog = kManagerSyncLog;
 
-/// Where a raw frame carries its key.
-constexpr std::size_t kKeyByte = 4;
 /// Images of a mono frame, and of a set without colour.
 constexpr std::size_t kMonoImages = 2;
 
@@ -65,7 +64,7 @@ Routed FramePath::HandleFrame(int cameraId, const unsigned char* raw, int width)
         m_scanCounters.UndecodableFrame();
         return Routed::Paired;
     }
-    m_decoded.key = raw[kKeyByte];
+    m_decoded.key = raw[hardware::kKeyByte];
     m_decoded.width = width;
     if (m_decoded.images.size() == kMonoImages) {
         const TriggerStarts::Run run = m_triggerStarts.Current();

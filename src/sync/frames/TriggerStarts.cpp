@@ -1,26 +1,19 @@
 #include "sync/frames/TriggerStarts.h"
 
+#include "platform/include/BoardFacts.h"
+
 namespace Korvex3Sync {
-namespace {
-
-bool GivesColor(int mode) {
-    return mode == 3 || mode == 6;
-}
-
-}  // namespace
 
 TriggerStarts::State TriggerStarts::StateOf(int mode) {
-    switch (mode) {
-        case 1:
-        case 2:
-        case 3:
-        case 6:
+    switch (hardware::RunOf(mode)) {
+        case hardware::TriggerRun::Running:
             return State::Running;
-        case 4:
+        case hardware::TriggerRun::Single:
             return State::Single;
-        default:
-            return State::Off;
+        case hardware::TriggerRun::Off:
+            break;
     }
+    return State::Off;
 }
 
 void TriggerStarts::Writing(int mode) {
@@ -34,7 +27,7 @@ void TriggerStarts::Writing(int mode) {
         ++m_run.starts;
     }
     // Around a change of the mode no colour is expected rather than one too many.
-    m_run.givesColor = m_run.givesColor && GivesColor(mode);
+    m_run.givesColor = m_run.givesColor && hardware::AddsColor(mode);
 }
 
 void TriggerStarts::Written(bool accepted) {
@@ -47,7 +40,7 @@ void TriggerStarts::Written(bool accepted) {
     m_state = StateOf(m_asked);
     // After a stop the frames that wait in the cameras are still of the mode before.
     if (m_state == State::Running) {
-        m_run.givesColor = GivesColor(m_asked);
+        m_run.givesColor = hardware::AddsColor(m_asked);
     }
 }
 

@@ -29,7 +29,7 @@ void Journal::Add(std::string call, std::string arguments, std::string result) {
     entry.thread = std::this_thread::get_id();
     entry.time = std::chrono::steady_clock::now();
 
-    std::lock_guard lock(m_mutex);
+    os::MutexGuard lock(m_mutex);
     Open& open = m_open[entry.thread];
     if (JournalEntry* const equal = FindEqual(open, entry)) {
         ++equal->count;
@@ -74,12 +74,12 @@ void Journal::ForgetThreadsWithoutEntries() {
 }
 
 std::vector<JournalEntry> Journal::Entries() const {
-    std::lock_guard lock(m_mutex);
+    os::MutexGuard lock(m_mutex);
     return {m_entries.begin(), m_entries.end()};
 }
 
 std::vector<std::string> Journal::Texts(const std::vector<std::string>& calls) const {
-    std::lock_guard lock(m_mutex);
+    os::MutexGuard lock(m_mutex);
     std::vector<std::string> texts;
     for (const JournalEntry& entry : m_entries) {
         if (calls.empty() || std::find(calls.begin(), calls.end(), entry.call) != calls.end()) {
@@ -90,12 +90,12 @@ std::vector<std::string> Journal::Texts(const std::vector<std::string>& calls) c
 }
 
 std::uint64_t Journal::Dropped() const {
-    std::lock_guard lock(m_mutex);
+    os::MutexGuard lock(m_mutex);
     return m_dropped;
 }
 
 void Journal::Clear() {
-    std::lock_guard lock(m_mutex);
+    os::MutexGuard lock(m_mutex);
     m_entries.clear();
     m_open.clear();
 }

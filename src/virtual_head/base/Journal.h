@@ -4,12 +4,12 @@
 #include <cstdint>
 #include <deque>
 #include <map>
-#include <mutex>
 #include <string>
 #include <thread>
 #include <utility>
 #include <vector>
 
+#include "platform/os/CriticalSection.h"
 #include "virtual_head/base/Export.h"
 
 namespace Korvex3Sync::virtual_head {
@@ -54,14 +54,14 @@ private:
     /// Sequences of a thread's entries that an equal call is counted at, oldest first.
     using Open = std::vector<std::uint64_t>;
 
-    JournalEntry* FindEqual(const Open& open, const JournalEntry& entry);
-    void ForgetThreadsWithoutEntries();
+    JournalEntry* FindEqual(const Open& open, const JournalEntry& entry) KORVEX_REQUIRES(m_mutex);
+    void ForgetThreadsWithoutEntries() KORVEX_REQUIRES(m_mutex);
 
-    mutable std::mutex m_mutex;
-    std::deque<JournalEntry> m_entries;
-    std::map<std::thread::id, Open> m_open;
-    std::uint64_t m_next = 0;
-    std::uint64_t m_dropped = 0;
+    mutable os::Mutex m_mutex;
+    std::deque<JournalEntry> m_entries KORVEX_GUARDED_BY(m_mutex);
+    std::map<std::thread::id, Open> m_open KORVEX_GUARDED_BY(m_mutex);
+    std::uint64_t m_next KORVEX_GUARDED_BY(m_mutex) = 0;
+    std::uint64_t m_dropped KORVEX_GUARDED_BY(m_mutex) = 0;
 };
 
 }  // namespace Korvex3Sync::virtual_head

@@ -6,6 +6,7 @@
 #include <string>
 
 #include "platform/board/protocol/Commands.h"
+#include "platform/include/BoardFacts.h"
 
 namespace Korvex3Sync::virtual_head {
 namespace {
@@ -14,8 +15,6 @@ using board::Command;
 using board::Payload;
 using board::Status;
 static_assert(UserMemory{}.size() == std::size_t{board::kUserPages} * board::kUserPageSize);
-
-constexpr int kTriggerOff = 5;
 
 Payload Answer(std::initializer_list<std::int32_t> values) {
     return board::ValuesPayload({values.begin(), values.size()});
@@ -74,7 +73,7 @@ Status RunCommand(const board::CommandMessage& message, const HeadDescription& d
             state = BoardState{};
             break;
         case Command::ResetFpga:
-            state.triggerMode = kTriggerOff;
+            state.triggerMode = hardware::trigger_mode::kOff;
             break;
         case Command::QueryCurrentStatus:
             reply = Answer({state.statusFirst, state.statusSecond});

@@ -3,6 +3,8 @@
 #include <array>
 #include <cstdint>
 
+#include "platform/include/BoardFacts.h"
+
 namespace Korvex3Sync::virtual_head {
 
 /// What the virtual board holds: one value for each thing that a command sets. Units are those of
@@ -15,7 +17,7 @@ struct BoardState {
     bool irLaserEnable = false;
     int irLaserLevel = 1;
     int triggerPeriod = 10;
-    int triggerMode = 5;
+    int triggerMode = hardware::trigger_mode::kOff;
     int projectorBrightness = 10;
     int projectType = 0;
     std::array<int, 3> strobeDuty{100, 100, 100};  // texture, plain, with texture

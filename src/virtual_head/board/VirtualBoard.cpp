@@ -96,19 +96,22 @@ std::optional<board::Report> VirtualBoard::Execute(const board::Report& command)
     if (FirstReport(*message) && m_faults.Meet(info->function)) {
         reply.status = Status::Failed;
     } else if (ChangesTrigger(message->command)) {
-        std::lock_guard order(m_triggerMutex);
-        std::unique_lock lock(m_mutex);
-        if (m_powerCycles != powerCycle) {
-            return std::nullopt;
+        os::MutexGuard order(m_triggerMutex);
+        BoardState state;
+        {
+            os::MutexGuard lock(m_mutex);
+            if (m_powerCycles != powerCycle) {
+                return std::nullopt;
+            }
+            reply.status =
+                RunCommand(*message, m_description, m_state, m_userMemory, reply.payload);
+            state = m_state;
         }
-        reply.status = RunCommand(*message, m_description, m_state, m_userMemory, reply.payload);
-        const BoardState state = m_state;
-        lock.unlock();
         if (reply.status == Status::Ok && m_triggerChanged) {
             m_triggerChanged(state, message->command != Command::SetTriggerPeriod);
         }
     } else {
-        std::lock_guard lock(m_mutex);
+        os::MutexGuard lock(m_mutex);
         if (m_powerCycles != powerCycle) {
             return std::nullopt;
         }
@@ -123,29 +126,29 @@ std::optional<board::Report> VirtualBoard::Execute(const board::Report& command)
 }
 
 BoardState VirtualBoard::State() const {
-    std::lock_guard lock(m_mutex);
+    os::MutexGuard lock(m_mutex);
     return m_state;
 }
 
 void VirtualBoard::PowerOff() {
-    std::lock_guard lock(m_mutex);
+    os::MutexGuard lock(m_mutex);
     m_state = BoardState{};
     ++m_powerCycles;
 }
 
 void VirtualBoard::PowerOn(const std::function<void()>& powered) {
-    std::lock_guard order(m_triggerMutex);
+    os::MutexGuard order(m_triggerMutex);
     PowerOff();
     powered();
 }
 
 std::uint64_t VirtualBoard::PowerCycles() const {
-    std::lock_guard lock(m_mutex);
+    os::MutexGuard lock(m_mutex);
     return m_powerCycles;
 }
 
 void VirtualBoard::SetStatus(std::uint8_t first, std::uint8_t second) {
-    std::lock_guard lock(m_mutex);
+    os::MutexGuard lock(m_mutex);
     m_state.statusFirst = first;
     m_state.statusSecond = second;
 }

@@ -3,10 +3,10 @@
 #include <array>
 #include <cstdint>
 #include <functional>
-#include <mutex>
 #include <optional>
 
 #include "platform/board/protocol/Report.h"
+#include "platform/os/CriticalSection.h"
 #include "virtual_head/base/Export.h"
 #include "virtual_head/board/BoardState.h"
 #include "virtual_head/config/HeadDescription.h"
@@ -53,11 +53,11 @@ private:
 
     // Held over a change of the trigger and its announcement, so that announcements come in the
     // order of the changes. Taken before m_mutex.
-    std::mutex m_triggerMutex;
-    mutable std::mutex m_mutex;
-    BoardState m_state;
-    std::array<std::uint8_t, 4096> m_userMemory;
-    std::uint64_t m_powerCycles = 0;
+    os::Mutex m_triggerMutex;
+    mutable os::Mutex m_mutex;
+    BoardState m_state KORVEX_GUARDED_BY(m_mutex);
+    std::array<std::uint8_t, 4096> m_userMemory KORVEX_GUARDED_BY(m_mutex);
+    std::uint64_t m_powerCycles KORVEX_GUARDED_BY(m_mutex) = 0;
 };
 
 }  // namespace Korvex3Sync::virtual_head

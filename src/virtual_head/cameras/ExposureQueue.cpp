@@ -2,12 +2,10 @@
 
 #include <utility>
 
-#include "platform/os/Clock.h"
-
 namespace Korvex3Sync::virtual_head {
 
 ExposureQueue::Pushed ExposureQueue::Push(const Exposure& exposure) {
-    std::lock_guard lock(m_mutex);
+    os::MutexGuard lock(m_mutex);
     if (m_closed) {
         return Pushed::Closed;
     }
@@ -16,14 +14,14 @@ ExposureQueue::Pushed ExposureQueue::Push(const Exposure& exposure) {
         return Pushed::NoRoom;
     }
     m_waiting.push_back(exposure);
-    m_changed.notify_one();
+    m_changed.NotifyOne();
     return Pushed::Taken;
 }
 
-std::optional<Exposure> ExposureQueue::Pop(std::chrono::milliseconds limit) {
-    std::unique_lock lock(m_mutex);
-    const auto deadline = std::chrono::steady_clock::now() + os::Scaled(limit);
-    m_changed.wait_until(lock, deadline, [this] { return m_closed || !m_waiting.empty(); });
+std::optional<Exposure> ExposureQueue::Pop(std::chrono::steady_clock::time_point deadline) {
+    os::MutexGuard lock(m_mutex);
+    while (!m_closed && m_waiting.empty() && m_changed.WaitUntil(m_mutex, deadline)) {
+    }
     if (m_closed || m_waiting.empty()) {
         return std::nullopt;
     }
@@ -36,29 +34,29 @@ std::optional<Exposure> ExposureQueue::Pop(std::chrono::milliseconds limit) {
 }
 
 void ExposureQueue::Clear() {
-    std::lock_guard lock(m_mutex);
+    os::MutexGuard lock(m_mutex);
     Drop();
 }
 
 void ExposureQueue::Close() {
-    std::lock_guard lock(m_mutex);
+    os::MutexGuard lock(m_mutex);
     m_closed = true;
     Drop();
-    m_changed.notify_all();
+    m_changed.NotifyAll();
 }
 
 std::uint64_t ExposureQueue::Lost() const {
-    std::lock_guard lock(m_mutex);
+    os::MutexGuard lock(m_mutex);
     return m_counts.lost;
 }
 
 ExposureQueue::Counts ExposureQueue::Counted() const {
-    std::lock_guard lock(m_mutex);
+    os::MutexGuard lock(m_mutex);
     return m_counts;
 }
 
 ExposureQueue::Counts ExposureQueue::Settle() {
-    std::lock_guard lock(m_mutex);
+    os::MutexGuard lock(m_mutex);
     Drop();
     return std::exchange(m_counts, {});
 }

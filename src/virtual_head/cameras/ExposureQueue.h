@@ -2,13 +2,13 @@
 
 #include <array>
 #include <chrono>
-#include <condition_variable>
 #include <cstddef>
 #include <cstdint>
 #include <deque>
-#include <mutex>
 #include <optional>
 
+#include "platform/os/Condition.h"
+#include "platform/os/CriticalSection.h"
 #include "virtual_head/base/Export.h"
 #include "virtual_head/cameras/Exposure.h"
 
@@ -28,8 +28,8 @@ public:
     explicit ExposureQueue(std::size_t most) : m_most(most) {}
     /// Never blocks. Nothing is taken after Close.
     Pushed Push(const Exposure& exposure);
-    /// Waits for an exposure, at most for the limit; nothing when the limit passes or on Close.
-    std::optional<Exposure> Pop(std::chrono::milliseconds limit);
+    /// Waits for an exposure; nothing when the deadline passes or on Close.
+    std::optional<Exposure> Pop(std::chrono::steady_clock::time_point deadline);
     /// Drops what waits.
     void Clear();
     /// Wakes a waiting Pop, which then gives nothing; later calls of Pop return nothing at once.
@@ -41,14 +41,14 @@ public:
     Counts Settle();
 
 private:
-    void Drop();
+    void Drop() KORVEX_REQUIRES(m_mutex);
 
     const std::size_t m_most;
-    mutable std::mutex m_mutex;
-    std::condition_variable m_changed;
-    std::deque<Exposure> m_waiting;
-    Counts m_counts;
-    bool m_closed = false;
+    mutable os::Mutex m_mutex;
+    os::Condition m_changed;
+    std::deque<Exposure> m_waiting KORVEX_GUARDED_BY(m_mutex);
+    Counts m_counts KORVEX_GUARDED_BY(m_mutex);
+    bool m_closed KORVEX_GUARDED_BY(m_mutex) = false;
 };
 
 }  // namespace Korvex3Sync::virtual_head

@@ -58,7 +58,7 @@ bool CallFaults::Fail(const std::string& call, int times) {
     if (!Known(call) || times < 1) {
         return false;
     }
-    std::lock_guard lock(m_mutex);
+    os::MutexGuard lock(m_mutex);
     m_orders[call].fail += times;
     return true;
 }
@@ -67,7 +67,7 @@ bool CallFaults::Slow(const std::string& call, std::chrono::milliseconds extra, 
     if (!Known(call) || times < 1 || extra.count() < 0) {
         return false;
     }
-    std::lock_guard lock(m_mutex);
+    os::MutexGuard lock(m_mutex);
     Orders& orders = m_orders[call];
     orders.slow += times;
     orders.extra = extra;
@@ -78,7 +78,7 @@ bool CallFaults::Hang(const std::string& call, int times, std::chrono::milliseco
     if (!Known(call) || times < 1 || lasting.count() < 0) {
         return false;
     }
-    std::lock_guard lock(m_mutex);
+    os::MutexGuard lock(m_mutex);
     Orders& orders = m_orders[call];
     orders.hang += times;
     orders.lasting = lasting;
@@ -86,29 +86,53 @@ bool CallFaults::Hang(const std::string& call, int times, std::chrono::milliseco
 }
 
 void CallFaults::ReleaseHangs() {
-    std::lock_guard lock(m_mutex);
+    os::MutexGuard lock(m_mutex);
     ++m_releases;
-    m_changed.notify_all();
+    m_changed.NotifyAll();
 }
 
 void CallFaults::ReleaseHangs(const std::string& call) {
-    std::lock_guard lock(m_mutex);
+    os::MutexGuard lock(m_mutex);
     if (const auto found = m_orders.find(call); found != m_orders.end()) {
         ++found->second.releases;
-        m_changed.notify_all();
+        m_changed.NotifyAll();
     }
 }
 
 bool CallFaults::WaitForHang(const std::string& call, std::chrono::milliseconds limit) {
-    std::unique_lock lock(m_mutex);
-    return m_changed.wait_for(lock, limit, [this, &call] {
+    const auto deadline = std::chrono::steady_clock::now() + limit;
+    os::MutexGuard lock(m_mutex);
+    while (true) {
         const auto found = m_orders.find(call);
-        return found != m_orders.end() && found->second.hanging > 0;
-    });
+        if (found != m_orders.end() && found->second.hanging > 0) {
+            return true;
+        }
+        if (!m_changed.WaitUntil(m_mutex, deadline)) {
+            return false;
+        }
+    }
+}
+
+void CallFaults::HangNow(Orders& orders) {
+    ++orders.hanging;
+    m_changed.NotifyAll();
+    const std::uint64_t all = m_releases;
+    const std::uint64_t own = orders.releases;
+    const auto end = std::chrono::steady_clock::now() + os::Scaled(orders.lasting);
+    const bool ends = orders.lasting.count() > 0;
+    bool hangs = true;
+    while (hangs && m_releases == all && orders.releases == own) {
+        if (ends) {
+            hangs = m_changed.WaitUntil(m_mutex, end);
+        } else {
+            m_changed.Wait(m_mutex);
+        }
+    }
+    --orders.hanging;
 }
 
 std::vector<std::string> CallFaults::Unused() const {
-    std::lock_guard lock(m_mutex);
+    os::MutexGuard lock(m_mutex);
     std::vector<std::string> unused;
     for (const auto& [call, orders] : m_orders) {
         Describe("fail", call, orders.fail, unused);
@@ -119,7 +143,7 @@ std::vector<std::string> CallFaults::Unused() const {
 }
 
 void CallFaults::Clear() {
-    std::lock_guard lock(m_mutex);
+    os::MutexGuard lock(m_mutex);
     for (auto& [call, orders] : m_orders) {
         orders.fail = 0;
         orders.slow = 0;
@@ -128,13 +152,13 @@ void CallFaults::Clear() {
 }
 
 bool CallFaults::Holds(const std::string& call) const {
-    std::lock_guard lock(m_mutex);
+    os::MutexGuard lock(m_mutex);
     const auto found = m_orders.find(call);
     return found != m_orders.end() && (found->second.slowed > 0 || found->second.hanging > 0);
 }
 
 bool CallFaults::Meet(const std::string& call) {
-    std::unique_lock lock(m_mutex);
+    os::MutexGuard lock(m_mutex);
     const auto found = m_orders.find(call);
     if (found == m_orders.end()) {
         return false;
@@ -142,18 +166,7 @@ bool CallFaults::Meet(const std::string& call) {
     Orders& orders = found->second;  // orders are never erased: the reference outlives the waits
     if (orders.hang > 0) {
         --orders.hang;
-        ++orders.hanging;
-        m_changed.notify_all();
-        const auto released = [this, &orders, all = m_releases, own = orders.releases] {
-            return m_releases != all || orders.releases != own;
-        };
-        if (orders.lasting.count() > 0) {
-            m_changed.wait_until(
-                lock, std::chrono::steady_clock::now() + os::Scaled(orders.lasting), released);
-        } else {
-            m_changed.wait(lock, released);
-        }
-        --orders.hanging;
+        HangNow(orders);
         return true;
     }
     bool fails = false;
@@ -165,9 +178,10 @@ bool CallFaults::Meet(const std::string& call) {
         --orders.slow;
         ++orders.slowed;
         const std::chrono::milliseconds extra = orders.extra;
-        lock.unlock();
-        os::SleepFor(extra);
-        lock.lock();
+        {
+            os::MutexRelease unlocked(m_mutex);
+            os::SleepFor(extra);
+        }
         --orders.slowed;
     }
     return fails;

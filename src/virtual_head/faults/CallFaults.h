@@ -1,19 +1,19 @@
 #pragma once
 
 #include <chrono>
-#include <condition_variable>
 #include <cstdint>
 #include <map>
-#include <mutex>
 #include <string>
 #include <vector>
 
+#include "platform/os/Condition.h"
+#include "platform/os/CriticalSection.h"
 #include "virtual_head/base/Export.h"
 
 namespace Korvex3Sync::virtual_head {
 
 /// Faults by call, of all platform libraries. What orders mean is said at Faults, through which
-/// they come. Thread-safe; `m_mutex` guards everything and is not held while a call is slowed.
+/// they come. Thread-safe; `m_mutex` is not held while a call hangs or is slowed.
 class KORVEX_VIRTUAL_HEAD_API CallFaults {
 public:
     bool Fail(const std::string& call, int times);
@@ -45,10 +45,13 @@ private:
         std::uint64_t releases = 0;
     };
 
-    mutable std::mutex m_mutex;
-    std::condition_variable m_changed;
-    std::map<std::string, Orders> m_orders;
-    std::uint64_t m_releases = 0;
+    /// Blocks until the hang ends.
+    void HangNow(Orders& orders) KORVEX_REQUIRES(m_mutex);
+
+    mutable os::Mutex m_mutex;
+    os::Condition m_changed;
+    std::map<std::string, Orders> m_orders KORVEX_GUARDED_BY(m_mutex);
+    std::uint64_t m_releases KORVEX_GUARDED_BY(m_mutex) = 0;
 };
 
 }  // namespace Korvex3Sync::virtual_head

@@ -18,7 +18,7 @@ void FaultSchedule::Start(const std::vector<TimedFault>& faults, std::uint64_t s
         m_journal->AddFault("seed " + std::to_string(seed), "begun");
     }
     const Time now = steady_clock::now();
-    std::unique_lock lock(m_mutex);
+    os::MutexGuard lock(m_mutex);
     m_generator.seed(seed);
     for (const TimedFault& fault : faults) {
         Entry entry;
@@ -29,14 +29,14 @@ void FaultSchedule::Start(const std::vector<TimedFault>& faults, std::uint64_t s
         m_entries.push_back(std::move(entry));
     }
     // Here and not on the thread: no call comes before a fault that is there from the beginning.
-    BeginDue(now, lock);
+    BeginDue(now);
     if (NextTimed() && !StartThread()) {
         throw std::runtime_error("no thread for the timed faults of the virtual head");
     }
 }
 
 void FaultSchedule::BeforeTrigger(std::uint64_t number, bool attended) {
-    std::unique_lock lock(m_mutex);
+    os::MutexGuard lock(m_mutex);
     for (std::size_t index = 0; index < m_entries.size() && !m_end; ++index) {
         Entry& entry = m_entries[index];
         const bool due = entry.fault.atTrigger ? number >= *entry.fault.atTrigger : !entry.due;
@@ -48,15 +48,14 @@ void FaultSchedule::BeforeTrigger(std::uint64_t number, bool attended) {
             order = entry.fault.order;
         }
         if (order) {
-            lock.unlock();
+            os::MutexRelease unlocked(m_mutex);
             BeginNow(index, *order);
-            lock.lock();
         }
     }
 }
 
 bool FaultSchedule::After(std::chrono::milliseconds time, const FaultOrder& order) {
-    std::lock_guard lock(m_mutex);
+    os::MutexGuard lock(m_mutex);
     if (m_end || !StartThread()) {
         return false;
     }
@@ -66,21 +65,21 @@ bool FaultSchedule::After(std::chrono::milliseconds time, const FaultOrder& orde
     entry.follows = true;
     entry.due = steady_clock::now() + os::Scaled(time);
     m_entries.push_back(std::move(entry));
-    m_changed.notify_all();
+    m_changed.NotifyAll();
     return true;
 }
 
 void FaultSchedule::End() {
     {
-        std::lock_guard lock(m_mutex);
+        os::MutexGuard lock(m_mutex);
         m_end = true;
-        m_changed.notify_all();
+        m_changed.NotifyAll();
     }
     m_thread.Join();
 }
 
 std::vector<std::string> FaultSchedule::Unused() const {
-    std::lock_guard lock(m_mutex);
+    os::MutexGuard lock(m_mutex);
     std::vector<std::string> unused;
     for (const Entry& entry : m_entries) {
         const std::string text = Text(entry.fault);
@@ -99,7 +98,7 @@ std::vector<std::string> FaultSchedule::Unused() const {
 }
 
 void FaultSchedule::Clear() {
-    std::lock_guard lock(m_mutex);
+    os::MutexGuard lock(m_mutex);
     for (Entry& entry : m_entries) {
         if (!entry.follows) {
             entry.state = State::Begun;
@@ -108,29 +107,28 @@ void FaultSchedule::Clear() {
 }
 
 void FaultSchedule::Run() {
-    std::unique_lock lock(m_mutex);
+    os::MutexGuard lock(m_mutex);
     while (!m_end) {
         const std::optional<std::size_t> next = NextTimed();
         if (!next) {
-            m_changed.wait(lock);
+            m_changed.Wait(m_mutex);
             continue;
         }
         const Time due = *m_entries[*next].due;
         if (steady_clock::now() < due) {
-            m_changed.wait_until(lock, due);
+            m_changed.WaitUntil(m_mutex, due);
             continue;
         }
-        BeginDue(due, lock);
+        BeginDue(due);
     }
 }
 
-void FaultSchedule::BeginDue(Time until, std::unique_lock<std::mutex>& lock) {
+void FaultSchedule::BeginDue(Time until) {
     for (auto next = NextTimed(); next && *m_entries[*next].due <= until && !m_end;
          next = NextTimed()) {
         if (const auto order = Turn(m_entries[*next])) {
-            lock.unlock();
+            os::MutexRelease unlocked(m_mutex);
             BeginNow(*next, *order);
-            lock.lock();
         }
     }
 }
@@ -159,7 +157,7 @@ void FaultSchedule::BeginNow(std::size_t index, const FaultOrder& order) {
     std::string text;
     {
         // Entries are never taken out, so that the index stays good.
-        std::lock_guard lock(m_mutex);
+        os::MutexGuard lock(m_mutex);
         Entry& entry = m_entries[index];
         text = Text(entry.fault);
         entry.drawn = entry.drawn || begun;

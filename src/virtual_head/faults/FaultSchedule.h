@@ -1,16 +1,16 @@
 #pragma once
 
 #include <chrono>
-#include <condition_variable>
 #include <cstdint>
 #include <functional>
-#include <mutex>
 #include <optional>
 #include <random>
 #include <string>
 #include <utility>
 #include <vector>
 
+#include "platform/os/Condition.h"
+#include "platform/os/CriticalSection.h"
 #include "platform/os/Thread.h"
 #include "virtual_head/base/Export.h"
 #include "virtual_head/faults/FaultOrder.h"
@@ -21,7 +21,7 @@ class Journal;
 
 /// Begins faults by themselves: with a trigger, at a time, or as a seeded generator draws. One
 /// fault draws after the other, once a trigger each, so that equal triggers meet equal faults.
-/// Thread-safe. `m_mutex` guards everything but the thread and is not held while a fault begins.
+/// Thread-safe. `m_mutex` is not held while a fault begins.
 class KORVEX_VIRTUAL_HEAD_API FaultSchedule {
 public:
     /// Begins a fault; false when it cannot begin now.
@@ -63,21 +63,21 @@ private:
 
     void Run();
     /// Begins what is due at this time, in the order of its times.
-    void BeginDue(Time until, std::unique_lock<std::mutex>& lock);
-    bool StartThread();
-    bool Draw(double chance);
+    void BeginDue(Time until) KORVEX_REQUIRES(m_mutex);
+    bool StartThread() KORVEX_REQUIRES(m_mutex);
+    bool Draw(double chance) KORVEX_REQUIRES(m_mutex);
     /// Takes the due entry's turn; the fault that has to begin now, if any.
     std::optional<FaultOrder> Turn(Entry& entry);
-    void BeginNow(std::size_t index, const FaultOrder& order);
-    std::optional<std::size_t> NextTimed() const;
+    void BeginNow(std::size_t index, const FaultOrder& order) KORVEX_EXCLUDES(m_mutex);
+    std::optional<std::size_t> NextTimed() const KORVEX_REQUIRES(m_mutex);
 
     Journal* const m_journal;
     const Begin m_begin;
-    mutable std::mutex m_mutex;
-    std::condition_variable m_changed;
-    std::vector<Entry> m_entries;
-    std::mt19937_64 m_generator;
-    bool m_end = false;
+    mutable os::Mutex m_mutex;
+    os::Condition m_changed;
+    std::vector<Entry> m_entries KORVEX_GUARDED_BY(m_mutex);
+    std::mt19937_64 m_generator KORVEX_GUARDED_BY(m_mutex);
+    bool m_end KORVEX_GUARDED_BY(m_mutex) = false;
     os::Thread m_thread;
 };
 

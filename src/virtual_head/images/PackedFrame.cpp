@@ -1,21 +1,13 @@
 #include "virtual_head/images/PackedFrame.h"
 
-#include <array>
 #include <cstring>
+
+#include "platform/include/PackedFrameLayout.h"
 
 namespace Korvex3Sync::virtual_head {
 namespace {
 
 constexpr std::size_t kGroup = 4;  // pixels of one image in each 8 bytes
-constexpr std::size_t kKeyByte = 4;
-
-struct MarkerByte {
-    std::size_t offset;
-    std::uint8_t value;
-};
-// All of them lie in the first image's place.
-constexpr std::array<MarkerByte, 7> kMarker{
-    {{0, 0xAA}, {1, 0xAA}, {2, 0x55}, {3, 0x55}, {9, 0xAA}, {10, 0x55}, {11, 0x55}}};
 
 void CopyReversed(const std::uint8_t* from, std::uint8_t* to) {
     std::uint32_t group = 0;
@@ -25,17 +17,8 @@ void CopyReversed(const std::uint8_t* from, std::uint8_t* to) {
     std::memcpy(to, &group, kGroup);
 }
 
-bool HasMarker(const std::uint8_t* packed) {
-    for (const MarkerByte& byte : kMarker) {
-        if (packed[byte.offset] != byte.value) {
-            return false;
-        }
-    }
-    return true;
-}
-
 void WriteMarker(std::uint8_t* packed) {
-    for (const MarkerByte& byte : kMarker) {
+    for (const hardware::MarkerByte& byte : hardware::kColorMarker) {
         packed[byte.offset] = byte.value;
     }
 }
@@ -48,7 +31,7 @@ void PackMono(const std::uint8_t* first, const std::uint8_t* second, std::size_t
         CopyReversed(first + i, packed + 2 * i);
         CopyReversed(second + i, packed + 2 * i + kGroup);
     }
-    if (HasMarker(packed)) {
+    if (hardware::CarriesColorMarker(packed)) {
         ++packed[0];
     }
 }
@@ -70,7 +53,7 @@ void PackColorFromMono(const std::uint8_t* packedMono, std::size_t pixels, std::
 }
 
 void WriteKey(std::uint8_t key, std::uint8_t* packed) {
-    packed[kKeyByte] = key;
+    packed[hardware::kKeyByte] = key;
 }
 
 }  // namespace Korvex3Sync::virtual_head

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "platform/include/BoardFacts.h"
 #include "virtual_head/scene/Patterns.h"
 
 namespace Korvex3Sync::virtual_head::scene {
@@ -26,16 +27,11 @@ Frame FrameOf(const Exposure& exposure) {
     if (exposure.color) {
         return Frame::Other;
     }
-    switch (exposure.light.triggerMode) {
-        case 1:
-        case 6:
-            return Frame::Lines;
-        case 2:
-        case 3:
-            return Frame::Pattern;
-        default:
-            return Frame::Other;
+    const int mode = exposure.light.triggerMode;
+    if (hardware::ShowsLines(mode)) {
+        return Frame::Lines;
     }
+    return hardware::ShowsPattern(mode) ? Frame::Pattern : Frame::Other;
 }
 
 /// The part of full power of a number from 0 to `most`; what lies outside counts as the limit.
@@ -53,7 +49,7 @@ double StrobePower(const Exposure& exposure) {
     const BoardState& light = exposure.light;
     const int state = light.strobeState;
     const bool lit = state == 1 || state == (exposure.color ? 3 : 2);
-    const bool withTexture = exposure.color || light.triggerMode == 3 || light.triggerMode == 6;
+    const bool withTexture = exposure.color || hardware::AddsColor(light.triggerMode);
     const std::size_t duty = exposure.color ? 0 : (withTexture ? 2 : 1);
     const double rings = light.strobeRoute == 0 || light.strobeRoute == 1 ? 0.5 : 1;
     return lit ? rings * (exposure.color ? kStrobeInColor : kStrobeInMono) *

@@ -5,13 +5,12 @@
 #include <atomic>
 #include <cstring>
 #include <memory>
-#include <mutex>
 #include <new>
 #include <optional>
-#include <shared_mutex>
 #include <thread>
 #include <vector>
 
+#include "platform/os/CriticalSection.h"
 #include "platform/os/Thread.h"
 #include "virtual_head/images/ImageSource.h"
 #include "virtual_head/images/PackedFrame.h"
@@ -25,9 +24,9 @@ using Bytes = std::vector<std::uint8_t>;
 
 /// A packed frame and the lighting that it was composed for.
 struct Composed {
-    std::shared_mutex mutex;
-    std::optional<Lighting> lighting;
-    Bytes packed;
+    os::Mutex mutex;
+    std::optional<Lighting> lighting KORVEX_GUARDED_BY(mutex);
+    Bytes packed KORVEX_GUARDED_BY(mutex);
 };
 
 /// All of one pose.
@@ -45,7 +44,7 @@ public:
                    static_cast<std::size_t>(description.height)) {}
 
     bool Prepare() override {
-        std::lock_guard lock(m_preparing);
+        os::MutexGuard lock(m_preparing);
         if (m_ready) {
             return true;
         }
@@ -54,8 +53,11 @@ public:
             for (PoseFrames& pose : poses) {
                 Allocate(pose);
             }
-            m_left.resize(m_pixels);
-            m_right.resize(m_pixels);
+            {
+                os::MutexGuard composing(m_composing);
+                m_left.resize(m_pixels);
+                m_right.resize(m_pixels);
+            }
             if (!DrawAll(poses)) {
                 return false;
             }
@@ -82,8 +84,13 @@ private:
         const bool color = m_description.color;
         scene::Allocate(m_description, color, pose.views[0]);
         scene::Allocate(m_description, false, pose.views[1]);
-        pose.mono.packed.resize(2 * m_pixels);
-        pose.color.packed.resize(color ? 2 * m_pixels : 0);
+        Resize(pose.mono, 2 * m_pixels);
+        Resize(pose.color, color ? 2 * m_pixels : 0);
+    }
+
+    static void Resize(Composed& composed, std::size_t size) {
+        os::MutexGuard lock(composed.mutex);
+        composed.packed.resize(size);
     }
 
     /// Draws the views of all poses on as many threads as the machine runs at once. False when
@@ -118,22 +125,16 @@ private:
     void Copy(const Exposure& exposure, PoseFrames& pose, std::uint8_t* packed) {
         const Lighting lighting = LightingOf(exposure);
         Composed& composed = exposure.color ? pose.color : pose.mono;
-        {
-            std::shared_lock reading(composed.mutex);
-            if (composed.lighting == lighting) {
-                std::memcpy(packed, composed.packed.data(), composed.packed.size());
-                return;
-            }
-        }
-        std::lock_guard writing(composed.mutex);
+        os::MutexGuard lock(composed.mutex);
         if (composed.lighting != lighting) {
             Compose(exposure.color, pose, lighting, composed);
         }
         std::memcpy(packed, composed.packed.data(), composed.packed.size());
     }
 
-    void Compose(bool color, const PoseFrames& pose, const Lighting& lighting, Composed& composed) {
-        std::lock_guard lock(m_composing);
+    void Compose(bool color, const PoseFrames& pose, const Lighting& lighting, Composed& composed)
+        KORVEX_REQUIRES(composed.mutex) {
+        os::MutexGuard lock(m_composing);
         if (color) {
             ComposeColor(pose.views[0], lighting.sensors[0], m_left.data());
             PackColor(m_left.data(), m_pixels, composed.packed.data());
@@ -149,13 +150,12 @@ private:
 
     const HeadDescription m_description;
     const std::size_t m_pixels;
-    std::mutex m_preparing;
+    os::Mutex m_preparing;
     std::atomic<bool> m_ready{false};
     std::vector<PoseFrames> m_poses;  // written before m_ready is set
-    // Taken after a frame's own lock; guards the two images that are being composed.
-    std::mutex m_composing;
-    Bytes m_left;
-    Bytes m_right;
+    os::Mutex m_composing;            // taken after a frame's own lock
+    Bytes m_left KORVEX_GUARDED_BY(m_composing);
+    Bytes m_right KORVEX_GUARDED_BY(m_composing);
 };
 
 }  // namespace
