@@ -1,4 +1,4 @@
-#include "korvexctl/commands/Program.h"
+#include "korvexctl/Program.h"
 
 int main(int count, char** arguments) {
     return Korvex3Sync::korvexctl::RunProgram(count, arguments);

@@ -4,7 +4,7 @@
 
 #include <algorithm>
 
-#include "korvexctl/commands/CommandLine.h"
+#include "korvexctl/CommandLine.h"
 #include "korvexctl/files/Descriptors.h"
 
 namespace Korvex3Sync::tests {

@@ -4,7 +4,7 @@
 #include <vector>
 
 #include "korvexctl/Korvexctl.h"
-#include "korvexctl/cli/Output.h"
+#include "korvexctl/files/Output.h"
 #include "support/RequestedHead.h"
 
 namespace Korvex3Sync::tests {

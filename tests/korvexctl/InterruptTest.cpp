@@ -11,9 +11,9 @@
 
 #include "korvexctl/CommandOverHead.h"
 #include "korvexctl/ErrorIntoFile.h"
+#include "korvexctl/Program.h"
 #include "korvexctl/ScanOverHead.h"
 #include "korvexctl/cli/Signals.h"
-#include "korvexctl/commands/Program.h"
 #include "support/CaseName.h"
 #include "support/WaitUntil.h"
 #include "virtual_head/TestFiles.h"

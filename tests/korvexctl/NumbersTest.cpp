@@ -1,9 +1,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "korvexctl/CommandLine.h"
 #include "korvexctl/CommandOverHead.h"
 #include "korvexctl/cli/Decimal.h"
-#include "korvexctl/commands/CommandLine.h"
 #include "virtual_head/TestFiles.h"
 
 namespace Korvex3Sync::tests {

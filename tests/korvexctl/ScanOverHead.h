@@ -7,8 +7,8 @@
 #include <string>
 #include <vector>
 
-#include "korvexctl/commands/ScanCommand.h"
 #include "korvexctl/files/Descriptors.h"
+#include "korvexctl/scan/Scan.h"
 #include "platform/os/Clock.h"
 #include "support/RequestedHead.h"
 

@@ -5,7 +5,7 @@
 #include <sstream>
 
 #include "korvexctl/CommandOverHead.h"
-#include "korvexctl/head/StatusReport.h"
+#include "korvexctl/commands/StatusReport.h"
 #include "support/CaseName.h"
 #include "virtual_head/TestFiles.h"
 

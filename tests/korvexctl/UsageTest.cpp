@@ -4,9 +4,9 @@
 
 #include <sstream>
 
+#include "korvexctl/CommandLine.h"
 #include "korvexctl/Korvexctl.h"
 #include "korvexctl/cli/ExitCodes.h"
-#include "korvexctl/commands/CommandLine.h"
 #include "support/CaseName.h"
 #include "virtual_head/TestFiles.h"
 

@@ -27,6 +27,14 @@ const std::string kBoardHeader = "src/platform/include/zr3DHandiDLPdev.h";
 const std::string kBoardFacts = "src/platform/include/BoardFacts.h";
 const std::string kFrameLayout = "src/platform/include/PackedFrameLayout.h";
 const std::string kHead = "src/virtual_head/";
+const std::string kHeadRequest = "src/virtual_head/Request.h";
+const std::string kKorvexctl = "programs/korvexctl/";
+const std::string kCli = kKorvexctl + "cli/";
+const std::string kFiles = kKorvexctl + "files/";
+const std::string kProgramHead = kKorvexctl + "head/";
+const std::string kSettings = kKorvexctl + "settings/";
+const std::string kPictures = kKorvexctl + "pictures/";
+const std::string kScan = kKorvexctl + "scan/";
 
 const std::vector<Arrows> kArrows{
     {kPublic, {}},
@@ -43,7 +51,18 @@ const std::vector<Arrows> kArrows{
     {"src/platform/cameras/", {kHeaders, kOs, kHead}},
     {"src/platform/usbtree/", {kHeaders, kOs, kHead}},
     {kHead, {"src/platform/board/protocol/", kHeaders, kOs}},
-    {"programs/korvexctl/", {kPublic, "src/virtual_head/Request.h"}},
+    {kCli, {kOs}},
+    {kFiles, {kCli, kOs}},
+    {kProgramHead, {kCli, kFiles, kPublic, kHeadRequest, kOs}},
+    {kSettings, {kCli, kProgramHead, kPublic, kOs}},
+    {kPictures, {kCli, kFiles, kOs}},
+    {kScan, {kCli, kFiles, kProgramHead, kSettings, kPictures, kPublic, kOs}},
+    {kKorvexctl + "health/",
+     {kCli, kFiles, kProgramHead, kSettings, kScan, kPublic, kHeadRequest, kOs}},
+    {kKorvexctl + "commands/",
+     {kCli, kFiles, kProgramHead, kSettings, kPictures, kScan, kKorvexctl + "health/", kPublic,
+      kOs}},
+    {kKorvexctl, {kPublic, kHeadRequest, kOs}},
     {"examples/", {kPublic}},
     {"tests/", {"include/", "src/", "programs/", "tests/"}},
     {"bench/", {"include/", "src/", "programs/", "tests/"}},

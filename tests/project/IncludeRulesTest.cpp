@@ -20,15 +20,30 @@ using ::testing::SizeIs;
 /// A tree in which every room has a header, and one more file.
 SourceTree TreeWith(const std::string& file, const std::string& text) {
     SourceTree tree;
-    for (const char* header :
-         {"include/Korvex3Sync/Status.h", "src/interface/Frame.h", "src/sync/Manager.h",
-          "src/camera/Grab.h", "src/platform/include/zr3DHandiDLPdev.h",
-          "src/platform/include/zr3DCamera.h", "src/platform/include/USBTREE.h",
-          "src/platform/os/Event.h", "src/platform/board/Link.h",
-          "src/platform/board/protocol/Report.h", "src/platform/cameras/Camera.h",
-          "src/platform/usbtree/Tree.h", "src/virtual_head/Request.h",
-          "src/virtual_head/VirtualHead.h", "programs/korvexctl/head/Session.h",
-          "tests/support/Child.h"}) {
+    for (const char* header : {"include/Korvex3Sync/Status.h",
+                               "src/interface/Frame.h",
+                               "src/sync/Manager.h",
+                               "src/camera/Grab.h",
+                               "src/platform/include/zr3DHandiDLPdev.h",
+                               "src/platform/include/zr3DCamera.h",
+                               "src/platform/include/USBTREE.h",
+                               "src/platform/os/Event.h",
+                               "src/platform/board/Link.h",
+                               "src/platform/board/protocol/Report.h",
+                               "src/platform/cameras/Camera.h",
+                               "src/platform/usbtree/Tree.h",
+                               "src/virtual_head/Request.h",
+                               "src/virtual_head/VirtualHead.h",
+                               "programs/korvexctl/Program.h",
+                               "programs/korvexctl/cli/ExitCodes.h",
+                               "programs/korvexctl/files/Output.h",
+                               "programs/korvexctl/head/Session.h",
+                               "programs/korvexctl/settings/Settings.h",
+                               "programs/korvexctl/pictures/Picture.h",
+                               "programs/korvexctl/scan/Scan.h",
+                               "programs/korvexctl/health/Doctor.h",
+                               "programs/korvexctl/commands/Commands.h",
+                               "tests/support/Child.h"}) {
         tree[header] = "#pragma once\n";
     }
     tree[file] = text;
@@ -89,8 +104,20 @@ INSTANTIATE_TEST_SUITE_P(
                       Case{"src/virtual_head/A.cpp", "platform/board/Link.h"},
                       Case{"src/virtual_head/A.cpp", "Korvex3Sync/Status.h"},
                       Case{"programs/korvexctl/A.cpp", "virtual_head/VirtualHead.h"},
-                      Case{"programs/korvexctl/A.cpp", "platform/os/Event.h"},
+                      Case{"programs/korvexctl/A.cpp", "platform/include/USBTREE.h"},
+                      Case{"programs/korvexctl/A.cpp", "sync/Manager.h"},
                       Case{"programs/korvexctl/A.cpp", "support/Child.h"},
+                      Case{"programs/korvexctl/cli/A.cpp", "korvexctl/files/Output.h"},
+                      Case{"programs/korvexctl/files/A.cpp", "korvexctl/head/Session.h"},
+                      Case{"programs/korvexctl/head/A.cpp", "korvexctl/settings/Settings.h"},
+                      Case{"programs/korvexctl/head/A.cpp", "../scan/Scan.h"},
+                      Case{"programs/korvexctl/settings/A.cpp", "korvexctl/scan/Scan.h"},
+                      Case{"programs/korvexctl/pictures/A.cpp", "korvexctl/scan/Scan.h"},
+                      Case{"programs/korvexctl/scan/A.cpp", "korvexctl/health/Doctor.h"},
+                      Case{"programs/korvexctl/scan/A.cpp", "virtual_head/Request.h"},
+                      Case{"programs/korvexctl/health/A.cpp", "korvexctl/commands/Commands.h"},
+                      Case{"programs/korvexctl/health/A.cpp", "korvexctl/pictures/Picture.h"},
+                      Case{"programs/korvexctl/commands/A.cpp", "korvexctl/Program.h"},
                       Case{"examples/a.cpp", "virtual_head/Request.h"},
                       Case{"src/unknown_room/A.cpp", "sync/Manager.h"}),
     NameOf);
@@ -110,7 +137,13 @@ INSTANTIATE_TEST_SUITE_P(
                       Case{"src/platform/cameras/A.cpp", "platform/os/Event.h"},
                       Case{"src/virtual_head/A.cpp", "platform/board/protocol/Report.h"},
                       Case{"programs/korvexctl/A.cpp", "virtual_head/Request.h"},
-                      Case{"programs/korvexctl/A.cpp", "korvexctl/Session.h"},
+                      Case{"programs/korvexctl/A.cpp", "platform/os/Event.h"},
+                      Case{"programs/korvexctl/A.cpp", "korvexctl/commands/Commands.h"},
+                      Case{"programs/korvexctl/files/A.cpp", "korvexctl/cli/ExitCodes.h"},
+                      Case{"programs/korvexctl/settings/A.cpp", "korvexctl/head/Session.h"},
+                      Case{"programs/korvexctl/scan/A.cpp", "korvexctl/pictures/Picture.h"},
+                      Case{"programs/korvexctl/health/A.cpp", "korvexctl/scan/Scan.h"},
+                      Case{"programs/korvexctl/commands/A.cpp", "korvexctl/health/Doctor.h"},
                       Case{"examples/a.cpp", "Korvex3Sync/Status.h"},
                       Case{"tests/a/A.cpp", "virtual_head/VirtualHead.h"},
                       Case{"tests/a/A.cpp", "support/Child.h"}),
@@ -188,6 +221,7 @@ std::set<std::string> Meant(const std::string& words) {
         {"public headers", {"include/Korvex3Sync/"}},
         {"the C++ standard library", {}},
         {"nothing else of ours", {}},
+        {"all its folders", {}},
         {"everything", {"include/", "src/", "programs/", "tests/"}},
         {"platform headers", {"src/platform/include/"}},
         {"the board header", {"src/platform/include/zr3DHandiDLPdev.h"}},
@@ -201,7 +235,10 @@ std::set<std::string> Meant(const std::string& words) {
         {"facts of the hardware",
          {"src/platform/include/BoardFacts.h", "src/platform/include/PackedFrameLayout.h"}}};
     const auto found = kMeant.find(words);
-    return found != kMeant.end() ? found->second : std::set<std::string>{words + '/'};
+    if (found != kMeant.end()) {
+        return found->second;
+    }
+    return {(words.starts_with("korvexctl") ? "programs/" : "") + words + '/'};
 }
 
 /// What the words between commas stand for, all together.

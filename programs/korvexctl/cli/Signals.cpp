@@ -13,7 +13,7 @@
 #include <vector>
 
 #include "korvexctl/cli/ExitCodes.h"
-#include "korvexctl/cli/Output.h"
+#include "korvexctl/cli/Outcome.h"
 
 namespace Korvex3Sync::korvexctl {
 

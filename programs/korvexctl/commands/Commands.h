@@ -3,7 +3,7 @@
 #include <functional>
 #include <span>
 
-#include "korvexctl/cli/Output.h"
+#include "korvexctl/files/Output.h"
 
 namespace CLI {
 class App;

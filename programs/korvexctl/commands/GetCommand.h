@@ -2,7 +2,7 @@
 
 #include <span>
 
-#include "korvexctl/cli/Output.h"
+#include "korvexctl/files/Output.h"
 #include "korvexctl/settings/Settings.h"
 
 namespace Korvex3Sync::korvexctl {

@@ -1,189 +1,78 @@
-#include "korvexctl/commands/ScanCommand.h"
+#include <CLI/CLI.hpp>
+#include <memory>
 
-#include <algorithm>
-#include <atomic>
-#include <chrono>
-#include <cmath>
-#include <functional>
-#include <nlohmann/json.hpp>
-#include <optional>
-#include <span>
-
-#include "korvexctl/cli/ProgressBar.h"
-#include "korvexctl/cli/Signals.h"
-#include "korvexctl/files/AtomicFile.h"
-#include "korvexctl/head/BoardWatch.h"
-#include "korvexctl/head/Head.h"
-#include "korvexctl/head/Illumination.h"
-#include "korvexctl/head/LeftOn.h"
-#include "korvexctl/head/Session.h"
-#include "korvexctl/head/Trigger.h"
-#include "korvexctl/scan/PictureWriter.h"
-#include "korvexctl/scan/ScanFiles.h"
-#include "korvexctl/scan/ScanRecorder.h"
-#include "korvexctl/scan/ScanReport.h"
+#include "korvexctl/cli/NotEmpty.h"
+#include "korvexctl/cli/NumberOption.h"
+#include "korvexctl/commands/Commands.h"
+#include "korvexctl/head/ModeOption.h"
+#include "korvexctl/scan/Scan.h"
 
 namespace Korvex3Sync::korvexctl {
 
 namespace {
 
-using std::chrono::milliseconds;
+constexpr int kMostSets = 1'000'000;
+constexpr int kMostKept = 10'000;
+constexpr int kMostBuffers = 256;
+constexpr double kShortestTimeoutSeconds = 0.1;
+constexpr double kLongestTimeoutSeconds = 3600;
+constexpr int kLongestPeriodMs = 10'000;
+constexpr int kMostPercent = 100;
+constexpr int kHighestIrLevel = 10;
+constexpr int kHighestLaserMode = 3;
 
-constexpr milliseconds kProgressStep{100};
-
-/// How long no set may come. A mono set waits in the library for the next trigger, so two trigger
-/// periods are always granted.
-milliseconds Patience(const ScanOptions& options) {
-    return milliseconds(std::llround(options.timeoutSeconds * 1000)) +
-           milliseconds(2 * options.light.periodMs);
+void AddLightOptions(CLI::App& command, LightOptions& light) {
+    AddModeOption(
+        command, light.mode, "Light and images of each set: ",
+        " (default " + ModeName(light.mode) + "); with color each set has a colour image");
+    AddNumber(command, "--period", light.periodMs, "MS", 1, kLongestPeriodMs,
+              "Time from trigger to trigger in milliseconds");
+    AddNumber(command, "--laser-mode", light.laserMode, "N", 0, kHighestLaserMode,
+              "Work mode of the laser lines, a number");
+    AddNumber(command, "--laser-duty", light.laserDutyPercent, "PERCENT", 0, kMostPercent,
+              "Laser line duty ratio in percent");
+    AddNumber(command, "--brightness", light.brightnessPercent, "PERCENT", 0, kMostPercent,
+              "Projector brightness in percent (pattern modes)");
+    AddNumber(command, "--projector-duty", light.projectorDutyPercent, "PERCENT", 0, kMostPercent,
+              "Projector duty ratio in percent (pattern modes)");
+    AddNumber(command, "--strobe-duty", light.strobeDutyPercent, "PERCENT", 0, kMostPercent,
+              "Strobe duty ratio in percent");
+    AddNumber(command, "--ir-level", light.irLevel, "LEVEL", 0, kHighestIrLevel,
+              "Infrared laser level, a number without unit; 0 leaves it off");
 }
 
-/// Waits for the end of the scan. False when no set came for too long.
-bool WaitForSets(ScanRecorder& recorder, const ScanOptions& options, const Output& output) {
-    ProgressBar bar(output.ShowsProgress());
-    const auto start = ScanRecorder::Clock::now();
-    while (true) {
-        const ScanRecorder::Counts counts = recorder.Wait(kProgressStep);
-        bar.Show(counts.delivered, options.sets);
-        if (counts.stopped || counts.delivered == options.sets) {
-            return true;
-        }
-        const auto last = std::max(start, counts.last);
-        if (ScanRecorder::Clock::now() - last > Patience(options)) {
-            return false;
-        }
-    }
-}
-
-/// Connects, sets the light, scans and disconnects. `outcome` tells whether the head was left dark.
-bool Scan(const HeadChoice& choice, ScanReport& report, ScanRecorder& recorder,
-          const std::function<void(const KeptSet&)>& onKept, LeftOn& leftOn, Outcome& outcome,
-          Output& output) {
-    const ScanOptions& options = report.options;
-    report.cameras = FindCameras(choice.cameraType);
-    report.head = AskHead(choice.board);
-    BoardWatch boardWatch;
-    const Session session(choice.cameraType, choice.board, report.cameras);
-    RequireAnswer(session);
-    Print(report.cameras, output);
-    Print(report.head, output);
-    recorder.Prepare(report.cameras.front().width, report.cameras.front().height, onKept);
-    boardWatch.Watch(session);
-    bool inTime = false;
-    {
-        const Illumination illumination(session, options.light, leftOn);
-        const Trigger trigger(session, options.light.mode, ScanRecorder::OnSet, recorder.Context(),
-                              leftOn);
-        inTime = WaitForSets(recorder, options, output);
-        report.losses.Ask(session);
-        report.boardLost = boardWatch.Lost();
-    }
-    const bool answers = !leftOn.Any() || BoardAnswers(session);
-    report.boardLost = report.boardLost || !answers;
-    leftOn.Judge(answers, outcome);
-    return inTime;
-}
-
-/// What is still to be done when a scan is interrupted.
-std::string WaitingText(std::size_t sets) {
-    if (sets == 0) {
-        return "";
-    }
-    return "writing the pictures of " + std::to_string(sets) + (sets == 1 ? " set" : " sets") +
-           "; ";
-}
-
-std::string MissingMessage(const ScanReport& report) {
-    return "no set came within the timeout: " + std::to_string(report.counts.delivered) + " of " +
-           std::to_string(report.options.sets) + " sets arrived" +
-           (report.boardLost ? "; the board does not answer" : "");
-}
-
-Outcome ScanAndWrite(const HeadChoice& choice, const ScanOptions& options, LeftOn& leftOn,
-                     Output& output, const StoreFile& store) {
-    const bool writes = !options.folder.empty();
-    std::optional<EarlierScan> earlier;
-    if (writes) {
-        PrepareFolder(options.folder);
-        earlier.emplace(options.folder);
-    }
-
-    ScanRecorder recorder(
-        options.sets,
-        writes ? ChooseSets(options.sets, options.keep, kSheetRows) : std::vector<ChosenSet>(),
-        options.buffers);
-    std::atomic<bool> interrupted{false};
-    const InterruptWatch interruptWatch([&] {
-        interrupted = true;
-        recorder.Stop();
-        Say("interrupted; " + WaitingText(recorder.Waiting()) + "a second time ends at once");
-    });
-    // What an earlier scan took is gone only for what this one took.
-    const StoreFile storeNew = [&](const std::filesystem::path& file,
-                                   std::span<const unsigned char> bytes) {
-        earlier->Remove();
-        store(file, bytes);
-    };
-    PictureWriter writer(options.folder, storeNew,
-                         {[&recorder](const KeptSet& set) { recorder.GiveBack(set); },
-                          [&recorder] { recorder.Stop(); }});
-
-    ScanReport report;
-    report.options = options;
-    Outcome outcome;
-    bool inTime = false;
-    try {
-        inTime = Scan(
-            choice, report, recorder, [&writer](const KeptSet& set) { writer.Add(set); }, leftOn,
-            outcome, output);
-    } catch (const CommandError& error) {
-        if (interrupted) {
-            throw CommandError(ExitCode::Interrupted, std::string("interrupted: ") + error.what());
-        }
-        throw;
-    }
-    writer.Finish();
-    report.files = writer.Files();
-    report.counts = recorder.Wait(milliseconds(0));
-    report.losses.CountColor(GivesColor(report.cameras, options.light.mode)
-                                 ? report.counts.delivered - report.counts.withColor
-                                 : 0);
-    report.losses.notKept = static_cast<std::uint64_t>(report.counts.notKept);
-    report.interrupted = interrupted;
-
-    if (report.interrupted) {
-        outcome.code = ExitCode::Interrupted;
-        outcome.message = "interrupted: " + std::to_string(report.counts.delivered) + " of " +
-                          std::to_string(options.sets) + " sets arrived";
-    } else if (!inTime) {
-        outcome.code = ExitCode::SetsMissing;
-        outcome.message = MissingMessage(report);
-    }
-    outcome.figures.update(ToJson(report));
-    try {
-        writer.ThrowFailure();
-        if (writes && report.counts.delivered > 0) {
-            earlier->Remove();  // when no picture of it was kept
-            WriteFile(options.folder / kFiguresFile, leftOn.Told(outcome).Document());
-        }
-    } catch (const CommandError& error) {
-        outcome.code = error.Code();
-        outcome.message = error.what();
-    }
-    Print(report, output);
-    return outcome;
+void AddScanOptions(CLI::App& command, ScanOptions& scan) {
+    AddNumber(command, "--sets", scan.sets, "N", 1, kMostSets, "Image sets to take, a count");
+    command
+        .add_option(
+            "--out", scan.folder,
+            "Folder for the pictures, contact-sheet.png and scan.json; made when it is "
+            "missing; files of these names that an earlier scan left in it are removed once "
+            "the first set is there, and a scan without a set changes nothing in it (without it: "
+            "nothing is written)")
+        ->type_name("DIR")
+        ->check(NotEmpty());
+    AddNumber(command, "--keep", scan.keep, "K", 0, kMostKept,
+              "Image sets to write as PNG, a count, spread over the scan");
+    AddNumber(command, "--buffers", scan.buffers, "N", 1, kMostBuffers,
+              "Image sets that may wait to be written, a count, 4 MB of memory each; a set that "
+              "finds no room is not written");
+    AddNumber(command, "--timeout", scan.timeoutSeconds, "S", kShortestTimeoutSeconds,
+              kLongestTimeoutSeconds, "Give up when no set has come for so many seconds");
+    AddLightOptions(command, scan.light);
 }
 
 }  // namespace
 
-void StoreWhole(const std::filesystem::path& file, std::span<const unsigned char> bytes) {
-    WriteFile(file, bytes);
-}
-
-Outcome RunScan(const HeadChoice& choice, const ScanOptions& options, Output& output,
-                const StoreFile& store) {
-    return TellingLeftOn(
-        [&](LeftOn& leftOn) { return ScanAndWrite(choice, options, leftOn, output, store); });
+RunCommand AddScan(CLI::App& command) {
+    struct Asked {
+        HeadChoice head;
+        ScanOptions scan;
+    };
+    const auto asked = std::make_shared<Asked>();
+    AddHeadOptions(command, asked->head, true);
+    AddScanOptions(command, asked->scan);
+    return [asked](Output& output) { return RunScan(asked->head, asked->scan, output); };
 }
 
 }  // namespace Korvex3Sync::korvexctl

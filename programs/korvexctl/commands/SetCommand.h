@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "korvexctl/cli/Output.h"
+#include "korvexctl/files/Output.h"
 #include "korvexctl/head/HeadChoice.h"
 #include "korvexctl/settings/SettingsAccess.h"
 

@@ -2,11 +2,11 @@
 
 #include <filesystem>
 
-#include "korvexctl/cli/Output.h"
-#include "korvexctl/commands/ScanCommand.h"
+#include "korvexctl/files/Output.h"
 #include "korvexctl/head/HeadChoice.h"
-#include "korvexctl/head/Snapshot.h"
-#include "korvexctl/scan/PictureWriter.h"
+#include "korvexctl/pictures/PictureWriter.h"
+#include "korvexctl/scan/Scan.h"
+#include "korvexctl/scan/Snapshot.h"
 
 namespace Korvex3Sync::korvexctl {
 

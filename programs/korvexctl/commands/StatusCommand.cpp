@@ -2,16 +2,16 @@
 #include <memory>
 #include <optional>
 
-#include "korvexctl/cli/ModeOption.h"
 #include "korvexctl/cli/NumberOption.h"
 #include "korvexctl/cli/Signals.h"
 #include "korvexctl/commands/Commands.h"
+#include "korvexctl/commands/StatusReport.h"
 #include "korvexctl/head/ConnectedHead.h"
 #include "korvexctl/head/LeftOn.h"
-#include "korvexctl/head/StatusReport.h"
+#include "korvexctl/head/ModeOption.h"
 #include "korvexctl/head/StatusWatch.h"
-#include "korvexctl/head/Trigger.h"
 #include "korvexctl/scan/ScanLosses.h"
+#include "korvexctl/scan/Trigger.h"
 
 namespace Korvex3Sync::korvexctl {
 

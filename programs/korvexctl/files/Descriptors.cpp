@@ -7,7 +7,7 @@
 #include <cstdio>
 #include <system_error>
 
-#include "korvexctl/cli/Output.h"
+#include "korvexctl/cli/Outcome.h"
 #include "korvexctl/files/FileError.h"
 #include "korvexctl/files/Place.h"
 

@@ -7,7 +7,7 @@
 #include <nlohmann/json.hpp>
 
 #include "korvexctl/cli/ExitCodes.h"
-#include "korvexctl/cli/Output.h"
+#include "korvexctl/files/Output.h"
 #include "korvexctl/head/Session.h"
 #include "korvexctl/head/TriggerModes.h"
 #include "virtual_head/Request.h"

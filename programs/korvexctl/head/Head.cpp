@@ -5,7 +5,7 @@
 
 #include <nlohmann/json.hpp>
 
-#include "korvexctl/cli/Output.h"
+#include "korvexctl/files/Output.h"
 
 namespace Korvex3Sync::korvexctl {
 

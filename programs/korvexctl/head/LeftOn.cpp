@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <nlohmann/json.hpp>
 
-#include "korvexctl/cli/Output.h"
+#include "korvexctl/cli/Outcome.h"
 #include "korvexctl/head/Session.h"
 
 namespace Korvex3Sync::korvexctl {

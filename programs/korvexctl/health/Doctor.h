@@ -2,7 +2,7 @@
 
 #include <vector>
 
-#include "korvexctl/cli/Output.h"
+#include "korvexctl/cli/Outcome.h"
 #include "korvexctl/head/HeadChoice.h"
 #include "korvexctl/head/UsbBoards.h"
 #include "korvexctl/health/Step.h"

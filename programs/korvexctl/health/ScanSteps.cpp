@@ -3,11 +3,11 @@
 
 #include <algorithm>
 
-#include "korvexctl/head/Snapshot.h"
 #include "korvexctl/head/TriggerModes.h"
 #include "korvexctl/health/Examined.h"
 #include "korvexctl/health/Selftest.h"
 #include "korvexctl/health/TrialScan.h"
+#include "korvexctl/scan/Snapshot.h"
 
 namespace Korvex3Sync::korvexctl {
 

@@ -3,7 +3,7 @@
 #include <memory>
 #include <vector>
 
-#include "korvexctl/cli/Output.h"
+#include "korvexctl/cli/Outcome.h"
 #include "korvexctl/head/HeadChoice.h"
 #include "korvexctl/health/Step.h"
 #include "korvexctl/health/StepTable.h"

@@ -4,9 +4,9 @@
 #include <nlohmann/json.hpp>
 
 #include "korvexctl/head/ConnectedHead.h"
-#include "korvexctl/head/Illumination.h"
-#include "korvexctl/head/Trigger.h"
+#include "korvexctl/scan/Illumination.h"
 #include "korvexctl/scan/LossPlaces.h"
+#include "korvexctl/scan/Trigger.h"
 
 namespace Korvex3Sync::korvexctl {
 

@@ -4,8 +4,8 @@
 #include <string>
 #include <vector>
 
+#include "korvexctl/pictures/KeptSet.h"
 #include "korvexctl/pictures/Picture.h"
-#include "korvexctl/scan/KeptSet.h"
 
 namespace Korvex3Sync::korvexctl {
 

@@ -5,7 +5,7 @@
 #include <sstream>
 #include <vector>
 
-#include "korvexctl/cli/Output.h"
+#include "korvexctl/files/Output.h"
 #include "korvexctl/head/Session.h"
 #include "korvexctl/scan/LossPlaces.h"
 

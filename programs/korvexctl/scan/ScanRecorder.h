@@ -8,8 +8,8 @@
 #include <optional>
 #include <vector>
 
-#include "korvexctl/scan/KeptSet.h"
-#include "korvexctl/scan/SetChoice.h"
+#include "korvexctl/pictures/KeptSet.h"
+#include "korvexctl/pictures/SetChoice.h"
 
 namespace Korvex3Sync::korvexctl {
 

@@ -1,14 +1,14 @@
-#include "korvexctl/commands/Program.h"
+#include "korvexctl/Program.h"
 
 #include <cstdio>
 #include <exception>
 #include <nlohmann/json.hpp>
 #include <string>
 
-#include "korvexctl/cli/Logging.h"
+#include "korvexctl/CommandLine.h"
 #include "korvexctl/cli/Signals.h"
-#include "korvexctl/commands/CommandLine.h"
 #include "korvexctl/files/Descriptors.h"
+#include "korvexctl/files/Logging.h"
 #include "virtual_head/Request.h"
 
 namespace Korvex3Sync::korvexctl {

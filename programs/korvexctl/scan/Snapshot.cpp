@@ -1,4 +1,4 @@
-#include "korvexctl/head/Snapshot.h"
+#include "korvexctl/scan/Snapshot.h"
 
 #include <Korvex3Sync/Images.h>
 #include <Korvex3Sync/Light.h>

@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "korvexctl/scan/SetChoice.h"
+#include "korvexctl/pictures/SetChoice.h"
 
 namespace Korvex3Sync::korvexctl {
 

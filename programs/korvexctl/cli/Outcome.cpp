@@ -1,19 +1,15 @@
-#include "korvexctl/cli/Output.h"
+#include "korvexctl/cli/Outcome.h"
 
 #include <cstdio>
 #include <exception>
-
-#include "korvexctl/files/Descriptors.h"
 
 namespace Korvex3Sync::korvexctl {
 
 namespace {
 
 constexpr int kIndent = 2;
-
 constexpr int kOneLine = -1;
 
-/// A serial is whatever bytes the camera gave; what is no text in it is replaced.
 std::string Dump(const nlohmann::json& document, int indent) {
     return document.dump(indent, ' ', false, nlohmann::json::error_handler_t::replace) + '\n';
 }
@@ -43,6 +39,10 @@ Outcome Interrupted(Outcome outcome) {
     return outcome;
 }
 
+std::string JsonLine(const nlohmann::json& document) {
+    return Dump(document, kOneLine);
+}
+
 void Say(const std::string& message) {
     std::fprintf(stderr, "korvexctl: %s\n", message.c_str());
 }
@@ -60,30 +60,7 @@ std::string Outcome::Document() const {
 }
 
 std::string Outcome::Record() const {
-    return Dump(ToJson(), kOneLine);
-}
-
-void Output::Line(std::string_view text) {
-    if (!m_json) {
-        m_standardOutput.Write(std::string(text) + '\n');
-    }
-}
-
-void Output::Record(const nlohmann::json& record) {
-    if (m_json) {
-        m_standardOutput.Write(Dump(record, kOneLine));
-    }
-}
-
-void Output::Finish(const Outcome& outcome) {
-    if (!m_json) {
-        return;
-    }
-    if (!m_records) {
-        m_standardOutput.Write(outcome.Document());
-    } else if (outcome.code != ExitCode::Done) {
-        m_standardOutput.Write(outcome.Record());
-    }
+    return JsonLine(ToJson());
 }
 
 }  // namespace Korvex3Sync::korvexctl

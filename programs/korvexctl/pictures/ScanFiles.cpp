@@ -1,4 +1,4 @@
-#include "korvexctl/scan/ScanFiles.h"
+#include "korvexctl/pictures/ScanFiles.h"
 
 #include <algorithm>
 #include <charconv>

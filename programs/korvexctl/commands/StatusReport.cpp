@@ -1,4 +1,4 @@
-#include "korvexctl/head/StatusReport.h"
+#include "korvexctl/commands/StatusReport.h"
 
 #include <algorithm>
 #include <iomanip>

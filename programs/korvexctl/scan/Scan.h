@@ -1,8 +1,8 @@
 #pragma once
 
-#include "korvexctl/cli/Output.h"
+#include "korvexctl/files/Output.h"
 #include "korvexctl/head/HeadChoice.h"
-#include "korvexctl/scan/PictureWriter.h"
+#include "korvexctl/pictures/PictureWriter.h"
 #include "korvexctl/scan/ScanOptions.h"
 
 namespace Korvex3Sync::korvexctl {

@@ -1,4 +1,4 @@
-#include "korvexctl/head/Trigger.h"
+#include "korvexctl/scan/Trigger.h"
 
 #include <Korvex3Sync/Images.h>
 #include <Korvex3Sync/Light.h>

@@ -1,4 +1,4 @@
-#include "korvexctl/cli/Logging.h"
+#include "korvexctl/files/Logging.h"
 
 #include <glog/logging.h>
 

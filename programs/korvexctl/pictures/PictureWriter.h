@@ -12,7 +12,7 @@
 #include <vector>
 
 #include "korvexctl/pictures/ContactSheet.h"
-#include "korvexctl/scan/KeptSet.h"
+#include "korvexctl/pictures/KeptSet.h"
 
 namespace Korvex3Sync::korvexctl {
 

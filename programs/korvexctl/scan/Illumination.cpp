@@ -1,4 +1,4 @@
-#include "korvexctl/head/Illumination.h"
+#include "korvexctl/scan/Illumination.h"
 
 #include <Korvex3Sync/Light.h>
 

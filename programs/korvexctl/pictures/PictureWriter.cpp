@@ -1,9 +1,9 @@
-#include "korvexctl/scan/PictureWriter.h"
+#include "korvexctl/pictures/PictureWriter.h"
 
 #include <utility>
 
 #include "korvexctl/pictures/Picture.h"
-#include "korvexctl/scan/ScanFiles.h"
+#include "korvexctl/pictures/ScanFiles.h"
 
 namespace Korvex3Sync::korvexctl {
 

@@ -1,41 +1,12 @@
 #pragma once
 
-#include <functional>
-#include <nlohmann/json.hpp>
-#include <string>
 #include <string_view>
 
-#include "korvexctl/cli/ExitCodes.h"
+#include "korvexctl/cli/Outcome.h"
 
 namespace Korvex3Sync::korvexctl {
 
 class StandardOutput;
-
-/// What a command gives back: the figures for programs, and how it ended. The message says what is
-/// wrong, in one line; it is empty when all is well.
-struct Outcome {
-    nlohmann::json figures = nlohmann::json::object();
-    ExitCode code = ExitCode::Done;
-    std::string message;
-
-    /// The one JSON document of the command: the figures and, when it failed, "error" with
-    /// "exit_code" and "message".
-    std::string Document() const;
-    /// The same on one line.
-    std::string Record() const;
-
-private:
-    nlohmann::json ToJson() const;
-};
-
-/// Runs something that gives an outcome; an exception becomes the outcome.
-Outcome OutcomeOf(const std::function<Outcome()>& run);
-
-/// The outcome of something that was interrupted meanwhile, however it ended.
-Outcome Interrupted(Outcome outcome);
-
-/// Writes "korvexctl: MESSAGE" as a line to standard error. Any thread.
-void Say(const std::string& message);
 
 /// What a command says to a person. With --json it says nothing: standard output belongs to the
 /// document.

@@ -1,4 +1,4 @@
-#include "korvexctl/commands/CommandLine.h"
+#include "korvexctl/CommandLine.h"
 
 #include <CLI/CLI.hpp>
 #include <algorithm>

@@ -1,4 +1,4 @@
-#include "korvexctl/scan/SetChoice.h"
+#include "korvexctl/pictures/SetChoice.h"
 
 #include <algorithm>
 #include <map>

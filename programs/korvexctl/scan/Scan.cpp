@@ -1,0 +1,189 @@
+#include "korvexctl/scan/Scan.h"
+
+#include <algorithm>
+#include <atomic>
+#include <chrono>
+#include <cmath>
+#include <functional>
+#include <nlohmann/json.hpp>
+#include <optional>
+#include <span>
+
+#include "korvexctl/cli/ProgressBar.h"
+#include "korvexctl/cli/Signals.h"
+#include "korvexctl/files/AtomicFile.h"
+#include "korvexctl/head/BoardWatch.h"
+#include "korvexctl/head/Head.h"
+#include "korvexctl/head/LeftOn.h"
+#include "korvexctl/head/Session.h"
+#include "korvexctl/pictures/PictureWriter.h"
+#include "korvexctl/pictures/ScanFiles.h"
+#include "korvexctl/scan/Illumination.h"
+#include "korvexctl/scan/ScanRecorder.h"
+#include "korvexctl/scan/ScanReport.h"
+#include "korvexctl/scan/Trigger.h"
+
+namespace Korvex3Sync::korvexctl {
+
+namespace {
+
+using std::chrono::milliseconds;
+
+constexpr milliseconds kProgressStep{100};
+
+/// How long no set may come. A mono set waits in the library for the next trigger, so two trigger
+/// periods are always granted.
+milliseconds Patience(const ScanOptions& options) {
+    return milliseconds(std::llround(options.timeoutSeconds * 1000)) +
+           milliseconds(2 * options.light.periodMs);
+}
+
+/// Waits for the end of the scan. False when no set came for too long.
+bool WaitForSets(ScanRecorder& recorder, const ScanOptions& options, const Output& output) {
+    ProgressBar bar(output.ShowsProgress());
+    const auto start = ScanRecorder::Clock::now();
+    while (true) {
+        const ScanRecorder::Counts counts = recorder.Wait(kProgressStep);
+        bar.Show(counts.delivered, options.sets);
+        if (counts.stopped || counts.delivered == options.sets) {
+            return true;
+        }
+        const auto last = std::max(start, counts.last);
+        if (ScanRecorder::Clock::now() - last > Patience(options)) {
+            return false;
+        }
+    }
+}
+
+/// Connects, sets the light, scans and disconnects. `outcome` tells whether the head was left dark.
+bool Scan(const HeadChoice& choice, ScanReport& report, ScanRecorder& recorder,
+          const std::function<void(const KeptSet&)>& onKept, LeftOn& leftOn, Outcome& outcome,
+          Output& output) {
+    const ScanOptions& options = report.options;
+    report.cameras = FindCameras(choice.cameraType);
+    report.head = AskHead(choice.board);
+    BoardWatch boardWatch;
+    const Session session(choice.cameraType, choice.board, report.cameras);
+    RequireAnswer(session);
+    Print(report.cameras, output);
+    Print(report.head, output);
+    recorder.Prepare(report.cameras.front().width, report.cameras.front().height, onKept);
+    boardWatch.Watch(session);
+    bool inTime = false;
+    {
+        const Illumination illumination(session, options.light, leftOn);
+        const Trigger trigger(session, options.light.mode, ScanRecorder::OnSet, recorder.Context(),
+                              leftOn);
+        inTime = WaitForSets(recorder, options, output);
+        report.losses.Ask(session);
+        report.boardLost = boardWatch.Lost();
+    }
+    const bool answers = !leftOn.Any() || BoardAnswers(session);
+    report.boardLost = report.boardLost || !answers;
+    leftOn.Judge(answers, outcome);
+    return inTime;
+}
+
+/// What is still to be done when a scan is interrupted.
+std::string WaitingText(std::size_t sets) {
+    if (sets == 0) {
+        return "";
+    }
+    return "writing the pictures of " + std::to_string(sets) + (sets == 1 ? " set" : " sets") +
+           "; ";
+}
+
+std::string MissingMessage(const ScanReport& report) {
+    return "no set came within the timeout: " + std::to_string(report.counts.delivered) + " of " +
+           std::to_string(report.options.sets) + " sets arrived" +
+           (report.boardLost ? "; the board does not answer" : "");
+}
+
+Outcome ScanAndWrite(const HeadChoice& choice, const ScanOptions& options, LeftOn& leftOn,
+                     Output& output, const StoreFile& store) {
+    const bool writes = !options.folder.empty();
+    std::optional<EarlierScan> earlier;
+    if (writes) {
+        PrepareFolder(options.folder);
+        earlier.emplace(options.folder);
+    }
+
+    ScanRecorder recorder(
+        options.sets,
+        writes ? ChooseSets(options.sets, options.keep, kSheetRows) : std::vector<ChosenSet>(),
+        options.buffers);
+    std::atomic<bool> interrupted{false};
+    const InterruptWatch interruptWatch([&] {
+        interrupted = true;
+        recorder.Stop();
+        Say("interrupted; " + WaitingText(recorder.Waiting()) + "a second time ends at once");
+    });
+    // What an earlier scan took is gone only for what this one took.
+    const StoreFile storeNew = [&](const std::filesystem::path& file,
+                                   std::span<const unsigned char> bytes) {
+        earlier->Remove();
+        store(file, bytes);
+    };
+    PictureWriter writer(options.folder, storeNew,
+                         {[&recorder](const KeptSet& set) { recorder.GiveBack(set); },
+                          [&recorder] { recorder.Stop(); }});
+
+    ScanReport report;
+    report.options = options;
+    Outcome outcome;
+    bool inTime = false;
+    try {
+        inTime = Scan(
+            choice, report, recorder, [&writer](const KeptSet& set) { writer.Add(set); }, leftOn,
+            outcome, output);
+    } catch (const CommandError& error) {
+        if (interrupted) {
+            throw CommandError(ExitCode::Interrupted, std::string("interrupted: ") + error.what());
+        }
+        throw;
+    }
+    writer.Finish();
+    report.files = writer.Files();
+    report.counts = recorder.Wait(milliseconds(0));
+    report.losses.CountColor(GivesColor(report.cameras, options.light.mode)
+                                 ? report.counts.delivered - report.counts.withColor
+                                 : 0);
+    report.losses.notKept = static_cast<std::uint64_t>(report.counts.notKept);
+    report.interrupted = interrupted;
+
+    if (report.interrupted) {
+        outcome.code = ExitCode::Interrupted;
+        outcome.message = "interrupted: " + std::to_string(report.counts.delivered) + " of " +
+                          std::to_string(options.sets) + " sets arrived";
+    } else if (!inTime) {
+        outcome.code = ExitCode::SetsMissing;
+        outcome.message = MissingMessage(report);
+    }
+    outcome.figures.update(ToJson(report));
+    try {
+        writer.ThrowFailure();
+        if (writes && report.counts.delivered > 0) {
+            earlier->Remove();  // when no picture of it was kept
+            WriteFile(options.folder / kFiguresFile, leftOn.Told(outcome).Document());
+        }
+    } catch (const CommandError& error) {
+        outcome.code = error.Code();
+        outcome.message = error.what();
+    }
+    Print(report, output);
+    return outcome;
+}
+
+}  // namespace
+
+void StoreWhole(const std::filesystem::path& file, std::span<const unsigned char> bytes) {
+    WriteFile(file, bytes);
+}
+
+Outcome RunScan(const HeadChoice& choice, const ScanOptions& options, Output& output,
+                const StoreFile& store) {
+    return TellingLeftOn(
+        [&](LeftOn& leftOn) { return ScanAndWrite(choice, options, leftOn, output, store); });
+}
+
+}  // namespace Korvex3Sync::korvexctl
