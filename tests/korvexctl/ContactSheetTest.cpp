@@ -13,7 +13,7 @@ namespace Korvex3Sync::tests {
 namespace {
 
 using korvexctl::ContactSheet;
-using korvexctl::KeptSet;
+using korvexctl::KeptImageSet;
 using korvexctl::Picture;
 using korvexctl::ScaleDown;
 
@@ -70,7 +70,7 @@ TEST(Lettering, EveryLetterAndDigitLooksDifferent) {
 TEST(ContactSheet, ShowsImagesSideBySideBelowTheirLabel) {
     ContactSheet sheet;
     EXPECT_TRUE(sheet.Empty());
-    KeptSet set;
+    KeptImageSet set;
     set.chosen.number = 7;
     set.key = 200;
     sheet.Add(set, {Plain(640, 480, 1, 100), Plain(640, 480, 1, 150), Plain(640, 480, 3, 220)});

@@ -36,7 +36,7 @@ class KorvexctlDoctor : public ::testing::Test {
 protected:
     KorvexctlDoctor() {
         m_options.machine = m_usb.Machine();
-        m_options.trialSets = 20;
+        m_options.trialImageSets = 20;
         m_options.trialLimit = std::chrono::seconds(60);
     }
 

@@ -9,9 +9,9 @@ namespace Korvex3Sync::tests {
 
 namespace {
 
-using korvexctl::ChooseSets;
-using korvexctl::ChosenSet;
-using korvexctl::KeptSet;
+using korvexctl::ChooseImageSets;
+using korvexctl::ChosenImageSet;
+using korvexctl::KeptImageSet;
 using korvexctl::ScanRecorder;
 using std::chrono::milliseconds;
 using ::testing::ElementsAre;
@@ -40,7 +40,7 @@ public:
                               int width) {
         std::vector<int> channels(pointers.size(), 1);
         const void* const context = recorder.Context();
-        ScanRecorder::OnSet(context, pointers, width, kHeight, channels);
+        ScanRecorder::OnImageSet(context, pointers, width, kHeight, channels);
     }
 
 private:
@@ -50,15 +50,16 @@ private:
 class ScanRecorderTest : public ::testing::Test {
 protected:
     void Prepare(ScanRecorder& recorder) {
-        recorder.Prepare(kWidth, kHeight, [this](const KeptSet& set) { m_kept.push_back(&set); });
+        recorder.Prepare(kWidth, kHeight,
+                         [this](const KeptImageSet& set) { m_kept.push_back(&set); });
     }
 
     Library m_library;
-    std::vector<const KeptSet*> m_kept;
+    std::vector<const KeptImageSet*> m_kept;
 };
 
 TEST_F(ScanRecorderTest, CountsSetsWithAndWithoutColor) {
-    ScanRecorder recorder(10, ChooseSets(10, 0, 0), kEnoughBuffers);
+    ScanRecorder recorder(10, ChooseImageSets(10, 0, 0), kEnoughBuffers);
     Prepare(recorder);
     m_library.Deliver(recorder, 1);
     m_library.Deliver(recorder, 2, 2);
@@ -71,7 +72,7 @@ TEST_F(ScanRecorderTest, CountsSetsWithAndWithoutColor) {
 }
 
 TEST_F(ScanRecorderTest, KeepsCopiesSpreadOverTheScan) {
-    ScanRecorder recorder(6, ChooseSets(6, 3, 0), kEnoughBuffers);
+    ScanRecorder recorder(6, ChooseImageSets(6, 3, 0), kEnoughBuffers);
     Prepare(recorder);
     for (std::uint8_t i = 0; i < 6; ++i) {
         m_library.Deliver(recorder, static_cast<std::uint8_t>(10 * i), i == 2 ? 2 : 3);
@@ -89,7 +90,7 @@ TEST_F(ScanRecorderTest, KeepsCopiesSpreadOverTheScan) {
 }
 
 TEST_F(ScanRecorderTest, MoreToKeepThanSetsKeepsEachOnce) {
-    ScanRecorder recorder(3, ChooseSets(3, 100, 0), kEnoughBuffers);
+    ScanRecorder recorder(3, ChooseImageSets(3, 100, 0), kEnoughBuffers);
     Prepare(recorder);
     for (std::uint8_t i = 0; i < 3; ++i) {
         m_library.Deliver(recorder, i);
@@ -99,7 +100,7 @@ TEST_F(ScanRecorderTest, MoreToKeepThanSetsKeepsEachOnce) {
 }
 
 TEST_F(ScanRecorderTest, ASetThatFindsNoBufferIsCountedAndDeliveredAllTheSame) {
-    ScanRecorder recorder(6, ChooseSets(6, 6, 0), 2);
+    ScanRecorder recorder(6, ChooseImageSets(6, 6, 0), 2);
     Prepare(recorder);
     for (std::uint8_t i = 0; i < 4; ++i) {
         m_library.Deliver(recorder, i);
@@ -118,7 +119,7 @@ TEST_F(ScanRecorderTest, ASetThatFindsNoBufferIsCountedAndDeliveredAllTheSame) {
 }
 
 TEST_F(ScanRecorderTest, AKeptSetCarriesKeyAndPurpose) {
-    ScanRecorder recorder(4, ChooseSets(4, 1, 2), kEnoughBuffers);
+    ScanRecorder recorder(4, ChooseImageSets(4, 1, 2), kEnoughBuffers);
     Prepare(recorder);
     for (std::uint8_t i = 0; i < 4; ++i) {
         m_library.Deliver(recorder, static_cast<std::uint8_t>(100 + i));
@@ -136,7 +137,7 @@ TEST_F(ScanRecorderTest, AKeptSetCarriesKeyAndPurpose) {
 }
 
 TEST_F(ScanRecorderTest, SetsAfterTheLastOneAreLeftOut) {
-    ScanRecorder recorder(2, ChooseSets(2, 2, 0), kEnoughBuffers);
+    ScanRecorder recorder(2, ChooseImageSets(2, 2, 0), kEnoughBuffers);
     Prepare(recorder);
     for (std::uint8_t i = 0; i < 5; ++i) {
         m_library.Deliver(recorder, i);
@@ -146,7 +147,7 @@ TEST_F(ScanRecorderTest, SetsAfterTheLastOneAreLeftOut) {
 }
 
 TEST_F(ScanRecorderTest, OddSetsAreCountedAndNotDelivered) {
-    ScanRecorder recorder(5, ChooseSets(5, 5, 0), kEnoughBuffers);
+    ScanRecorder recorder(5, ChooseImageSets(5, 5, 0), kEnoughBuffers);
     Prepare(recorder);
     std::array<unsigned char, kWidth * kHeight> image{};
     m_library.Deliver(recorder, 1, 1);
@@ -161,7 +162,7 @@ TEST_F(ScanRecorderTest, OddSetsAreCountedAndNotDelivered) {
 }
 
 TEST_F(ScanRecorderTest, WaitEndsWithTheLastSet) {
-    ScanRecorder recorder(1, ChooseSets(1, 0, 0), kEnoughBuffers);
+    ScanRecorder recorder(1, ChooseImageSets(1, 0, 0), kEnoughBuffers);
     Prepare(recorder);
     std::thread camera([&] { m_library.Deliver(recorder, 1); });
     EXPECT_EQ(recorder.Wait(kLong).delivered, 1);
@@ -169,7 +170,7 @@ TEST_F(ScanRecorderTest, WaitEndsWithTheLastSet) {
 }
 
 TEST_F(ScanRecorderTest, StopEndsTheWaitAlsoBeforeTheScan) {
-    ScanRecorder recorder(1, ChooseSets(1, 0, 0), kEnoughBuffers);
+    ScanRecorder recorder(1, ChooseImageSets(1, 0, 0), kEnoughBuffers);
     std::thread person([&] { recorder.Stop(); });
     EXPECT_TRUE(recorder.Wait(kLong).stopped);
     person.join();
@@ -178,29 +179,29 @@ TEST_F(ScanRecorderTest, StopEndsTheWaitAlsoBeforeTheScan) {
     EXPECT_EQ(recorder.Wait(kLong).delivered, 0);
 }
 
-std::vector<int> NumbersOf(const std::vector<ChosenSet>& chosen) {
+std::vector<int> NumbersOf(const std::vector<ChosenImageSet>& chosen) {
     std::vector<int> numbers;
-    for (const ChosenSet& set : chosen) {
+    for (const ChosenImageSet& set : chosen) {
         numbers.push_back(set.number);
     }
     return numbers;
 }
 
-TEST(SetChoice, SpreadsBothPurposesAndSharesSets) {
-    const auto chosen = ChooseSets(100, 4, 2);
+TEST(ImageSetChoice, SpreadsBothPurposesAndSharesSets) {
+    const auto chosen = ChooseImageSets(100, 4, 2);
     EXPECT_THAT(NumbersOf(chosen), ElementsAre(0, 25, 50, 75));
     EXPECT_TRUE(chosen[2].pictures && chosen[2].sheet);
     EXPECT_TRUE(chosen[3].pictures && !chosen[3].sheet);
-    EXPECT_THAT(NumbersOf(ChooseSets(10, 0, 3)), ElementsAre(0, 3, 6));
+    EXPECT_THAT(NumbersOf(ChooseImageSets(10, 0, 3)), ElementsAre(0, 3, 6));
 }
 
-TEST(SetChoice, HasNoMoreThanThereAreSets) {
-    EXPECT_THAT(NumbersOf(ChooseSets(2, 200, 8)), ElementsAre(0, 1));
-    EXPECT_THAT(ChooseSets(5, 0, 0), IsEmpty());
+TEST(ImageSetChoice, HasNoMoreThanThereAreSets) {
+    EXPECT_THAT(NumbersOf(ChooseImageSets(2, 200, 8)), ElementsAre(0, 1));
+    EXPECT_THAT(ChooseImageSets(5, 0, 0), IsEmpty());
 }
 
-TEST(SetChoice, DoesNotOverflowOnALongScan) {
-    EXPECT_THAT(NumbersOf(ChooseSets(1'000'000, 10'000, 0)).back(), 999'900);
+TEST(ImageSetChoice, DoesNotOverflowOnALongScan) {
+    EXPECT_THAT(NumbersOf(ChooseImageSets(1'000'000, 10'000, 0)).back(), 999'900);
 }
 
 TEST(ScanRate, IsMeasuredFromTheFirstToTheLastSet) {

@@ -11,7 +11,7 @@ namespace Korvex3Sync::korvexctl {
 
 namespace {
 
-constexpr int kMostSets = 1'000'000;
+constexpr int kMostImageSets = 1'000'000;
 constexpr int kMostKept = 10'000;
 constexpr int kMostBuffers = 256;
 constexpr double kShortestTimeoutSeconds = 0.1;
@@ -42,7 +42,7 @@ void AddLightOptions(CLI::App& command, LightOptions& light) {
 }
 
 void AddScanOptions(CLI::App& command, ScanOptions& scan) {
-    AddNumber(command, "--sets", scan.sets, "N", 1, kMostSets, "Image sets to take, a count");
+    AddNumber(command, "--sets", scan.sets, "N", 1, kMostImageSets, "Image sets to take, a count");
     command
         .add_option(
             "--out", scan.folder,

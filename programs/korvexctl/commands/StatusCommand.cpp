@@ -27,8 +27,8 @@ struct Asked {
 };
 
 // Nobody looks at the sets: they are there to be counted. The context only has to be there.
-void TakeSet(const void* const&, std::vector<unsigned char*>&, const int&, const int&,
-             std::vector<int>&) {}
+void TakeImageSet(const void* const&, std::vector<unsigned char*>&, const int&, const int&,
+                  std::vector<int>&) {}
 
 /// The losses that the library counts, by place; null when it does not tell.
 nlohmann::json AskLosses(const ConnectedHead& head, std::optional<CAMERA_TRIGGER_MODE> mode) {
@@ -72,7 +72,7 @@ Outcome WatchStatus(const Asked& asked, LeftOn& leftOn, Output& output) {
     std::optional<Trigger> trigger;
     if (asked.mode) {
         RequireAnswer(head.session);
-        trigger.emplace(head.session, *asked.mode, TakeSet, &watch, leftOn);
+        trigger.emplace(head.session, *asked.mode, TakeImageSet, &watch, leftOn);
     }
     watch.Watch(head.session);
     std::optional<std::chrono::steady_clock::time_point> end;

@@ -241,7 +241,7 @@ Finding CheckTrial(Patient& patient) {
         return {Verdict::NotRun, patient.head ? "the board does not answer" : "not connected"};
     }
     TrialOptions options;
-    options.sets = patient.options.trialSets;
+    options.sets = patient.options.trialImageSets;
     options.limit = patient.options.trialLimit;
     options.light.mode = GivesColor(patient.cameras, TRIGGER_LASER_LINES_COLOR)
                              ? TRIGGER_LASER_LINES_COLOR

@@ -16,7 +16,7 @@ struct DoctorOptions {
     HeadChoice head;
     UsbMachine machine = UsbMachine::This();
     // The trial scan: 1.5 s at the period of a scan.
-    int trialSets = 150;
+    int trialImageSets = 150;
     std::chrono::milliseconds trialLimit{3000};
 };
 

@@ -39,7 +39,7 @@ Finding TestScan(Examined& examined, CAMERA_TRIGGER_MODE mode, const SelftestOpt
     options.light.periodMs = asked.periodMs;
     options.sets = asked.sets;
     const TrialResult trial = RunTrial(*examined.head, options, examined.leftOn);
-    const SetCheck::Counts& counts = trial.counts;
+    const ImageSetCheck::Counts& counts = trial.counts;
     const bool color = GivesColor(examined.cameras, mode);
     const int wrongColor = color ? counts.sets - counts.withColor : counts.withColor;
     std::string wrong;

@@ -45,11 +45,11 @@ TrialResult RunTrial(const ConnectedHead& head, const TrialOptions& options, Lef
     const Illumination light(head.session, options.light, leftOn);
     const std::optional<ScanStatistics> before = Ask(head);
     const Camera& camera = head.cameras.front();
-    SetCheck check(before ? before->setsPending : 0, camera.width, camera.height);
+    ImageSetCheck check(before ? before->setsPending : 0, camera.width, camera.height);
     TrialResult result;
     {
-        const Trigger trigger(head.session, options.light.mode, SetCheck::OnSet, check.Context(),
-                              leftOn);
+        const Trigger trigger(head.session, options.light.mode, ImageSetCheck::OnImageSet,
+                              check.Context(), leftOn);
         check.WaitFor(options.sets, options.limit);
         trigger.Off();
         const std::chrono::milliseconds period(options.light.periodMs);

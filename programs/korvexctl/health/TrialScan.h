@@ -8,7 +8,7 @@
 
 #include <Korvex3Sync/Statistics.h>
 
-#include "korvexctl/health/SetCheck.h"
+#include "korvexctl/health/ImageSetCheck.h"
 #include "korvexctl/scan/ScanOptions.h"
 
 namespace Korvex3Sync::korvexctl {
@@ -24,7 +24,7 @@ struct TrialOptions {
 };
 
 struct TrialResult {
-    SetCheck::Counts counts;
+    ImageSetCheck::Counts counts;
     /// What was lost in this scan, place by place; nothing where the library does not tell.
     std::optional<ScanStatistics> lost;
 

@@ -19,7 +19,7 @@ constexpr std::uint8_t kHeading = 160;
 constexpr std::size_t kMonoImages = 2;
 constexpr std::array kColumns{"left", "right", "colour"};
 
-std::string LabelOf(const KeptSet& set) {
+std::string LabelOf(const KeptImageSet& set) {
     std::array<char, 80> text{};
     std::snprintf(text.data(), text.size(), "set %d  key %d  %.2f s", set.chosen.number, set.key,
                   set.seconds);
@@ -44,7 +44,7 @@ void Paste(const Picture& cell, int x, int y, Picture& sheet) {
 
 }  // namespace
 
-void ContactSheet::Add(const KeptSet& set, const std::vector<Picture>& pictures) {
+void ContactSheet::Add(const KeptImageSet& set, const std::vector<Picture>& pictures) {
     Row row{LabelOf(set), {}};
     for (const Picture& picture : pictures) {
         const int width = std::min(picture.width, kCellWidth);

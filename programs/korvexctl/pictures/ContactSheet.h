@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "korvexctl/pictures/KeptSet.h"
+#include "korvexctl/pictures/KeptImageSet.h"
 #include "korvexctl/pictures/Picture.h"
 
 namespace Korvex3Sync::korvexctl {
@@ -19,7 +19,7 @@ class ContactSheet {
 public:
     /// Adds a row; `pictures` are those of the set: left, right and, with colour, the colour
     /// picture, all of one size.
-    void Add(const KeptSet& set, const std::vector<Picture>& pictures);
+    void Add(const KeptImageSet& set, const std::vector<Picture>& pictures);
     bool Empty() const { return m_rows.empty(); }
     /// The sheet, in colour; without its third column when no row has a colour picture. Not for an
     /// empty one.

@@ -23,7 +23,7 @@ PictureWriter::~PictureWriter() {
     Join(true);
 }
 
-void PictureWriter::Add(const KeptSet& set) {
+void PictureWriter::Add(const KeptImageSet& set) {
     const std::lock_guard lock(m_mutex);
     m_waiting.push_back(&set);
     m_changed.notify_all();
@@ -56,7 +56,7 @@ void PictureWriter::Join(bool dropWaiting) {
 
 void PictureWriter::Run() {
     try {
-        while (const KeptSet* const set = WaitForNext()) {
+        while (const KeptImageSet* const set = WaitForNext()) {
             Write(*set);
             m_listener.onDone(*set);
         }
@@ -67,18 +67,18 @@ void PictureWriter::Run() {
     }
 }
 
-const KeptSet* PictureWriter::WaitForNext() {
+const KeptImageSet* PictureWriter::WaitForNext() {
     std::unique_lock lock(m_mutex);
     m_changed.wait(lock, [this] { return m_end || !m_waiting.empty(); });
     if (m_waiting.empty()) {
         return nullptr;
     }
-    const KeptSet* const set = m_waiting.front();
+    const KeptImageSet* const set = m_waiting.front();
     m_waiting.pop_front();
     return set;
 }
 
-void PictureWriter::Write(const KeptSet& set) {
+void PictureWriter::Write(const KeptImageSet& set) {
     std::vector<Picture> pictures;
     for (std::size_t i = 0; i < (set.color ? kImageNames.size() : kColor); ++i) {
         pictures.push_back(i == kColor ? Demosaic(set.images[i].data(), set.width, set.height)

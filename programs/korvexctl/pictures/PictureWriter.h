@@ -12,7 +12,7 @@
 #include <vector>
 
 #include "korvexctl/pictures/ContactSheet.h"
-#include "korvexctl/pictures/KeptSet.h"
+#include "korvexctl/pictures/KeptImageSet.h"
 
 namespace Korvex3Sync::korvexctl {
 
@@ -29,7 +29,7 @@ public:
     /// What the writer tells, on its own thread.
     struct Listener {
         /// A set is no longer needed. Not called for those that wait when writing fails.
-        std::function<void(const KeptSet&)> onDone;
+        std::function<void(const KeptImageSet&)> onDone;
         /// Once, when a file cannot be written; nothing is written after that.
         std::function<void()> onFailure;
     };
@@ -41,7 +41,7 @@ public:
 
     /// Puts a set in line; it must stay valid and unchanged until the writer is done with it. Any
     /// thread; does not block for the disk.
-    void Add(const KeptSet& set);
+    void Add(const KeptImageSet& set);
     /// Waits until everything in line and the contact sheet are written, or until a file could not
     /// be; then nothing more may be added.
     void Finish();
@@ -53,8 +53,8 @@ public:
 private:
     void Run();
     /// The next set in line; null when there will be none.
-    const KeptSet* WaitForNext();
-    void Write(const KeptSet& set);
+    const KeptImageSet* WaitForNext();
+    void Write(const KeptImageSet& set);
     void WriteSheet();
     void Store(const std::string& name, const Picture& picture);
     void Join(bool dropWaiting);
@@ -64,7 +64,7 @@ private:
     const Listener m_listener;
     std::mutex m_mutex;
     std::condition_variable m_changed;
-    std::deque<const KeptSet*> m_waiting;
+    std::deque<const KeptImageSet*> m_waiting;
     bool m_end = false;
     bool m_dropped = false;
     ContactSheet m_sheet;

@@ -39,7 +39,7 @@ milliseconds Patience(const ScanOptions& options) {
 }
 
 /// Waits for the end of the scan. False when no set came for too long.
-bool WaitForSets(ScanRecorder& recorder, const ScanOptions& options, const Output& output) {
+bool WaitForImageSets(ScanRecorder& recorder, const ScanOptions& options, const Output& output) {
     ProgressBar bar(output.ShowsProgress());
     const auto start = ScanRecorder::Clock::now();
     while (true) {
@@ -57,7 +57,7 @@ bool WaitForSets(ScanRecorder& recorder, const ScanOptions& options, const Outpu
 
 /// Connects, sets the light, scans and disconnects. `outcome` tells whether the head was left dark.
 bool Scan(const HeadChoice& choice, ScanReport& report, ScanRecorder& recorder,
-          const std::function<void(const KeptSet&)>& onKept, LeftOn& leftOn, Outcome& outcome,
+          const std::function<void(const KeptImageSet&)>& onKept, LeftOn& leftOn, Outcome& outcome,
           Output& output) {
     const ScanOptions& options = report.options;
     report.cameras = FindCameras(choice.cameraType);
@@ -72,9 +72,9 @@ bool Scan(const HeadChoice& choice, ScanReport& report, ScanRecorder& recorder,
     bool inTime = false;
     {
         const Illumination illumination(session, options.light, leftOn);
-        const Trigger trigger(session, options.light.mode, ScanRecorder::OnSet, recorder.Context(),
-                              leftOn);
-        inTime = WaitForSets(recorder, options, output);
+        const Trigger trigger(session, options.light.mode, ScanRecorder::OnImageSet,
+                              recorder.Context(), leftOn);
+        inTime = WaitForImageSets(recorder, options, output);
         report.losses.Ask(session);
         report.boardLost = boardWatch.Lost();
     }
@@ -108,10 +108,10 @@ Outcome ScanAndWrite(const HeadChoice& choice, const ScanOptions& options, LeftO
         earlier.emplace(options.folder);
     }
 
-    ScanRecorder recorder(
-        options.sets,
-        writes ? ChooseSets(options.sets, options.keep, kSheetRows) : std::vector<ChosenSet>(),
-        options.buffers);
+    ScanRecorder recorder(options.sets,
+                          writes ? ChooseImageSets(options.sets, options.keep, kSheetRows)
+                                 : std::vector<ChosenImageSet>(),
+                          options.buffers);
     std::atomic<bool> interrupted{false};
     const InterruptWatch interruptWatch([&] {
         interrupted = true;
@@ -125,7 +125,7 @@ Outcome ScanAndWrite(const HeadChoice& choice, const ScanOptions& options, LeftO
         store(file, bytes);
     };
     PictureWriter writer(options.folder, storeNew,
-                         {[&recorder](const KeptSet& set) { recorder.GiveBack(set); },
+                         {[&recorder](const KeptImageSet& set) { recorder.GiveBack(set); },
                           [&recorder] { recorder.Stop(); }});
 
     ScanReport report;
@@ -134,8 +134,8 @@ Outcome ScanAndWrite(const HeadChoice& choice, const ScanOptions& options, LeftO
     bool inTime = false;
     try {
         inTime = Scan(
-            choice, report, recorder, [&writer](const KeptSet& set) { writer.Add(set); }, leftOn,
-            outcome, output);
+            choice, report, recorder, [&writer](const KeptImageSet& set) { writer.Add(set); },
+            leftOn, outcome, output);
     } catch (const CommandError& error) {
         if (interrupted) {
             throw CommandError(ExitCode::Interrupted, std::string("interrupted: ") + error.what());

@@ -14,21 +14,21 @@ constexpr std::size_t kKeyPixel = 3;
 
 }  // namespace
 
-ScanRecorder::ScanRecorder(int sets, std::vector<ChosenSet> chosen, int buffers)
+ScanRecorder::ScanRecorder(int sets, std::vector<ChosenImageSet> chosen, int buffers)
     : m_sets(sets),
       m_chosen(std::move(chosen)),
       m_buffers(std::min(m_chosen.size(), static_cast<std::size_t>(buffers))) {
     m_free.reserve(m_buffers.size());
-    for (KeptSet& buffer : m_buffers) {
+    for (KeptImageSet& buffer : m_buffers) {
         m_free.push_back(&buffer);
     }
 }
 
-void ScanRecorder::Prepare(int width, int height, std::function<void(const KeptSet&)> onKept) {
+void ScanRecorder::Prepare(int width, int height, std::function<void(const KeptImageSet&)> onKept) {
     m_onKept = std::move(onKept);
     m_width = width;
     m_height = height;
-    for (KeptSet& buffer : m_buffers) {
+    for (KeptImageSet& buffer : m_buffers) {
         buffer.width = width;
         buffer.height = height;
         for (auto& image : buffer.images) {
@@ -38,7 +38,7 @@ void ScanRecorder::Prepare(int width, int height, std::function<void(const KeptS
     }
 }
 
-void ScanRecorder::GiveBack(const KeptSet& set) {
+void ScanRecorder::GiveBack(const KeptImageSet& set) {
     const std::lock_guard lock(m_mutex);
     m_free.push_back(&m_buffers[static_cast<std::size_t>(&set - m_buffers.data())]);
 }
@@ -48,8 +48,9 @@ std::size_t ScanRecorder::Waiting() {
     return m_buffers.size() - m_free.size();
 }
 
-void ScanRecorder::OnSet(const void* const& context, std::vector<unsigned char*>& images,
-                         const int& width, const int& height, std::vector<int>& /*imageInfo*/) {
+void ScanRecorder::OnImageSet(const void* const& context, std::vector<unsigned char*>& images,
+                              const int& width, const int& height,
+                              std::vector<int>& /*imageInfo*/) {
     (*static_cast<ScanRecorder* const*>(context))->Take(images, width, height);
 }
 
@@ -58,7 +59,7 @@ void ScanRecorder::Take(const std::vector<unsigned char*>& images, int width, in
     const bool whole = (images.size() == kMonoImages || images.size() == kMonoImages + 1) &&
                        std::find(images.begin(), images.end(), nullptr) == images.end() &&
                        width == m_width && height == m_height;
-    KeptSet* buffer = nullptr;
+    KeptImageSet* buffer = nullptr;
     {
         const std::lock_guard lock(m_mutex);
         if (Over()) {
@@ -92,16 +93,16 @@ void ScanRecorder::Take(const std::vector<unsigned char*>& images, int width, in
     }
 }
 
-KeptSet* ScanRecorder::BufferForNext() {
+KeptImageSet* ScanRecorder::BufferForNext() {
     if (m_nextChosen == m_chosen.size() || m_chosen[m_nextChosen].number != m_counts.delivered) {
         return nullptr;
     }
-    const ChosenSet& chosen = m_chosen[m_nextChosen++];
+    const ChosenImageSet& chosen = m_chosen[m_nextChosen++];
     if (m_free.empty()) {
         ++m_counts.notKept;
         return nullptr;
     }
-    KeptSet* const buffer = m_free.back();
+    KeptImageSet* const buffer = m_free.back();
     m_free.pop_back();
     buffer->chosen = chosen;
     buffer->seconds = std::chrono::duration<double>(m_counts.last - m_counts.first).count();

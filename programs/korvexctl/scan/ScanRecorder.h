@@ -8,8 +8,8 @@
 #include <optional>
 #include <vector>
 
-#include "korvexctl/pictures/KeptSet.h"
-#include "korvexctl/pictures/SetChoice.h"
+#include "korvexctl/pictures/ImageSetChoice.h"
+#include "korvexctl/pictures/KeptImageSet.h"
 
 namespace Korvex3Sync::korvexctl {
 
@@ -33,23 +33,23 @@ public:
     };
 
     /// `chosen` is in the order of the numbers. At most `buffers` sets are held at a time.
-    ScanRecorder(int sets, std::vector<ChosenSet> chosen, int buffers);
+    ScanRecorder(int sets, std::vector<ChosenImageSet> chosen, int buffers);
     ScanRecorder(const ScanRecorder&) = delete;
     ScanRecorder& operator=(const ScanRecorder&) = delete;
 
     /// Makes the buffers; before the scan starts. `onKept` is called with each kept set, on the
     /// grab thread, and must only pass it on; the set stays valid and unchanged until it is given
     /// back.
-    void Prepare(int width, int height, std::function<void(const KeptSet&)> onKept);
+    void Prepare(int width, int height, std::function<void(const KeptImageSet&)> onKept);
     /// Gives the buffer of a kept set back. Any thread; does not block.
-    void GiveBack(const KeptSet& set);
+    void GiveBack(const KeptImageSet& set);
 
     /// How many kept sets were not given back yet. Any thread.
     std::size_t Waiting();
 
     /// The library's scan callback, with Context() as its context.
-    static void OnSet(const void* const& context, std::vector<unsigned char*>& images,
-                      const int& width, const int& height, std::vector<int>& imageInfo);
+    static void OnImageSet(const void* const& context, std::vector<unsigned char*>& images,
+                           const int& width, const int& height, std::vector<int>& imageInfo);
     void* Context() { return &m_self; }
 
     /// Ends the scan before all sets are there; also before it has begun.
@@ -64,19 +64,19 @@ private:
     void Take(const std::vector<unsigned char*>& images, int width, int height);
     bool Over() const { return m_counts.stopped || m_counts.delivered == m_sets; }
     /// A buffer for the set that arrives now, or null when it is not chosen or none is free.
-    KeptSet* BufferForNext();
+    KeptImageSet* BufferForNext();
 
     ScanRecorder* m_self = this;
     const int m_sets;
-    const std::vector<ChosenSet> m_chosen;
-    std::function<void(const KeptSet&)> m_onKept;
+    const std::vector<ChosenImageSet> m_chosen;
+    std::function<void(const KeptImageSet&)> m_onKept;
     std::size_t m_nextChosen = 0;
     int m_width = 0;
     int m_height = 0;
-    std::vector<KeptSet> m_buffers;
+    std::vector<KeptImageSet> m_buffers;
     std::mutex m_mutex;
     std::condition_variable m_changed;
-    std::vector<KeptSet*> m_free;
+    std::vector<KeptImageSet*> m_free;
     Counts m_counts;
 };
 

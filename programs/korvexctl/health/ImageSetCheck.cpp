@@ -1,4 +1,4 @@
-#include "korvexctl/health/SetCheck.h"
+#include "korvexctl/health/ImageSetCheck.h"
 
 #include <algorithm>
 
@@ -16,22 +16,22 @@ constexpr unsigned kHalfRound = 0x80;
 
 }  // namespace
 
-std::optional<double> SetCheck::Counts::Rate() const {
+std::optional<double> ImageSetCheck::Counts::Rate() const {
     const double seconds = std::chrono::duration<double>(last - first).count();
     return sets > 1 && seconds > 0 ? std::optional((sets - 1) / seconds) : std::nullopt;
 }
 
-void SetCheck::OnSet(const void* const& context, std::vector<unsigned char*>& images,
-                     const int& width, const int& height, std::vector<int>&) {
-    (*static_cast<SetCheck* const*>(context))->Take(images, width, height);
+void ImageSetCheck::OnImageSet(const void* const& context, std::vector<unsigned char*>& images,
+                               const int& width, const int& height, std::vector<int>&) {
+    (*static_cast<ImageSetCheck* const*>(context))->Take(images, width, height);
 }
 
-bool SetCheck::Fits(const std::vector<unsigned char*>& images, int width, int height) const {
+bool ImageSetCheck::Fits(const std::vector<unsigned char*>& images, int width, int height) const {
     return (images.size() == kMonoImages || images.size() == kWithColor) && width == m_width &&
            height == m_height && std::find(images.begin(), images.end(), nullptr) == images.end();
 }
 
-void SetCheck::Take(const std::vector<unsigned char*>& images, int width, int height) {
+void ImageSetCheck::Take(const std::vector<unsigned char*>& images, int width, int height) {
     {
         const std::lock_guard lock(m_mutex);
         if (m_waiting > 0) {
@@ -55,13 +55,13 @@ void SetCheck::Take(const std::vector<unsigned char*>& images, int width, int he
     m_changed.notify_all();
 }
 
-void SetCheck::WaitFor(int sets, std::chrono::milliseconds limit) {
+void ImageSetCheck::WaitFor(int sets, std::chrono::milliseconds limit) {
     std::unique_lock lock(m_mutex);
     m_changed.wait_for(lock, limit, [&] { return m_counts.sets >= sets; });
 }
 
-SetCheck::Counts SetCheck::WaitForQuiet(std::chrono::milliseconds quiet,
-                                        std::chrono::milliseconds limit) {
+ImageSetCheck::Counts ImageSetCheck::WaitForQuiet(std::chrono::milliseconds quiet,
+                                                  std::chrono::milliseconds limit) {
     const auto end = Clock::now() + limit;
     std::unique_lock lock(m_mutex);
     bool came = true;

@@ -5,7 +5,7 @@
 namespace Korvex3Sync::korvexctl {
 
 /// A set of the scan that is kept, and what for.
-struct ChosenSet {
+struct ChosenImageSet {
     int number = 0;         // in the scan, from 0
     bool pictures = false;  // as PNG files
     bool sheet = false;     // as a row of the contact sheet
@@ -13,6 +13,6 @@ struct ChosenSet {
 
 /// Chooses `keep` sets for pictures and `rows` for the contact sheet, each evenly spread over a
 /// scan of `sets` and none more than once; in the order of their numbers.
-std::vector<ChosenSet> ChooseSets(int sets, int keep, int rows);
+std::vector<ChosenImageSet> ChooseImageSets(int sets, int keep, int rows);
 
 }  // namespace Korvex3Sync::korvexctl

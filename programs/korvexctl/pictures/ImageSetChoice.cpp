@@ -1,4 +1,4 @@
-#include "korvexctl/pictures/SetChoice.h"
+#include "korvexctl/pictures/ImageSetChoice.h"
 
 #include <algorithm>
 #include <map>
@@ -14,8 +14,8 @@ int Spread(int i, int count, int sets) {
 
 }  // namespace
 
-std::vector<ChosenSet> ChooseSets(int sets, int keep, int rows) {
-    std::map<int, ChosenSet> chosen;
+std::vector<ChosenImageSet> ChooseImageSets(int sets, int keep, int rows) {
+    std::map<int, ChosenImageSet> chosen;
     keep = std::min(keep, sets);
     rows = std::min(rows, sets);
     for (int i = 0; i < keep; ++i) {
@@ -24,7 +24,7 @@ std::vector<ChosenSet> ChooseSets(int sets, int keep, int rows) {
     for (int i = 0; i < rows; ++i) {
         chosen[Spread(i, rows, sets)].sheet = true;
     }
-    std::vector<ChosenSet> list;
+    std::vector<ChosenImageSet> list;
     list.reserve(chosen.size());
     for (auto& [number, set] : chosen) {
         set.number = number;

@@ -11,7 +11,7 @@ namespace Korvex3Sync::korvexctl {
 
 /// Looks at the image sets of a scan without keeping any: their number, images, size, and whether
 /// their keys go on by one trigger after the other. Thread-safe.
-class SetCheck {
+class ImageSetCheck {
 public:
     using Clock = std::chrono::steady_clock;
 
@@ -29,12 +29,12 @@ public:
 
     /// `waiting`: so many sets of an earlier scan wait in the library and come first; they do not
     /// count.
-    SetCheck(std::uint64_t waiting, int width, int height)
+    ImageSetCheck(std::uint64_t waiting, int width, int height)
         : m_waiting(waiting), m_width(width), m_height(height) {}
 
     /// The library's scan callback, with Context() as its context.
-    static void OnSet(const void* const& context, std::vector<unsigned char*>& images,
-                      const int& width, const int& height, std::vector<int>& imageInfo);
+    static void OnImageSet(const void* const& context, std::vector<unsigned char*>& images,
+                           const int& width, const int& height, std::vector<int>& imageInfo);
     void* Context() { return &m_self; }
 
     /// Waits until so many sets came, at most for the limit.
@@ -46,7 +46,7 @@ private:
     void Take(const std::vector<unsigned char*>& images, int width, int height);
     bool Fits(const std::vector<unsigned char*>& images, int width, int height) const;
 
-    SetCheck* m_self = this;
+    ImageSetCheck* m_self = this;
     std::uint64_t m_waiting;
     const int m_width;
     const int m_height;

@@ -4,13 +4,13 @@
 #include <cstdint>
 #include <vector>
 
-#include "korvexctl/pictures/SetChoice.h"
+#include "korvexctl/pictures/ImageSetChoice.h"
 
 namespace Korvex3Sync::korvexctl {
 
 /// A copy of one image set, in a buffer that is used again for later sets.
-struct KeptSet {
-    ChosenSet chosen;
+struct KeptImageSet {
+    ChosenImageSet chosen;
     int key = 0;         // 0 to 255: the trigger number modulo 256
     double seconds = 0;  // from the arrival of the first set to that of this one
     int width = 0;       // pixels
