@@ -1,14 +1,14 @@
 #include "korvexctl/Program.h"
 
-#include <cstdio>
 #include <exception>
 #include <nlohmann/json.hpp>
 #include <string>
 
 #include "korvexctl/CommandLine.h"
 #include "korvexctl/cli/Signals.h"
-#include "korvexctl/files/Descriptors.h"
 #include "korvexctl/files/Logging.h"
+#include "korvexctl/files/StandardOutput.h"
+#include "platform/os/Print.h"
 #include "virtual_head/Request.h"
 
 namespace Korvex3Sync::korvexctl {
@@ -44,7 +44,7 @@ Outcome Run(const CommandLineResult& asked) {
         return {};
     }
     // Among the library's own lines a bar would only be in the way.
-    Output output(standardOutput, line.json, ErrorOutputIsTerminal() && !line.verbose);
+    Output output(standardOutput, line.json, os::StandardErrorIsTerminal() && !line.verbose);
     Outcome outcome = OutcomeOf([&] {
         if (asked.badUsage) {
             throw CommandError(ExitCode::Usage, asked.text);
@@ -67,7 +67,7 @@ int RunProgram(int count, const char* const* arguments) noexcept {
         return static_cast<int>(outcome.code);
     } catch (...) {
         // Not even room for a message.
-        std::fputs("korvexctl: unexpected error\n", stderr);
+        os::PrintError("korvexctl: unexpected error\n");
         return static_cast<int>(ExitCode::Unexpected);
     }
 }

@@ -5,7 +5,7 @@
 #include <algorithm>
 
 #include "korvexctl/CommandLine.h"
-#include "korvexctl/files/Descriptors.h"
+#include "korvexctl/files/StandardOutput.h"
 
 namespace Korvex3Sync::tests {
 

@@ -6,8 +6,8 @@
 #include <nlohmann/json.hpp>
 
 #include "korvexctl/ScanOverHead.h"
-#include "korvexctl/files/Descriptors.h"
 #include "korvexctl/files/Output.h"
+#include "korvexctl/files/StandardOutput.h"
 #include "korvexctl/scan/ScanReport.h"
 
 namespace Korvex3Sync::tests {

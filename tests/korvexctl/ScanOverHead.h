@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "korvexctl/files/Descriptors.h"
+#include "korvexctl/files/StandardOutput.h"
 #include "korvexctl/scan/Scan.h"
 #include "platform/os/Clock.h"
 #include "support/RequestedHead.h"

@@ -1,9 +1,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <cerrno>
 #include <mutex>
 #include <string>
+#include <system_error>
 #include <vector>
 
 #include "korvexctl/Korvexctl.h"
@@ -71,7 +71,8 @@ TEST_F(SlowDisk, AFullDiskIsToldAndTheFiguresAreStillPrinted) {
     ::testing::internal::CaptureStdout();
     const Outcome outcome = Scan(
         [](const std::filesystem::path& file, const auto&) {
-            throw korvexctl::FileError("cannot write " + file.string(), ENOSPC);
+            throw korvexctl::FileError("cannot write " + file.string(),
+                                       std::make_error_code(std::errc::no_space_on_device));
         },
         false);
     const std::string output = ::testing::internal::GetCapturedStdout();
@@ -85,7 +86,8 @@ TEST_F(SlowDisk, AFullDiskIsToldAndTheFiguresAreStillPrinted) {
 TEST_F(SlowDisk, AContactSheetThatCannotBeWrittenIsToldAfterAWholeScan) {
     m_options.keep = 0;
     const Outcome outcome = Scan([](const std::filesystem::path& file, const auto&) {
-        throw korvexctl::FileError("cannot write " + file.string(), EROFS);
+        throw korvexctl::FileError("cannot write " + file.string(),
+                                   std::make_error_code(std::errc::read_only_file_system));
     });
     EXPECT_EQ(outcome.code, ExitCode::NotWritable);
     EXPECT_THAT(outcome.message, HasSubstr("contact-sheet.png"));

@@ -11,7 +11,7 @@
 #include "korvexctl/CommandOverHead.h"
 #include "korvexctl/ErrorIntoFile.h"
 #include "korvexctl/commands/SnapCommand.h"
-#include "korvexctl/files/Descriptors.h"
+#include "korvexctl/files/StandardOutput.h"
 #include "support/CaseName.h"
 #include "support/WaitUntil.h"
 #include "virtual_head/TestFiles.h"

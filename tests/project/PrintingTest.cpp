@@ -58,7 +58,7 @@ TEST(Printing, IsFoundWithFileAndLine) {
 }
 
 TEST(Printing, GoesThroughThePlatform) {
-    const SourceTree tree = ReadSourceTree({"include", "src"});
+    const SourceTree tree = ReadSourceTree({"include", "src", "programs"});
     ASSERT_TRUE(tree.contains("src/platform/os/Print.cpp"));
     EXPECT_THAT(Prints(tree), IsEmpty());
 }

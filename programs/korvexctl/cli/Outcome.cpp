@@ -1,7 +1,8 @@
 #include "korvexctl/cli/Outcome.h"
 
-#include <cstdio>
 #include <exception>
+
+#include "platform/os/Print.h"
 
 namespace Korvex3Sync::korvexctl {
 
@@ -44,7 +45,7 @@ std::string JsonLine(const nlohmann::json& document) {
 }
 
 void Say(const std::string& message) {
-    std::fprintf(stderr, "korvexctl: %s\n", message.c_str());
+    os::PrintError("korvexctl: %s\n", message.c_str());
 }
 
 nlohmann::json Outcome::ToJson() const {

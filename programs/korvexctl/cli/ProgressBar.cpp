@@ -1,7 +1,8 @@
 #include "korvexctl/cli/ProgressBar.h"
 
-#include <cstdio>
 #include <string>
+
+#include "platform/os/Print.h"
 
 namespace Korvex3Sync::korvexctl {
 
@@ -17,15 +18,13 @@ void ProgressBar::Show(int done, int all) {
     }
     const auto full = static_cast<std::size_t>(static_cast<long long>(kCells) * done / all);
     const std::string bar = std::string(full, '#') + std::string(kCells - full, '.');
-    std::fprintf(stderr, "\r[%s] %d/%d sets", bar.c_str(), done, all);
-    std::fflush(stderr);
+    os::PrintError("\r[%s] %d/%d sets", bar.c_str(), done, all);
     m_shown = true;
 }
 
 ProgressBar::~ProgressBar() {
     if (m_shown) {
-        std::fputs("\r\033[K", stderr);
-        std::fflush(stderr);
+        os::PrintError("\r\033[K");
     }
 }
 

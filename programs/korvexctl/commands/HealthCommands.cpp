@@ -1,7 +1,6 @@
 #include <CLI/CLI.hpp>
 
 #include <atomic>
-#include <cstdio>
 #include <cstdlib>
 #include <memory>
 
@@ -21,7 +20,7 @@ using MakeOutcome = Outcome (*)(const std::vector<StepRow>& rows, bool interrupt
 /// process can.
 [[noreturn]] void EndWithHangingThread(const Outcome& outcome, Output& output) {
     output.Finish(outcome);
-    std::fprintf(stderr, "korvexctl: %s\n", outcome.message.c_str());
+    Say(outcome.message);
     std::_Exit(static_cast<int>(outcome.code));
 }
 

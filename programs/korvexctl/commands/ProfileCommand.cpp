@@ -6,7 +6,7 @@
 #include "korvexctl/cli/NotEmpty.h"
 #include "korvexctl/commands/Commands.h"
 #include "korvexctl/commands/SetCommand.h"
-#include "korvexctl/files/AtomicFile.h"
+#include "korvexctl/files/WriteFile.h"
 #include "korvexctl/head/ConnectedHead.h"
 #include "korvexctl/settings/ProfileFile.h"
 

@@ -11,7 +11,7 @@
 #include "korvexctl/cli/NumberOption.h"
 #include "korvexctl/cli/Signals.h"
 #include "korvexctl/commands/Commands.h"
-#include "korvexctl/files/AtomicFile.h"
+#include "korvexctl/files/WriteFile.h"
 #include "korvexctl/head/ConnectedHead.h"
 #include "korvexctl/head/LeftOn.h"
 #include "korvexctl/pictures/Picture.h"

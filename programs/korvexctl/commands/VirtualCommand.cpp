@@ -6,8 +6,8 @@
 
 #include "korvexctl/cli/NotEmpty.h"
 #include "korvexctl/commands/Commands.h"
-#include "korvexctl/files/AtomicFile.h"
 #include "korvexctl/files/Place.h"
+#include "korvexctl/files/WriteFile.h"
 #include "virtual_head/Request.h"
 
 namespace Korvex3Sync::korvexctl {

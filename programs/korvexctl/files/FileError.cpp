@@ -1,17 +1,17 @@
 #include "korvexctl/files/FileError.h"
 
-#include <cerrno>
-#include <system_error>
+#include "platform/os/File.h"
 
 namespace Korvex3Sync::korvexctl {
 
-FileError::FileError(const std::string& what, int error)
-    : CommandError(CodeOf(error), (CodeOf(error) == ExitCode::DiskFull ? "disk full: " : "") +
-                                      what + ": " + std::generic_category().message(error)) {}
+FileError::FileError(const std::string& what, const std::error_code& error)
+    : CommandError(os::MeansNoRoom(error) ? ExitCode::DiskFull : ExitCode::NotWritable,
+                   (os::MeansNoRoom(error) ? "disk full: " : "") + what + ": " + error.message()) {}
 
-ExitCode FileError::CodeOf(int error) {
-    return error == ENOSPC || error == EDQUOT || error == EFBIG ? ExitCode::DiskFull
-                                                                : ExitCode::NotWritable;
+void RequireWritten(const std::error_code& error, const std::string& what) {
+    if (error) {
+        throw FileError(what, error);
+    }
 }
 
 }  // namespace Korvex3Sync::korvexctl

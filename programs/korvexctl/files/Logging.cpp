@@ -4,7 +4,7 @@
 
 #include <string>
 
-#include "korvexctl/files/Descriptors.h"
+#include "korvexctl/files/StandardOutput.h"
 
 namespace Korvex3Sync::korvexctl {
 

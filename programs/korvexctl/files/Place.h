@@ -3,11 +3,11 @@
 #include <filesystem>
 #include <string>
 
-#include "korvexctl/files/OpenedFile.h"
+#include "platform/os/File.h"
 
 namespace Korvex3Sync::korvexctl {
 
-/// What stands where something is to be written.
+/// What is at the path where something is to be written.
 struct Place {
     enum class Kind {
         Free,    ///< nothing yet
@@ -23,8 +23,8 @@ struct Place {
 /// else cannot be written; `what` says what is tried ("cannot write X").
 Place FindPlace(const std::filesystem::path& asked, const std::string& what);
 
-/// Opens a stream for writing. Of a FIFO it waits a few seconds for a reader. Throws CommandError.
-OpenedFile OpenStream(const Place& place, const std::string& what);
+/// Opens a stream for writing. Waits a few seconds for the reader of a FIFO. Throws CommandError.
+os::File OpenStream(const Place& place, const std::string& what);
 
 /// Throws CommandError for a stream that this user may not write; waits for nobody.
 void RequireWritableStream(const Place& place, const std::string& what);

@@ -49,7 +49,7 @@ EarlierScan::EarlierScan(const fs::path& folder) {
         }
     }
     if (error) {
-        throw FileError("cannot look into the folder " + folder.string(), error.value());
+        throw FileError("cannot look into the folder " + folder.string(), error);
     }
 }
 
@@ -58,8 +58,7 @@ void EarlierScan::Remove() {
         std::error_code error;
         fs::remove(file, error);
         if (error) {
-            throw FileError("cannot remove " + file.string() + " of an earlier scan",
-                            error.value());
+            throw FileError("cannot remove " + file.string() + " of an earlier scan", error);
         }
     }
 }

@@ -11,7 +11,7 @@
 
 #include "korvexctl/cli/ProgressBar.h"
 #include "korvexctl/cli/Signals.h"
-#include "korvexctl/files/AtomicFile.h"
+#include "korvexctl/files/WriteFile.h"
 #include "korvexctl/head/BoardWatch.h"
 #include "korvexctl/head/Head.h"
 #include "korvexctl/head/LeftOn.h"

@@ -7,7 +7,7 @@
 
 namespace Korvex3Sync::korvexctl {
 
-/// Writes the file as AtomicFile does. Throws FileError.
+/// Writes the file as WriteFile does. Throws FileError.
 void StoreWhole(const std::filesystem::path& file, std::span<const unsigned char> bytes);
 
 /// Connects, scans, writes what was asked for and disconnects. The pictures go through `store`.

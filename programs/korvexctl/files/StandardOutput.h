@@ -4,13 +4,13 @@
 #include <string>
 #include <string_view>
 
-#include "korvexctl/files/OpenedFile.h"
+#include "platform/os/StandardOutput.h"
 
 namespace Korvex3Sync::korvexctl {
 
-/// Takes descriptor 1 out of the library's reach: while it lives, what the library prints to
-/// standard output is discarded, or goes to standard error (`verbose`), or into the log file; only
-/// Write reaches the real standard output. One per process, made before the library is called.
+/// Takes standard output out of the library's reach: while it lives, what the library prints is
+/// discarded, or goes to standard error (`verbose`), or into the log file; only Write reaches the
+/// real standard output. One per process, made before the library is called.
 class StandardOutput {
 public:
     explicit StandardOutput(bool verbose);
@@ -28,18 +28,12 @@ public:
     void WriteLog(std::string_view text) const noexcept;
 
 private:
-    void WarnOfLog(int error) const noexcept;
+    void WarnOfLog(const std::error_code& error) const noexcept;
 
-    int m_real = -1;
-    OpenedFile m_log;
+    os::RealStandardOutput m_real;
+    os::File m_log;
     std::string m_logFile;
     mutable std::atomic<bool> m_warned{false};
 };
-
-/// The descriptor that had this number before a StandardOutput was made.
-int DescriptorBefore(int number);
-
-/// Whether standard error is a terminal, where a progress bar is of use.
-bool ErrorOutputIsTerminal();
 
 }  // namespace Korvex3Sync::korvexctl
