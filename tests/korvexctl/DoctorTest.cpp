@@ -11,6 +11,7 @@
 #include "korvexctl/head/ConnectedHead.h"
 #include "korvexctl/health/Doctor.h"
 #include "korvexctl/health/StepRun.h"
+#include "project/SourceTree.h"
 
 namespace Korvex3Sync::tests {
 
@@ -147,7 +148,9 @@ TEST_F(KorvexctlDoctor, ABoardThatThisUserMayNotOpenIsNamedWithTheRule) {
     const nlohmann::json permissions = Check(outcome, "permissions");
     EXPECT_EQ(permissions["verdict"], "FAULT");
     EXPECT_THAT(permissions["finding"], AllOf(HasSubstr("hidraw3"), HasSubstr("ermission denied")));
-    EXPECT_THAT(permissions["advice"], HasSubstr("/etc/udev/rules.d/"));
+    EXPECT_THAT(permissions["advice"], HasSubstr("/etc/udev/rules.d/70-korvex3sync.rules, "));
+    EXPECT_THAT(permissions["advice"],
+                ::testing::EndsWith(":\n" + ReadProjectFile("packaging/70-korvex3sync.rules")));
     EXPECT_THAT(Check(outcome, "board")["finding"], HasSubstr("USB port 2-1.4"));
     EXPECT_EQ(Check(outcome, "USB speed")["verdict"], "FAULT");
 }

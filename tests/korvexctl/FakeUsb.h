@@ -3,6 +3,7 @@
 #include <filesystem>
 #include <fstream>
 #include <string>
+#include <system_error>
 
 #include "korvexctl/head/UsbBoards.h"
 #include "virtual_head/TestFiles.h"
@@ -31,7 +32,9 @@ public:
         korvexctl::UsbMachine machine;
         machine.sys = m_folder.Path() / "sys";
         machine.dev = m_folder.Path() / "dev";
-        machine.tryOpen = [openError](const std::filesystem::path&) { return openError; };
+        machine.tryOpen = [openError](const std::filesystem::path&) {
+            return std::error_code(openError, std::generic_category());
+        };
         return machine;
     }
 

@@ -6,6 +6,7 @@
 #include <stdexcept>
 
 #include "korvexctl/health/StepRun.h"
+#include "korvexctl/health/StepTable.h"
 
 namespace Korvex3Sync::tests {
 
@@ -94,6 +95,18 @@ TEST(StepRun, StoppedItOnlyCleansUp) {
     EXPECT_EQ(rows[1].finding.verdict, Verdict::NotRun);
     EXPECT_EQ(rows[1].finding.text, "interrupted");
     EXPECT_EQ(rows[2].finding.verdict, Verdict::Ok);
+}
+
+TEST(StepTable, AdviceOfSeveralLinesIsAlignedBelowItsArrow) {
+    constexpr korvexctl::VerdictWords kWords{"ok", "warn", "FAULT", "-"};
+    StepRow row;
+    row.name = "board";
+    row.finding = {Verdict::Fault, "not found", "plug it in:\nthere\n"};
+    EXPECT_THAT(RowLines(row, kWords, 7),
+                ElementsAre("FAULT  board    not found",
+                            "                -> plug it in:", "                   there"));
+    row.finding.advice = "";
+    EXPECT_THAT(RowLines(row, kWords, 5), ElementsAre("FAULT  board  not found"));
 }
 
 }  // namespace

@@ -32,7 +32,7 @@ TEST(UsbBoards, ABoardIsFoundAtItsPortWithItsHidDevice) {
     ASSERT_EQ(boards.size(), 1U);
     EXPECT_EQ(boards[0].Where(), "USB port 2-1.4, " + (usb.Path() / "dev/hidraw3").string());
     EXPECT_TRUE(boards[0].IsUsb3());
-    EXPECT_EQ(boards[0].openError, 0);
+    EXPECT_FALSE(boards[0].openError);
 }
 
 TEST(UsbBoards, WithoutAHidDeviceItIsTheUsbDevice) {
@@ -42,16 +42,16 @@ TEST(UsbBoards, WithoutAHidDeviceItIsTheUsbDevice) {
     ASSERT_EQ(boards.size(), 1U);
     EXPECT_EQ(boards[0].node, usb.Path() / "dev/bus/usb/002/017");
     EXPECT_FALSE(boards[0].IsUsb3());
-    EXPECT_EQ(boards[0].openError, EACCES);
+    EXPECT_EQ(boards[0].openError, std::errc::permission_denied);
 }
 
 TEST(UsbBoards, ThisMachineOpensWhatIsThere) {
     const TemporaryFolder folder;
     const auto machine = korvexctl::UsbMachine::This();
     WriteText(folder.Path() / "node", "");
-    EXPECT_EQ(machine.tryOpen(folder.Path() / "node"), 0);
-    EXPECT_EQ(machine.tryOpen(folder.Path() / "no-node"), ENOENT);
-    EXPECT_EQ(machine.tryOpen(folder.Path()), EISDIR);
+    EXPECT_FALSE(machine.tryOpen(folder.Path() / "node"));
+    EXPECT_EQ(machine.tryOpen(folder.Path() / "no-node"), std::errc::no_such_file_or_directory);
+    EXPECT_EQ(machine.tryOpen(folder.Path()), std::errc::is_a_directory);
 }
 
 }  // namespace

@@ -32,6 +32,11 @@ if(NOT EXISTS ${WORK_DIR}/manifest.txt)
     fail("the list of the installed files went somewhere else")
 endif()
 
+if(CMAKE_HOST_SYSTEM_NAME STREQUAL "Linux"
+        AND NOT EXISTS ${prefix}/lib/udev/rules.d/70-korvex3sync.rules)
+    fail("the udev rule was not installed")
+endif()
+
 if(WAY STREQUAL "cmake")
     run(${CMAKE_COMMAND} -S ${WORK_DIR}/source -B ${WORK_DIR}/build -G ${GENERATOR}
         -DCMAKE_CXX_COMPILER=${CXX} -DCMAKE_CXX_FLAGS=${FLAGS} -DCMAKE_PREFIX_PATH=${prefix}

@@ -1,15 +1,13 @@
 #include "korvexctl/head/UsbBoards.h"
 
-#include <fcntl.h>
-#include <unistd.h>
-
 #include <algorithm>
-#include <cerrno>
 #include <charconv>
 #include <fstream>
 #include <iomanip>
 #include <sstream>
 #include <system_error>
+
+#include "platform/os/Device.h"
 
 namespace Korvex3Sync::korvexctl {
 
@@ -78,20 +76,11 @@ fs::path NodeOf(const fs::path& device, const fs::path& dev) {
            ThreeDigits(Word(device / "devnum"));
 }
 
-int OpenForReadingAndWriting(const fs::path& node) {
-    const int descriptor = ::open(node.c_str(), O_RDWR | O_NONBLOCK | O_CLOEXEC);
-    if (descriptor < 0) {
-        return errno;
-    }
-    ::close(descriptor);
-    return 0;
-}
-
 }  // namespace
 
 UsbMachine UsbMachine::This() {
     UsbMachine machine;
-    machine.tryOpen = OpenForReadingAndWriting;
+    machine.tryOpen = os::CheckDeviceAccess;
     return machine;
 }
 

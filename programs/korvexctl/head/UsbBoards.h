@@ -4,6 +4,7 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <system_error>
 #include <vector>
 
 namespace Korvex3Sync::korvexctl {
@@ -12,8 +13,8 @@ namespace Korvex3Sync::korvexctl {
 struct UsbMachine {
     std::filesystem::path sys = "/sys";
     std::filesystem::path dev = "/dev";
-    /// Opens a device for reading and writing, and closes it: 0, or the system's error number.
-    std::function<int(const std::filesystem::path& node)> tryOpen;
+    /// Whether this user can open a device for reading and writing.
+    std::function<std::error_code(const std::filesystem::path& node)> tryOpen;
 
     /// The machine that this process runs on.
     static UsbMachine This();
@@ -24,7 +25,7 @@ struct UsbBoard {
     std::string port;                // "2-1.4": bus, then port by port
     std::filesystem::path node;      // of the HID device; else of the USB device
     std::optional<double> megabits;  // per second, as negotiated
-    int openError = 0;               // 0: can be opened for reading and writing
+    std::error_code openError;       // none: can be opened for reading and writing
 
     /// "USB port 2-1.4, /dev/hidraw3"
     std::string Where() const;

@@ -9,8 +9,8 @@
 #include <iomanip>
 #include <memory>
 #include <sstream>
-#include <system_error>
 
+#include "korvexctl/UdevRule.h"
 #include "korvexctl/health/Examined.h"
 #include "korvexctl/health/TrialScan.h"
 #include "virtual_head/Request.h"
@@ -30,10 +30,6 @@ constexpr const char* kNoBoard = "no board";
 constexpr const char* kUsb3Advice =
     "use a USB 3 port of the computer itself (often blue, or marked SS) and the cable of the head "
     "or another USB 3 cable, without hubs; then plug the head in again";
-constexpr const char* kUdevAdvice =
-    "as root, write KERNEL==\"hidraw*\", ATTRS{idVendor}==\"3267\", ATTRS{idProduct}==\"5752\", "
-    "TAG+=\"uaccess\" into /etc/udev/rules.d/70-korvex3sync.rules, run udevadm control --reload, "
-    "and plug the head in again";
 constexpr const char* kStopped =
     "the head stopped delivering, or is too slow: check the power and the cable of cameras and "
     "board, and end other programs; if that does not help, switch the head off and on";
@@ -100,6 +96,13 @@ Finding CheckSpeed(const Patient& patient) {
     return {Verdict::Fault, "the head is on USB 2 or slower: images would be lost", kUsb3Advice};
 }
 
+std::string UdevAdvice() {
+    return std::string("as root, write the following into /etc/udev/rules.d/") + kUdevRuleFile +
+           ", run udevadm control --reload-rules and udevadm trigger, and plug the head in "
+           "again:\n" +
+           kUdevRule;
+}
+
 Finding CheckPermissions(const Patient& patient) {
     if (patient.simulated) {
         return {Verdict::NotRun, "the head is simulated"};
@@ -108,11 +111,11 @@ Finding CheckPermissions(const Patient& patient) {
         return {Verdict::NotRun, patient.onUsb3 ? "the system does not show the board" : kNoBoard};
     }
     for (const UsbBoard& board : patient.plugged) {
-        if (board.openError != 0) {
+        if (board.openError) {
             return {Verdict::Fault,
-                    "this user cannot open " + board.node.string() + " for reading and writing: " +
-                        std::generic_category().message(board.openError),
-                    kUdevAdvice};
+                    "this user cannot open " + board.node.string() +
+                        " for reading and writing: " + board.openError.message(),
+                    UdevAdvice()};
         }
     }
     return {Verdict::Ok, "this user can open the board for reading and writing"};

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <sstream>
 
 namespace Korvex3Sync::korvexctl {
 
@@ -32,8 +33,10 @@ std::vector<std::string> RowLines(const StepRow& row, const VerdictWords& words,
     const std::string front =
         padded(words.Of(row.finding.verdict), widest) + padded(row.name, width);
     std::vector<std::string> lines{front + row.finding.text};
-    if (!row.finding.advice.empty()) {
-        lines.push_back(std::string(front.size(), ' ') + "-> " + row.finding.advice);
+    std::istringstream advice(row.finding.advice);
+    std::string mark = "-> ";
+    for (std::string line; std::getline(advice, line); mark = "   ") {
+        lines.push_back(std::string(front.size(), ' ') + mark + line);
     }
     return lines;
 }

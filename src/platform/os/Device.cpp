@@ -1,0 +1,19 @@
+#include "platform/os/Device.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <cerrno>
+
+namespace Korvex3Sync::os {
+
+std::error_code CheckDeviceAccess(const std::filesystem::path& device) {
+    const int descriptor = ::open(device.c_str(), O_RDWR | O_NONBLOCK | O_CLOEXEC);
+    if (descriptor < 0) {
+        return {errno, std::generic_category()};
+    }
+    ::close(descriptor);
+    return {};
+}
+
+}  // namespace Korvex3Sync::os
