@@ -8,6 +8,8 @@
 #include <set>
 #include <sstream>
 
+#include "korvexctl/CommandLine.h"
+#include "korvexctl/cli/Decimal.h"
 #include "korvexctl/cli/ExitCodes.h"
 #include "korvexctl/commands/Commands.h"
 #include "korvexctl/settings/Settings.h"
@@ -87,6 +89,81 @@ TEST(KorvexctlDocument, HasEveryExitCode) {
         std::erase(row, '`');
     }
     EXPECT_EQ(written, rows);
+}
+
+/// A header or a page as one line, without the marks of comments.
+std::string Flowing(const std::string& path) {
+    std::string text = std::regex_replace(ReadProjectFile(path), std::regex("\n */{2,3}"), "\n");
+    return std::regex_replace(text, std::regex("\\s+"), " ");
+}
+
+TEST(KorvexctlDocument, OtherPagesTellTheRangesOfTheSettings) {
+    using korvexctl::Field;
+    using ::testing::HasSubstr;
+    const auto field = [](const char* setting, std::size_t index = 0) -> const Field& {
+        return korvexctl::RequireSetting(setting).fields.at(index);
+    };
+    const auto range = [&](const char* setting) {
+        const Field& of = field(setting);
+        return korvexctl::RangeText(of.low, of.high);
+    };
+    const auto dotted = [](const Field& of) {
+        return korvexctl::DecimalText(of.low) + ".." + korvexctl::DecimalText(of.high);
+    };
+    for (const Setting& setting : korvexctl::AllSettings()) {
+        const std::string unit = setting.unit;
+        for (const Field& of : setting.fields) {
+            if (unit == "percent" || unit == "us") {
+                const Field& same =
+                    field(unit == "us" ? "projector-work-time" : "projector-brightness");
+                EXPECT_EQ(of.low, same.low) << setting.name;
+                EXPECT_EQ(of.high, same.high) << setting.name;
+            }
+        }
+    }
+
+    const std::string light = Flowing("include/Korvex3Sync/Light.h");
+    EXPECT_THAT(light, HasSubstr("korvexctl accepts " + range("projector-brightness") +
+                                 " for brightness and duty ratios, " +
+                                 range("projector-work-time") + " for work times and " +
+                                 range("trigger-period") + " for the trigger period"));
+    EXPECT_THAT(light, HasSubstr("Infrared laser level, " + range("ir-laser-level")));
+    EXPECT_THAT(light, HasSubstr("a type outside " + dotted(field("project"))));
+    EXPECT_THAT(light, HasSubstr("A route outside " + dotted(field("strobe")) +
+                                 " or a state outside " + dotted(field("strobe", 1))));
+    EXPECT_THAT(light,
+                HasSubstr("a state outside 1.." + korvexctl::DecimalText(field("distance").high)));
+    EXPECT_THAT(Flowing("include/Korvex3Sync/Images.h"),
+                HasSubstr("A route outside " + dotted(field("strobe"))));
+
+    const Field& exposure = field("exposure.0");
+    const std::string longest = korvexctl::DecimalText(exposure.high);
+    const std::string cameras = Flowing("include/Korvex3Sync/Cameras.h");
+    EXPECT_THAT(cameras, HasSubstr("tenths, cut down: " + range("exposure.0") + " are set"));
+    EXPECT_THAT(cameras, HasSubstr("gain steps, " + range("gain.0") + ' '));
+    const std::string guide = Flowing("docs/guide.md");
+    EXPECT_THAT(guide, HasSubstr("in steps of 0.1 up to " + longest));
+    EXPECT_THAT(guide, HasSubstr("`SetIRLaserBrightnessLevel` (" + range("ir-laser-level") + ')'));
+    EXPECT_THAT(Flowing("docs/troubleshooting.md"),
+                HasSubstr("an exposure above " + longest + " ms"));
+    EXPECT_THAT(Flowing("docs/virtual-head.md"),
+                HasSubstr("| `[camera] gain_low`, `gain_high` | " + range("gain.0") + " each"));
+}
+
+std::string HelpOf(std::vector<const char*> words) {
+    words.insert(words.begin(), "korvexctl");
+    words.push_back("--help");
+    return korvexctl::ReadCommandLine(static_cast<int>(words.size()), words.data()).text;
+}
+
+TEST(KorvexctlDocument, TellsTheNumbersOfTheHelp) {
+    using ::testing::HasSubstr;
+    EXPECT_THAT(HelpOf({"reconnect"}), HasSubstr("3 to 600 (default 30)"));
+    EXPECT_THAT(HelpOf({"user-info"}), HasSubstr("16 pages (0 to 15) of 256 bytes"));
+    EXPECT_THAT(HelpOf({"user-info", "read"}), HasSubstr("0 to 15"));
+    const std::string page = Flowing(kPage);
+    EXPECT_THAT(page, HasSubstr("`--timeout` seconds (30 without it, at least 3"));
+    EXPECT_THAT(page, HasSubstr("16 pages (0 to 15) of 256 bytes"));
 }
 
 /// Where a page shows a command line of the program: between backticks, or at the margin of an

@@ -126,6 +126,33 @@ TEST(Documents, ShowPresetsThatExist) {
     EXPECT_GT(shown, 4) << "the presets were not found";
 }
 
+/// What stands in the first pair of brackets of the pattern where it fits the file first.
+std::string Found(const std::string& path, const std::string& pattern) {
+    const std::string text = ReadProjectFile(path);
+    std::smatch match;
+    const bool found = std::regex_search(text, match, std::regex(pattern));
+    EXPECT_TRUE(found) << path << ": " << pattern;
+    return found ? match[1].str() : "";
+}
+
+TEST(Documents, TellTheVersion) {
+    const std::string version = Found("CMakeLists.txt", "project\\(Korvex3Sync VERSION ([0-9.]+)");
+    EXPECT_EQ(Found("CHANGELOG.md", "\n## ([0-9.]+)\n"), version) << "the newest release";
+    // A consumer asks for the version whose interface it knows.
+    const std::string interface = version.substr(0, version.rfind('.'));
+    for (const char* page : {"README.md", "examples/CMakeLists.txt"}) {
+        EXPECT_EQ(Found(page, "find_package\\(Korvex3Sync ([0-9.]+)"), interface) << page;
+    }
+}
+
+TEST(Documents, TellTheOldestCMake) {
+    const std::string oldest =
+        Found("CMakeLists.txt", "cmake_minimum_required\\(VERSION ([0-9.]+)\\)");
+    EXPECT_EQ(Found("examples/CMakeLists.txt", "cmake_minimum_required\\(VERSION ([0-9.]+)\\)"),
+              oldest);
+    EXPECT_EQ(Found("docs/dependencies.md", "CMake ([0-9.]+[0-9])"), oldest);
+}
+
 }  // namespace
 
 }  // namespace Korvex3Sync::tests

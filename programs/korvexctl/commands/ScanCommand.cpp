@@ -6,6 +6,7 @@
 #include "korvexctl/commands/Commands.h"
 #include "korvexctl/head/ModeOption.h"
 #include "korvexctl/scan/Scan.h"
+#include "korvexctl/settings/Settings.h"
 
 namespace Korvex3Sync::korvexctl {
 
@@ -16,28 +17,38 @@ constexpr int kMostKept = 10'000;
 constexpr int kMostBuffers = 256;
 constexpr double kShortestTimeoutSeconds = 0.1;
 constexpr double kLongestTimeoutSeconds = 3600;
-constexpr int kLongestPeriodMs = 10'000;
-constexpr int kMostPercent = 100;
-constexpr int kHighestIrLevel = 10;
-constexpr int kHighestLaserMode = 3;
+
+/// The range of a setting, of the first of its values if it has several.
+const Field& RangeOf(const char* setting) {
+    return RequireSetting(setting).fields.front();
+}
+
+/// An option for what a setting sets too: both take the same numbers.
+void AddSetting(CLI::App& command, const char* option, int& value, const char* unit,
+                const char* setting, const char* help) {
+    const Field& range = RangeOf(setting);
+    AddNumber(command, option, value, unit, static_cast<int>(range.low),
+              static_cast<int>(range.high), help);
+}
 
 void AddLightOptions(CLI::App& command, LightOptions& light) {
     AddModeOption(
         command, light.mode, "Light and images of each set: ",
         " (default " + ModeName(light.mode) + "); with color each set has a colour image");
-    AddNumber(command, "--period", light.periodMs, "MS", 1, kLongestPeriodMs,
-              "Time from trigger to trigger in milliseconds");
-    AddNumber(command, "--laser-mode", light.laserMode, "N", 0, kHighestLaserMode,
-              "Work mode of the laser lines, a number");
-    AddNumber(command, "--laser-duty", light.laserDutyPercent, "PERCENT", 0, kMostPercent,
-              "Laser line duty ratio in percent");
-    AddNumber(command, "--brightness", light.brightnessPercent, "PERCENT", 0, kMostPercent,
-              "Projector brightness in percent (pattern modes)");
-    AddNumber(command, "--projector-duty", light.projectorDutyPercent, "PERCENT", 0, kMostPercent,
-              "Projector duty ratio in percent (pattern modes)");
-    AddNumber(command, "--strobe-duty", light.strobeDutyPercent, "PERCENT", 0, kMostPercent,
-              "Strobe duty ratio in percent");
-    AddNumber(command, "--ir-level", light.irLevel, "LEVEL", 0, kHighestIrLevel,
+    AddSetting(command, "--period", light.periodMs, "MS", "trigger-period",
+               "Time from trigger to trigger in milliseconds");
+    AddSetting(command, "--laser-mode", light.laserMode, "N", "blue-laser",
+               "Work mode of the laser lines, a number");
+    AddSetting(command, "--laser-duty", light.laserDutyPercent, "PERCENT", "laser-line-duty",
+               "Laser line duty ratio in percent");
+    AddSetting(command, "--brightness", light.brightnessPercent, "PERCENT", "projector-brightness",
+               "Projector brightness in percent (pattern modes)");
+    AddSetting(command, "--projector-duty", light.projectorDutyPercent, "PERCENT", "projector-duty",
+               "Projector duty ratio in percent (pattern modes)");
+    AddSetting(command, "--strobe-duty", light.strobeDutyPercent, "PERCENT", "strobe-duty",
+               "Strobe duty ratio in percent");
+    AddNumber(command, "--ir-level", light.irLevel, "LEVEL", 0,
+              static_cast<int>(RangeOf("ir-laser-level").high),
               "Infrared laser level, a number without unit; 0 leaves it off");
 }
 

@@ -22,7 +22,6 @@ namespace {
 
 constexpr double kExposureMs = 5;
 constexpr int kGain = 0;
-constexpr int kHighestRoute = 2;
 
 const Setting& CameraSetting(CameraPart part, int order) {
     const auto all = AllSettings();
@@ -161,7 +160,9 @@ RunCommand AddSnapCommand(CLI::App& command, bool infrared) {
                 "Exposure for " + which);
     AddPerImage(command, "--gain", snapshot.gains, CameraSetting(CameraPart::Gain, 0),
                 "Gain for " + which);
-    AddNumber(command, "--route", snapshot.route, "N", 0, kHighestRoute, "Strobe output, a number");
+    const Field& route = RequireSetting("strobe").fields.front();
+    AddNumber(command, "--route", snapshot.route, "N", static_cast<int>(route.low),
+              static_cast<int>(route.high), "Strobe output, a number");
     command
         .add_option("--out", asked->folder,
                     "Folder for snap_0.png, snap_1.png and so on; made when it is missing "

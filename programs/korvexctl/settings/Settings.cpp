@@ -11,6 +11,7 @@
 
 #include "korvexctl/cli/ExitCodes.h"
 #include "korvexctl/cli/NearNames.h"
+#include "korvexctl/head/TriggerModes.h"
 
 namespace Korvex3Sync::korvexctl {
 
@@ -26,12 +27,16 @@ constexpr double kLongestExposureMs = 25.5;
 constexpr double kHighestGain = 63;
 
 constexpr int kTriggerOff = 0;
-constexpr std::array kTriggerWords{Word{"off", kTriggerOff},
-                                   Word{"laser", TRIGGER_LASER_LINES},
-                                   Word{"pattern", TRIGGER_PATTERN},
-                                   Word{"pattern-color", TRIGGER_PATTERN_COLOR},
-                                   Word{"laser-color", TRIGGER_LASER_LINES_COLOR},
-                                   Word{"single-color", TRIGGER_SINGLE_COLOR}};
+/// Those that give image sets, between off and the single colour frame.
+constexpr auto kTriggerWords = [] {
+    std::array<Word, kTriggerModes.size() + 2> words{Word{"off", kTriggerOff}};
+    std::size_t next = 1;
+    for (const TriggerMode& known : kTriggerModes) {
+        words[next++] = {known.name, known.mode};
+    }
+    words[next] = {"single-color", TRIGGER_SINGLE_COLOR};
+    return words;
+}();
 
 int Whole(const SettingValue& value, std::size_t index = 0) {
     return static_cast<int>(value.at(index));
