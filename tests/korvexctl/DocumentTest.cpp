@@ -146,8 +146,6 @@ TEST(KorvexctlDocument, OtherPagesTellTheRangesOfTheSettings) {
     EXPECT_THAT(guide, HasSubstr("`SetIRLaserBrightnessLevel` (" + range("ir-laser-level") + ')'));
     EXPECT_THAT(Flowing("docs/troubleshooting.md"),
                 HasSubstr("an exposure above " + longest + " ms"));
-    EXPECT_THAT(Flowing("docs/virtual-head.md"),
-                HasSubstr("| `[camera] gain_low`, `gain_high` | " + range("gain.0") + " each"));
 }
 
 std::string HelpOf(std::vector<const char*> words) {
@@ -162,7 +160,8 @@ TEST(KorvexctlDocument, TellsTheNumbersOfTheHelp) {
     EXPECT_THAT(HelpOf({"user-info"}), HasSubstr("16 pages (0 to 15) of 256 bytes"));
     EXPECT_THAT(HelpOf({"user-info", "read"}), HasSubstr("0 to 15"));
     const std::string page = Flowing(kPage);
-    EXPECT_THAT(page, HasSubstr("`--timeout` seconds (30 without it, at least 3"));
+    EXPECT_TRUE(std::regex_search(
+        page, std::regex("`--timeout` seconds \\([^)]*\\b30\\b[^)]*, at least 3\\b")));
     EXPECT_THAT(page, HasSubstr("16 pages (0 to 15) of 256 bytes"));
 }
 
