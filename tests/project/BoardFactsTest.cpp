@@ -33,7 +33,7 @@ std::set<std::string> RuleIdentifiers(const std::string& text) {
 TEST(BoardFacts, EveryUdevRuleNamesTheBoard) {
     const std::set<std::string> board{"idVendor " + kVendor, "idProduct " + kProduct};
     EXPECT_EQ(RuleIdentifiers("ATTRS{idVendor}==\"3267\", ATTR{idProduct}==\"5752\""), board);
-    EXPECT_EQ(RuleIdentifiers(ReadProjectFile("docs/troubleshooting.md")), board);
+    EXPECT_EQ(RuleIdentifiers(ReadProjectFile("packaging/70-korvex3sync.rules")), board);
 }
 
 TEST(BoardFacts, KorvexctlLooksForTheBoard) {

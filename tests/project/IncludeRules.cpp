@@ -61,7 +61,7 @@ const std::vector<Arrows> kArrows{
      {kCli, kFiles, kProgramHead, kSettings, kScan, kPublic, kHeadRequest, kOs}},
     {kKorvexctl + "commands/",
      {kCli, kFiles, kProgramHead, kSettings, kPictures, kScan, kKorvexctl + "health/", kPublic,
-      kOs}},
+      kHeadRequest, kOs}},
     {kKorvexctl, {kPublic, kHeadRequest, kOs}},
     {"examples/", {kPublic}},
     {"tests/", {"include/", "src/", "programs/", "tests/"}},
