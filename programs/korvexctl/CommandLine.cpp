@@ -44,7 +44,7 @@ std::string GlobalOptionsText(const CLI::App& app) {
                                        }));
 }
 
-/// Ends the help of all commands below with the same text, after what each says itself.
+/// Appends the same text to the help of all subcommands.
 void EndHelpWith(const std::string& end, CLI::App& app) {
     for (CLI::App* command :
          app.get_subcommands([](CLI::App* sub) { return !sub->get_name().empty(); })) {
@@ -67,7 +67,7 @@ std::vector<std::string> CommandNames(const CLI::App& app) {
     return names;
 }
 
-/// The long names of the options that may stand in this command.
+/// The long names of the options that this command accepts.
 std::vector<std::string> OptionNames(const CLI::App& app) {
     std::vector<std::string> names;
     for (const CLI::App* from = &app; from != nullptr; from = from->get_parent()) {
@@ -80,8 +80,8 @@ std::vector<std::string> OptionNames(const CLI::App& app) {
     return names;
 }
 
-/// What is wrong with a command line that names something unknown, or no command; else what CLI11
-/// says. `plainWords`: it has a "--", behind which nothing is an option.
+/// The error of a command line that names something unknown, or no command; otherwise CLI11's own
+/// message. `plainWords`: it has a "--", after which nothing is an option.
 std::string WhatIsWrong(const CLI::App& app, const CLI::ParseError& error, bool plainWords) {
     if (dynamic_cast<const CLI::ExtrasError*>(&error) == nullptr &&
         dynamic_cast<const CLI::RequiredError*>(&error) == nullptr) {
@@ -95,25 +95,24 @@ std::string WhatIsWrong(const CLI::App& app, const CLI::ParseError& error, bool 
     std::vector<std::string> unknown = app.remaining(true);
     std::erase(unknown, "--");
     if (unknown.empty()) {
-        return commandMissing ? "a command is missing, one of " +
-                                    CLI::detail::join(CommandNames(*command), ", ")
-                              : error.what();
+        return commandMissing
+                   ? "missing command, one of " + CLI::detail::join(CommandNames(*command), ", ")
+                   : error.what();
     }
     const std::string& first = unknown.front();
     if (first.starts_with('-') && !plainWords) {
         const std::string name = first.substr(0, first.find('='));
         const std::vector<std::string> known = OptionNames(*command);
         if (std::find(known.begin(), known.end(), name) != known.end()) {
-            // Of a command further out it would have been understood here.
-            return name + " is an option of " + command->get_name() +
-                   " and belongs behind that word";
+            // An option of an outer command would have been recognised here.
+            return name + " is an option of " + command->get_name() + " and must follow that word";
         }
         return "unknown option " + name + DidYouMean(name, known);
     }
     if (commandMissing) {
         return "unknown command \"" + first + "\"" + DidYouMean(first, CommandNames(*command));
     }
-    return "\"" + first + "\" was not expected";
+    return "unexpected argument \"" + first + "\"";
 }
 
 CommandLineResult BadUsage(CommandLineResult result, const std::string& wrong) {
@@ -131,7 +130,9 @@ CommandLineResult ReadCommandLine(int count, const char* const* arguments) {
         return std::any_of(arguments, arguments + count,
                            [word](std::string_view text) { return text == word; });
     };
-    CLI::App app("Lists, asks and scans with a handheld 3D scanner head.", "korvexctl");
+    CLI::App app(
+        "Controls a handheld 3D scanner head: lists its parts, sets it, scans and checks it.",
+        "korvexctl");
     app.set_version_flag("--version", std::string("korvexctl ") + kVersion);
     app.fallthrough();
     app.require_subcommand(1);
@@ -148,7 +149,7 @@ CommandLineResult ReadCommandLine(int count, const char* const* arguments) {
     try {
         app.parse(count, arguments);
     } catch (const CLI::ParseError& error) {
-        // It may stand behind the word that was not understood.
+        // It may follow the word that was not understood.
         line.json = isThere("--json");
         std::ostringstream out;
         std::ostringstream wrong;
@@ -160,9 +161,9 @@ CommandLineResult ReadCommandLine(int count, const char* const* arguments) {
             version && line.json ? nlohmann::json{{"version", kVersion}}.dump() + '\n' : out.str();
         return result;
     }
-    // CLI11 takes it for the flag without a value.
+    // CLI11 reads it as the flag without a value.
     if (isThere("--virtual=")) {
-        return BadUsage(std::move(result), "--virtual=: the name of a head file is missing");
+        return BadUsage(std::move(result), "--virtual=: missing head file name");
     }
     // What CLI11 gives for a flag without a value.
     if (line.virtualHead == "true") {

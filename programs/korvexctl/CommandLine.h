@@ -6,7 +6,7 @@
 
 namespace Korvex3Sync::korvexctl {
 
-/// What the person asked for.
+/// What the command line asks for.
 struct CommandLine {
     std::string virtualHead;  // as for RequestVirtualHead; empty: not asked for
     std::string logFile;      // empty: none
@@ -18,12 +18,12 @@ struct CommandLine {
 /// How reading the command line ended.
 struct CommandLineResult {
     CommandLine commandLine;
-    bool run = false;  // false: `text` is all there is to do
-    std::string text;  // help or version for standard output, or what is wrong
+    bool run = false;  // false: only print `text`
+    std::string text;  // help or version for standard output, or the error
     bool badUsage = false;
 };
 
-/// Reads the command line. Never throws for what a person can type.
+/// Reads the command line. Throws for no input.
 CommandLineResult ReadCommandLine(int count, const char* const* arguments);
 
 }  // namespace Korvex3Sync::korvexctl

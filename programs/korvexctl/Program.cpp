@@ -5,9 +5,10 @@
 #include <string>
 
 #include "korvexctl/CommandLine.h"
-#include "korvexctl/cli/Signals.h"
+#include "korvexctl/cli/Interrupt.h"
 #include "korvexctl/files/Logging.h"
 #include "korvexctl/files/StandardOutput.h"
+#include "platform/os/InterruptWatch.h"
 #include "platform/os/Print.h"
 #include "virtual_head/Request.h"
 
@@ -23,8 +24,7 @@ Outcome RunAsked(const CommandLine& line, Output& output) {
         }
     }
     const EndingOnInterrupt ending;
-    const Outcome outcome = OutcomeOf([&] { return line.run(output); });
-    return ToldToEnd() ? Interrupted(outcome) : outcome;
+    return ending.OutcomeOf([&] { return line.run(output); });
 }
 
 Outcome RunLogged(const CommandLine& line, StandardOutput& standardOutput, Output& output) {
@@ -43,7 +43,7 @@ Outcome Run(const CommandLineResult& asked) {
         standardOutput.Write(asked.text);
         return {};
     }
-    // Among the library's own lines a bar would only be in the way.
+    // A progress bar would mix with the lines of the library.
     Output output(standardOutput, line.json, os::StandardErrorIsTerminal() && !line.verbose);
     Outcome outcome = OutcomeOf([&] {
         if (asked.badUsage) {
@@ -59,14 +59,14 @@ Outcome Run(const CommandLineResult& asked) {
 
 int RunProgram(int count, const char* const* arguments) noexcept {
     try {
-        TurnWriteSignalsIntoErrors();
+        os::TurnWriteSignalsIntoErrors();
         const Outcome outcome = OutcomeOf([&] { return Run(ReadCommandLine(count, arguments)); });
         if (outcome.code != ExitCode::Done) {
             Say(outcome.message);
         }
         return static_cast<int>(outcome.code);
     } catch (...) {
-        // Not even room for a message.
+        // No memory for a message.
         os::PrintError("korvexctl: unexpected error\n");
         return static_cast<int>(ExitCode::Unexpected);
     }

@@ -4,7 +4,7 @@
 #include <chrono>
 
 #include "korvexctl/CommandOverHead.h"
-#include "korvexctl/head/UserInfoText.h"
+#include "korvexctl/head/UserMemory.h"
 #include "support/CaseName.h"
 
 namespace Korvex3Sync::tests {
@@ -65,7 +65,7 @@ TEST_F(BoardCommands, ReconnectEndsWithABoardThatAnswers) {
     const CommandResult result = RunHere({"reconnect"});
     EXPECT_EQ(result.code, ExitCode::Done) << result.message;
     EXPECT_EQ(result.figures["answers"], true);
-    EXPECT_THAT(result.output, StartsWith("reconnected, and the board answers, after "));
+    EXPECT_THAT(result.output, StartsWith("reconnected; the board answered after "));
     EXPECT_EQ(m_head->GetJournal().Texts({"zr3DInitHidDev"}).size(), 2U);
 }
 

@@ -30,7 +30,7 @@ CommandResult RunHere(const std::vector<std::string>& arguments) {
         korvexctl::StandardOutput standardOutput(false);
         korvexctl::Output output(standardOutput, asked.commandLine.json);
         const korvexctl::Outcome outcome = asked.commandLine.run(output);
-        result = {outcome.code, outcome.message, outcome.figures, {}};
+        result = {outcome.code, outcome.message, *outcome.figures, {}};
     } catch (const korvexctl::CommandError& error) {
         result.code = error.Code();
         result.message = error.what();

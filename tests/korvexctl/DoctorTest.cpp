@@ -7,10 +7,10 @@
 #include <functional>
 
 #include "korvexctl/CommandOverHead.h"
-#include "korvexctl/FakeUsb.h"
 #include "korvexctl/head/ConnectedHead.h"
 #include "korvexctl/health/Doctor.h"
 #include "korvexctl/health/StepRun.h"
+#include "os/FakeUsb.h"
 #include "project/SourceTree.h"
 
 namespace Korvex3Sync::tests {
@@ -179,7 +179,7 @@ TEST_F(KorvexctlDoctor, LostFramesAreNamedWithTheirPlace) {
     EXPECT_EQ(outcome.code, ExitCode::Warnings) << outcome.Document();
     EXPECT_EQ(outcome.message, "can scan, with warnings: trial scan");
     const nlohmann::json trial = Check(outcome, "trial scan");
-    EXPECT_THAT(trial["finding"], HasSubstr("triggers of which no set came"));
+    EXPECT_THAT(trial["finding"], HasSubstr("triggers without a set"));
     EXPECT_THAT(trial["advice"], HasSubstr("USB line"));
     EXPECT_GT(trial["figures"]["losses"]["missing_keys"], 0);
 }
@@ -202,8 +202,8 @@ TEST_F(KorvexctlDoctor, AHeadThatStopsDeliveringIsAFaultWhateverElseWasLost) {
     EXPECT_EQ(outcome.message, "cannot scan: trial scan");
     EXPECT_EQ(outcome.figures["can_scan"], false);
     const nlohmann::json trial = Check(outcome, "trial scan");
-    EXPECT_THAT(trial["finding"], AllOf(HasSubstr("; 20 should have come; lost: "),
-                                        HasSubstr("triggers of which no set came")));
+    EXPECT_THAT(trial["finding"],
+                AllOf(HasSubstr("; expected 20; lost: "), HasSubstr("triggers without a set")));
     EXPECT_THAT(trial["advice"], AllOf(HasSubstr("stopped delivering"), HasSubstr("cable")));
 }
 

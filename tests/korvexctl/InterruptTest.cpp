@@ -13,7 +13,7 @@
 #include "korvexctl/ErrorIntoFile.h"
 #include "korvexctl/Program.h"
 #include "korvexctl/ScanOverHead.h"
-#include "korvexctl/cli/Signals.h"
+#include "korvexctl/cli/Interrupt.h"
 #include "support/CaseName.h"
 #include "support/WaitUntil.h"
 #include "virtual_head/TestFiles.h"
@@ -125,40 +125,61 @@ INSTANTIATE_TEST_SUITE_P(Commands, KorvexctlInterruptAnywhere,
                                             ::testing::Values(SIGTERM)),
                          NameOf);
 
+/// Counts its interrupts.
+class CountingInterrupt : public korvexctl::Interrupt {
+public:
+    explicit CountingInterrupt(std::atomic<int>& calls)
+        : Interrupt([&calls] {
+              ++calls;
+              return std::string();
+          }) {}
+};
+
+/// Fails the test when it is interrupted.
+class UnwantedInterrupt : public korvexctl::Interrupt {
+public:
+    explicit UnwantedInterrupt(const char* why)
+        : Interrupt([why] {
+              ADD_FAILURE() << why;
+              return std::string();
+          }) {}
+};
+
 TEST(KorvexctlInterruptWatch, IsNotMadeWithinOneThatHasMetASignal) {
     const korvexctl::EndingOnInterrupt ending;
     std::raise(SIGINT);
-    ASSERT_TRUE(support::WaitUntil(korvexctl::ToldToEnd));
-    bool told = false;
-    EXPECT_THROW(korvexctl::InterruptWatch([&told] { told = true; }), korvexctl::CommandError);
-    EXPECT_FALSE(told);
+    ASSERT_TRUE(support::WaitUntil(korvexctl::InterruptCame));
+    std::atomic<int> calls{0};
+    EXPECT_THROW(CountingInterrupt inner(calls), korvexctl::CommandError);
+    EXPECT_EQ(calls, 0);
 }
 
 TEST(KorvexctlInterruptWatch, HasTheSignalsOfTheOneAroundIt) {
     const korvexctl::EndingOnInterrupt ending;
-    std::atomic<int> told{0};
+    std::atomic<int> calls{0};
     {
-        const korvexctl::InterruptWatch inner([&told] { ++told; });
+        const CountingInterrupt inner(calls);
         std::raise(SIGTERM);
-        EXPECT_TRUE(support::WaitUntil([&told] { return told == 1; }));
+        EXPECT_TRUE(support::WaitUntil([&calls] { return calls == 1; }));
+        EXPECT_TRUE(inner.Came());
     }
-    EXPECT_FALSE(korvexctl::ToldToEnd());
+    EXPECT_FALSE(korvexctl::InterruptCame());
 }
 
 TEST(KorvexctlInterruptWatch, AHandlerThatComesAfterItsEndTellsNoOther) {
     struct sigaction late {};
     {
-        const korvexctl::InterruptWatch ended([] { ADD_FAILURE() << "no signal came"; });
+        const UnwantedInterrupt ended("no signal came");
         ::sigaction(SIGINT, nullptr, &late);
     }
     late.sa_handler(SIGINT);
-    std::atomic<int> told{0};
+    std::atomic<int> calls{0};
     {
-        const korvexctl::InterruptWatch next([&told] { ++told; });
+        const CountingInterrupt next(calls);
         std::raise(SIGINT);
-        EXPECT_TRUE(support::WaitUntil([&told] { return told > 0; }));
+        EXPECT_TRUE(support::WaitUntil([&calls] { return calls > 0; }));
     }
-    EXPECT_EQ(told, 1);
+    EXPECT_EQ(calls, 1);
 }
 
 TEST_F(ScanOverHead, PicturesThatAreStillWrittenAfterAnInterruptAreTold) {
@@ -188,7 +209,7 @@ TEST_F(KorvexctlInterrupted, ASearchWithoutAConnectionEndsWithItsAnswer) {
     const RequestedHead head(SmallHeadDescription());
     ASSERT_TRUE(head->GetFaults().Slow("GetDeviceTotal", std::chrono::seconds(5), 1));
     // Takes a signal that comes when the search has ended.
-    const korvexctl::InterruptWatch around([] { ADD_FAILURE() << "the signal came too late"; });
+    const UnwantedInterrupt around("the signal came too late");
     std::thread person([&head] {
         EXPECT_TRUE(
             support::WaitUntil([&head] { return head->GetFaults().Holds("GetDeviceTotal"); }));

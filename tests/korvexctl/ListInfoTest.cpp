@@ -110,13 +110,13 @@ TEST(KorvexctlInfo, AnotherBoardThanTheOneAskedForIsNotConnected) {
     const ChildResult result = RunKorvexctl({"--virtual", "info", "--board", "NO-SUCH-BOARD"});
     EXPECT_EQ(result.exitCode, 4);
     EXPECT_THAT(result.error, HasSubstr("cannot connect: Connect projector failed"));
-    EXPECT_THAT(result.error, HasSubstr("the serial of --board"));
+    EXPECT_THAT(result.error, HasSubstr("the serial given with --board"));
     EXPECT_THAT(result.error, HasSubstr("korvexctl doctor"));
 }
 
 TEST(KorvexctlList, ASimulatedHeadIsAdvisedOnlyToWhoHasNone) {
     const std::string error = RunKorvexctl({"list", "--virtual", "--type", "GC"}).error;
-    EXPECT_EQ(error, "korvexctl: no camera found (type GC); the simulated head shows none\n");
+    EXPECT_EQ(error, "korvexctl: no camera found (type GC); the simulated head has none\n");
     EXPECT_THAT(RunKorvexctl({"list"}).error, HasSubstr("; --virtual scans"));
 }
 

@@ -102,7 +102,7 @@ TEST(NumberOptions, RefuseWhatIsNoDecimalNumberAndNameItWithTheRange) {
 
 TEST(NumberOptions, RangesInTheHelpHaveNoExponents) {
     const std::string help = RunKorvexctl({"status", "--help"}).output;
-    EXPECT_THAT(help, HasSubstr("0.1 to 10000000 (without it: at Ctrl-C)"));
+    EXPECT_THAT(help, HasSubstr("0.1 to 10000000 (default: at Ctrl-C)"));
     EXPECT_THAT(help, Not(HasSubstr("e+")));
 }
 

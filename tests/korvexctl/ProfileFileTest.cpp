@@ -67,7 +67,7 @@ TEST(ProfileFile, WhatIsNotKnownIsAComment) {
     const Setting& project = *korvexctl::FindSetting("project");
     const std::vector<Reading> readings{{&project, STATUS_NOT_SUPPORTED, {}}};
     const std::string text = WriteProfile(readings);
-    EXPECT_THAT(text, HasSubstr("# not known: the head does not tell project"));
+    EXPECT_THAT(text, HasSubstr("# unknown: the head does not report project"));
     EXPECT_TRUE(Parsed(text).settings.empty());
 }
 
@@ -142,7 +142,7 @@ INSTANTIATE_TEST_SUITE_P(
         BadProfile{"exposure = 8.5\n", 1, "unknown setting \"exposure\""},
         BadProfile{"exposure = {}\n", 1, "unknown setting \"exposure\""},
         BadProfile{"strobe = 1\n", 1, "{ route = ..., state = ... }"},
-        BadProfile{"strobe = { route = 1 }\n", 1, "strobe: state is missing"},
+        BadProfile{"strobe = { route = 1 }\n", 1, "strobe: missing key \"state\""},
         BadProfile{"strobe = { route = 1, state = 5 }\n", 1, "state: 5 is not in 1 to 4"},
         BadProfile{"strobe = { route = 1, state = 1, more = 1 }\n", 1, "unknown key"},
         BadProfile{"gain.0 = 1\n\"gain.0\" = 1\n", 2, "gain.0 is given twice"},

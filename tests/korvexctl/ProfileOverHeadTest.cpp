@@ -137,7 +137,7 @@ TEST_F(ProfileOverHead, AFifoThatNobodyWritesToIsNoProfile) {
     for (const char* action : {"load", "diff"}) {
         const CommandResult result = Profile(action);
         EXPECT_EQ(result.code, ExitCode::ProfileRefused);
-        EXPECT_EQ(result.message, m_file.string() + ": is no ordinary file");
+        EXPECT_EQ(result.message, m_file.string() + ": is not a regular file");
     }
 }
 

@@ -39,7 +39,7 @@ TEST(ScanLosses, NothingLostIsSaid) {
     losses.library->callbackP99Us = 1'500;
     losses.library->callbackLongestUs = 20'000;
     EXPECT_EQ(Printed(losses),
-              "nothing lost\ncallback 120 us (half), 1.50 ms (99 %), 20.00 ms (longest)\n");
+              "nothing lost\ncallback 120 us (median), 1.50 ms (99 %), 20.00 ms (longest)\n");
 }
 
 TEST(ScanLosses, EachPlaceWithALossHasALineAndTheOthersNone) {
@@ -49,10 +49,10 @@ TEST(ScanLosses, EachPlaceWithALossHasALineAndTheOthersNone) {
     losses.library->refusedFrames = 1;
     losses.notKept = 7;
     EXPECT_EQ(Printed(losses),
-              "lost on the way:\n"
+              "lost:\n"
               "       1  torn or incomplete frames, refused by the camera library\n"
-              "      12  triggers of which no set came\n"
-              "       7  sets not kept, writing was too slow\n");
+              "      12  triggers without a set\n"
+              "       7  sets not kept because writing was too slow\n");
 }
 
 TEST(ScanLosses, EveryLossOfTheLibraryIsNamed) {
@@ -78,7 +78,7 @@ TEST(ScanLosses, EveryLossOfTheLibraryIsNamed) {
 TEST(ScanLosses, SilentCamerasAreNotTakenForALosslessScan) {
     ScanLosses losses;
     losses.library = ScanStatistics{};
-    EXPECT_EQ(Printed(losses), "no frame came from a camera\n");
+    EXPECT_EQ(Printed(losses), "no camera delivered a frame\n");
 }
 
 TEST(ScanLosses, WhatTheLibraryDoesNotTellIsNull) {
@@ -87,7 +87,7 @@ TEST(ScanLosses, WhatTheLibraryDoesNotTellIsNull) {
     EXPECT_TRUE(figures["callback_us"].is_null());
     EXPECT_TRUE(figures["losses"]["missing_keys"].is_null());
     EXPECT_EQ(figures["losses"]["not_kept_disk"], 0);
-    EXPECT_EQ(Printed({}), "the library does not tell what was lost\n");
+    EXPECT_EQ(Printed({}), "the library does not report losses\n");
 }
 
 TEST(ScanReport, OnePictureIsOne) {
@@ -107,7 +107,7 @@ TEST_F(ScanOverHead, TheFiguresTellLossesAndCallbackTimes) {
     m_options.light.periodMs = 30;
     const auto outcome = Scan();
     ASSERT_EQ(outcome.code, korvexctl::ExitCode::Done) << outcome.message;
-    const nlohmann::json& figures = outcome.figures;
+    const nlohmann::json& figures = *outcome.figures;
     EXPECT_EQ(figures["losses"]["missing_keys"], 0);
     EXPECT_EQ(figures["losses"]["color_without_mono"], 0);
     EXPECT_EQ(figures["losses"]["not_kept_disk"], 0);

@@ -209,14 +209,14 @@ TEST(ScanRate, IsMeasuredFromTheFirstToTheLastSet) {
     counts.delivered = 11;
     counts.first = ScanRecorder::Clock::time_point(std::chrono::seconds(100));
     counts.last = counts.first + std::chrono::seconds(2);
-    EXPECT_EQ(ScanRecorder::Rate(counts), 5.0);
+    EXPECT_EQ(counts.Rate(), 5.0);
 }
 
 TEST(ScanRate, NeedsTwoSets) {
     ScanRecorder::Counts counts;
-    EXPECT_EQ(ScanRecorder::Rate(counts), std::nullopt);
+    EXPECT_EQ(counts.Rate(), std::nullopt);
     counts.delivered = 1;
-    EXPECT_EQ(ScanRecorder::Rate(counts), std::nullopt);
+    EXPECT_EQ(counts.Rate(), std::nullopt);
 }
 
 }  // namespace

@@ -7,7 +7,7 @@
 
 #include "korvexctl/CommandOverHead.h"
 #include "korvexctl/ErrorIntoFile.h"
-#include "korvexctl/cli/Signals.h"
+#include "korvexctl/cli/Interrupt.h"
 #include "korvexctl/health/Selftest.h"
 #include "korvexctl/health/StepRun.h"
 #include "support/CaseName.h"
@@ -172,7 +172,8 @@ TEST_P(KorvexctlHealthInterrupt, IsAnsweredAtOnceAndCleansUp) {
         EXPECT_TRUE(head->GetFaults().WaitForHang("GetExposureTime", std::chrono::minutes(1)));
         std::raise(SIGINT);
         EXPECT_TRUE(support::WaitUntil([&errorFile] {
-            return ReadText(errorFile).find("korvexctl: interrupted; ends after the step") !=
+            return ReadText(errorFile).find(
+                       "korvexctl: interrupted; stopping after the current step") !=
                    std::string::npos;
         }));
         head->GetFaults().ReleaseHangs("GetExposureTime");
@@ -187,7 +188,7 @@ TEST_P(KorvexctlHealthInterrupt, BeforeItBeginsNothingIsDone) {
     const RequestedHead head(m_head);
     const korvexctl::EndingOnInterrupt ending;
     std::raise(SIGINT);
-    ASSERT_TRUE(support::WaitUntil(korvexctl::ToldToEnd));
+    ASSERT_TRUE(support::WaitUntil(korvexctl::InterruptCame));
     EXPECT_EQ(RunHere({GetParam()}).code, ExitCode::Interrupted);
     EXPECT_THAT(head->GetJournal().Texts({"zr3DInitHidDev"}), IsEmpty());
 }

@@ -53,7 +53,7 @@ TEST_F(SlowDisk, TheScanGoesOnAndWhatIsNotKeptIsCounted) {
         korvexctl::StoreWhole(file, bytes);
     });
     EXPECT_EQ(outcome.code, ExitCode::Done) << outcome.message;
-    const nlohmann::json& figures = outcome.figures;
+    const nlohmann::json& figures = *outcome.figures;
     EXPECT_EQ(figures["sets"]["delivered"], kSets);
     const auto notKept = figures["losses"]["not_kept_disk"].get<int>();
     EXPECT_GT(notKept, 0);
@@ -79,7 +79,7 @@ TEST_F(SlowDisk, AFullDiskIsToldAndTheFiguresAreStillPrinted) {
     EXPECT_EQ(outcome.code, ExitCode::DiskFull);
     EXPECT_THAT(outcome.message, AllOf(HasSubstr("disk full: cannot write "), HasSubstr(".png")));
     EXPECT_THAT(output, AllOf(HasSubstr(" of 1000000: "), HasSubstr("wrote 0 pictures to ")));
-    EXPECT_TRUE(outcome.figures.contains("losses"));
+    EXPECT_TRUE(outcome.figures->contains("losses"));
     ExpectHeadLeftDark();
 }
 

@@ -193,7 +193,7 @@ TEST_P(KorvexctlSnapInterrupt, WhileImagesAreWrittenTellsHowMany) {
         korvexctl::RunSnap(choice, output, [&](const auto& file, const auto& bytes) {
             std::raise(GetParam());
             EXPECT_TRUE(support::WaitUntil([&errorFile] {
-                return ReadText(errorFile).find("korvexctl: interrupted; the file") !=
+                return ReadText(errorFile).find("korvexctl: interrupted; finishing the file") !=
                        std::string::npos;
             }));
             korvexctl::StoreWhole(file, bytes);
@@ -208,7 +208,7 @@ TEST_P(KorvexctlSnapInterrupt, WhileImagesAreWrittenTellsHowMany) {
 TEST_P(KorvexctlSnapInterrupt, ASecondTimeEndsAtOnce) {
     const auto snap = StartSnap("what = \"hang\"\n");
     snap->Signal(GetParam());
-    ASSERT_TRUE(snap->WaitForError("a second time ends at once"));
+    ASSERT_TRUE(snap->WaitForError("press Ctrl-C again to quit now"));
     // A terminal that goes may tell it twice; a person has to ask for this end.
     snap->Signal(GetParam() == SIGHUP ? SIGTERM : GetParam());
     const ChildResult result = snap->Wait();

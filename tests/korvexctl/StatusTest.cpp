@@ -15,7 +15,6 @@ namespace {
 
 using korvexctl::BoardStatus;
 using korvexctl::ExitCode;
-using korvexctl::HeadState;
 using ::testing::EndsWith;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
@@ -132,13 +131,15 @@ TEST(KorvexctlStatus, SwitchesTheTriggerOnAndOff) {
 
 TEST(StatusReport, ALineSaysWhatChanged) {
     const auto time = std::chrono::system_clock::time_point(std::chrono::milliseconds(86'400'007));
-    EXPECT_EQ(korvexctl::StatusLine(time, {{3, 2}, nullptr}),
-              "1970-01-02T00:00:00.007Z  status 3 2  losses unknown");
-    EXPECT_EQ(korvexctl::StatusLine(time, {{255, 255}, {{"missing_keys", 0}}}),
+    const auto line = [time](BoardStatus board, nlohmann::json losses) {
+        return korvexctl::StatusLine(time, {board, korvexctl::Figures(std::move(losses))});
+    };
+    EXPECT_EQ(line({3, 2}, nullptr), "1970-01-02T00:00:00.007Z  status 3 2  losses unknown");
+    EXPECT_EQ(line({255, 255}, {{"missing_keys", 0}}),
               "1970-01-02T00:00:00.007Z  the board does not answer (255 255)  nothing lost");
-    EXPECT_THAT(korvexctl::StatusLine(time, {{1, 0}, {{"missing_keys", 4}, {"sets_dropped", 2}}}),
-                EndsWith("lost: 4 triggers of which no set came; 2 sets dropped, too many were "
-                         "waiting"));
+    EXPECT_THAT(
+        line({1, 0}, {{"missing_keys", 4}, {"sets_dropped", 2}}),
+        EndsWith("lost: 4 triggers without a set; 2 sets dropped because too many were waiting"));
 }
 
 TEST(StatusReport, OneByteOf255IsAnAnswer) {

@@ -66,7 +66,7 @@ TEST(StepRun, AStepThatHangsIsAFaultAndNothingRunsAfterIt) {
         const auto rows = run.Wait([](const StepRow&) {});
         EXPECT_TRUE(run.Hangs());
         EXPECT_THAT(Verdicts(rows), ElementsAre(Verdict::Ok, Verdict::Fault, Verdict::NotRun));
-        EXPECT_EQ(rows[1].finding.text, "did not end within 0.05 s");
+        EXPECT_EQ(rows[1].finding.text, "did not finish within 0.05 s");
         EXPECT_THAT(rows[2].finding.text, HasSubstr("stuck"));
         letGo.set_value();
     }

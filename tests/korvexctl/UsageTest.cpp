@@ -130,17 +130,17 @@ INSTANTIATE_TEST_SUITE_P(
         Wrong{{"sacn"}, "unknown command \"sacn\"; did you mean scan"},
         Wrong{{"--virtual", "zebra", "--json"}, "unknown command \"zebra\""},
         Wrong{{"profile", "laod", "x"}, "unknown command \"laod\"; did you mean load"},
-        Wrong{{"profile"}, "a command is missing, one of save, load, diff"},
-        Wrong{{"list", "info"}, "\"info\" was not expected"},
+        Wrong{{"profile"}, "missing command, one of save, load, diff"},
+        Wrong{{"list", "info"}, "unexpected argument \"info\""},
         Wrong{{"scan", "--stes", "3"}, "unknown option --stes; did you mean --sets"},
         Wrong{{"scan", "--stes=3"}, "unknown option --stes; did you mean --sets"},
         Wrong{{"list", "--jsn"}, "unknown option --jsn; did you mean --json"},
-        Wrong{{"--sets", "3", "scan"}, "--sets is an option of scan and belongs behind that word"},
-        Wrong{{"--sets=3", "scan"}, "--sets is an option of scan and belongs behind that word"},
+        Wrong{{"--sets", "3", "scan"}, "--sets is an option of scan and must follow that word"},
+        Wrong{{"--sets=3", "scan"}, "--sets is an option of scan and must follow that word"},
         Wrong{{"user-info", "--hex", "read", "3"},
-              "--hex is an option of read and belongs behind that word"},
+              "--hex is an option of read and must follow that word"},
         Wrong{{"list", "--sets", "3"}, "unknown option --sets"},
-        Wrong{{"list", "--", "--type"}, "\"--type\" was not expected"},
+        Wrong{{"list", "--", "--type"}, "unexpected argument \"--type\""},
         Wrong{{"user-info", "read"}, "page is required"},
         Wrong{{"scan", "--mode", "lasr"},
               "--mode: \"lasr\" is not one of laser, pattern, pattern-color, laser-color; did you "
@@ -148,8 +148,8 @@ INSTANTIATE_TEST_SUITE_P(
         // Also a number that stands for a mode in the library.
         Wrong{{"status", "--mode", "4"},
               "--mode: \"4\" is not one of laser, pattern, pattern-color, laser-color"},
-        Wrong{{"--virtual=", "list"}, "--virtual=: the name of a head file is missing"},
-        Wrong{{"list", "--virtual="}, "--virtual=: the name of a head file is missing"}),
+        Wrong{{"--virtual=", "list"}, "--virtual=: missing head file name"},
+        Wrong{{"list", "--virtual="}, "--virtual=: missing head file name"}),
     [](const auto& row) { return support::CaseName(row.param.words); });
 
 class BadUsage : public ::testing::TestWithParam<std::vector<std::string>> {};

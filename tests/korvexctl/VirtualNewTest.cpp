@@ -43,7 +43,7 @@ TEST_F(KorvexctlVirtualNew, LeavesAFileAloneUnlessForced) {
     WriteText(m_file, "mine");
     const ChildResult refused = New({m_file.string(), "--json"});
     EXPECT_EQ(refused.exitCode, kNotWritable);
-    EXPECT_THAT(refused.error, HasSubstr("is there already; --force replaces it"));
+    EXPECT_THAT(refused.error, HasSubstr("already exists; --force replaces it"));
     EXPECT_EQ(ParseJson(refused.output)["error"]["exit_code"], kNotWritable);
     EXPECT_EQ(ReadText(m_file), "mine");
 
@@ -63,7 +63,7 @@ TEST_F(KorvexctlVirtualNew, WritesToAStreamWhenForcedOnly) {
     for (const char* stream : {"/dev/stdout", "/dev/null"}) {
         const ChildResult refused = New({stream});
         EXPECT_EQ(refused.exitCode, kNotWritable);
-        EXPECT_THAT(refused.error, HasSubstr("is no ordinary file; --force writes to it"));
+        EXPECT_THAT(refused.error, HasSubstr("is not a regular file; --force writes to it"));
         EXPECT_THAT(refused.output, IsEmpty());
     }
     const ChildResult forced = New({"/dev/stdout", "--force"});

@@ -116,7 +116,7 @@ INSTANTIATE_TEST_SUITE_P(
                       Case{"programs/korvexctl/scan/A.cpp", "korvexctl/health/Doctor.h"},
                       Case{"programs/korvexctl/scan/A.cpp", "virtual_head/Request.h"},
                       Case{"programs/korvexctl/health/A.cpp", "korvexctl/commands/Commands.h"},
-                      Case{"programs/korvexctl/health/A.cpp", "korvexctl/pictures/Picture.h"},
+                      Case{"programs/korvexctl/health/A.cpp", "platform/board/protocol/Report.h"},
                       Case{"programs/korvexctl/commands/A.cpp", "korvexctl/Program.h"},
                       Case{"examples/a.cpp", "virtual_head/Request.h"},
                       Case{"src/unknown_room/A.cpp", "sync/Manager.h"}),

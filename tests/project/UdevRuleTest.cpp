@@ -42,8 +42,9 @@ std::vector<std::string> Rules() {
 TEST(UdevRule, NamesTheBoardAsTheLibraryDoes) {
     EXPECT_THAT(
         Rules(),
-        AllOf(SizeIs(2), Each(AllOf(HasSubstr("{idVendor}==\"" + Hex(hardware::kBoardVendor) + '"'),
-                                    HasSubstr("{idProduct}==\"" + Hex(hardware::kBoardProduct) + '"')))));
+        AllOf(SizeIs(2),
+              Each(AllOf(HasSubstr("{idVendor}==\"" + Hex(hardware::kBoardVendor) + '"'),
+                         HasSubstr("{idProduct}==\"" + Hex(hardware::kBoardProduct) + '"')))));
 }
 
 /// udev gives "uaccess" its meaning in a rule file with the number 73.

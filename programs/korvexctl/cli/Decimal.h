@@ -10,9 +10,9 @@
 
 namespace Korvex3Sync::korvexctl {
 
-/// The number that a person typed: decimal digits, so "010" is ten. Nothing for anything else:
-/// signs but "-", blanks, exponents, hexadecimal digits, more than a `Number` holds. "nan" and
-/// "inf" are read, and are in no range.
+/// A typed decimal number, so "010" is ten. Empty for anything else: signs except "-", blanks,
+/// exponents, hexadecimal digits, more than a `Number` holds. "nan" and "inf" are read, and are in
+/// no range.
 template <typename Number>
 std::optional<Number> ReadDecimal(std::string_view text) {
     Number value{};

@@ -13,25 +13,25 @@ namespace {
 using Row = std::pair<ExitCode, std::string_view>;
 
 constexpr std::array kTable{
-    Row{ExitCode::Done, "done; a scan: all sets asked for arrived"},
-    Row{ExitCode::Unexpected, "an error that should not happen"},
-    Row{ExitCode::Usage, "unknown option or setting, missing or bad value"},
+    Row{ExitCode::Done, "success; scan: all requested sets arrived"},
+    Row{ExitCode::Unexpected, "unexpected error"},
+    Row{ExitCode::Usage, "unknown option or setting, missing or invalid value"},
     Row{ExitCode::NoCamera, "no camera found"},
-    Row{ExitCode::NotConnected, "the head could not be connected, or no board answers"},
-    Row{ExitCode::SetsMissing, "a scan: no set came within the timeout"},
-    Row{ExitCode::NotWritable, "the output cannot be written"},
+    Row{ExitCode::NotConnected, "cannot connect to the head, or the board does not answer"},
+    Row{ExitCode::SetsMissing, "scan: no set arrived within the timeout"},
+    Row{ExitCode::NotWritable, "cannot write the output"},
     Row{ExitCode::DiskFull, "the disk is full"},
-    Row{ExitCode::HeadRefused, "the head file of --virtual was refused"},
+    Row{ExitCode::HeadRefused, "the head file of --virtual is invalid"},
     Row{ExitCode::DeviceRefused,
-        "the connected head refused an operation, or reads back something else"},
-    Row{ExitCode::ProfileRefused, "a profile cannot be read or has an error; nothing was sent"},
+        "the head refused an operation, or a setting reads back differently"},
+    Row{ExitCode::ProfileRefused, "a profile cannot be read or is invalid; nothing was sent"},
     Row{ExitCode::Different, "profile diff: the file and the head differ"},
-    Row{ExitCode::NotOnUsb3, "usb: the head is not on a USB 3 port at USB 3 speed"},
-    Row{ExitCode::NotHealthy, "doctor: a fault; the head cannot scan as it should"},
-    Row{ExitCode::Warnings, "doctor: the head scans, with warnings"},
+    Row{ExitCode::NotOnUsb3, "usb: the head is not connected at USB 3 speed"},
+    Row{ExitCode::NotHealthy, "doctor: fault found; the head cannot scan properly"},
+    Row{ExitCode::Warnings, "doctor: the head can scan, with warnings"},
     Row{ExitCode::SelftestFailed, "selftest: a step failed"},
     Row{ExitCode::Interrupted,
-        "interrupted (Ctrl-C, SIGTERM, SIGHUP) and disconnected; what stays on is told"},
+        "interrupted (Ctrl-C, SIGTERM, SIGHUP) and disconnected; reports what is still on"},
 };
 
 }  // namespace

@@ -29,7 +29,7 @@ enum class ExitCode : int {
 /// The table of exit codes as text, one line each, for the help.
 std::string ExitCodeTable();
 
-/// Ends a command: the message goes to the person, the code to the system.
+/// Ends a command with an exit code and a message.
 class CommandError : public std::runtime_error {
 public:
     CommandError(ExitCode code, const std::string& message)

@@ -14,7 +14,8 @@ constexpr std::size_t kLongestTyped = 64;
 // One letter in so many may be wrong.
 constexpr std::size_t kLettersPerSlip = 3;
 
-/// Letters to insert, drop or replace, or neighbours to swap, to make one text the other.
+/// How many letters to insert, drop or replace, or neighbours to swap, to turn one text into the
+/// other.
 std::size_t Distance(std::string_view a, std::string_view b) {
     std::vector<std::size_t> before;
     std::vector<std::size_t> above(b.size() + 1);
@@ -33,7 +34,7 @@ std::size_t Distance(std::string_view a, std::string_view b) {
     return above.back();
 }
 
-/// Whether each part of `typed` between hyphens stands in the name.
+/// Whether each part of `typed` between hyphens occurs in the name.
 bool HasAllParts(std::string_view typed, std::string_view name) {
     while (!typed.empty()) {
         const std::size_t end = std::min(typed.find_first_of("-_ "), typed.size());

@@ -5,7 +5,7 @@
 
 namespace Korvex3Sync::korvexctl {
 
-/// Refuses an empty name of a file or folder, as an unset variable of a script gives.
+/// Rejects an empty file or folder name, for example from an unset script variable.
 inline CLI::Validator NotEmpty() {
     return CLI::Validator(
         [](const std::string& text) {

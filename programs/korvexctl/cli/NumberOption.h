@@ -10,8 +10,8 @@
 
 namespace Korvex3Sync::korvexctl {
 
-/// Has an option take what `read` makes of the typed text: a number, or what is wrong with it. The
-/// number is written anew, because CLI11 takes "010" for an octal one.
+/// Makes an option accept what `read` returns for the typed text: a number, or the error. The
+/// number is written again, because CLI11 reads "010" as octal.
 template <typename Read>
 void TakeNumber(CLI::Option& option, const Read& read) {
     // Not Option::check, which changes no text.

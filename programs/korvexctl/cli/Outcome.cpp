@@ -1,6 +1,7 @@
 #include "korvexctl/cli/Outcome.h"
 
 #include <exception>
+#include <nlohmann/json.hpp>
 
 #include "platform/os/Print.h"
 
@@ -13,6 +14,19 @@ constexpr int kOneLine = -1;
 
 std::string Dump(const nlohmann::json& document, int indent) {
     return document.dump(indent, ' ', false, nlohmann::json::error_handler_t::replace) + '\n';
+}
+
+/// The figures as an object, with "error" when the command failed.
+nlohmann::json DocumentOf(const Outcome& outcome) {
+    nlohmann::json document = nlohmann::json::object();
+    if (!outcome.figures->is_null()) {
+        document.update(*outcome.figures);
+    }
+    if (outcome.code != ExitCode::Done) {
+        document["error"] = {{"exit_code", static_cast<int>(outcome.code)},
+                             {"message", outcome.message}};
+    }
+    return document;
 }
 
 }  // namespace
@@ -31,15 +45,6 @@ Outcome OutcomeOf(const std::function<Outcome()>& run) {
     return outcome;
 }
 
-Outcome Interrupted(Outcome outcome) {
-    if (outcome.code != ExitCode::Interrupted) {
-        outcome.code = ExitCode::Interrupted;
-        outcome.message = outcome.message.empty() ? "interrupted when all was done"
-                                                  : "interrupted: " + outcome.message;
-    }
-    return outcome;
-}
-
 std::string JsonLine(const nlohmann::json& document) {
     return Dump(document, kOneLine);
 }
@@ -48,20 +53,12 @@ void Say(const std::string& message) {
     os::PrintError("korvexctl: %s\n", message.c_str());
 }
 
-nlohmann::json Outcome::ToJson() const {
-    nlohmann::json document = figures;
-    if (code != ExitCode::Done) {
-        document["error"] = {{"exit_code", static_cast<int>(code)}, {"message", message}};
-    }
-    return document;
-}
-
 std::string Outcome::Document() const {
-    return Dump(ToJson(), kIndent);
+    return Dump(DocumentOf(*this), kIndent);
 }
 
 std::string Outcome::Record() const {
-    return JsonLine(ToJson());
+    return JsonLine(DocumentOf(*this));
 }
 
 }  // namespace Korvex3Sync::korvexctl

@@ -1,17 +1,18 @@
 #pragma once
 
 #include <functional>
-#include <nlohmann/json.hpp>
+#include <nlohmann/json_fwd.hpp>
 #include <string>
 
 #include "korvexctl/cli/ExitCodes.h"
+#include "korvexctl/cli/Figures.h"
 
 namespace Korvex3Sync::korvexctl {
 
-/// What a command gives back: the figures for programs, and how it ended. The message says what is
-/// wrong, in one line; it is empty when all is well.
+/// The result of a command: the figures for programs, and how it ended. The message is the error in
+/// one line; empty on success.
 struct Outcome {
-    nlohmann::json figures = nlohmann::json::object();
+    Figures figures;
     ExitCode code = ExitCode::Done;
     std::string message;
 
@@ -20,16 +21,10 @@ struct Outcome {
     std::string Document() const;
     /// The same on one line.
     std::string Record() const;
-
-private:
-    nlohmann::json ToJson() const;
 };
 
 /// Runs something that gives an outcome; an exception becomes the outcome.
 Outcome OutcomeOf(const std::function<Outcome()>& run);
-
-/// The outcome of something that was interrupted meanwhile, however it ended.
-Outcome Interrupted(Outcome outcome);
 
 /// The document on one line, with its line end. Bytes that are not UTF-8 are replaced: a serial is
 /// whatever the camera gave.

@@ -18,15 +18,14 @@ constexpr std::array kCommands{
     Command{"snap-ir", "Take three colour images, with two exposures", AddSnapIr},
     Command{"firmware", "Show the firmware version of the board", AddFirmware},
     Command{"reset", "Reset the board or its FPGA", AddReset},
-    Command{"reconnect", "Connect, close and open the devices again, and wait for the board",
-            AddReconnect},
+    Command{"reconnect", "Connect, reopen the devices, and wait for the board", AddReconnect},
     Command{"user-info", "Read or write the board's user memory", AddUserInfo},
     Command{"distance", "Set the distance lights", AddDistance},
-    Command{"usb", "Tell whether the head has a USB 3 connection", AddUsb},
-    Command{"doctor", "Tell whether this machine and this head can scan, and what to do if not",
+    Command{"usb", "Show whether the head has a USB 3 connection", AddUsb},
+    Command{"doctor", "Check whether this machine and this head can scan, and what to do if not",
             AddDoctor},
-    Command{"selftest", "Try all that a head can do, step by step", AddSelftest},
-    Command{"virtual", "Describe a virtual head of your own", AddVirtual},
+    Command{"selftest", "Test everything that a head can do, step by step", AddSelftest},
+    Command{"virtual", "Write a description of a virtual head", AddVirtual},
 };
 
 }  // namespace

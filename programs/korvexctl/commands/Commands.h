@@ -12,7 +12,7 @@ class App;
 namespace Korvex3Sync::korvexctl {
 
 /// Runs a command with the options that were read. Returns how it ended, or throws CommandError
-/// when it did not come that far.
+/// when it could not start.
 using RunCommand = std::function<Outcome(Output& output)>;
 
 /// One command of the program.
@@ -27,7 +27,7 @@ struct Command {
 /// All commands, in the order of the help.
 std::span<const Command> Commands();
 
-// What the table is made of, each in a file of its own.
+// The entries of the table, each in its own file.
 
 RunCommand AddList(CLI::App& command);
 RunCommand AddInfo(CLI::App& command);

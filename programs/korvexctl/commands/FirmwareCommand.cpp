@@ -12,7 +12,7 @@ namespace Korvex3Sync::korvexctl {
 
 namespace {
 
-// Without a connection: a query through one ends it when it fails.
+// Without a connection: a failed query through a connection closes it.
 Outcome RunFirmware(const std::string& board, Output& output) {
     Outcome outcome;
     outcome.figures["firmware"] = nullptr;
@@ -20,8 +20,8 @@ Outcome RunFirmware(const std::string& board, Output& output) {
     const RETSTATUS status = GetFirewareVersion(board.c_str(), version);
     if (status != STATUS_SUCCESS) {
         outcome.code = ExitCode::NotConnected;
-        outcome.message = "no board " + (board.empty() ? "" : board + " ") +
-                          "tells its firmware version: " + StatusText(status);
+        outcome.message = "cannot read the firmware version" +
+                          (board.empty() ? "" : " of board " + board) + ": " + StatusText(status);
         return outcome;
     }
     outcome.figures["firmware"] = version;

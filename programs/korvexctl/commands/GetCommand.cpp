@@ -57,7 +57,7 @@ void ShowSettings(void* const& handle, std::span<const Setting* const> settings,
 RunCommand AddGet(CLI::App& command) {
     const auto asked = std::make_shared<Asked>();
     AddHeadOptions(command, asked->head, true);
-    command.add_option("name", asked->names, "The settings to show (without any: all)")
+    command.add_option("name", asked->names, "The settings to show (default: all)")
         ->type_name("NAME");
     command.footer(SettingsTable());
     return [asked](Output& output) { return RunGet(*asked, output); };

@@ -7,9 +7,9 @@
 
 namespace Korvex3Sync::korvexctl {
 
-/// Asks a connected head for settings: a line for each, and in `outcome` "settings" by name with
-/// value (null when it is not known), unit, range and whether it is readable. When the head fails
-/// to tell one, the outcome is DeviceRefused and the others are shown all the same.
+/// Reads settings of a connected head: a line for each, and in `outcome` "settings" by name with
+/// value (null when it is not known), unit, range and whether it is readable. When one cannot be
+/// read, the outcome is DeviceRefused and the others are still shown.
 void ShowSettings(void* const& handle, std::span<const Setting* const> settings, Outcome& outcome,
                   Output& output);
 

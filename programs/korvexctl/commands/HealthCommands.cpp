@@ -3,8 +3,9 @@
 #include <atomic>
 #include <cstdlib>
 #include <memory>
+#include <nlohmann/json.hpp>
 
-#include "korvexctl/cli/Signals.h"
+#include "korvexctl/cli/Interrupt.h"
 #include "korvexctl/commands/Commands.h"
 #include "korvexctl/health/Doctor.h"
 #include "korvexctl/health/Selftest.h"
@@ -16,8 +17,7 @@ namespace {
 
 using MakeOutcome = Outcome (*)(const std::vector<StepRow>& rows, bool interrupted);
 
-/// Neither the thread that hangs in a device nor the connection that it holds can be ended; the
-/// process can.
+/// The thread that hangs in a device, and the connection that it holds, end only with the process.
 [[noreturn]] void EndWithHangingThread(const Outcome& outcome, Output& output) {
     output.Finish(outcome);
     Say(outcome.message);
@@ -28,21 +28,18 @@ Outcome Examine(std::vector<Step> steps, const VerdictWords& words, MakeOutcome 
                 Output& output) {
     const std::size_t width = NameWidth(steps);
     StepRun run(std::move(steps));
-    std::atomic<bool> interrupted{false};
     Outcome outcome;
     {
-        const InterruptWatch watch([&] {
-            interrupted = true;
+        const Interrupt interrupt([&run] {
             run.Stop();
-            Say("interrupted; ends after the step that is running and what cleans up; a second "
-                "time ends at once");
+            return std::string("stopping after the current step and the clean-up");
         });
         const auto rows = run.Wait([&](const StepRow& row) {
             for (const std::string& line : RowLines(row, words, width)) {
                 output.Line(line);
             }
         });
-        outcome = makeOutcome(rows, interrupted);
+        outcome = makeOutcome(rows, interrupt.Came());
     }
     if (run.Hangs()) {
         EndWithHangingThread(outcome, output);
@@ -75,8 +72,9 @@ RunCommand AddDoctor(CLI::App& command) {
     const auto head = std::make_shared<HeadChoice>();
     AddHeadOptions(command, *head, true);
     command.footer(
-        "Scans for a moment, with the laser lines on: look away from the head. Settings are put\n"
-        "back as far as the head tells them; light and trigger are off afterwards.");
+        "Runs a short scan with the laser lines on: look away from the head. Restores the "
+        "settings\n"
+        "that the head reports; light and trigger are off afterwards.");
     return [head](Output& output) { return RunDoctor(*head, output); };
 }
 
@@ -84,12 +82,11 @@ RunCommand AddSelftest(CLI::App& command) {
     const auto options = std::make_shared<SelftestOptions>();
     AddHeadOptions(command, options->head, true);
     command.add_flag("--write-user-memory", options->writeUserMemory,
-                     "Write the last page of the user memory too, and put it back");
+                     "Also write the last page of the user memory, and restore it");
     command.footer(
         "Sets everything that the head has, with lasers, projector and strobe on at times: look\n"
-        "away from the head. Settings are put back as far as the head tells them; light and\n"
-        "trigger are off afterwards. A step that does not end in time has failed, and ends the\n"
-        "test.");
+        "away from the head. Restores the settings that the head reports; light and trigger are\n"
+        "off afterwards. A step that exceeds its time limit fails and ends the test.");
     return [options](Output& output) { return RunSelftest(*options, output); };
 }
 

@@ -18,7 +18,7 @@ Outcome RunInfo(const HeadChoice& choice, Output& output) {
 
     Outcome outcome;
     outcome.figures["cameras"] = ToJson(connected.cameras);
-    AddToJson(head, outcome.figures);
+    AddToJson(head, *outcome.figures);
     Print(connected.cameras, output);
     Print(head, output);
 

@@ -19,7 +19,7 @@ struct Asked {
     std::filesystem::path file;
 };
 
-/// Throws for what the head should tell and does not.
+/// Throws when a readable setting cannot be read.
 std::vector<Reading> ReadAll(const ConnectedHead& head) {
     std::vector<Reading> readings;
     for (const Setting* setting : SettingsOf(head.cameras.size())) {
@@ -33,7 +33,7 @@ std::vector<Reading> ReadAll(const ConnectedHead& head) {
 
 Outcome SaveProfile(const Asked& asked, Output& output) {
     RequireWritable(asked.file);
-    // Disconnected before the file is written: a FIFO may keep it waiting.
+    // Disconnected before the file is written, because writing to a FIFO may block.
     const std::vector<Reading> readings = ReadAll(ConnectedHead(asked.head));
     WriteFile(asked.file, WriteProfile(readings));
     Outcome outcome;
@@ -47,8 +47,8 @@ Outcome SaveProfile(const Asked& asked, Output& output) {
         }
     }
     output.Line(asked.file.string() + ": " + std::to_string(saved.size()) + " settings, " +
-                std::to_string(unknown.size()) + " that the head does not tell");
-    outcome.figures = {
+                std::to_string(unknown.size()) + " that the head does not report");
+    *outcome.figures = {
         {"file", asked.file.string()}, {"settings", saved}, {"not_readable", unknown}};
     return outcome;
 }
@@ -87,7 +87,7 @@ Outcome DiffProfile(const Asked& asked, Output& output) {
             output.Line(setting->name + ": file " + inFile.Text() + ", head " + reading.Text());
         }
     }
-    outcome.figures = {
+    *outcome.figures = {
         {"file", asked.file.string()}, {"equal", different == 0}, {"settings", figures}};
     if (different > 0) {
         outcome.code = ExitCode::Different;
@@ -108,7 +108,7 @@ RunCommand AddProfile(CLI::App& command) {
         Run run;
     };
     static constexpr std::array kActions{
-        Action{"save", "Write the settings that the head tells to FILE", SaveProfile},
+        Action{"save", "Write the settings that the head reports to FILE", SaveProfile},
         Action{"load", "Check FILE, then send its settings to the head", LoadProfile},
         Action{"diff", "Show where FILE and the head differ", DiffProfile}};
 

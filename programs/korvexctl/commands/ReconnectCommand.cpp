@@ -1,13 +1,12 @@
 #include <Korvex3Sync/Connection.h>
 #include <CLI/CLI.hpp>
 
-#include <atomic>
 #include <chrono>
 #include <memory>
 #include <nlohmann/json.hpp>
 
+#include "korvexctl/cli/Interrupt.h"
 #include "korvexctl/cli/NumberOption.h"
-#include "korvexctl/cli/Signals.h"
 #include "korvexctl/commands/Commands.h"
 #include "korvexctl/head/ConnectedHead.h"
 #include "korvexctl/head/StatusWatch.h"
@@ -16,7 +15,7 @@ namespace Korvex3Sync::korvexctl {
 
 namespace {
 
-// The first poll of a board that is back comes within a second.
+// A board answers its first poll within a second.
 constexpr double kShortestTimeoutSeconds = 3;
 constexpr double kLongestTimeoutSeconds = 600;
 
@@ -27,17 +26,7 @@ struct Asked {
 
 using Clock = std::chrono::steady_clock;
 
-/// Only a good poll tells that the board is back.
-bool WaitForAnswer(StatusWatch& watch, Clock::time_point end) {
-    while (const auto poll = watch.Next(end)) {
-        if (poll->status.Answers()) {
-            return true;
-        }
-    }
-    return false;
-}
-
-Outcome Reconnect(const Asked& asked, StatusWatch& watch, const std::atomic<bool>& interrupted,
+Outcome Reconnect(const Asked& asked, StatusWatch& watch, const Interrupt& interrupt,
                   Output& output) {
     const ConnectedHead head(asked.head, MuteBoard::Taken);
     watch.Watch(head.session);
@@ -47,38 +36,34 @@ Outcome Reconnect(const Asked& asked, StatusWatch& watch, const std::atomic<bool
         throw CommandError(ExitCode::NotConnected, std::string("reconnect: ") + kMuteBoard);
     }
     Require(status, "reconnect");
-    // Reconnecting takes its own time, which nothing cuts short.
+    // The time for reopening is not included.
     const auto end = Clock::now() + std::chrono::duration_cast<Clock::duration>(
                                         std::chrono::duration<double>(asked.timeoutSeconds));
     watch.Forget();
-    const bool answers = WaitForAnswer(watch, end);
-    if (interrupted) {
-        throw CommandError(ExitCode::Interrupted, "interrupted");
-    }
+    // Only a good poll shows that the board is back.
+    const bool answers = watch.WaitForAnswer(end);
+    interrupt.ThrowIfCame();
     const auto took =
         std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - begin).count();
 
     Outcome outcome;
-    outcome.figures = {{"reconnected", true}, {"answers", answers}, {"took_ms", took}};
+    *outcome.figures = {{"reconnected", true}, {"answers", answers}, {"took_ms", took}};
     if (!answers) {
         outcome.code = ExitCode::NotConnected;
         outcome.message = std::string("reconnected, but ") + kMuteBoard;
         return outcome;
     }
-    output.Line("reconnected, and the board answers, after " + std::to_string(took) + " ms");
+    output.Line("reconnected; the board answered after " + std::to_string(took) + " ms");
     return outcome;
 }
 
 Outcome RunReconnect(const Asked& asked, Output& output) {
     StatusWatch watch;
-    std::atomic<bool> interrupted{false};
-    const InterruptWatch interruptWatch([&] {
-        interrupted = true;
-        Say("interrupted; ends when the reconnection does; a second time ends at once");
+    const Interrupt interrupt([&watch] {
         watch.Stop();
+        return std::string("stopping when the reconnection has finished");
     });
-    const Outcome outcome = OutcomeOf([&] { return Reconnect(asked, watch, interrupted, output); });
-    return interrupted ? Interrupted(outcome) : outcome;
+    return interrupt.OutcomeOf([&] { return Reconnect(asked, watch, interrupt, output); });
 }
 
 }  // namespace
@@ -88,8 +73,8 @@ RunCommand AddReconnect(CLI::App& command) {
     AddHeadOptions(command, asked->head, true);
     AddNumber(command, "--timeout", asked->timeoutSeconds, "S", kShortestTimeoutSeconds,
               kLongestTimeoutSeconds,
-              "Give up when the board has not answered so many seconds after the devices were "
-              "opened again; the opening itself takes up to ten seconds more");
+              "Give up when the board has not answered this many seconds after the devices were "
+              "reopened; reopening takes up to ten seconds more");
     return [asked](Output& output) { return RunReconnect(*asked, output); };
 }
 

@@ -20,7 +20,7 @@ struct Asked {
 };
 
 Outcome RunReset(const Asked& asked, Output& output) {
-    // A certain board is reached through a connection only; any board without one.
+    // A particular board needs a connection; any board does not.
     std::optional<ConnectedHead> head;
     if (!asked.head.board.empty()) {
         head.emplace(asked.head, MuteBoard::Taken);
@@ -48,7 +48,7 @@ RunCommand AddReset(CLI::App& command) {
     CLI::Option_group& what = *command.add_option_group("What to reset");
     what.add_flag("--fpga", asked->fpga, "Reset the FPGA only, which switches the trigger off");
     what.add_flag("--device", asked->device,
-                  "Reset the whole board, which puts the settings of power-on back");
+                  "Reset the whole board, which restores the power-on settings");
     what.require_option(1);
     return [asked](Output& output) { return RunReset(*asked, output); };
 }

@@ -57,19 +57,18 @@ void AddScanOptions(CLI::App& command, ScanOptions& scan) {
     command
         .add_option(
             "--out", scan.folder,
-            "Folder for the pictures, contact-sheet.png and scan.json; made when it is "
-            "missing; files of these names that an earlier scan left in it are removed once "
-            "the first set is there, and a scan without a set changes nothing in it (without it: "
-            "nothing is written)")
+            "Folder for the pictures, contact-sheet.png and scan.json; created if missing; files "
+            "of these names from an earlier scan are removed once the first set has arrived, and a "
+            "scan without a set changes nothing in it (default: nothing is written)")
         ->type_name("DIR")
         ->check(NotEmpty());
     AddNumber(command, "--keep", scan.keep, "K", 0, kMostKept,
               "Image sets to write as PNG, a count, spread over the scan");
     AddNumber(command, "--buffers", scan.buffers, "N", 1, kMostBuffers,
-              "Image sets that may wait to be written, a count, 4 MB of memory each; a set that "
-              "finds no room is not written");
+              "Image sets that may wait to be written, a count, 4 MB of memory each; further sets "
+              "are not written");
     AddNumber(command, "--timeout", scan.timeoutSeconds, "S", kShortestTimeoutSeconds,
-              kLongestTimeoutSeconds, "Give up when no set has come for so many seconds");
+              kLongestTimeoutSeconds, "Give up when no set has arrived for this many seconds");
     AddLightOptions(command, scan.light);
 }
 

@@ -11,10 +11,10 @@
 namespace Korvex3Sync::korvexctl {
 
 /// Reads names, each followed by as many values as its setting has ("laser-line-duty 60 blue-laser
-/// 1 on"). Throws CommandError(Usage) that says what is wrong.
+/// 1 on"). Throws CommandError(Usage) with the error.
 std::vector<Assignment> ReadAssignments(std::span<const std::string> words);
 
-/// Connects, sends the settings, shows what the head then tells of them, and disconnects.
+/// Connects, sends the settings, shows what reads back, and disconnects.
 Outcome SetSettings(const HeadChoice& choice, std::span<const Assignment> assignments,
                     Output& output);
 

@@ -7,9 +7,9 @@
 #include <memory>
 #include <nlohmann/json.hpp>
 
+#include "korvexctl/cli/Interrupt.h"
 #include "korvexctl/cli/NotEmpty.h"
 #include "korvexctl/cli/NumberOption.h"
-#include "korvexctl/cli/Signals.h"
 #include "korvexctl/commands/Commands.h"
 #include "korvexctl/files/WriteFile.h"
 #include "korvexctl/head/ConnectedHead.h"
@@ -22,6 +22,7 @@ namespace {
 
 constexpr double kExposureMs = 5;
 constexpr int kGain = 0;
+constexpr const char* kNothingWritten = "interrupted: no image was written";
 
 const Setting& CameraSetting(CameraPart part, int order) {
     const auto all = AllSettings();
@@ -30,53 +31,30 @@ const Setting& CameraSetting(CameraPart part, int order) {
     });
 }
 
-/// A camera that makes no colour frame would keep the snapshot waiting to its limit.
+/// Without colour frames the snapshot would wait for its full limit.
 void RequireColor(const std::vector<Camera>& cameras) {
     if (std::none_of(cameras.begin(), cameras.end(), [](const Camera& c) { return c.color; })) {
         throw CommandError(ExitCode::DeviceRefused, "the head has no colour camera");
     }
 }
 
-/// Where a snapshot is when someone interrupts it.
-struct Progress {
-    std::atomic<bool> interrupted{false};
-    std::atomic<bool> taken{false};
-
-    void Interrupt() {
-        interrupted = true;
-        // The library takes a snapshot to its end.
-        Say(taken ? "interrupted; the file that is being written is finished; a second time ends "
-                    "at once"
-                  : "interrupted; trigger and strobe are put back when the snapshot ends, which "
-                    "takes up to 100 s for an image that does not come; a second time ends at "
-                    "once");
-    }
-};
-
-/// Takes the images, unless someone interrupts; what is taken then is thrown away.
-Snapshot Take(const ConnectedHead& head, const SnapshotOptions& options, Progress& progress,
+/// Takes the images. After an interrupt they are dropped, and CommandError(Interrupted) is thrown.
+Snapshot Take(const ConnectedHead& head, const SnapshotOptions& options, const Interrupt& interrupt,
               LeftOn& leftOn) {
-    const auto endIfInterrupted = [&progress] {
-        if (progress.interrupted) {
-            throw CommandError(ExitCode::Interrupted, "interrupted: no image was written");
-        }
-    };
-    endIfInterrupted();
+    interrupt.ThrowIfCame(kNothingWritten);
     Snapshot snapshot;
     try {
         snapshot = TakeSnapshot(head, options, leftOn);
     } catch (const CommandError&) {
-        endIfInterrupted();
+        interrupt.ThrowIfCame(kNothingWritten);
         throw;
     }
-    progress.taken = true;
-    endIfInterrupted();
     return snapshot;
 }
 
-/// Writes the images that came, whole ones only, until someone interrupts.
+/// Writes the images that arrived, each whole, until an interrupt.
 Outcome Write(const SnapChoice& asked, const Camera& camera, const Snapshot& snapshot,
-              const std::atomic<bool>& interrupted, const StoreFile& store, Output& output) {
+              const Interrupt& interrupt, const StoreFile& store, Output& output) {
     Outcome outcome;
     nlohmann::json& images = outcome.figures["images"] = nlohmann::json::array();
     std::size_t written = 0;
@@ -90,8 +68,8 @@ Outcome Write(const SnapChoice& asked, const Camera& camera, const Snapshot& sna
         const Mosaic& mosaic = snapshot.images[i];
         if (!mosaic) {
             outcome.code = ExitCode::DeviceRefused;
-            outcome.message = "image " + std::to_string(i) + " did not come";
-        } else if (!interrupted) {
+            outcome.message = "image " + std::to_string(i) + " did not arrive";
+        } else if (!interrupt.Came()) {
             store(file, EncodePng(Demosaic(mosaic.get(), camera.width, camera.height)));
             image["file"] = file.string();
             output.Line(file.string());
@@ -99,7 +77,7 @@ Outcome Write(const SnapChoice& asked, const Camera& camera, const Snapshot& sna
         }
         images.push_back(std::move(image));
     }
-    if (interrupted) {
+    if (interrupt.Came()) {
         outcome.code = ExitCode::Interrupted;
         outcome.message = "interrupted: " + std::to_string(written) + " of " +
                           std::to_string(snapshot.images.size()) + " images written";
@@ -118,17 +96,22 @@ Outcome TakeAndWrite(const SnapChoice& asked, LeftOn& leftOn, Output& output,
         RequireColor(cameras);
         PrepareFolder(asked.folder);
     }
-    Progress progress;
-    const InterruptWatch interruptWatch([&progress] { progress.Interrupt(); });
-    const Outcome ended = OutcomeOf([&] {
+    std::atomic<bool> taken{false};
+    // The library cannot cut a snapshot short.
+    const Interrupt interrupt([&taken] {
+        return std::string(taken ? "finishing the file that is being written"
+                                 : "trigger and strobe are put back when the snapshot ends, which "
+                                   "takes up to 100 s for an image that does not arrive");
+    });
+    return interrupt.OutcomeOf([&] {
         const ConnectedHead head(asked.head, std::move(cameras));
-        const Snapshot snapshot = Take(head, asked.snapshot, progress, leftOn);
-        Outcome outcome =
-            Write(asked, head.cameras.front(), snapshot, progress.interrupted, store, output);
+        const Snapshot snapshot = Take(head, asked.snapshot, interrupt, leftOn);
+        taken = true;
+        interrupt.ThrowIfCame(kNothingWritten);
+        Outcome outcome = Write(asked, head.cameras.front(), snapshot, interrupt, store, output);
         leftOn.Judge(!leftOn.Any() || BoardAnswers(head.session), outcome);
         return outcome;
     });
-    return progress.interrupted ? Interrupted(ended) : ended;
 }
 
 /// An option with one value for each image after the first, checked as the setting is.
@@ -165,16 +148,15 @@ RunCommand AddSnapCommand(CLI::App& command, bool infrared) {
               static_cast<int>(route.high), "Strobe output, a number");
     command
         .add_option("--out", asked->folder,
-                    "Folder for snap_0.png, snap_1.png and so on; made when it is missing "
-                    "(default: the current one)")
+                    "Folder for snap_0.png, snap_1.png and so on; created if missing (default: the "
+                    "current folder)")
         ->type_name("DIR")
         ->check(NotEmpty());
     command.footer(
-        "An image that does not come is waited for 100 s. Afterwards the trigger is off, the "
-        "strobe\n"
-        "is in state 1, and exposure and gain are what they were, if the camera tells them; also\n"
-        "after Ctrl-C, which waits for this and writes no further image. A second Ctrl-C ends at\n"
-        "once.");
+        "Waits up to 100 s for each image. Afterwards the trigger is off, the strobe is in state "
+        "1,\n"
+        "and exposure and gain are restored if the camera reports them. Ctrl-C waits for this too\n"
+        "and writes no further image; a second Ctrl-C quits at once.");
     return [asked](Output& output) { return RunSnap(*asked, output); };
 }
 

@@ -17,7 +17,7 @@ struct SnapChoice {
 };
 
 /// Connects, takes colour images, writes them through `store` and disconnects. Returns how it
-/// ended, or throws CommandError when it did not come as far as images.
+/// ended, or throws CommandError when no images were taken.
 Outcome RunSnap(const SnapChoice& asked, Output& output, const StoreFile& store = StoreWhole);
 
 }  // namespace Korvex3Sync::korvexctl

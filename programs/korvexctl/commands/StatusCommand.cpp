@@ -1,9 +1,10 @@
 #include <CLI/CLI.hpp>
 #include <memory>
+#include <nlohmann/json.hpp>
 #include <optional>
 
+#include "korvexctl/cli/Interrupt.h"
 #include "korvexctl/cli/NumberOption.h"
-#include "korvexctl/cli/Signals.h"
 #include "korvexctl/commands/Commands.h"
 #include "korvexctl/commands/StatusReport.h"
 #include "korvexctl/head/ConnectedHead.h"
@@ -26,46 +27,42 @@ struct Asked {
     std::optional<CAMERA_TRIGGER_MODE> mode;
 };
 
-// Nobody looks at the sets: they are there to be counted. The context only has to be there.
+// The sets are only counted. The context must not be null.
 void TakeImageSet(const void* const&, std::vector<unsigned char*>&, const int&, const int&,
                   std::vector<int>&) {}
 
-/// The losses that the library counts, by place; null when it does not tell.
+/// The losses that the library counts, by place; null when it does not report them.
 nlohmann::json AskLosses(const ConnectedHead& head, std::optional<CAMERA_TRIGGER_MODE> mode) {
-    ScanLosses losses;
-    losses.Ask(head.session);
-    if (!GivesColor(head.cameras, mode.value_or(TRIGGER_LASER_LINES_COLOR))) {
-        losses.CountColor(0);
-    }
-    if (!losses.library) {
+    std::optional<ScanStatistics> statistics = AskStatistics(head.session);
+    if (!statistics) {
         return nullptr;
     }
-    nlohmann::json figures;
-    AddToJson(losses, figures);
-    nlohmann::json& places = figures["losses"];
-    // A camera that waits for a trigger fails snaps all the time, and nothing is written here.
-    places.erase("failed_snaps");
-    places.erase("not_kept_disk");
-    return places;
+    if (!GivesColor(head.cameras, mode.value_or(TRIGGER_LASER_LINES_COLOR))) {
+        statistics->monoWithoutColor = 0;
+    }
+    return LossesToJson(*statistics);
 }
 
 Outcome WatchStatus(const Asked& asked, LeftOn& leftOn, Output& output) {
     output.UseRecords();
     StatusWatch watch;
-    // Its end is a person's Ctrl-C, unless it has one of its own.
-    const InterruptWatch interrupt([&watch] { watch.Stop(); });
-    // A board that is mute now may come back.
+    // Ctrl-C is the ordinary end of this command.
+    const Interrupt interrupt([&watch] {
+        watch.Stop();
+        return std::string();
+    });
+    // A board that does not answer now may come back.
     const ConnectedHead head(asked.head, MuteBoard::Taken);
     std::optional<HeadState> shown;
     const auto show = [&](std::chrono::system_clock::time_point time, const BoardStatus& status) {
-        HeadState state{status, AskLosses(head, asked.mode)};
+        HeadState state{status, Figures(AskLosses(head, asked.mode))};
         if (state != shown) {
             output.Line(StatusLine(time, state));
             output.Record(StatusRecord(time, state));
             shown = std::move(state);
         }
     };
-    // The library's first polls pass in silence.
+    // The library does not report its first polls.
     if (!BoardAnswers(head.session)) {
         show(std::chrono::system_clock::now(), BoardStatus::NoAnswer());
     }
@@ -100,10 +97,10 @@ RunCommand AddStatus(CLI::App& command) {
     const auto asked = std::make_shared<Asked>();
     AddHeadOptions(command, asked->head, true);
     AddNumberOption(command, "--seconds", asked->seconds, "S", kShortestSeconds, kLongestSeconds,
-                    "End after so many seconds", " (without it: at Ctrl-C)");
+                    "Stop after this many seconds", " (default: at Ctrl-C)");
     AddModeOption(command, asked->mode,
-                  "Switch the trigger on meanwhile, so that losses can show: ");
-    command.footer("With --json one object a line, for each change.");
+                  "Switch the trigger on while watching, so that losses can occur: ");
+    command.footer("With --json prints one object per line, for each change.");
     return [asked](Output& output) {
         return TellingLeftOn([&](LeftOn& leftOn) { return WatchStatus(*asked, leftOn, output); });
     };

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <iomanip>
+#include <nlohmann/json.hpp>
 #include <sstream>
 
 #include "korvexctl/scan/LossPlaces.h"
@@ -50,7 +51,7 @@ std::string StatusLine(std::chrono::system_clock::time_point time, const HeadSta
     const std::string bytes = std::to_string(board.a) + " " + std::to_string(board.b);
     return TimeText(time) + "  " +
            (board.Answers() ? "status " + bytes : "the board does not answer (" + bytes + ")") +
-           "  " + LossesText(state.losses);
+           "  " + LossesText(*state.losses);
 }
 
 nlohmann::json StatusRecord(std::chrono::system_clock::time_point time, const HeadState& state) {
@@ -58,7 +59,7 @@ nlohmann::json StatusRecord(std::chrono::system_clock::time_point time, const He
             {"status_a", state.board.a},
             {"status_b", state.board.b},
             {"answers", state.board.Answers()},
-            {"losses", state.losses}};
+            {"losses", *state.losses}};
 }
 
 }  // namespace Korvex3Sync::korvexctl

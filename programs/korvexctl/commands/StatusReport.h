@@ -1,10 +1,11 @@
 #pragma once
 
 #include <chrono>
-#include <nlohmann/json.hpp>
+#include <nlohmann/json_fwd.hpp>
 #include <optional>
 #include <string>
 
+#include "korvexctl/cli/Figures.h"
 #include "korvexctl/head/StatusWatch.h"
 
 namespace Korvex3Sync::korvexctl {
@@ -12,8 +13,8 @@ namespace Korvex3Sync::korvexctl {
 /// What `status` shows in one line.
 struct HeadState {
     BoardStatus board;
-    /// Counts by place; null when the library does not tell them.
-    nlohmann::json losses;
+    /// Counts by place; null when the library does not report them.
+    Figures losses;
 
     bool operator==(const HeadState&) const = default;
 };
@@ -21,7 +22,7 @@ struct HeadState {
 /// "2026-11-21T09:04:51.120Z"
 std::string TimeText(std::chrono::system_clock::time_point time);
 
-/// For a person: time, status bytes, and what is lost where.
+/// For a person: time, status bytes, and losses by place.
 std::string StatusLine(std::chrono::system_clock::time_point time, const HeadState& state);
 
 /// "time", "status_a", "status_b", "answers", "losses".

@@ -26,8 +26,8 @@ Outcome RunUsb(Output& output) {
     }
     output.Line("USB 3: no");
     output.Line("  - use a USB 3 port of the computer (often blue, or marked SS)");
-    output.Line("  - use the cable of the head or another USB 3 cable, and no longer one");
-    output.Line("  - leave out hubs and front panel sockets, then plug the head in again");
+    output.Line("  - use the cable of the head or another USB 3 cable, not a longer one");
+    output.Line("  - avoid hubs and front panel sockets, then plug the head in again");
     outcome.code = ExitCode::NotOnUsb3;
     outcome.message = "the head is connected, but not at USB 3 speed: images would be lost";
     return outcome;

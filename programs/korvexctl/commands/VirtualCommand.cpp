@@ -1,6 +1,7 @@
 #include <CLI/CLI.hpp>
 #include <filesystem>
 #include <memory>
+#include <nlohmann/json.hpp>
 #include <string>
 #include <system_error>
 
@@ -27,7 +28,7 @@ Outcome PrintNew(Output& output) {
     Outcome outcome;
     std::string text = virtual_head::HeadFileText();
     outcome.figures["text"] = text;
-    // The line adds its own end.
+    // Line adds the line end.
     text.pop_back();
     output.Line(text);
     return outcome;
@@ -41,16 +42,17 @@ Outcome RunNew(const NewHeadFile& asked, Output& output) {
         FindPlace(asked.file, "cannot write " + asked.file).kind == Place::Kind::Stream;
     std::error_code unknown;
     if (!asked.force && fs::exists(fs::symlink_status(asked.file, unknown))) {
-        throw CommandError(ExitCode::NotWritable,
-                           asked.file + (stream ? " is no ordinary file; --force writes to it, and "
-                                                  "- is standard output"
-                                                : " is there already; --force replaces it"));
+        throw CommandError(
+            ExitCode::NotWritable,
+            asked.file + (stream ? " is not a regular file; --force writes to it, and "
+                                   "- is standard output"
+                                 : " already exists; --force replaces it"));
     }
     WriteFile(asked.file, virtual_head::HeadFileText(),
               asked.force ? Existing::Replaced : Existing::Kept);
     Outcome outcome;
     outcome.figures["file"] = asked.file;
-    // Nothing can be read from a stream again, and it may be standard output itself.
+    // A stream cannot be read again, and may be standard output itself.
     if (!stream) {
         output.Line("wrote " + asked.file + "; use it with --virtual=" + asked.file);
     }
@@ -67,7 +69,7 @@ RunCommand AddVirtual(CLI::App& command) {
     create.add_option("FILE", asked->file, "Where to write it; - is standard output")
         ->check(NotEmpty())
         ->required();
-    create.add_flag("--force", asked->force, "Replace a file that is there already");
+    create.add_flag("--force", asked->force, "Replace an existing file");
     return [asked](Output& output) { return RunNew(*asked, output); };
 }
 

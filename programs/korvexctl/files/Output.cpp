@@ -1,5 +1,6 @@
 #include "korvexctl/files/Output.h"
 
+#include <nlohmann/json.hpp>
 #include <string>
 
 #include "korvexctl/files/StandardOutput.h"

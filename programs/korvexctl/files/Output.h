@@ -1,5 +1,6 @@
 #pragma once
 
+#include <nlohmann/json_fwd.hpp>
 #include <string_view>
 
 #include "korvexctl/cli/Outcome.h"

@@ -28,8 +28,7 @@ std::vector<Camera> FindCameras(const std::string& type) {
         cameras.push_back({serial.get(), widths[i], heights[i], colors[i]});
     }
     if (status != STATUS_SUCCESS) {
-        throw CommandError(ExitCode::NoCamera,
-                           "the cameras cannot be listed: " + StatusText(status));
+        throw CommandError(ExitCode::NoCamera, "cannot list the cameras: " + StatusText(status));
     }
     return cameras;
 }
@@ -44,8 +43,8 @@ bool GivesColor(const std::vector<Camera>& cameras, CAMERA_TRIGGER_MODE mode) {
 std::string NoCameraMessage(const std::string& type) {
     const std::string text = "no camera found (type " + type + ")";
     return virtual_head::RequestedVirtualHead() != nullptr
-               ? text + "; the simulated head shows none"
-               : text + "; --virtual scans with a simulated head";
+               ? text + "; the simulated head has none"
+               : text + "; use --virtual for a simulated head";
 }
 
 nlohmann::json ToJson(const std::vector<Camera>& cameras) {

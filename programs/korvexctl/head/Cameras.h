@@ -18,14 +18,14 @@ struct Camera {
     bool color = false;
 };
 
-/// The attached cameras of a type, in the order of discovery; empty when there is none. Throws
-/// CommandError when discovery itself fails.
+/// The attached cameras of a type, in the order of discovery; may be empty. Throws CommandError
+/// when discovery itself fails.
 std::vector<Camera> FindCameras(const std::string& type);
 
 /// Whether the sets of these cameras have a colour image in this mode.
 bool GivesColor(const std::vector<Camera>& cameras, CAMERA_TRIGGER_MODE mode);
 
-/// The error of a command that needs a camera and found none.
+/// The error of a command that needs a camera and finds none.
 std::string NoCameraMessage(const std::string& type);
 
 /// [{"serial", "width", "height", "color"}, ...]

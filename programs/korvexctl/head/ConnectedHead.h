@@ -8,7 +8,7 @@
 
 namespace Korvex3Sync::korvexctl {
 
-/// For a command whose matter a mute board is.
+/// Whether a command accepts a board that does not answer.
 enum class MuteBoard { Refused, Taken };
 
 /// The cameras of a head and the connection to it, for as long as it lives.

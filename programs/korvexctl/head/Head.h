@@ -8,7 +8,7 @@ namespace Korvex3Sync::korvexctl {
 
 class Output;
 
-/// What can be asked of a head without a connection; what it does not tell stays empty.
+/// What can be read from a head without a connection; empty where it fails.
 struct Head {
     std::optional<std::string> firmware;
     std::optional<bool> usb3;

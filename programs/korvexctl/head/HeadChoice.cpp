@@ -5,7 +5,7 @@
 namespace Korvex3Sync::korvexctl {
 
 void AddBoardOption(CLI::App& command, std::string& board) {
-    command.add_option("--board", board, "Serial of the board (without it: any board)")
+    command.add_option("--board", board, "Serial of the board (default: any board)")
         ->type_name("SERIAL");
 }
 

@@ -8,7 +8,7 @@ class App;
 
 namespace Korvex3Sync::korvexctl {
 
-/// Which head a command is about.
+/// The head that a command uses.
 struct HeadChoice {
     std::string cameraType = "KV00";
     std::string board;  // serial; empty: any

@@ -11,7 +11,7 @@ namespace Korvex3Sync::korvexctl {
 LeftOn::~LeftOn() {
     if (Any()) {
         Say("WARNING: the board refused to switch off: " + Text() +
-            "; take it for on, look away from the head, and switch the head itself off");
+            "; assume it is still on, look away from the head, and switch the head off");
     }
 }
 

@@ -10,8 +10,8 @@ namespace Korvex3Sync::korvexctl {
 
 struct Outcome;
 
-/// What the board refused to switch off. Made before the session, so that whatever ends a command
-/// finds it complete; the destructor warns on standard error when something is left.
+/// What the board refused to switch off. Made before the session, so that it is complete however
+/// the command ends; the destructor warns on standard error when something is left on.
 class LeftOn {
 public:
     LeftOn() = default;
@@ -19,24 +19,24 @@ public:
     LeftOn(const LeftOn&) = delete;
     LeftOn& operator=(const LeftOn&) = delete;
 
-    /// What came of switching `what` off; a later success makes up for an earlier refusal.
+    /// The result of switching `what` off; a later success replaces an earlier refusal.
     void Note(const std::string& what, RETSTATUS status);
     bool Any() const { return !m_names.empty(); }
     const std::vector<std::string>& Names() const { return m_names; }
     /// "trigger, laser lines"
     std::string Text() const;
-    /// With something left, an outcome that was well becomes `NotConnected` when the board no
-    /// longer answers, and `DeviceRefused` otherwise.
+    /// With something left on, a successful outcome becomes `NotConnected` when the board no longer
+    /// answers, and `DeviceRefused` otherwise.
     void Judge(bool boardAnswers, Outcome& outcome) const;
-    /// The outcome with "left_on" in its figures and what is left in its message.
+    /// The outcome with "left_on" in its figures, and the same in its message.
     Outcome Told(Outcome outcome) const;
 
 private:
     std::vector<std::string> m_names;
 };
 
-/// Runs a command that switches light or trigger. Whatever ends it, an exception too, the outcome
-/// tells what is left on.
+/// Runs a command that switches light or trigger. The outcome reports what is left on, also after
+/// an exception.
 Outcome TellingLeftOn(const std::function<Outcome(LeftOn&)>& run);
 
 }  // namespace Korvex3Sync::korvexctl

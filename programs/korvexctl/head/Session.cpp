@@ -6,7 +6,7 @@
 #include <memory>
 
 #include "korvexctl/cli/ExitCodes.h"
-#include "korvexctl/cli/Signals.h"
+#include "korvexctl/cli/Interrupt.h"
 
 namespace Korvex3Sync::korvexctl {
 
@@ -39,11 +39,11 @@ Session::Session(const std::string& type, const std::string& board,
     const RETSTATUS status =
         ConnectDevice(type.c_str(), board.c_str(), names, widths, heights, m_handle);
     if (status != STATUS_SUCCESS) {
-        const char* const serial = board.empty() ? "" : "the serial of --board, ";
+        const char* const serial = board.empty() ? "" : "the serial given with --board, ";
         throw CommandError(ExitCode::NotConnected,
-                           "cannot connect: " + StatusText(status) + "; look at " + serial +
-                               "cable and power, this user's permissions, another program that "
-                               "uses the head, or ask korvexctl doctor");
+                           "cannot connect: " + StatusText(status) + "; check " + serial +
+                               "cable, power and this user's permissions, close other programs "
+                               "that use the head, or run korvexctl doctor");
     }
 }
 

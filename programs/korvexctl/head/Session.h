@@ -9,11 +9,11 @@
 
 namespace Korvex3Sync::korvexctl {
 
-/// A status in words.
+/// The text of a status.
 std::string StatusText(RETSTATUS status);
 
-/// One connected head: connected by the constructor, disconnected by the destructor, whatever
-/// happens between. No callback of it runs once it is gone.
+/// One connected head: connected by the constructor, disconnected by the destructor. No callback
+/// runs after that.
 class Session {
 public:
     /// `board` is the serial of the board, "" for any. Throws CommandError (NoCamera,
@@ -31,13 +31,14 @@ private:
 
 inline constexpr const char* kMuteBoard = "the board does not answer";
 
-/// Whether the board of a connection answers a question. Up to half a second.
+/// Whether the board of a connection answers a query. Takes up to half a second.
 bool BoardAnswers(const Session& session);
-/// Throws CommandError(NotConnected) unless it does. A board that is mute opens all the same.
+/// Throws CommandError(NotConnected) unless it does. A board that does not answer can still be
+/// opened.
 void RequireAnswer(const Session& session);
 
 /// Throws CommandError(DeviceRefused), which names the operation, unless the status is success.
-/// Throws CommandError(Interrupted) once the command was told to end (see EndIfInterrupted).
+/// Throws CommandError(Interrupted) after an interrupt (see EndIfInterrupted).
 void Require(RETSTATUS status, const std::string& operation);
 
 }  // namespace Korvex3Sync::korvexctl

@@ -9,7 +9,7 @@ namespace Korvex3Sync::korvexctl {
 namespace {
 
 constexpr unsigned char kNoAnswer = 255;
-// Minutes of polls that a blocked output may leave waiting.
+// Minutes of polls that may wait while the output is blocked.
 constexpr std::size_t kMostPolls = 1000;
 
 }  // namespace
@@ -34,24 +34,29 @@ void StatusWatch::OnStatus(const void* const& context, const unsigned char& stat
 }
 
 void StatusWatch::Add(const Poll& poll) {
-    {
-        const std::lock_guard lock(m_mutex);
-        if (m_polls.size() == kMostPolls) {
-            m_polls.pop_front();
-        }
-        m_polls.push_back(poll);
+    const os::MutexGuard guard(m_mutex);
+    if (m_polls.size() == kMostPolls) {
+        m_polls.pop_front();
     }
-    m_changed.notify_all();
+    m_polls.push_back(poll);
+    m_lost = !poll.status.Answers();
+    m_changed.NotifyAll();
 }
 
-std::optional<StatusWatch::Poll> StatusWatch::Next(
-    std::optional<std::chrono::steady_clock::time_point> end) {
-    std::unique_lock lock(m_mutex);
-    const auto ready = [this] { return m_stopped || !m_polls.empty(); };
-    if (end) {
-        m_changed.wait_until(lock, *end, ready);
-    } else {
-        m_changed.wait(lock, ready);
+bool StatusWatch::Lost() const {
+    const os::MutexGuard guard(m_mutex);
+    return m_lost;
+}
+
+std::optional<StatusWatch::Poll> StatusWatch::Next(std::optional<Deadline> end) {
+    const os::MutexGuard guard(m_mutex);
+    bool inTime = true;
+    while (inTime && !m_stopped && m_polls.empty()) {
+        if (end) {
+            inTime = m_changed.WaitUntil(m_mutex, *end);
+        } else {
+            m_changed.Wait(m_mutex);
+        }
     }
     if (m_stopped || m_polls.empty()) {
         return std::nullopt;
@@ -61,17 +66,24 @@ std::optional<StatusWatch::Poll> StatusWatch::Next(
     return poll;
 }
 
+bool StatusWatch::WaitForAnswer(Deadline end) {
+    while (const auto poll = Next(end)) {
+        if (poll->status.Answers()) {
+            return true;
+        }
+    }
+    return false;
+}
+
 void StatusWatch::Forget() {
-    const std::lock_guard lock(m_mutex);
+    const os::MutexGuard guard(m_mutex);
     m_polls.clear();
 }
 
 void StatusWatch::Stop() {
-    {
-        const std::lock_guard lock(m_mutex);
-        m_stopped = true;
-    }
-    m_changed.notify_all();
+    const os::MutexGuard guard(m_mutex);
+    m_stopped = true;
+    m_changed.NotifyAll();
 }
 
 }  // namespace Korvex3Sync::korvexctl

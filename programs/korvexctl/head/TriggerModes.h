@@ -14,7 +14,7 @@ struct TriggerMode {
     bool color;    // each set has a colour image
 };
 
-/// All of them; the single colour frame of TRIGGER_SINGLE_COLOR is no set.
+/// All of them; TRIGGER_SINGLE_COLOR gives single colour frames, no sets.
 inline constexpr std::array kTriggerModes{
     TriggerMode{"laser", TRIGGER_LASER_LINES, false, false},
     TriggerMode{"pattern", TRIGGER_PATTERN, true, false},

@@ -20,7 +20,7 @@ Finding TestDiscovery(Examined& examined) {
     int count = 0;
     const RETSTATUS status = GetCameraCount(examined.choice.cameraType.c_str(), count);
     if (status != STATUS_SUCCESS) {
-        return {Verdict::Fault, "the cameras cannot be counted: " + StatusText(status)};
+        return {Verdict::Fault, "cannot count the cameras: " + StatusText(status)};
     }
     if (examined.cameras.empty()) {
         return {Verdict::Fault, NoCameraMessage(examined.choice.cameraType)};
@@ -63,7 +63,7 @@ Finding KeepSettings(Examined& examined) {
     return {Verdict::Ok, std::to_string(examined.found->Kept()) + " settings read"};
 }
 
-/// Empty, or what the library says of a camera that discovery said otherwise.
+/// What the library reports differently from discovery about a camera; empty if nothing.
 std::string Differs(void* const& handle, int index, const Camera& camera) {
     char* text = nullptr;
     const RETSTATUS status = GetCameraSerialNumber(handle, index, text);
@@ -105,9 +105,9 @@ Finding TestCameraInformation(const Examined& examined) {
 
 Finding TestStatus(Examined& examined) {
     examined.watch.Watch(examined.head->session);
-    examined.answers = WaitForAnswer(examined.watch, kPollLimit);
+    examined.answers = examined.WaitForAnswer(kPollLimit);
     return examined.answers ? Finding{Verdict::Ok, "the board answers its poll"}
-                            : Finding{Verdict::Fault, "no good poll of the board came"};
+                            : Finding{Verdict::Fault, "the board does not answer its status poll"};
 }
 
 }  // namespace

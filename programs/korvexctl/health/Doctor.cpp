@@ -8,11 +8,13 @@
 #include <algorithm>
 #include <iomanip>
 #include <memory>
+#include <nlohmann/json.hpp>
 #include <sstream>
 
 #include "korvexctl/UdevRule.h"
 #include "korvexctl/health/Examined.h"
 #include "korvexctl/health/TrialScan.h"
+#include "platform/include/BoardFacts.h"
 #include "virtual_head/Request.h"
 
 namespace Korvex3Sync::korvexctl {
@@ -32,12 +34,12 @@ constexpr const char* kUsb3Advice =
     "or another USB 3 cable, without hubs; then plug the head in again";
 constexpr const char* kStopped =
     "the head stopped delivering, or is too slow: check the power and the cable of cameras and "
-    "board, and end other programs; if that does not help, switch the head off and on";
+    "board, and close other programs; if that does not help, switch the head off and on";
 constexpr const char* kRestart =
     "switch the head off and on; if that does not help, its board is "
-    "faulty or its firmware is another";
+    "faulty or its firmware does not match";
 
-/// What the checks know of the machine, beside the head.
+/// What the checks know about the machine, in addition to the head.
 struct Patient : Examined {
     explicit Patient(const DoctorOptions& options_) : Examined(options_.head), options(options_) {}
 
@@ -45,13 +47,13 @@ struct Patient : Examined {
 
     const DoctorOptions options;
     bool simulated = false;
-    std::optional<bool> onUsb3;     // nothing: the library finds no board
-    std::vector<UsbBoard> plugged;  // as the system sees them
+    std::optional<bool> onUsb3;          // nothing: the library finds no board
+    std::vector<os::UsbDevice> plugged;  // as the system sees them
 };
 
 Finding CheckHead(Patient& patient) {
     patient.simulated = virtual_head::RequestedVirtualHead() != nullptr;
-    const nlohmann::json figures{{"simulated", patient.simulated}};
+    const Figures figures(nlohmann::json{{"simulated", patient.simulated}});
     if (patient.simulated) {
         return {Verdict::Ok, "SIMULATED: nothing below is about a real head", "", figures};
     }
@@ -67,16 +69,18 @@ Finding CheckBoard(Patient& patient) {
         return patient.onUsb3 ? Finding{Verdict::Ok, "found; it is simulated"}
                               : Finding{Verdict::Fault, "not found on USB", kPlugIn};
     }
-    patient.plugged = FindUsbBoards(patient.options.machine);
+    patient.plugged = os::FindUsbDevices(patient.options.machine, hardware::kBoardVendor,
+                                         hardware::kBoardProduct);
     std::string where;
-    for (const UsbBoard& board : patient.plugged) {
+    for (const os::UsbDevice& board : patient.plugged) {
         where += (where.empty() ? "" : "; ") + board.Where();
     }
     if (patient.onUsb3) {
         return {Verdict::Ok, "found" + (where.empty() ? "" : " at " + where)};
     }
     if (!where.empty()) {
-        return {Verdict::Fault, "the system has it at " + where + ", but the library finds none",
+        return {Verdict::Fault,
+                "the system lists it at " + where + ", but the library does not find it",
                 "see \"permissions\", and the log (-v)"};
     }
     return {Verdict::Fault, "not found on USB", kPlugIn};
@@ -89,7 +93,7 @@ Finding CheckSpeed(const Patient& patient) {
     const bool fast = patient.onUsb3
                           ? *patient.onUsb3
                           : std::all_of(patient.plugged.begin(), patient.plugged.end(),
-                                        [](const UsbBoard& board) { return board.IsUsb3(); });
+                                        [](const os::UsbDevice& board) { return board.IsUsb3(); });
     if (fast) {
         return {Verdict::Ok, "USB 3"};
     }
@@ -108,9 +112,9 @@ Finding CheckPermissions(const Patient& patient) {
         return {Verdict::NotRun, "the head is simulated"};
     }
     if (patient.plugged.empty()) {
-        return {Verdict::NotRun, patient.onUsb3 ? "the system does not show the board" : kNoBoard};
+        return {Verdict::NotRun, patient.onUsb3 ? "the system does not list the board" : kNoBoard};
     }
-    for (const UsbBoard& board : patient.plugged) {
+    for (const os::UsbDevice& board : patient.plugged) {
         if (board.openError) {
             return {Verdict::Fault,
                     "this user cannot open " + board.node.string() +
@@ -128,10 +132,10 @@ Finding CheckFirmware(const Patient& patient) {
     std::string version;
     const RETSTATUS status = GetFirewareVersion(patient.choice.board.c_str(), version);
     if (status != STATUS_SUCCESS) {
-        return {Verdict::Fault, "the board does not tell its version: " + StatusText(status),
-                patient.choice.board.empty() ? kRestart : "see whether --board names this board"};
+        return {Verdict::Fault, "cannot read the firmware version: " + StatusText(status),
+                patient.choice.board.empty() ? kRestart : "check that --board names this board"};
     }
-    return {Verdict::Ok, version, "", {{"firmware", version}}};
+    return {Verdict::Ok, version, "", Figures(nlohmann::json{{"firmware", version}})};
 }
 
 std::string Described(const std::vector<Camera>& cameras) {
@@ -146,15 +150,16 @@ std::string Described(const std::vector<Camera>& cameras) {
 
 Finding CheckCameras(Patient& patient) {
     patient.cameras = FindCameras(patient.choice.cameraType);
-    const auto figures = ToJson(patient.cameras);
+    const Figures figures(ToJson(patient.cameras));
     int attached = 0;
     GetCameraCount(patient.choice.cameraType.c_str(), attached);
     if (patient.cameras.empty()) {
         return {Verdict::Fault,
                 attached == 0 ? "none found (type " + patient.choice.cameraType + ")"
                               : std::to_string(attached) + " attached, and none can be opened",
-                attached == 0 ? "see whether --type names the head's cameras; check cable and power"
-                              : "end other programs that use the head, and plug it in again",
+                attached == 0
+                    ? "check that --type names the head's cameras, and check cable and power"
+                    : "close other programs that use the head, and plug it in again",
                 figures};
     }
     const bool equal =
@@ -166,7 +171,8 @@ Finding CheckCameras(Patient& patient) {
         return {Verdict::Warning,
                 Described(patient.cameras) + "; " +
                     (equal ? std::to_string(attached) + " are attached" : "sizes differ"),
-                "plug the head in again; a camera that stays away or differs is faulty", figures};
+                "plug the head in again; a camera that stays missing or different is faulty",
+                figures};
     }
     return {Verdict::Ok, Described(patient.cameras), "", figures};
 }
@@ -182,7 +188,7 @@ Finding CheckConnection(Patient& patient) {
         patient.head.emplace(patient.choice, patient.cameras, MuteBoard::Taken);
     } catch (const CommandError& error) {
         return {Verdict::Fault, error.what(),
-                "end other programs that use the head; see "
+                "close other programs that use the head; see "
                 "\"permissions\" and \"cameras\""};
     }
     return {Verdict::Ok, "board and cameras open"};
@@ -197,11 +203,11 @@ Finding CheckAnswer(Patient& patient) {
     if (status != STATUS_SUCCESS) {
         return {Verdict::Fault, "the board opens, but does not answer", kRestart};
     }
-    // With the status watched the board's heartbeat is on, and a board that gets lost is noticed.
+    // Watching the status switches the heartbeat on and detects a lost board.
     patient.watch.Watch(patient.head->session);
-    patient.answers = WaitForAnswer(patient.watch, kPollLimit);
+    patient.answers = patient.WaitForAnswer(kPollLimit);
     if (!patient.answers) {
-        return {Verdict::Fault, "the board answers a question, but not its status poll", kRestart};
+        return {Verdict::Fault, "the board answers a query, but not its status poll", kRestart};
     }
     patient.found.emplace(patient.head->Handle(), patient.cameras.size());
     return {Verdict::Ok, "the board answers its status poll"};
@@ -213,24 +219,23 @@ Finding JudgeTrial(const TrialResult& trial, int asked) {
     if (const auto rate = trial.counts.Rate()) {
         text << ", " << std::fixed << std::setprecision(1) << *rate << " a second";
     }
-    const nlohmann::json figures = trial.ToJson();
+    const Figures figures(trial.ToJson());
     const std::string lost = trial.LostAny() ? "; lost: " + trial.LossText() : "";
     if (trial.counts.sets == 0) {
-        return {Verdict::Fault, "no set came" + lost,
+        return {Verdict::Fault, "no set arrived" + lost,
                 trial.LostAny() ? trial.Cure()
                                 : "no frame reached this computer: check the cable between board "
                                   "and cameras, and the cameras' power",
                 figures};
     }
     if (trial.counts.odd > 0 || trial.counts.backwards > 0) {
-        text << "; " << trial.counts.odd << " of them odd, " << trial.counts.backwards
+        text << "; " << trial.counts.odd << " of them malformed, " << trial.counts.backwards
              << " out of order";
         return {Verdict::Fault, text.str(), "see the log (-v)", figures};
     }
     if (trial.counts.sets < asked) {
-        // What was lost on the way is the smaller trouble.
-        return {Verdict::Fault,
-                text.str() + "; " + std::to_string(asked) + " should have come" + lost, kStopped,
+        // Losses on the way are less severe.
+        return {Verdict::Fault, text.str() + "; expected " + std::to_string(asked) + lost, kStopped,
                 figures};
     }
     if (trial.LostAny()) {
@@ -280,11 +285,11 @@ Outcome DoctorOutcome(const std::vector<StepRow>& rows, bool interrupted) {
     Outcome outcome;
     const bool canScan = !interrupted && Count(rows, Verdict::Fault) == 0;
     const bool healthy = canScan && Count(rows, Verdict::Warning) == 0;
-    outcome.figures = {{"simulated", nullptr}, {"healthy", healthy}, {"can_scan", canScan}};
+    *outcome.figures = {{"simulated", nullptr}, {"healthy", healthy}, {"can_scan", canScan}};
     nlohmann::json& checks = outcome.figures["checks"] = nlohmann::json::array();
     for (const StepRow& row : rows) {
         checks.push_back(ToJson(row, kDoctorWords));
-        if (row.name == kHeadCheck && row.finding.figures.is_object()) {
+        if (row.name == kHeadCheck && row.finding.figures->is_object()) {
             outcome.figures["simulated"] = row.finding.figures["simulated"];
         }
     }

@@ -4,9 +4,9 @@
 
 #include "korvexctl/cli/Outcome.h"
 #include "korvexctl/head/HeadChoice.h"
-#include "korvexctl/head/UsbBoards.h"
 #include "korvexctl/health/Step.h"
 #include "korvexctl/health/StepTable.h"
+#include "platform/os/UsbDevices.h"
 
 namespace Korvex3Sync::korvexctl {
 
@@ -14,18 +14,18 @@ inline constexpr VerdictWords kDoctorWords{"ok", "warning", "FAULT", "not checke
 
 struct DoctorOptions {
     HeadChoice head;
-    UsbMachine machine = UsbMachine::This();
+    os::UsbMachine machine = os::UsbMachine::This();
     // The trial scan: 1.5 s at the period of a scan.
     int trialImageSets = 150;
     std::chrono::milliseconds trialLimit{3000};
 };
 
-/// The checks of one machine and one head, in order. What a check needs and an earlier one did not
-/// find makes it "not checked". They own the connection that they make, and close it at their end.
+/// The checks of one machine and one head, in order. A check whose precondition failed is "not
+/// checked". They own the connection that they make, and close it at their end.
 std::vector<Step> DoctorSteps(const DoctorOptions& options);
 
 /// "simulated", "healthy", "can_scan" and "checks"; NotHealthy when there is a fault, Warnings when
-/// there are warnings only. Checks that were interrupted say nothing: Interrupted.
+/// there are only warnings, Interrupted when the checks were interrupted.
 Outcome DoctorOutcome(const std::vector<StepRow>& rows, bool interrupted);
 
 }  // namespace Korvex3Sync::korvexctl

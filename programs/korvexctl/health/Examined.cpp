@@ -17,14 +17,8 @@ std::string Listed(const std::vector<std::string>& names) {
 
 }  // namespace
 
-bool WaitForAnswer(StatusWatch& watch, std::chrono::milliseconds limit) {
-    const auto end = std::chrono::steady_clock::now() + limit;
-    while (const auto poll = watch.Next(end)) {
-        if (poll->status.Answers()) {
-            return true;
-        }
-    }
-    return false;
+bool Examined::WaitForAnswer(std::chrono::milliseconds limit) {
+    return watch.WaitForAnswer(std::chrono::steady_clock::now() + limit);
 }
 
 Step PutBackStep(const std::shared_ptr<Examined>& examined, Verdict whenNot) {
@@ -34,20 +28,19 @@ Step PutBackStep(const std::shared_ptr<Examined>& examined, Verdict whenNot) {
                     return {Verdict::NotRun, "nothing was changed"};
                 }
                 const auto failed = examined->found->PutBack(examined->head->Handle());
-                const std::string changed =
-                    failed.empty() ? "" : "not as they were found: " + Listed(failed);
+                const std::string changed = failed.empty() ? "" : "not restored: " + Listed(failed);
                 if (examined->leftOn.Any()) {
-                    return {Verdict::Fault,
-                            "not switched off: " + examined->leftOn.Text() +
-                                (changed.empty() ? "" : "; ") + changed,
-                            "take it for on, look away from the head, and switch the head off"};
+                    return {
+                        Verdict::Fault,
+                        "not switched off: " + examined->leftOn.Text() +
+                            (changed.empty() ? "" : "; ") + changed,
+                        "assume it is still on, look away from the head, and switch the head off"};
                 }
                 if (!changed.empty()) {
                     return {whenNot, changed, "set them again, or switch the head off and on"};
                 }
                 return {Verdict::Ok, std::to_string(examined->found->Kept()) +
-                                         " settings stand as they were found; light and trigger "
-                                         "are off"};
+                                         " settings restored; light and trigger are off"};
             },
             true};
 }

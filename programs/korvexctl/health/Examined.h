@@ -12,11 +12,13 @@
 
 namespace Korvex3Sync::korvexctl {
 
-/// What the steps of an examination share: the head as far as they have come with it. Used on the
-/// thread of the steps only.
+/// What the steps of an examination share: the head in its current state. Used on the thread of the
+/// steps only.
 struct Examined {
     explicit Examined(HeadChoice choice_) : choice(std::move(choice_)) {}
 
+    /// Waits until the board has answered a poll of its status; false at the limit.
+    bool WaitForAnswer(std::chrono::milliseconds limit);
     bool Answers() const { return head.has_value() && answers; }
 
     const HeadChoice choice;
@@ -28,10 +30,7 @@ struct Examined {
     std::optional<SettingsKeeper> found;
 };
 
-/// Waits until the board has answered a poll of its status; false at the limit.
-bool WaitForAnswer(StatusWatch& watch, std::chrono::milliseconds limit);
-
-/// The steps that end every examination: the settings as they were found, and the connection's end.
+/// The steps that end every examination: restore the settings, and disconnect.
 Step PutBackStep(const std::shared_ptr<Examined>& examined, Verdict whenNot);
 Step DisconnectStep(const std::shared_ptr<Examined>& examined);
 

@@ -2,6 +2,7 @@
 #include <Korvex3Sync/Light.h>
 
 #include <algorithm>
+#include <nlohmann/json.hpp>
 
 #include "korvexctl/head/TriggerModes.h"
 #include "korvexctl/health/Examined.h"
@@ -22,7 +23,7 @@ constexpr double kSnapshotExposureMs = 5;
 constexpr std::size_t kSnapshotImages = 2;
 constexpr std::size_t kInfraredImages = 3;
 
-/// A step after which something is left on has failed.
+/// A step that leaves something on has failed.
 Finding Dark(const LeftOn& leftOn, Finding finding) {
     if (leftOn.Any()) {
         finding.text = (finding.verdict == Verdict::Fault ? finding.text + "; " : "") +
@@ -32,7 +33,7 @@ Finding Dark(const LeftOn& leftOn, Finding finding) {
     return finding;
 }
 
-/// A scan of a few sets; each as its mode promises it, none lost.
+/// A scan of a few sets: each must have the images of its mode, and none may be lost.
 Finding TestScan(Examined& examined, CAMERA_TRIGGER_MODE mode, const SelftestOptions& asked) {
     TrialOptions options;
     options.light.mode = mode;
@@ -47,10 +48,10 @@ Finding TestScan(Examined& examined, CAMERA_TRIGGER_MODE mode, const SelftestOpt
         wrong += (wrong.empty() ? "" : "; ") + text;
     };
     if (counts.sets < options.sets) {
-        add(std::to_string(counts.sets) + " of " + std::to_string(options.sets) + " sets came");
+        add(std::to_string(counts.sets) + " of " + std::to_string(options.sets) + " sets arrived");
     }
     if (counts.odd > 0) {
-        add(std::to_string(counts.odd) + " sets with other images than promised");
+        add(std::to_string(counts.odd) + " sets with unexpected images");
     }
     if (wrongColor > 0) {
         add(std::to_string(wrongColor) + (color ? " sets without colour" : " sets with colour"));
@@ -61,7 +62,7 @@ Finding TestScan(Examined& examined, CAMERA_TRIGGER_MODE mode, const SelftestOpt
     if (trial.LostAny()) {
         add("lost: " + trial.LossText());
     }
-    const nlohmann::json figures = trial.ToJson();
+    const Figures figures(trial.ToJson());
     if (!wrong.empty()) {
         return {Verdict::Fault, wrong, trial.Cure(), figures};
     }
@@ -77,15 +78,15 @@ Finding TestNoReset(const Examined& examined) {
                                     : Finding{Verdict::Fault, StatusText(status)};
 }
 
-/// The board must answer again and have what it was told before.
+/// The board must answer again and have its settings.
 Finding TestReconnect(Examined& examined) {
     void* const& handle = examined.head->Handle();
     constexpr int kPeriodMs = 17;
     Require(SetVideoTriggerPeriod(handle, kPeriodMs), "set the trigger period");
     Require(ReconnectDevice(handle), "reconnect");
     examined.watch.Forget();
-    if (!WaitForAnswer(examined.watch, kPollLimit)) {
-        return {Verdict::Fault, "reconnected, and no good poll of the board came"};
+    if (!examined.WaitForAnswer(kPollLimit)) {
+        return {Verdict::Fault, "reconnected, but the board does not answer its status poll"};
     }
     int period = 0;
     Require(GetVideoTriggerPeriod(handle, period), "read the trigger period");
@@ -93,7 +94,7 @@ Finding TestReconnect(Examined& examined) {
         return {Verdict::Fault, "the trigger period was " + std::to_string(kPeriodMs) +
                                     " ms and is " + std::to_string(period) + " ms afterwards"};
     }
-    return {Verdict::Ok, "the board answers and has its settings"};
+    return {Verdict::Ok, "the board answers and kept its settings"};
 }
 
 Finding TestSnapshot(Examined& examined, bool infrared) {
@@ -114,7 +115,7 @@ Finding TestSnapshot(Examined& examined, bool infrared) {
         return {Verdict::Fault, snapshot.notTaken};
     }
     return {came == images ? Verdict::Ok : Verdict::Fault,
-            std::to_string(came) + " of " + std::to_string(images) + " images came"};
+            std::to_string(came) + " of " + std::to_string(images) + " images arrived"};
 }
 
 }  // namespace

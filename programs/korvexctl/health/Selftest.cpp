@@ -1,6 +1,7 @@
 #include "korvexctl/health/Selftest.h"
 
 #include <iterator>
+#include <nlohmann/json.hpp>
 
 #include "korvexctl/health/Examined.h"
 #include "korvexctl/health/SettingTest.h"
@@ -50,7 +51,7 @@ std::vector<Step> SelftestSteps(const SelftestOptions& options) {
          {SettingSteps(examined), std::vector<Step>{StatusStep(examined)},
           ScanSteps(examined, options), UserMemorySteps(examined, options.writeUserMemory),
           ReconnectSteps(examined, options),
-          // Last, because it cannot be ended when no frame comes.
+          // Last, because it cannot be stopped when no frame arrives.
           SnapshotSteps(examined)}) {
         all.insert(all.end(), some.begin(), some.end());
     }
@@ -62,9 +63,9 @@ std::vector<Step> SelftestSteps(const SelftestOptions& options) {
 Outcome SelftestOutcome(const std::vector<StepRow>& rows, bool interrupted) {
     Outcome outcome;
     const int failed = Count(rows, Verdict::Fault);
-    outcome.figures = {{"passed", Count(rows, Verdict::Ok)},
-                       {"failed", failed},
-                       {"not_run", Count(rows, Verdict::NotRun)}};
+    *outcome.figures = {{"passed", Count(rows, Verdict::Ok)},
+                        {"failed", failed},
+                        {"not_run", Count(rows, Verdict::NotRun)}};
     nlohmann::json& steps = outcome.figures["steps"] = nlohmann::json::array();
     for (const StepRow& row : rows) {
         steps.push_back(ToJson(row, kSelftestWords));

@@ -16,13 +16,13 @@ inline constexpr VerdictWords kSelftestWords{"passed", "failed", "FAILED", "not 
 
 struct SelftestOptions {
     HeadChoice head;
-    bool writeUserMemory = false;  // its last page is written and put back
+    bool writeUserMemory = false;  // its last page is written and restored
     int sets = 20;                 // of each scan
     int periodMs = 10;             // from trigger to trigger
 };
 
-/// The same for every head, virtual or real. They own the connection that they make, and close it
-/// at their end.
+/// The steps of the test, the same for every head, virtual or real. They own the connection that
+/// they make, and close it at their end.
 std::vector<Step> SelftestSteps(const SelftestOptions& options);
 
 /// "passed", "failed", "not_run" and "steps"; SelftestFailed when a step failed. Interrupted when
@@ -37,7 +37,7 @@ Step HeadStep(const std::shared_ptr<Examined>& examined, std::string name,
 
 /// Discovery, USB, firmware, and the connection itself.
 std::vector<Step> ConnectionSteps(const std::shared_ptr<Examined>& examined);
-/// One for each setting but the trigger mode, which the scans try.
+/// One for each setting except the trigger mode, which the scans test.
 std::vector<Step> SettingSteps(const std::shared_ptr<Examined>& examined);
 /// Watches the status from here on, which switches the heartbeat on: after the settings.
 Step StatusStep(const std::shared_ptr<Examined>& examined);

@@ -56,7 +56,7 @@ std::string SetAndRead(void* const& handle, const Setting& setting, const Settin
     return {};
 }
 
-/// A camera may refuse one of its neighbours; any other setting takes the first that is in range.
+/// A camera may refuse one neighbouring value; any other setting accepts the first in range.
 std::string SetAnother(void* const& handle, const Setting& setting, const SettingValue& found,
                        std::string& tried) {
     std::string wrong = "there is no other value";
@@ -81,11 +81,11 @@ Finding TestReadable(void* const& handle, const Setting& setting) {
     }
     if (!Moved(setting, found.value, 0)) {
         return {Verdict::NotRun, "the head has " + found.Text() +
-                                     ", which is outside of the range and could not be put back"};
+                                     ", which is out of range and could not be restored"};
     }
     std::string tried;
     std::string wrong = SetAnother(handle, setting, found.value, tried);
-    // What a camera takes of its range is the camera's own matter.
+    // A camera may accept less than the range.
     if (setting.part == CameraPart::None) {
         for (double Field::*end : {&Field::low, &Field::high}) {
             const SettingValue value = Ends(setting, end);
@@ -95,10 +95,10 @@ Finding TestReadable(void* const& handle, const Setting& setting) {
     }
     const std::string notBack = SetAndRead(handle, setting, found.value);
     if (!wrong.empty() || !notBack.empty()) {
-        return {Verdict::Fault, wrong.empty() ? "not put back: " + notBack : wrong};
+        return {Verdict::Fault, wrong.empty() ? "not restored: " + notBack : wrong};
     }
     return {Verdict::Ok,
-            tried + " set and read back; " + ValueText(setting.fields, found.value) + " put back"};
+            tried + " set and read back; " + ValueText(setting.fields, found.value) + " restored"};
 }
 
 double Lowest(const Field& field) {

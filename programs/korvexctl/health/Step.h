@@ -2,15 +2,16 @@
 
 #include <chrono>
 #include <functional>
-#include <nlohmann/json.hpp>
 #include <string>
+
+#include "korvexctl/cli/Figures.h"
 
 namespace Korvex3Sync::korvexctl {
 
-/// How one step of an examination came out.
+/// The result of one step of an examination.
 enum class Verdict {
     Ok,
-    Warning,  // it works, and something is lost
+    Warning,  // it works, with losses
     Fault,
     NotRun  // the finding says why
 };
@@ -20,21 +21,21 @@ struct Finding {
     Verdict verdict = Verdict::Ok;
     std::string text;
     std::string advice{};  // what to do about it; empty when there is nothing to do
-    nlohmann::json figures = nullptr;
+    Figures figures{};
 };
 
 /// One step of an examination.
 struct Step {
     std::string name;
-    /// How long it may take; a step that takes longer is taken to hang.
+    /// How long it may take; a longer step counts as hanging.
     std::chrono::milliseconds limit;
     /// An exception is a fault with its text.
     std::function<Finding()> run;
-    /// Leaves the head as it was found: runs also when the examination was stopped.
+    /// Restores the head: also runs when the examination was stopped.
     bool cleansUp = false;
 };
 
-/// A step that came to an end, or was given up.
+/// A step that has ended, or was abandoned.
 struct StepRow {
     std::string name;
     Finding finding;

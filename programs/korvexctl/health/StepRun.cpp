@@ -45,20 +45,18 @@ void StepRun::Work(const std::vector<Step>& steps) {
     for (const Step& step : steps) {
         const auto begin = Clock::now();
         Finding finding = RunStep(step);
-        {
-            const std::lock_guard lock(m_mutex);
-            if (m_hangs) {
-                return;
-            }
-            m_ended.push_back({step.name, std::move(finding), Since(begin)});
+        const os::MutexGuard guard(m_mutex);
+        if (m_hangs) {
+            return;
         }
-        m_changed.notify_all();
+        m_ended.push_back({step.name, std::move(finding), Since(begin)});
+        m_changed.NotifyAll();
     }
 }
 
 Finding StepRun::RunStep(const Step& step) {
     {
-        const std::lock_guard lock(m_mutex);
+        const os::MutexGuard guard(m_mutex);
         if (m_stopped && !step.cleansUp) {
             return {Verdict::NotRun, "interrupted"};
         }
@@ -75,15 +73,13 @@ std::vector<StepRow> StepRun::Wait(const std::function<void(const StepRow&)>& on
     std::vector<StepRow> rows;
     std::string hanging;
     for (const auto& [name, limit] : m_limits) {
-        StepRow row{name, {Verdict::NotRun, hanging + " did not end"}};
+        StepRow row{name, {Verdict::NotRun, hanging + " did not finish"}};
         if (hanging.empty()) {
-            std::unique_lock lock(m_mutex);
-            if (m_changed.wait_for(lock, limit, [&] { return m_ended.size() > rows.size(); })) {
-                row = m_ended[rows.size()];
+            if (std::optional<StepRow> next = NextRow(rows.size(), limit)) {
+                row = std::move(*next);
             } else {
-                m_hangs = true;
                 hanging = name;
-                row = {name, {Verdict::Fault, "did not end within " + Seconds(limit)}, limit};
+                row = {name, {Verdict::Fault, "did not finish within " + Seconds(limit)}, limit};
             }
         }
         onRow(row);
@@ -92,13 +88,22 @@ std::vector<StepRow> StepRun::Wait(const std::function<void(const StepRow&)>& on
     return rows;
 }
 
+std::optional<StepRow> StepRun::NextRow(std::size_t done, std::chrono::milliseconds limit) {
+    const auto end = Clock::now() + limit;
+    const os::MutexGuard guard(m_mutex);
+    while (m_ended.size() <= done && m_changed.WaitUntil(m_mutex, end)) {
+    }
+    m_hangs = m_ended.size() <= done;
+    return m_hangs ? std::nullopt : std::optional(m_ended[done]);
+}
+
 void StepRun::Stop() {
-    const std::lock_guard lock(m_mutex);
+    const os::MutexGuard guard(m_mutex);
     m_stopped = true;
 }
 
 bool StepRun::Hangs() const {
-    const std::lock_guard lock(m_mutex);
+    const os::MutexGuard guard(m_mutex);
     return m_hangs;
 }
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <nlohmann/json.hpp>
 #include <sstream>
 
 namespace Korvex3Sync::korvexctl {
@@ -47,7 +48,7 @@ nlohmann::json ToJson(const StepRow& row, const VerdictWords& words) {
                             {"finding", row.finding.text},
                             {"advice", nullptr},
                             {"took_ms", row.took.count()},
-                            {"figures", row.finding.figures}};
+                            {"figures", *row.finding.figures}};
     if (!row.finding.advice.empty()) {
         document["advice"] = row.finding.advice;
     }

@@ -8,7 +8,7 @@
 
 namespace Korvex3Sync::korvexctl {
 
-/// What an examination calls its verdicts.
+/// The words of an examination for its verdicts.
 struct VerdictWords {
     const char* ok;
     const char* warning;
@@ -18,9 +18,9 @@ struct VerdictWords {
     const char* Of(Verdict verdict) const;
 };
 
-/// One step as a person reads it: verdict, name, finding, and what to do on a line of its own.
+/// One step for a person: verdict, name, finding, and the advice on a second line.
 std::vector<std::string> RowLines(const StepRow& row, const VerdictWords& words, std::size_t width);
-/// {"name", "verdict", "finding", "advice", "took_ms", "figures"}; null where there is none.
+/// {"name", "verdict", "finding", "advice", "took_ms", "figures"}; null where empty.
 nlohmann::json ToJson(const StepRow& row, const VerdictWords& words);
 /// The length of the longest name.
 std::size_t NameWidth(const std::vector<Step>& steps);

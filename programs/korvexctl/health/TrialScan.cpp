@@ -6,6 +6,7 @@
 #include "korvexctl/head/ConnectedHead.h"
 #include "korvexctl/scan/Illumination.h"
 #include "korvexctl/scan/LossPlaces.h"
+#include "korvexctl/scan/ScanLosses.h"
 #include "korvexctl/scan/Trigger.h"
 
 namespace Korvex3Sync::korvexctl {
@@ -15,13 +16,6 @@ namespace {
 constexpr std::chrono::milliseconds kShortestQuiet{100};
 constexpr std::chrono::milliseconds kLongestLate{2000};
 constexpr int kQuietPeriods = 3;
-
-std::optional<ScanStatistics> Ask(const ConnectedHead& head) {
-    ScanStatistics statistics;
-    return GetScanStatistics(head.Handle(), statistics) == STATUS_SUCCESS
-               ? std::optional(statistics)
-               : std::nullopt;
-}
 
 /// The losses between two moments. Colour that is missing is counted from the sets: among the
 /// library's may be a set of an earlier scan.
@@ -43,7 +37,7 @@ std::optional<ScanStatistics> Between(const std::optional<ScanStatistics>& befor
 
 TrialResult RunTrial(const ConnectedHead& head, const TrialOptions& options, LeftOn& leftOn) {
     const Illumination light(head.session, options.light, leftOn);
-    const std::optional<ScanStatistics> before = Ask(head);
+    const std::optional<ScanStatistics> before = AskStatistics(head.session);
     const Camera& camera = head.cameras.front();
     ImageSetCheck check(before ? before->setsPending : 0, camera.width, camera.height);
     TrialResult result;
@@ -58,7 +52,7 @@ TrialResult RunTrial(const ConnectedHead& head, const TrialOptions& options, Lef
         const bool color = GivesColor(head.cameras, options.light.mode);
         const int withoutColor =
             color ? result.counts.sets - result.counts.withColor - result.counts.odd : 0;
-        result.lost = Between(before, Ask(head), withoutColor);
+        result.lost = Between(before, AskStatistics(head.session), withoutColor);
     }
     return result;
 }
@@ -97,9 +91,7 @@ nlohmann::json TrialResult::ToJson() const {
         figures["sets_per_second"] = *rate;
     }
     if (lost) {
-        for (const LossPlace& place : LossPlaces()) {
-            figures["losses"][place.key] = *lost.*place.count;
-        }
+        figures["losses"] = LossesToJson(*lost);
     }
     return figures;
 }

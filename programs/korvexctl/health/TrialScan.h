@@ -16,7 +16,7 @@ namespace Korvex3Sync::korvexctl {
 struct ConnectedHead;
 class LeftOn;
 
-/// A short scan that is there to be looked at.
+/// A short scan for a check.
 struct TrialOptions {
     LightOptions light;
     int sets = 20;
@@ -25,11 +25,11 @@ struct TrialOptions {
 
 struct TrialResult {
     ImageSetCheck::Counts counts;
-    /// What was lost in this scan, place by place; nothing where the library does not tell.
+    /// What was lost in this scan, place by place; empty when the library does not report it.
     std::optional<ScanStatistics> lost;
 
     bool LostAny() const;
-    /// "2 triggers of which no set came, 1 colour images missing in a set"
+    /// "2 triggers without a set, 1 colour images missing in a set"
     std::string LossText() const;
     /// What to do about what was lost; each advice once.
     std::string Cure() const;
@@ -38,9 +38,9 @@ struct TrialResult {
 };
 
 /// Sets light and trigger, takes sets, switches both off again, notes in `leftOn` what the board
-/// refused of that, and waits for what is on its way.
-/// Throws CommandError(DeviceRefused) when the head refuses a setting. Blocks up to the limit, two
-/// seconds for the late ones, and the board's answers.
+/// refused, and waits for sets that are still on the way. Throws CommandError(DeviceRefused) when
+/// the head refuses a setting. Blocks up to the limit, two seconds for the late ones, and the
+/// board's answers.
 TrialResult RunTrial(const ConnectedHead& head, const TrialOptions& options, LeftOn& leftOn);
 
 }  // namespace Korvex3Sync::korvexctl

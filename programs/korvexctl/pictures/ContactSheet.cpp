@@ -4,6 +4,7 @@
 #include <array>
 #include <cstdio>
 
+#include "korvexctl/pictures/ImageSet.h"
 #include "korvexctl/pictures/Lettering.h"
 
 namespace Korvex3Sync::korvexctl {
@@ -16,7 +17,6 @@ constexpr int kLargeCell = 200;  // pixels of width from which the letters are d
 constexpr std::uint8_t kGround = 32;
 constexpr std::uint8_t kLabel = 230;
 constexpr std::uint8_t kHeading = 160;
-constexpr std::size_t kMonoImages = 2;
 constexpr std::array kColumns{"left", "right", "colour"};
 
 std::string LabelOf(const KeptImageSet& set) {

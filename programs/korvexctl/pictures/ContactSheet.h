@@ -12,9 +12,9 @@ namespace Korvex3Sync::korvexctl {
 /// How many sets a contact sheet shows at most.
 inline constexpr int kSheetRows = 8;
 
-/// One picture to look a scan over: a row for each set with its left, right and colour image side
-/// by side, scaled down, and its number, key and time above. Keeps the small pictures only. One
-/// thread.
+/// One picture for an overview of a scan: a row for each set with its left, right and colour image
+/// side by side, scaled down, and its number, key and time above. Keeps only the small pictures.
+/// One thread.
 class ContactSheet {
 public:
     /// Adds a row; `pictures` are those of the set: left, right and, with colour, the colour

@@ -6,7 +6,7 @@ namespace Korvex3Sync::korvexctl {
 
 namespace {
 
-/// The mosaic with its edges mirrored, which keeps each colour on its own rows and columns.
+/// The mosaic with mirrored edges, which keep each colour on its own rows and columns.
 class Mosaic {
 public:
     Mosaic(const std::uint8_t* bytes, int width, int height)

@@ -4,7 +4,7 @@
 
 namespace Korvex3Sync::korvexctl {
 
-/// A set of the scan that is kept, and what for.
+/// A set of the scan to keep, and why.
 struct ChosenImageSet {
     int number = 0;         // in the scan, from 0
     bool pictures = false;  // as PNG files

@@ -8,7 +8,7 @@
 
 namespace Korvex3Sync::korvexctl {
 
-/// A copy of one image set, in a buffer that is used again for later sets.
+/// A copy of one image set, in a buffer that is reused for later sets.
 struct KeptImageSet {
     ChosenImageSet chosen;
     int key = 0;         // 0 to 255: the trigger number modulo 256

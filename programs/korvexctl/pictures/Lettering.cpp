@@ -57,7 +57,7 @@ constexpr std::array kLetters{
     Letter{'Z', {0x1F, 0x01, 0x02, 0x04, 0x08, 0x10, 0x1F}},
 };
 
-/// A square of the picture, as far as it lies in it.
+/// A square of the picture, clipped to the picture.
 void Fill(Picture& picture, int x, int y, int size, std::uint8_t brightness) {
     for (int row = std::max(y, 0); row < std::min(y + size, picture.height); ++row) {
         for (int column = std::max(x, 0); column < std::min(x + size, picture.width); ++column) {

@@ -17,8 +17,8 @@ struct Picture {
 /// bilinear, mirrored at the edges.
 Picture Demosaic(const std::uint8_t* mosaic, int width, int height);
 
-/// Makes a picture smaller: each pixel is the mean of those that it stands for. `width` and
-/// `height` are at least 1 and not above the picture's own.
+/// Makes a picture smaller: each pixel is the mean of those that it covers. `width` and `height`
+/// are at least 1 and not above the picture's own.
 Picture ScaleDown(const Picture& picture, int width, int height);
 
 /// The picture as a PNG file. Throws std::runtime_error when it cannot be encoded.

@@ -2,16 +2,11 @@
 
 #include <utility>
 
+#include "korvexctl/pictures/ImageSet.h"
 #include "korvexctl/pictures/Picture.h"
 #include "korvexctl/pictures/ScanFiles.h"
 
 namespace Korvex3Sync::korvexctl {
-
-namespace {
-
-constexpr std::size_t kColor = 2;
-
-}  // namespace
 
 PictureWriter::PictureWriter(std::filesystem::path folder, StoreFile store, Listener listener)
     : m_folder(std::move(folder)),
@@ -24,9 +19,9 @@ PictureWriter::~PictureWriter() {
 }
 
 void PictureWriter::Add(const KeptImageSet& set) {
-    const std::lock_guard lock(m_mutex);
+    const os::MutexGuard guard(m_mutex);
     m_waiting.push_back(&set);
-    m_changed.notify_all();
+    m_changed.NotifyAll();
 }
 
 void PictureWriter::Finish() {
@@ -41,13 +36,13 @@ void PictureWriter::ThrowFailure() const {
 
 void PictureWriter::Join(bool dropWaiting) {
     {
-        const std::lock_guard lock(m_mutex);
+        const os::MutexGuard guard(m_mutex);
         m_end = true;
         if (dropWaiting) {
             m_waiting.clear();
             m_dropped = true;
         }
-        m_changed.notify_all();
+        m_changed.NotifyAll();
     }
     if (m_thread.joinable()) {
         m_thread.join();
@@ -68,8 +63,10 @@ void PictureWriter::Run() {
 }
 
 const KeptImageSet* PictureWriter::WaitForNext() {
-    std::unique_lock lock(m_mutex);
-    m_changed.wait(lock, [this] { return m_end || !m_waiting.empty(); });
+    const os::MutexGuard guard(m_mutex);
+    while (!m_end && m_waiting.empty()) {
+        m_changed.Wait(m_mutex);
+    }
     if (m_waiting.empty()) {
         return nullptr;
     }
@@ -80,9 +77,9 @@ const KeptImageSet* PictureWriter::WaitForNext() {
 
 void PictureWriter::Write(const KeptImageSet& set) {
     std::vector<Picture> pictures;
-    for (std::size_t i = 0; i < (set.color ? kImageNames.size() : kColor); ++i) {
-        pictures.push_back(i == kColor ? Demosaic(set.images[i].data(), set.width, set.height)
-                                       : Picture{set.width, set.height, 1, set.images[i]});
+    for (std::size_t i = 0; i < (set.color ? kImagesWithColor : kMonoImages); ++i) {
+        pictures.push_back(i == kMonoImages ? Demosaic(set.images[i].data(), set.width, set.height)
+                                            : Picture{set.width, set.height, 1, set.images[i]});
         if (set.chosen.pictures) {
             Store(PictureFile(set.chosen.number, kImageNames[i]), pictures.back());
         }
@@ -94,7 +91,7 @@ void PictureWriter::Write(const KeptImageSet& set) {
 
 void PictureWriter::WriteSheet() {
     {
-        const std::lock_guard lock(m_mutex);
+        const os::MutexGuard guard(m_mutex);
         if (m_dropped) {
             return;
         }

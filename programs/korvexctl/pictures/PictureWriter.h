@@ -1,11 +1,9 @@
 #pragma once
 
-#include <condition_variable>
 #include <deque>
 #include <exception>
 #include <filesystem>
 #include <functional>
-#include <mutex>
 #include <span>
 #include <string>
 #include <thread>
@@ -13,20 +11,22 @@
 
 #include "korvexctl/pictures/ContactSheet.h"
 #include "korvexctl/pictures/KeptImageSet.h"
+#include "platform/os/Condition.h"
+#include "platform/os/CriticalSection.h"
 
 namespace Korvex3Sync::korvexctl {
 
-/// Puts a whole file in its place; throws when it cannot.
+/// Stores a complete file; throws when it cannot.
 using StoreFile =
     std::function<void(const std::filesystem::path& file, std::span<const unsigned char> bytes)>;
 
-/// Writes kept sets on a thread of its own, beside the scan: set_000_left.png, set_000_right.png
-/// and, with colour, set_000_color.png for those chosen for pictures, and at the end
-/// contact-sheet.png of those chosen for it. Owns its thread; the destructor joins it after the
-/// file that is being written.
+/// Writes kept sets on its own thread while the scan runs: set_000_left.png, set_000_right.png and,
+/// with colour, set_000_color.png for those chosen for pictures, and at the end contact-sheet.png
+/// of those chosen for it. Owns its thread; the destructor joins it after the file that is being
+/// written.
 class PictureWriter {
 public:
-    /// What the writer tells, on its own thread.
+    /// What the writer reports, on its own thread.
     struct Listener {
         /// A set is no longer needed. Not called for those that wait when writing fails.
         std::function<void(const KeptImageSet&)> onDone;
@@ -39,20 +39,20 @@ public:
     PictureWriter(const PictureWriter&) = delete;
     PictureWriter& operator=(const PictureWriter&) = delete;
 
-    /// Puts a set in line; it must stay valid and unchanged until the writer is done with it. Any
-    /// thread; does not block for the disk.
+    /// Queues a set, which must stay valid and unchanged until onDone. Any thread; does not wait
+    /// for the disk.
     void Add(const KeptImageSet& set);
-    /// Waits until everything in line and the contact sheet are written, or until a file could not
-    /// be; then nothing more may be added.
+    /// Waits until the queued sets and the contact sheet are written, or until a file cannot be
+    /// written; then nothing more may be added.
     void Finish();
-    /// After Finish: the names of the files that are there whole, in order.
+    /// After Finish: the names of the complete files, in order.
     const std::vector<std::string>& Files() const { return m_files; }
-    /// After Finish: throws what kept a file from being written, if anything did.
+    /// After Finish: throws the error of the file that could not be written, if any.
     void ThrowFailure() const;
 
 private:
     void Run();
-    /// The next set in line; null when there will be none.
+    /// The next queued set; null at the end.
     const KeptImageSet* WaitForNext();
     void Write(const KeptImageSet& set);
     void WriteSheet();
@@ -62,11 +62,12 @@ private:
     const std::filesystem::path m_folder;
     const StoreFile m_store;
     const Listener m_listener;
-    std::mutex m_mutex;
-    std::condition_variable m_changed;
-    std::deque<const KeptImageSet*> m_waiting;
-    bool m_end = false;
-    bool m_dropped = false;
+    os::Mutex m_mutex;
+    os::Condition m_changed;
+    std::deque<const KeptImageSet*> m_waiting KORVEX_GUARDED_BY(m_mutex);
+    bool m_end KORVEX_GUARDED_BY(m_mutex) = false;
+    bool m_dropped KORVEX_GUARDED_BY(m_mutex) = false;
+    // The thread's own until it has ended.
     ContactSheet m_sheet;
     std::vector<std::string> m_files;
     std::exception_ptr m_failure;

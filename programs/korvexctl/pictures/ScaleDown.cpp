@@ -7,8 +7,7 @@ namespace Korvex3Sync::korvexctl {
 
 namespace {
 
-/// Where the part of `size` source pixels begins that the target pixel `position` of `target`
-/// stands for.
+/// The first of `size` source pixels that target pixel `position` of `target` covers.
 std::size_t Edge(int position, int size, int target) {
     return static_cast<std::size_t>(position) * static_cast<std::size_t>(size) /
            static_cast<std::size_t>(target);

@@ -18,12 +18,13 @@ std::string PictureFile(int number, const char* image);
 /// Whether a scan writes a file of exactly this name.
 bool IsScanFile(const std::string& name);
 
-/// The files that an earlier scan wrote into a folder, known by their names. One thread at a time.
+/// The files of an earlier scan in a folder, recognised by their names. One thread at a time.
 class EarlierScan {
 public:
-    /// Looks, and leaves all as it is. Throws CommandError for a folder that cannot be looked into.
+    /// Changes nothing. Throws CommandError for a folder that cannot be read.
     explicit EarlierScan(const std::filesystem::path& folder);
-    /// Removes what it found; nothing the second time. Throws CommandError when one stays.
+    /// Removes the files that it found; nothing the second time. Throws CommandError when one
+    /// cannot be removed.
     void Remove();
 
 private:

@@ -59,8 +59,8 @@ void Illumination::SwitchOn() const {
     }
 }
 
-// All of it goes off, also what an earlier program left on; a refusal counts for what this one
-// switched on, and takes back nothing that was noted before.
+// Everything is switched off, also what an earlier program left on. A refusal counts only for what
+// this scan switched on.
 void Illumination::SwitchOff() const {
     void* const& head = m_session.Handle();
     const bool pattern = ShowsPattern(m_light.mode);

@@ -7,7 +7,7 @@
 
 namespace Korvex3Sync::korvexctl {
 
-/// A place on the way of a frame where something can get lost.
+/// A place on the path of a frame where something can get lost.
 struct LossPlace {
     const char* key;
     std::uint64_t ScanStatistics::*count;
@@ -15,7 +15,8 @@ struct LossPlace {
     const char* cure;   // what to do about it
 };
 
-/// All of them, in the order of the way. A snap that failed is none: an idle camera does that.
+/// All of them, in the order of a frame's path. A failed snap is not one: an idle camera has them
+/// too.
 std::span<const LossPlace> LossPlaces();
 
 }  // namespace Korvex3Sync::korvexctl

@@ -1,7 +1,6 @@
 #include "korvexctl/scan/Scan.h"
 
 #include <algorithm>
-#include <atomic>
 #include <chrono>
 #include <cmath>
 #include <functional>
@@ -9,13 +8,13 @@
 #include <optional>
 #include <span>
 
+#include "korvexctl/cli/Interrupt.h"
 #include "korvexctl/cli/ProgressBar.h"
-#include "korvexctl/cli/Signals.h"
 #include "korvexctl/files/WriteFile.h"
-#include "korvexctl/head/BoardWatch.h"
 #include "korvexctl/head/Head.h"
 #include "korvexctl/head/LeftOn.h"
 #include "korvexctl/head/Session.h"
+#include "korvexctl/head/StatusWatch.h"
 #include "korvexctl/pictures/PictureWriter.h"
 #include "korvexctl/pictures/ScanFiles.h"
 #include "korvexctl/scan/Illumination.h"
@@ -31,14 +30,14 @@ using std::chrono::milliseconds;
 
 constexpr milliseconds kProgressStep{100};
 
-/// How long no set may come. A mono set waits in the library for the next trigger, so two trigger
-/// periods are always granted.
+/// How long to wait for a set. A mono set waits in the library for the next trigger, so two trigger
+/// periods are always added.
 milliseconds Patience(const ScanOptions& options) {
     return milliseconds(std::llround(options.timeoutSeconds * 1000)) +
            milliseconds(2 * options.light.periodMs);
 }
 
-/// Waits for the end of the scan. False when no set came for too long.
+/// Waits for the end of the scan. False when no set arrived for too long.
 bool WaitForImageSets(ScanRecorder& recorder, const ScanOptions& options, const Output& output) {
     ProgressBar bar(output.ShowsProgress());
     const auto start = ScanRecorder::Clock::now();
@@ -55,14 +54,15 @@ bool WaitForImageSets(ScanRecorder& recorder, const ScanOptions& options, const 
     }
 }
 
-/// Connects, sets the light, scans and disconnects. `outcome` tells whether the head was left dark.
+/// Connects, sets the light, scans and disconnects. `outcome` says whether light and trigger are
+/// off.
 bool Scan(const HeadChoice& choice, ScanReport& report, ScanRecorder& recorder,
           const std::function<void(const KeptImageSet&)>& onKept, LeftOn& leftOn, Outcome& outcome,
           Output& output) {
     const ScanOptions& options = report.options;
     report.cameras = FindCameras(choice.cameraType);
     report.head = AskHead(choice.board);
-    BoardWatch boardWatch;
+    StatusWatch boardWatch;
     const Session session(choice.cameraType, choice.board, report.cameras);
     RequireAnswer(session);
     Print(report.cameras, output);
@@ -75,7 +75,7 @@ bool Scan(const HeadChoice& choice, ScanReport& report, ScanRecorder& recorder,
         const Trigger trigger(session, options.light.mode, ScanRecorder::OnImageSet,
                               recorder.Context(), leftOn);
         inTime = WaitForImageSets(recorder, options, output);
-        report.losses.Ask(session);
+        report.losses.library = AskStatistics(session);
         report.boardLost = boardWatch.Lost();
     }
     const bool answers = !leftOn.Any() || BoardAnswers(session);
@@ -84,18 +84,16 @@ bool Scan(const HeadChoice& choice, ScanReport& report, ScanRecorder& recorder,
     return inTime;
 }
 
-/// What is still to be done when a scan is interrupted.
-std::string WaitingText(std::size_t sets) {
-    if (sets == 0) {
-        return "";
-    }
-    return "writing the pictures of " + std::to_string(sets) + (sets == 1 ? " set" : " sets") +
-           "; ";
+/// What an interrupted scan still does when so many sets wait to be written.
+std::string StoppingText(std::size_t waiting) {
+    return waiting == 0 ? "stopping the scan"
+                        : "writing the pictures of " + std::to_string(waiting) +
+                              (waiting == 1 ? " set" : " sets");
 }
 
 std::string MissingMessage(const ScanReport& report) {
-    return "no set came within the timeout: " + std::to_string(report.counts.delivered) + " of " +
-           std::to_string(report.options.sets) + " sets arrived" +
+    return "no set arrived within the timeout: " + std::to_string(report.counts.delivered) +
+           " of " + std::to_string(report.options.sets) + " sets arrived" +
            (report.boardLost ? "; the board does not answer" : "");
 }
 
@@ -112,13 +110,11 @@ Outcome ScanAndWrite(const HeadChoice& choice, const ScanOptions& options, LeftO
                           writes ? ChooseImageSets(options.sets, options.keep, kSheetRows)
                                  : std::vector<ChosenImageSet>(),
                           options.buffers);
-    std::atomic<bool> interrupted{false};
-    const InterruptWatch interruptWatch([&] {
-        interrupted = true;
+    const Interrupt interrupt([&recorder] {
         recorder.Stop();
-        Say("interrupted; " + WaitingText(recorder.Waiting()) + "a second time ends at once");
+        return StoppingText(recorder.Waiting());
     });
-    // What an earlier scan took is gone only for what this one took.
+    // The files of an earlier scan give way only to images of this one.
     const StoreFile storeNew = [&](const std::filesystem::path& file,
                                    std::span<const unsigned char> bytes) {
         earlier->Remove();
@@ -137,9 +133,7 @@ Outcome ScanAndWrite(const HeadChoice& choice, const ScanOptions& options, LeftO
             choice, report, recorder, [&writer](const KeptImageSet& set) { writer.Add(set); },
             leftOn, outcome, output);
     } catch (const CommandError& error) {
-        if (interrupted) {
-            throw CommandError(ExitCode::Interrupted, std::string("interrupted: ") + error.what());
-        }
+        interrupt.ThrowIfCame(std::string("interrupted: ") + error.what());
         throw;
     }
     writer.Finish();
@@ -149,7 +143,7 @@ Outcome ScanAndWrite(const HeadChoice& choice, const ScanOptions& options, LeftO
                                  ? report.counts.delivered - report.counts.withColor
                                  : 0);
     report.losses.notKept = static_cast<std::uint64_t>(report.counts.notKept);
-    report.interrupted = interrupted;
+    report.interrupted = interrupt.Came();
 
     if (report.interrupted) {
         outcome.code = ExitCode::Interrupted;
@@ -159,7 +153,7 @@ Outcome ScanAndWrite(const HeadChoice& choice, const ScanOptions& options, LeftO
         outcome.code = ExitCode::SetsMissing;
         outcome.message = MissingMessage(report);
     }
-    outcome.figures.update(ToJson(report));
+    outcome.figures->update(ToJson(report));
     try {
         writer.ThrowFailure();
         if (writes && report.counts.delivered > 0) {

@@ -10,8 +10,8 @@ namespace Korvex3Sync::korvexctl {
 /// Writes the file as WriteFile does. Throws FileError.
 void StoreWhole(const std::filesystem::path& file, std::span<const unsigned char> bytes);
 
-/// Connects, scans, writes what was asked for and disconnects. The pictures go through `store`.
-/// Returns how it ended, or throws CommandError when it did not come as far as a scan.
+/// Connects, scans, writes what was requested and disconnects. The pictures go through `store`.
+/// Returns how it ended, or throws CommandError when no scan was possible.
 Outcome RunScan(const HeadChoice& choice, const ScanOptions& options, Output& output,
                 const StoreFile& store = StoreWhole);
 

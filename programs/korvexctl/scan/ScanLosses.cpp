@@ -16,7 +16,7 @@ namespace {
 // A camera that waits for the next trigger fails a snap now and then: no loss by itself.
 constexpr const char* kFailedSnapsKey = "failed_snaps";
 constexpr const char* kNotKeptKey = "not_kept_disk";
-constexpr const char* kNotKeptWords = "sets not kept, writing was too slow";
+constexpr const char* kNotKeptWords = "sets not kept because writing was too slow";
 
 std::string Row(std::uint64_t count, const char* words) {
     constexpr int kCountWidth = 8;
@@ -55,14 +55,14 @@ std::string Duration(std::uint64_t microseconds) {
 void PrintPlaces(const ScanLosses& losses, Output& output) {
     const std::vector<std::string> rows = Rows(losses);
     if (!rows.empty()) {
-        output.Line("lost on the way:");
+        output.Line("lost:");
         for (const std::string& row : rows) {
             output.Line(row);
         }
     } else if (!losses.library) {
-        output.Line("the library does not tell what was lost");
+        output.Line("the library does not report losses");
     } else if (losses.library->framesAccepted == 0) {
-        output.Line("no frame came from a camera");
+        output.Line("no camera delivered a frame");
     } else {
         output.Line("nothing lost");
     }
@@ -70,11 +70,19 @@ void PrintPlaces(const ScanLosses& losses, Output& output) {
 
 }  // namespace
 
-void ScanLosses::Ask(const Session& session) {
+std::optional<ScanStatistics> AskStatistics(const Session& session) {
     ScanStatistics statistics;
-    if (GetScanStatistics(session.Handle(), statistics) == STATUS_SUCCESS) {
-        library = statistics;
+    return GetScanStatistics(session.Handle(), statistics) == STATUS_SUCCESS
+               ? std::optional(statistics)
+               : std::nullopt;
+}
+
+nlohmann::json LossesToJson(const ScanStatistics& statistics) {
+    nlohmann::json losses;
+    for (const LossPlace& place : LossPlaces()) {
+        losses[place.key] = statistics.*place.count;
     }
+    return losses;
 }
 
 void ScanLosses::CountColor(int missing) {
@@ -85,14 +93,13 @@ void ScanLosses::CountColor(int missing) {
 
 void AddToJson(const ScanLosses& losses, nlohmann::json& figures) {
     nlohmann::json& places = figures["losses"];
-    places[kFailedSnapsKey] = nullptr;
     if (losses.library) {
+        places = LossesToJson(*losses.library);
         places[kFailedSnapsKey] = losses.library->failedSnaps;
-    }
-    for (const LossPlace& place : LossPlaces()) {
-        places[place.key] = nullptr;
-        if (losses.library) {
-            places[place.key] = *losses.library.*place.count;
+    } else {
+        places[kFailedSnapsKey] = nullptr;
+        for (const LossPlace& place : LossPlaces()) {
+            places[place.key] = nullptr;
         }
     }
     places[kNotKeptKey] = losses.notKept;
@@ -107,7 +114,7 @@ void AddToJson(const ScanLosses& losses, nlohmann::json& figures) {
 void Print(const ScanLosses& losses, Output& output) {
     PrintPlaces(losses, output);
     if (losses.library && losses.library->setsDelivered > 0) {
-        output.Line("callback " + Duration(losses.library->callbackP50Us) + " (half), " +
+        output.Line("callback " + Duration(losses.library->callbackP50Us) + " (median), " +
                     Duration(losses.library->callbackP99Us) + " (99 %), " +
                     Duration(losses.library->callbackLongestUs) + " (longest)");
     }

@@ -12,25 +12,27 @@ namespace Korvex3Sync::korvexctl {
 class Output;
 class Session;
 
-/// What was lost between the cameras and the files, by the place where it went, and how long the
-/// scan callback took.
+/// What the library has counted since the head was connected; empty when it fails. To be read while
+/// the trigger runs, so that nothing after it counts.
+std::optional<ScanStatistics> AskStatistics(const Session& session);
+
+/// {"missing_keys": 0, ...}: one count for each of LossPlaces.
+nlohmann::json LossesToJson(const ScanStatistics& statistics);
+
+/// What was lost between the cameras and the files, by place, and how long the scan callback took.
 struct ScanLosses {
-    /// Since the head was connected; nothing when the library does not tell.
+    /// Since the head was connected; empty when the library does not report it.
     std::optional<ScanStatistics> library;
     /// Chosen sets that were not kept because writing was too slow.
     std::uint64_t notKept = 0;
 
-    /// Asks the library; to be called while the trigger runs, so that what comes after it is not
-    /// counted.
-    void Ask(const Session& session);
-    /// Counts missing colour by the sets that came, with what a scan has seen of them: the library
-    /// may count one set less or more at the moment when it is asked, and counts each set of a head
-    /// without colour.
+    /// Replaces the count of missing colour by what the scan saw: the library may count one set
+    /// less or more at that moment, and counts every set of a head without colour.
     void CountColor(int missing);
 };
 
 /// Adds "losses" with one key for each place, and "callback_us" with "p50", "p99" and "longest".
-/// What the library does not tell is null.
+/// Unknown counts are null.
 void AddToJson(const ScanLosses& losses, nlohmann::json& figures);
 /// "nothing lost", or one line for each place where something was; then the callback times.
 void Print(const ScanLosses& losses, Output& output);

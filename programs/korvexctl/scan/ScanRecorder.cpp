@@ -5,15 +5,6 @@
 
 namespace Korvex3Sync::korvexctl {
 
-namespace {
-
-constexpr std::size_t kMonoImages = 2;
-constexpr std::size_t kRight = 1;
-// The head puts the key into this pixel of the right image.
-constexpr std::size_t kKeyPixel = 3;
-
-}  // namespace
-
 ScanRecorder::ScanRecorder(int sets, std::vector<ChosenImageSet> chosen, int buffers)
     : m_sets(sets),
       m_chosen(std::move(chosen)),
@@ -32,19 +23,19 @@ void ScanRecorder::Prepare(int width, int height, std::function<void(const KeptI
         buffer.width = width;
         buffer.height = height;
         for (auto& image : buffer.images) {
-            // Written once here, so that the grab thread meets no page for the first time.
+            // Written once here, so that the grab thread takes no page faults.
             image.assign(static_cast<std::size_t>(width) * static_cast<std::size_t>(height), 0);
         }
     }
 }
 
 void ScanRecorder::GiveBack(const KeptImageSet& set) {
-    const std::lock_guard lock(m_mutex);
+    const os::MutexGuard guard(m_mutex);
     m_free.push_back(&m_buffers[static_cast<std::size_t>(&set - m_buffers.data())]);
 }
 
 std::size_t ScanRecorder::Waiting() {
-    const std::lock_guard lock(m_mutex);
+    const os::MutexGuard guard(m_mutex);
     return m_buffers.size() - m_free.size();
 }
 
@@ -56,12 +47,10 @@ void ScanRecorder::OnImageSet(const void* const& context, std::vector<unsigned c
 
 void ScanRecorder::Take(const std::vector<unsigned char*>& images, int width, int height) {
     const Clock::time_point arrival = Clock::now();
-    const bool whole = (images.size() == kMonoImages || images.size() == kMonoImages + 1) &&
-                       std::find(images.begin(), images.end(), nullptr) == images.end() &&
-                       width == m_width && height == m_height;
+    const bool whole = IsWhole(images) && width == m_width && height == m_height;
     KeptImageSet* buffer = nullptr;
     {
-        const std::lock_guard lock(m_mutex);
+        const os::MutexGuard guard(m_mutex);
         if (Over()) {
             return;
         }
@@ -80,16 +69,16 @@ void ScanRecorder::Take(const std::vector<unsigned char*>& images, int width, in
         for (std::size_t i = 0; i < images.size(); ++i) {
             std::copy_n(images[i], buffer->images[i].size(), buffer->images[i].begin());
         }
-        buffer->key = kKeyPixel < buffer->images[kRight].size() ? images[kRight][kKeyPixel] : 0;
+        buffer->key = static_cast<int>(KeyOf(images, width, height));
         m_onKept(*buffer);
     }
-    const std::lock_guard lock(m_mutex);
+    const os::MutexGuard guard(m_mutex);
     ++m_counts.delivered;
     if (images.size() > kMonoImages) {
         ++m_counts.withColor;
     }
     if (Over()) {
-        m_changed.notify_all();
+        m_changed.NotifyAll();
     }
 }
 
@@ -105,28 +94,22 @@ KeptImageSet* ScanRecorder::BufferForNext() {
     KeptImageSet* const buffer = m_free.back();
     m_free.pop_back();
     buffer->chosen = chosen;
-    buffer->seconds = std::chrono::duration<double>(m_counts.last - m_counts.first).count();
+    buffer->seconds = m_counts.Time().count();
     return buffer;
 }
 
 void ScanRecorder::Stop() {
-    const std::lock_guard lock(m_mutex);
+    const os::MutexGuard guard(m_mutex);
     m_counts.stopped = true;
-    m_changed.notify_all();
+    m_changed.NotifyAll();
 }
 
 ScanRecorder::Counts ScanRecorder::Wait(std::chrono::milliseconds limit) {
-    std::unique_lock lock(m_mutex);
-    m_changed.wait_for(lock, limit, [this] { return Over(); });
-    return m_counts;
-}
-
-std::optional<double> ScanRecorder::Rate(const Counts& counts) {
-    const std::chrono::duration<double> time = counts.last - counts.first;
-    if (counts.delivered < 2 || time.count() <= 0) {
-        return std::nullopt;
+    const auto end = Clock::now() + limit;
+    const os::MutexGuard guard(m_mutex);
+    while (!Over() && m_changed.WaitUntil(m_mutex, end)) {
     }
-    return (counts.delivered - 1) / time.count();
+    return m_counts;
 }
 
 }  // namespace Korvex3Sync::korvexctl

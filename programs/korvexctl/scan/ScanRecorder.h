@@ -1,23 +1,23 @@
 #pragma once
 
 #include <chrono>
-#include <condition_variable>
 #include <cstdint>
 #include <functional>
-#include <mutex>
 #include <optional>
 #include <vector>
 
+#include "korvexctl/pictures/ImageSet.h"
 #include "korvexctl/pictures/ImageSetChoice.h"
 #include "korvexctl/pictures/KeptImageSet.h"
+#include "platform/os/Condition.h"
+#include "platform/os/CriticalSection.h"
 
 namespace Korvex3Sync::korvexctl {
 
-/// Counts the sets of a scan and copies the chosen ones into a bounded number of buffers. Whoever
-/// writes a copy gives its buffer back; a chosen set that finds no free buffer is counted and not
-/// kept, so that writing, however slow, never holds up the scan. Take runs on a grab thread and
-/// does nothing but count and copy into buffers made before; everything else is called by the
-/// program's own threads. Thread-safe.
+/// Counts the sets of a scan and copies the chosen ones into a bounded number of buffers. The
+/// writer gives each buffer back; a chosen set without a free buffer is counted and not kept, so
+/// that slow writing never blocks the scan. Take runs on a grab thread and only counts and copies
+/// into existing buffers; everything else runs on the program's own threads. Thread-safe.
 class ScanRecorder {
 public:
     using Clock = std::chrono::steady_clock;
@@ -26,10 +26,15 @@ public:
         int delivered = 0;
         int withColor = 0;
         int odd = 0;      ///< sets without two mono images, or of another size; not delivered
-        int notKept = 0;  ///< chosen sets that found no free buffer; delivered all the same
+        int notKept = 0;  ///< chosen sets without a free buffer; they count as delivered
         Clock::time_point first{};
         Clock::time_point last{};
         bool stopped = false;
+
+        /// From the arrival of the first set to that of the last one.
+        std::chrono::duration<double> Time() const { return last - first; }
+        /// Sets per second; empty with fewer than two.
+        std::optional<double> Rate() const { return ImageSetsPerSecond(delivered, Time()); }
     };
 
     /// `chosen` is in the order of the numbers. At most `buffers` sets are held at a time.
@@ -57,27 +62,26 @@ public:
     /// Waits until the scan is over (all sets, or stopped), at most for the limit.
     Counts Wait(std::chrono::milliseconds limit);
 
-    /// Sets per second from the first to the last one; nothing with fewer than two.
-    static std::optional<double> Rate(const Counts& counts);
-
 private:
     void Take(const std::vector<unsigned char*>& images, int width, int height);
-    bool Over() const { return m_counts.stopped || m_counts.delivered == m_sets; }
+    bool Over() const KORVEX_REQUIRES(m_mutex) {
+        return m_counts.stopped || m_counts.delivered == m_sets;
+    }
     /// A buffer for the set that arrives now, or null when it is not chosen or none is free.
-    KeptImageSet* BufferForNext();
+    KeptImageSet* BufferForNext() KORVEX_REQUIRES(m_mutex);
 
     ScanRecorder* m_self = this;
     const int m_sets;
     const std::vector<ChosenImageSet> m_chosen;
     std::function<void(const KeptImageSet&)> m_onKept;
-    std::size_t m_nextChosen = 0;
     int m_width = 0;
     int m_height = 0;
     std::vector<KeptImageSet> m_buffers;
-    std::mutex m_mutex;
-    std::condition_variable m_changed;
-    std::vector<KeptImageSet*> m_free;
-    Counts m_counts;
+    os::Mutex m_mutex;
+    os::Condition m_changed;
+    std::size_t m_nextChosen KORVEX_GUARDED_BY(m_mutex) = 0;
+    std::vector<KeptImageSet*> m_free KORVEX_GUARDED_BY(m_mutex);
+    Counts m_counts KORVEX_GUARDED_BY(m_mutex);
 };
 
 }  // namespace Korvex3Sync::korvexctl

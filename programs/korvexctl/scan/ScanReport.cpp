@@ -1,6 +1,5 @@
 #include "korvexctl/scan/ScanReport.h"
 
-#include <chrono>
 #include <iomanip>
 #include <nlohmann/json.hpp>
 #include <sstream>
@@ -8,14 +7,6 @@
 #include "korvexctl/files/Output.h"
 
 namespace Korvex3Sync::korvexctl {
-
-namespace {
-
-double Seconds(const ScanRecorder::Counts& counts) {
-    return std::chrono::duration<double>(counts.last - counts.first).count();
-}
-
-}  // namespace
 
 nlohmann::json ToJson(const ScanReport& report) {
     const ScanRecorder::Counts& counts = report.counts;
@@ -28,9 +19,9 @@ nlohmann::json ToJson(const ScanReport& report) {
                        {"with_color", counts.withColor},
                        {"without_color", counts.delivered - counts.withColor},
                        {"odd", counts.odd}};
-    figures["seconds"] = Seconds(counts);
+    figures["seconds"] = counts.Time().count();
     figures["sets_per_second"] = nullptr;
-    if (const auto rate = ScanRecorder::Rate(counts)) {
+    if (const auto rate = counts.Rate()) {
         figures["sets_per_second"] = *rate;
     }
     AddToJson(report.losses, figures);
@@ -46,13 +37,13 @@ void Print(const ScanReport& report, Output& output) {
     sets << "sets " << counts.delivered << " of " << report.options.sets << ": " << counts.withColor
          << " with colour, " << counts.delivered - counts.withColor << " without";
     if (counts.odd > 0) {
-        sets << ", " << counts.odd << " odd ones left out";
+        sets << ", " << counts.odd << " malformed ones left out";
     }
     output.Line(sets.str());
-    if (const auto rate = ScanRecorder::Rate(counts)) {
+    if (const auto rate = counts.Rate()) {
         std::ostringstream text;
         text << std::fixed << std::setprecision(1) << "rate " << *rate << " sets/s over "
-             << std::setprecision(2) << Seconds(counts) << " s";
+             << std::setprecision(2) << counts.Time().count() << " s";
         output.Line(text.str());
     }
     Print(report.losses, output);

@@ -14,7 +14,7 @@ namespace Korvex3Sync::korvexctl {
 
 class Output;
 
-/// Everything that a scan tells: printed for a person, and as the figures of scan.json.
+/// The result of a scan: printed for a person, and as the figures of scan.json.
 struct ScanReport {
     ScanOptions options;
     std::vector<Camera> cameras;

@@ -11,7 +11,7 @@ namespace Korvex3Sync::korvexctl {
 
 namespace {
 
-/// Remembers what a snapshot changes and the head tells, and puts it back.
+/// Remembers what a snapshot changes, as far as it can be read, and restores it.
 class SnapshotSettings {
 public:
     SnapshotSettings(void* const& handle, const SnapshotOptions& options, LeftOn& leftOn)
@@ -31,14 +31,14 @@ public:
                       SetStrobeControlledByTrigger(
                           m_handle, static_cast<CONTROLROUTE>(m_options.route), STROBE_STATE_1));
         if (m_options.infrared) {
-            // The third image switches this output, whichever was asked for.
+            // The third image switches this output, whichever was requested.
             m_leftOn.Note("infrared strobe",
                           SetStrobeControlledByTrigger(m_handle, CONTROL_ROUTE_1, STROBE_STATE_1));
         }
         try {
             Apply(m_handle, m_camera);
         } catch (const std::exception&) {
-            // A head that is going away; the command says so for what it came for.
+            // The head is failing; the command reports that by itself.
         }
     }
     SnapshotSettings(const SnapshotSettings&) = delete;
@@ -51,7 +51,7 @@ private:
     std::vector<Assignment> m_camera;
 };
 
-/// The library says nothing of a camera that did not take them.
+/// The library does not report a camera that did not accept them.
 std::string NotTaken(void* const& handle, const SnapshotOptions& options) {
     std::vector<Assignment> asked;
     for (const Setting& setting : AllSettings()) {
@@ -75,7 +75,7 @@ std::string NotTaken(void* const& handle, const SnapshotOptions& options) {
 Snapshot TakeSnapshot(const ConnectedHead& head, SnapshotOptions options, LeftOn& leftOn) {
     const SnapshotSettings settings(head.Handle(), options, leftOn);
     std::vector<unsigned char*> images;
-    // What is reported there is no size of these images.
+    // The reported size is not that of these images.
     int width = 0;
     int height = 0;
     const auto route = static_cast<CONTROLROUTE>(options.route);

@@ -24,18 +24,17 @@ using Mosaic = std::unique_ptr<unsigned char[]>;
 
 struct Snapshot {
     std::vector<Mosaic> images;
-    /// Exposure and gain that the camera has after the last image, if it tells them, where they are
-    /// not what was asked for: "exposure.0 was set to 8 ms and reads back as 5 ms". Empty when all
-    /// is well.
+    /// Where exposure and gain after the last image differ from the requested ones, if they can be
+    /// read: "exposure.0 was set to 8 ms and reads back as 5 ms". Empty when they do not.
     std::string notTaken;
 };
 
 /// Takes the images of a snapshot. Throws CommandError(DeviceRefused) when none came. Blocks for
 /// the cameras, up to 100 s for each image.
 ///
-/// Whatever came of it, the trigger is off afterwards, the strobe outputs that were used stand in
-/// state 1 (as after connecting), and the camera has the exposure and gain of before, if it tells
-/// them. `leftOn` notes what of the light the board refused.
+/// Whether it succeeds or not, the trigger is off afterwards, the strobe outputs that were used are
+/// in state 1 (as after connecting), and the camera's exposure and gain are restored if they can be
+/// read. `leftOn` notes what the board refused to switch off.
 Snapshot TakeSnapshot(const ConnectedHead& head, SnapshotOptions options, LeftOn& leftOn);
 
 }  // namespace Korvex3Sync::korvexctl

@@ -7,9 +7,9 @@ namespace Korvex3Sync::korvexctl {
 class LeftOn;
 class Session;
 
-/// The running trigger of a session: image sets go to the scan callback from construction on; once
-/// it is destroyed the trigger is off and no more set comes. A board that refuses to switch it off
-/// is noted in `leftOn`. Session, context and `leftOn` must live longer.
+/// The running trigger of a session: from construction image sets go to the scan callback; after
+/// destruction the trigger is off and no set arrives. A refusal to switch it off is noted in
+/// `leftOn`. Session, context and `leftOn` must live longer.
 class Trigger {
 public:
     /// Throws CommandError(DeviceRefused); then the trigger is off.
@@ -19,7 +19,7 @@ public:
     Trigger(const Trigger&) = delete;
     Trigger& operator=(const Trigger&) = delete;
 
-    /// Switches the trigger off ahead of the end: what is on its way still comes.
+    /// Switches the trigger off before the destructor does: sets on the way still arrive.
     void Off() const;
 
 private:

@@ -55,7 +55,7 @@ std::variant<double, std::string> ReadField(const Field& field, const toml::node
     return ReadNumber(field, *value);
 }
 
-/// Takes the values of one parsed text over and gathers what is wrong.
+/// Collects the values of one parsed text, and the errors in it.
 class ProfileReader {
 public:
     void Read(const toml::table& root) {
@@ -122,14 +122,14 @@ private:
                                             const toml::node& node) {
         const toml::table* table = node.as_table();
         if (table == nullptr) {
-            Wrong(key, setting.name + ": a table is expected, as in " + Shape(setting));
+            Wrong(key, setting.name + ": expected a table such as " + Shape(setting));
             return std::nullopt;
         }
         SettingValue value;
         for (const Field& field : setting.fields) {
             const toml::node* part = table->get(field.name);
             if (part == nullptr) {
-                Wrong(key, setting.name + ": " + field.name + " is missing");
+                Wrong(key, setting.name + ": missing key \"" + field.name + "\"");
                 return std::nullopt;
             }
             const auto read = ReadField(field, *part);
@@ -140,7 +140,7 @@ private:
             value.push_back(std::get<double>(read));
         }
         if (table->size() != setting.fields.size()) {
-            Wrong(key, setting.name + ": an unknown key; expected is " + Shape(setting));
+            Wrong(key, setting.name + ": unknown key; expected " + Shape(setting));
             return std::nullopt;
         }
         return value;
@@ -188,14 +188,14 @@ std::string OneLine(std::string text) {
     throw CommandError(ExitCode::ProfileRefused, where + ": " + what);
 }
 
-/// A folder opens like a file, and fails when it is read.
+/// Opening a folder succeeds; reading it fails.
 std::string ReadText(const std::filesystem::path& file) {
     std::error_code error;
     const std::filesystem::file_status status = std::filesystem::status(file, error);
     if (std::filesystem::exists(status) && !std::filesystem::is_regular_file(status) &&
         !std::filesystem::is_directory(status)) {
-        // Opening a FIFO would wait for someone to write to it.
-        Refuse(file.string(), "is no ordinary file");
+        // Opening a FIFO would wait for a writer.
+        Refuse(file.string(), "is not a regular file");
     }
     errno = 0;
     std::ifstream stream(file, std::ios::binary);
@@ -206,7 +206,7 @@ std::string ReadText(const std::filesystem::path& file) {
     }
     text.resize(static_cast<std::size_t>(stream.gcount()));
     if (text.size() > kLargestFile) {
-        Refuse(file.string(), "larger than 1 MiB, so this is no profile");
+        Refuse(file.string(), "larger than 1 MiB, so it is not a profile");
     }
     return text;
 }
@@ -230,17 +230,17 @@ std::variant<Profile, ProfileError> ParseProfile(std::string_view text) {
 
 std::string WriteProfile(std::span<const Reading> readings) {
     std::ostringstream text;
-    text
-        << "# Settings of a scanner head. \"korvexctl profile load\" sends what is given here and\n"
-           "# leaves the rest as it is.\n";
+    text << "# Settings of a scanner head. \"korvexctl profile load\" sends the settings given "
+            "here and\n"
+            "# leaves the others unchanged.\n";
     for (const Reading& reading : readings) {
         const Setting& setting = *reading.setting;
         text << "\n# " << setting.help << "\n# " << RangeText(setting, Notation::Profile) << '\n';
         if (reading.Known()) {
             text << setting.name << " = " << TomlValue(setting, reading.value) << '\n';
         } else {
-            text << "# not known: the head does not tell " << setting.name
-                 << "; it can be given here\n";
+            text << "# unknown: the head does not report " << setting.name
+                 << "; it can be set here\n";
         }
     }
     return text.str();

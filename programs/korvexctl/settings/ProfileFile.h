@@ -16,18 +16,18 @@ struct Profile {
     std::vector<Assignment> settings;
 };
 
-/// The first thing in the text that is wrong.
+/// The first error in the text.
 struct ProfileError {
     int line = 0;         // from 1
     std::string message;  // one line
 };
 
 /// Reads a profile: TOML, one key for each setting. Unknown keys, wrong types, values out of range
-/// and settings given twice are errors, so that nothing misspelt is ever ignored. Looks at the text
-/// only. Throws nothing but std::bad_alloc.
+/// and settings given twice are errors, so that nothing misspelt is ignored. Throws only
+/// std::bad_alloc.
 std::variant<Profile, ProfileError> ParseProfile(std::string_view text);
 
-/// The profile as text, each setting with a comment; what is not known becomes a comment only.
+/// The profile as text, each setting with a comment; an unknown value becomes a comment only.
 std::string WriteProfile(std::span<const Reading> readings);
 
 /// Reads a profile file of at most 1 MiB. Throws CommandError(ProfileRefused): "FILE:LINE: what is

@@ -89,7 +89,7 @@ const char* KindText(const Field& field) {
     return "a whole number from ";
 }
 
-/// "; did you mean laser", for what is nearly a word of the field.
+/// "; did you mean laser", for a misspelt word of the field.
 std::string NearWords(const Field& field, std::string_view text) {
     std::vector<std::string> words;
     for (const Word& word : field.words) {

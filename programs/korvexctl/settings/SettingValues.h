@@ -23,12 +23,12 @@ enum class FieldKind {
     Word     // one of a few words
 };
 
-/// Where a value is written: a profile has a notation of its own for what is no number.
+/// Where a value is written: a profile writes switches and words differently.
 enum class Notation { CommandLine, Profile };
 
 /// One value of a setting, and what it may be.
 struct Field {
-    const char* name;  // tells the values of one setting apart; "" where there is only one
+    const char* name;  // distinguishes the values of one setting; "" where there is only one
     FieldKind kind = FieldKind::Whole;
     double low = 0;
     double high = 0;

@@ -49,7 +49,7 @@ bool On(const SettingValue& value, std::size_t index = 0) {
 using ReadNumber = RETSTATUS (*)(void* const& handle, int& value);
 using WriteNumber = RETSTATUS (*)(void* const& handle, const int& value);
 
-/// A setting that is one number, which the head tells.
+/// A setting that is one number, and can be read.
 Setting Number(const char* name, const char* unit, double low, double high, const char* help,
                ReadNumber read, WriteNumber write) {
     Setting setting{name, help, unit, {{"", FieldKind::Whole, low, high}}, {}, {}};
@@ -75,7 +75,7 @@ Setting WorkTime(const char* name, const char* help, ReadNumber read, WriteNumbe
 
 using Write = RETSTATUS (*)(void* const& handle, const SettingValue& value);
 
-/// A setting without unit that the head does not tell.
+/// A setting without unit that cannot be read.
 Setting Told(const char* name, std::vector<Field> fields, const char* help, Write write) {
     return {name, help, "", std::move(fields), {}, write};
 }
@@ -180,7 +180,7 @@ std::vector<Setting> BoardSettings() {
     };
 }
 
-/// A camera that is not there leaves what it was asked for untouched, and that is no success here.
+/// A missing camera leaves the values untouched and answers success, which is a failure here.
 RETSTATUS ReadCamera(void* const& handle, int order, double& exposure, int& gain) {
     exposure = -1;
     gain = -1;

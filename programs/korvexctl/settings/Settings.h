@@ -13,7 +13,7 @@
 
 namespace Korvex3Sync::korvexctl {
 
-/// Which half of a camera's exposure and gain a setting is; the head takes both together.
+/// Which half of a camera's exposure and gain a setting is; the head accepts them only together.
 enum class CameraPart { None, Exposure, Gain };
 
 /// One setting of a head, by name.
@@ -22,9 +22,9 @@ struct Setting {
     const char* help;
     const char* unit;  // of all its fields; "" for none
     std::vector<Field> fields;
-    /// Asks the head; empty where the head does not tell.
+    /// Reads it from the head; empty where that is not possible.
     std::function<RETSTATUS(void* const& handle, SettingValue& value)> read;
-    /// Tells the head. Empty for a camera's exposure and gain, which Apply writes together.
+    /// Writes it to the head. Empty for a camera's exposure and gain, which Apply writes together.
     std::function<RETSTATUS(void* const& handle, const SettingValue& value)> write;
     CameraPart part = CameraPart::None;
     int cameraOrder = -1;  // 0 to 3 for a camera's exposure and gain
@@ -33,18 +33,18 @@ struct Setting {
 /// Exposures and gains are addressed by camera order, 0 to 3.
 inline constexpr int kCameraOrders = 4;
 
-/// Whether a camera takes this exposure with this gain for a mere selection of a camera order, and
-/// changes nothing: the word for it is as low as the number of an order.
+/// Whether a camera reads this exposure and gain as the selection of a camera order, and changes
+/// nothing: their parameter word is as low as the number of an order.
 bool OnlySelects(int cameraOrder, double exposureMs, double gain);
 
-/// All settings, in the order in which a profile is written: lights first, then the trigger that
-/// fires them. They live as long as the program.
+/// All settings, in the order of a profile: lights first, then the trigger that fires them. They
+/// live as long as the program.
 std::span<const Setting> AllSettings();
 
-/// Null when there is none of this name.
+/// Null for an unknown name.
 const Setting* FindSetting(std::string_view name);
 
-/// The setting; throws CommandError(Usage), which suggests near names, when there is none.
+/// The setting; for an unknown name throws CommandError(Usage), which suggests similar ones.
 const Setting& RequireSetting(std::string_view name);
 
 /// "unknown setting "X"", with the names that come near.

@@ -6,7 +6,7 @@
 #include <set>
 
 #include "korvexctl/cli/ExitCodes.h"
-#include "korvexctl/cli/Signals.h"
+#include "korvexctl/cli/Interrupt.h"
 #include "korvexctl/head/Session.h"
 
 namespace Korvex3Sync::korvexctl {
@@ -17,7 +17,7 @@ std::string WithUnit(const Setting& setting, const std::string& value) {
     return value + (*setting.unit == 0 ? "" : " ") + setting.unit;
 }
 
-/// The value that is asked for this half of a camera's pair; else the one that the head has.
+/// The requested value for this half of a camera's pair; otherwise the head's current one.
 Reading PairReading(void* const& handle, std::span<const Assignment> assignments, CameraPart part,
                     int order) {
     for (const Assignment& assignment : assignments) {
@@ -37,16 +37,15 @@ double PairValue(void* const& handle, std::span<const Assignment> assignments, C
                  int order) {
     const Reading reading = PairReading(handle, assignments, part, order);
     if (!reading.Known()) {
-        throw CommandError(ExitCode::DeviceRefused,
-                           "exposure and gain are set together, and the head does not tell its "
-                           "present " +
-                               reading.setting->name + ": " + StatusText(reading.status) +
-                               "; give both");
+        throw CommandError(
+            ExitCode::DeviceRefused,
+            "exposure and gain are set together, and the head does not report its current " +
+                reading.setting->name + ": " + StatusText(reading.status) + "; give both");
     }
     return reading.value.at(0);
 }
 
-/// Why a camera has not taken a value, as the end of a message; "" when nobody knows.
+/// Why a camera did not accept a value, as the end of a message; "" when unknown.
 std::string WhyNotTaken(void* const& handle, std::span<const Assignment> assignments,
                         const Setting& setting) {
     if (setting.part == CameraPart::None) {

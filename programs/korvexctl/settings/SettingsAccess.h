@@ -9,20 +9,20 @@
 
 namespace Korvex3Sync::korvexctl {
 
-/// A setting and the value that it is to have.
+/// A setting and the value to set.
 struct Assignment {
     const Setting* setting;
     SettingValue value;
 };
 
-/// What the head told of a setting.
+/// The value of a setting as read from the head.
 struct Reading {
     const Setting* setting;
     RETSTATUS status;
     SettingValue value;  // if Known
 
     bool Known() const { return status == STATUS_SUCCESS; }
-    /// The head has no way to tell it; anything else that is not known is a failure.
+    /// The head cannot report it; any other unknown value is a failure.
     bool NotReadable() const {
         return status == STATUS_NOT_SUPPORTED || status == STATUS_SYNCHRONISM_TYPE;
     }
@@ -32,24 +32,23 @@ struct Reading {
     nlohmann::json ToJson() const;
 };
 
-/// Asks a connected head for one setting.
+/// Reads one setting of a connected head.
 Reading ReadSetting(void* const& handle, const Setting& setting);
 
-/// The settings that a head with so many cameras has.
+/// The settings of a head with this many cameras.
 std::vector<const Setting*> SettingsOf(std::size_t cameras);
 
-/// Throws CommandError(DeviceRefused) when the setting is that of a camera which a head with so
-/// many cameras does not have.
+/// Throws CommandError(DeviceRefused) for a setting of a camera that a head with this many cameras
+/// does not have.
 void RequireCamera(const Setting& setting, std::size_t cameras);
 
 /// Sends the values to a connected head, in order; exposure and gain of one camera together, at the
-/// place of the first. A half that is not given is read from the head first and sent as it is. Ends
-/// at the first setting that the head refuses, with CommandError(DeviceRefused).
+/// place of the first. A half that is not given is read from the head first and keeps its value.
+/// Stops at the first setting that the head refuses, with CommandError(DeviceRefused).
 void Apply(void* const& handle, std::span<const Assignment> assignments);
 
-/// Reads the settings back that can be read. Throws CommandError(DeviceRefused), after all are
-/// read, when one has another value than it was given or cannot be read back. `onReading` is called
-/// for each.
+/// Reads the readable settings back. After all are read, throws CommandError(DeviceRefused) when
+/// one has a different value or cannot be read. `onReading` is called for each.
 void VerifyApplied(void* const& handle, std::span<const Assignment> assignments,
                    const std::function<void(const Assignment&, const Reading&)>& onReading);
 

@@ -41,10 +41,10 @@ std::vector<std::string> SettingsKeeper::PutBack(void* const& handle) const {
             continue;
         }
         try {
-            // Of a camera's pair the other half goes out as the head has it, and has its turn.
+            // The other half of a camera's pair is sent with its current value, and follows.
             Apply(handle, {&assignment, 1});
         } catch (const CommandError&) {
-            // Told by the reading.
+            // Reported by the reading.
         }
         if (!Has(handle, assignment)) {
             failed.push_back(assignment.setting->name);

@@ -7,8 +7,7 @@
 
 namespace Korvex3Sync::korvexctl {
 
-/// The settings of a connected head as they were found, as far as it tells them and they can be
-/// set.
+/// The settings of a connected head as they were found, if they can be read and set.
 class SettingsKeeper {
 public:
     /// Reads the settings of a head with so many cameras. Blocks for the answers, 40 ms for each
@@ -17,7 +16,7 @@ public:
 
     std::size_t Kept() const { return m_found.size(); }
     /// Sends those that have another value now, and reads them back. Gives the names of those that
-    /// could not be put back. Blocks as the constructor does.
+    /// could not be restored. Blocks as the constructor does.
     std::vector<std::string> PutBack(void* const& handle) const;
 
 private:

@@ -1,4 +1,4 @@
-#include "korvexctl/cli/Signals.h"
+#include "platform/os/InterruptWatch.h"
 
 #include <unistd.h>
 
@@ -6,30 +6,26 @@
 #include <atomic>
 #include <cerrno>
 #include <csignal>
-#include <mutex>
 #include <system_error>
 #include <thread>
 #include <utility>
 #include <vector>
 
-#include "korvexctl/cli/ExitCodes.h"
-#include "korvexctl/cli/Outcome.h"
+#include "platform/os/CriticalSection.h"
 
-namespace Korvex3Sync::korvexctl {
+namespace Korvex3Sync::os {
 
 namespace {
 
 constexpr char kInterrupted = 'i';
 constexpr char kEnd = 'e';
-constexpr const char* kEnded = "interrupted";
 
-// A signal handler reaches nothing else than what stands here. The pipe is made once and never
-// closed: a handler may be on its way to it at any time.
-std::atomic<int> s_signals{0};
+// A signal handler reaches nothing else than these. The pipe is made once and never closed: a
+// handler may be about to write to it at any time.
+std::atomic<int> s_interrupts{0};
 std::atomic<int> s_writeEnd{-1};
+std::atomic<int> s_exitCode{0};
 static_assert(std::atomic<int>::is_always_lock_free);
-
-std::atomic<bool> s_toEnd{false};
 
 struct Handled {
     int signal;
@@ -38,12 +34,12 @@ struct Handled {
 
 extern "C" void OnSignal(int signal) {
     const int before = errno;
-    if (s_signals.fetch_add(1) > 0) {
+    if (s_interrupts.fetch_add(1) > 0) {
         if (signal == SIGHUP) {
-            // A terminal that goes sends it more than once, and nobody presses it.
+            // A closing terminal sends it more than once, and no person asks for it.
             return;
         }
-        ::_exit(static_cast<int>(ExitCode::Interrupted));
+        ::_exit(s_exitCode.load());
     }
     [[maybe_unused]] const ssize_t written = ::write(s_writeEnd.load(), &kInterrupted, 1);
     errno = before;
@@ -58,7 +54,7 @@ std::vector<Handled> TakeSignals() {
     for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
         struct sigaction former {};
         ::sigaction(signal, nullptr, &former);
-        // Whoever started the program with nohup wants it to outlive the terminal.
+        // A program that was started with nohup is to outlive the terminal.
         if (signal == SIGHUP && former.sa_handler == SIG_IGN) {
             continue;
         }
@@ -68,7 +64,7 @@ std::vector<Handled> TakeSignals() {
     return taken;
 }
 
-/// All watches of the process, and the thread that tells the newest one of a signal.
+/// All watches of the process, and the thread that calls the newest one.
 class Watches {
 public:
     static Watches& OfThisProcess() {
@@ -76,26 +72,36 @@ public:
         return watches;
     }
 
-    void Add(const std::function<void()>& call) {
-        const std::lock_guard lock(m_mutex);
+    bool Add(const std::function<void()>& call, int exitCode) {
+        const MutexGuard guard(m_mutex);
         if (m_calls.empty()) {
+            s_exitCode = exitCode;
             Begin();
-        } else if (m_told) {
-            throw CommandError(ExitCode::Interrupted, kEnded);
+        } else if (m_called) {
+            return false;
         }
         m_calls.push_back(&call);
+        return true;
     }
 
     /// Waits for a call that is under way.
     void RemoveNewest() {
+        std::vector<Handled> taken;
+        std::thread thread;
         {
-            const std::lock_guard lock(m_mutex);
+            const MutexGuard guard(m_mutex);
             m_calls.pop_back();
             if (!m_calls.empty()) {
                 return;
             }
+            taken.swap(m_taken);
+            thread.swap(m_thread);
         }
-        End();
+        for (const Handled& handled : taken) {
+            ::sigaction(handled.signal, &handled.former, nullptr);
+        }
+        [[maybe_unused]] const ssize_t written = ::write(s_writeEnd, &kEnd, 1);
+        thread.join();
     }
 
 private:
@@ -108,22 +114,14 @@ private:
         s_writeEnd = pipe[1];
     }
 
-    void Begin() {
-        s_signals = 0;
-        m_told = false;
-        m_thread = std::thread([this] { Tell(); });
+    void Begin() KORVEX_REQUIRES(m_mutex) {
+        s_interrupts = 0;
+        m_called = false;
+        m_thread = std::thread([this] { CallOnInterrupts(); });
         m_taken = TakeSignals();
     }
 
-    void End() {
-        for (const Handled& handled : m_taken) {
-            ::sigaction(handled.signal, &handled.former, nullptr);
-        }
-        [[maybe_unused]] const ssize_t written = ::write(s_writeEnd, &kEnd, 1);
-        m_thread.join();
-    }
-
-    void Tell() {
+    void CallOnInterrupts() {
         char what = kEnd;
         while (true) {
             const ssize_t got = ::read(m_readEnd, &what, 1);
@@ -133,51 +131,32 @@ private:
             if (got != 1 || what == kEnd) {
                 return;
             }
-            const std::lock_guard lock(m_mutex);
-            // What a handler wrote after the watches of before had ended tells nobody anything.
-            if (!m_calls.empty() && s_signals > 0 && !m_told) {
-                m_told = true;
+            const MutexGuard guard(m_mutex);
+            // A handler may still write after the watches that it belongs to have ended.
+            if (!m_calls.empty() && s_interrupts > 0 && !m_called) {
+                m_called = true;
                 (*m_calls.back())();
             }
         }
     }
 
-    std::mutex m_mutex;
-    std::vector<const std::function<void()>*> m_calls;
-    bool m_told = false;
+    Mutex m_mutex;
+    std::vector<const std::function<void()>*> m_calls KORVEX_GUARDED_BY(m_mutex);
+    bool m_called KORVEX_GUARDED_BY(m_mutex) = false;
+    std::vector<Handled> m_taken KORVEX_GUARDED_BY(m_mutex);
+    std::thread m_thread KORVEX_GUARDED_BY(m_mutex);
     int m_readEnd = -1;
-    std::vector<Handled> m_taken;
-    std::thread m_thread;
 };
 
 }  // namespace
 
-InterruptWatch::InterruptWatch(std::function<void()> onInterrupt)
-    : m_onInterrupt(std::move(onInterrupt)) {
-    Watches::OfThisProcess().Add(m_onInterrupt);
-}
+InterruptWatch::InterruptWatch(std::function<void()> onInterrupt, int exitCode)
+    : m_onInterrupt(std::move(onInterrupt)),
+      m_watches(Watches::OfThisProcess().Add(m_onInterrupt, exitCode)) {}
 
 InterruptWatch::~InterruptWatch() {
-    Watches::OfThisProcess().RemoveNewest();
-}
-
-EndingOnInterrupt::EndingOnInterrupt()
-    : m_watch([] {
-          s_toEnd = true;
-          Say("interrupted; ends when what is under way is done; a second time ends at once");
-      }) {}
-
-EndingOnInterrupt::~EndingOnInterrupt() {
-    s_toEnd = false;
-}
-
-bool ToldToEnd() {
-    return s_toEnd;
-}
-
-void EndIfInterrupted() {
-    if (ToldToEnd()) {
-        throw CommandError(ExitCode::Interrupted, kEnded);
+    if (m_watches) {
+        Watches::OfThisProcess().RemoveNewest();
     }
 }
 
@@ -186,4 +165,4 @@ void TurnWriteSignalsIntoErrors() {
     std::signal(SIGXFSZ, SIG_IGN);
 }
 
-}  // namespace Korvex3Sync::korvexctl
+}  // namespace Korvex3Sync::os

@@ -1,4 +1,4 @@
-#include "korvexctl/head/UsbBoards.h"
+#include "platform/os/UsbDevices.h"
 
 #include <algorithm>
 #include <charconv>
@@ -9,14 +9,12 @@
 
 #include "platform/os/Device.h"
 
-namespace Korvex3Sync::korvexctl {
+namespace Korvex3Sync::os {
 
 namespace {
 
 namespace fs = std::filesystem;
 
-constexpr const char* kVendor = "3267";
-constexpr const char* kProduct = "5752";
 constexpr double kUsb3Megabits = 5000;
 
 /// The first word of a small file; empty when there is none.
@@ -45,7 +43,7 @@ std::optional<double> Number(const std::string& text) {
     return error == std::errc() && rest == end ? std::optional(value) : std::nullopt;
 }
 
-/// A HID device lies below the USB device, in an interface and an instance of its own:
+/// A HID device is below the USB device, in an interface and an instance of its own:
 /// <device>/<interface>/<instance>/hidraw/hidrawN.
 std::optional<std::string> HidNode(const fs::path& device) {
     for (const fs::path& interface : Entries(device)) {
@@ -59,6 +57,14 @@ std::optional<std::string> HidNode(const fs::path& device) {
         }
     }
     return std::nullopt;
+}
+
+/// A vendor or product as the system writes it: four hexadecimal digits.
+std::string IdText(std::uint16_t id) {
+    constexpr int kDigits = 4;
+    std::ostringstream text;
+    text << std::hex << std::setw(kDigits) << std::setfill('0') << id;
+    return text.str();
 }
 
 std::string ThreeDigits(const std::string& number) {
@@ -80,32 +86,34 @@ fs::path NodeOf(const fs::path& device, const fs::path& dev) {
 
 UsbMachine UsbMachine::This() {
     UsbMachine machine;
-    machine.tryOpen = os::CheckDeviceAccess;
+    machine.tryOpen = CheckDeviceAccess;
     return machine;
 }
 
-std::string UsbBoard::Where() const {
+std::string UsbDevice::Where() const {
     return "USB port " + port + ", " + node.string();
 }
 
-bool UsbBoard::IsUsb3() const {
+bool UsbDevice::IsUsb3() const {
     return megabits && *megabits >= kUsb3Megabits;
 }
 
-std::vector<UsbBoard> FindUsbBoards(const UsbMachine& machine) {
-    std::vector<UsbBoard> boards;
-    for (const fs::path& device : Entries(machine.sys / "bus" / "usb" / "devices")) {
-        if (Word(device / "idVendor") != kVendor || Word(device / "idProduct") != kProduct) {
+std::vector<UsbDevice> FindUsbDevices(const UsbMachine& machine, std::uint16_t vendor,
+                                      std::uint16_t product) {
+    std::vector<UsbDevice> found;
+    for (const fs::path& folder : Entries(machine.sys / "bus" / "usb" / "devices")) {
+        if (Word(folder / "idVendor") != IdText(vendor) ||
+            Word(folder / "idProduct") != IdText(product)) {
             continue;
         }
-        UsbBoard board;
-        board.port = device.filename().string();
-        board.node = NodeOf(device, machine.dev);
-        board.megabits = Number(Word(device / "speed"));
-        board.openError = machine.tryOpen(board.node);
-        boards.push_back(std::move(board));
+        UsbDevice device;
+        device.port = folder.filename().string();
+        device.node = NodeOf(folder, machine.dev);
+        device.megabits = Number(Word(folder / "speed"));
+        device.openError = machine.tryOpen(device.node);
+        found.push_back(std::move(device));
     }
-    return boards;
+    return found;
 }
 
-}  // namespace Korvex3Sync::korvexctl
+}  // namespace Korvex3Sync::os

@@ -1,7 +1,11 @@
-#include "korvexctl/head/UserInfoText.h"
+#include "korvexctl/head/UserMemory.h"
+
+#include <Korvex3Sync/Connection.h>
 
 #include <algorithm>
 #include <charconv>
+
+#include "korvexctl/head/Session.h"
 
 namespace Korvex3Sync::korvexctl {
 
@@ -15,7 +19,23 @@ bool IsPrintable(char c) {
     return c >= ' ' && c <= '~';
 }
 
+std::string PageName(int page) {
+    return "page " + std::to_string(page) + " of the user memory";
+}
+
 }  // namespace
+
+std::string ReadUserMemory(void* const& handle, int page) {
+    std::string bytes(kUserMemoryPageBytes, '\0');
+    char* data = bytes.data();
+    Require(ReadUserInfomation(handle, page, data), "read " + PageName(page));
+    return bytes;
+}
+
+void WriteUserMemory(void* const& handle, int page, const std::string& bytes) {
+    Require(WriteUserInfomation(handle, page, bytes.data(), static_cast<int>(bytes.size())),
+            "write " + PageName(page));
+}
 
 std::string ToHex(std::string_view bytes) {
     constexpr std::string_view kDigits = "0123456789abcdef";

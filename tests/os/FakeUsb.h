@@ -5,7 +5,7 @@
 #include <string>
 #include <system_error>
 
-#include "korvexctl/head/UsbBoards.h"
+#include "platform/os/UsbDevices.h"
 #include "virtual_head/TestFiles.h"
 
 namespace Korvex3Sync::tests {
@@ -28,8 +28,8 @@ public:
         }
     }
 
-    korvexctl::UsbMachine Machine(int openError = 0) const {
-        korvexctl::UsbMachine machine;
+    os::UsbMachine Machine(int openError = 0) const {
+        os::UsbMachine machine;
         machine.sys = m_folder.Path() / "sys";
         machine.dev = m_folder.Path() / "dev";
         machine.tryOpen = [openError](const std::filesystem::path&) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <filesystem>
 #include <functional>
 #include <optional>
@@ -7,9 +8,9 @@
 #include <system_error>
 #include <vector>
 
-namespace Korvex3Sync::korvexctl {
+namespace Korvex3Sync::os {
 
-/// How this machine shows its USB devices. The defaults are the system's own; a test has its own.
+/// How a machine shows its USB devices. The defaults are the system's own; a test has its own.
 struct UsbMachine {
     std::filesystem::path sys = "/sys";
     std::filesystem::path dev = "/dev";
@@ -20,19 +21,22 @@ struct UsbMachine {
     static UsbMachine This();
 };
 
-/// A board of a scanner head as the system sees it, whether or not this user may open it.
-struct UsbBoard {
+/// A USB device as the system sees it, whether or not this user may open it.
+struct UsbDevice {
     std::string port;                // "2-1.4": bus, then port by port
-    std::filesystem::path node;      // of the HID device; else of the USB device
+    std::filesystem::path node;      // of its HID device; without one, of the USB device
     std::optional<double> megabits;  // per second, as negotiated
     std::error_code openError;       // none: can be opened for reading and writing
 
     /// "USB port 2-1.4, /dev/hidraw3"
     std::string Where() const;
+    /// Whether the negotiated speed is that of USB 3.
     bool IsUsb3() const;
 };
 
-/// All boards that are plugged in, in the order of their ports. What cannot be read is left out.
-std::vector<UsbBoard> FindUsbBoards(const UsbMachine& machine);
+/// All attached devices of this vendor and product, in the order of their ports. A device that
+/// cannot be read is left out.
+std::vector<UsbDevice> FindUsbDevices(const UsbMachine& machine, std::uint16_t vendor,
+                                      std::uint16_t product);
 
-}  // namespace Korvex3Sync::korvexctl
+}  // namespace Korvex3Sync::os
