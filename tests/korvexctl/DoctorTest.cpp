@@ -180,7 +180,7 @@ TEST_F(KorvexctlDoctor, LostFramesAreNamedWithTheirPlace) {
     EXPECT_EQ(outcome.message, "can scan, with warnings: trial scan");
     const nlohmann::json trial = Check(outcome, "trial scan");
     EXPECT_THAT(trial["finding"], HasSubstr("triggers without a set"));
-    EXPECT_THAT(trial["advice"], HasSubstr("USB line"));
+    EXPECT_THAT(trial["advice"], HasSubstr("USB connection"));
     EXPECT_GT(trial["figures"]["losses"]["missing_keys"], 0);
 }
 

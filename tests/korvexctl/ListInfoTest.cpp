@@ -117,7 +117,7 @@ TEST(KorvexctlInfo, AnotherBoardThanTheOneAskedForIsNotConnected) {
 TEST(KorvexctlList, ASimulatedHeadIsAdvisedOnlyToWhoHasNone) {
     const std::string error = RunKorvexctl({"list", "--virtual", "--type", "GC"}).error;
     EXPECT_EQ(error, "korvexctl: no camera found (type GC); the simulated head has none\n");
-    EXPECT_THAT(RunKorvexctl({"list"}).error, HasSubstr("; --virtual scans"));
+    EXPECT_THAT(RunKorvexctl({"list"}).error, HasSubstr("; use --virtual for"));
 }
 
 TEST(KorvexctlOutput, VerboseShowsTheLibraryOnStandardErrorOnly) {

@@ -57,6 +57,10 @@ SourceTree Including(const std::string& file, const std::string& header) {
 struct Case {
     const char* file;
     const char* header;
+
+    friend void PrintTo(const Case& c, std::ostream* out) {
+        *out << c.file << " includes " << c.header;
+    }
 };
 
 std::string NameOf(const testing::TestParamInfo<Case>& row) {
@@ -210,7 +214,8 @@ TEST(FolderCycles, AFolderMayIncludeItself) {
 }
 
 TEST(FolderCycles, AreNotInTheProject) {
-    const SourceTree tree = ReadSourceTree({"include", "src"});
+    const SourceTree tree = ReadSourceTree({"include", "src", "programs"});
+    ASSERT_TRUE(tree.contains("programs/korvexctl/main.cpp"));
     ASSERT_TRUE(tree.contains("src/virtual_head/scene/Scene.cpp"));
     EXPECT_THAT(FolderCycles(tree), IsEmpty());
 }

@@ -65,8 +65,9 @@ TEST(Locks, OfPlatformOsAreNot) {
                 IsEmpty());
 }
 
-TEST(Locks, AreThoseOfPlatformOsInTheWholeLibrary) {
-    const SourceTree tree = ReadSourceTree({"include", "src"});
+TEST(Locks, AreThoseOfPlatformOsInTheWholeProduct) {
+    const SourceTree tree = ReadSourceTree({"include", "src", "programs"});
+    ASSERT_TRUE(tree.contains("programs/korvexctl/main.cpp"));
     ASSERT_TRUE(tree.contains("src/platform/board/BoardLink.h"));
     EXPECT_THAT(UnseenLocks(tree), IsEmpty());
 }
