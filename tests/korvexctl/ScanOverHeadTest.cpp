@@ -68,6 +68,15 @@ TEST_F(ScanOverHead, NoSetInTimeEndsTheScan) {
     ExpectHeadLeftDark();
 }
 
+TEST_F(ScanOverHead, TheTimeoutDoesNotCountTheTriggersThatASetWaitsFor) {
+    // Without colour the first set is complete at the second trigger.
+    m_options.light.mode = TRIGGER_LASER_LINES;
+    m_options.light.periodMs = 600;
+    m_options.timeoutSeconds = 0.5;
+    m_options.sets = 1;
+    EXPECT_EQ(Scan().code, ExitCode::Done);
+}
+
 TEST_F(ScanOverHead, ABoardThatStopsAnsweringIsNamed) {
     // The status is silent for its first polls; by then the scan is under way.
     m_options.timeoutSeconds = 3;
@@ -90,6 +99,14 @@ TEST_F(ScanOverHead, ARefusedSettingIsNamedAndNothingIsTriggered) {
     EXPECT_EQ(outcome.code, ExitCode::DeviceRefused);
     EXPECT_THAT(outcome.message, StartsWith("switch the laser lines on: Operate failed"));
     EXPECT_THAT(Commands({"zr3DSetVideoTrigleMode"}), IsEmpty());
+}
+
+TEST_F(ScanOverHead, ALightThatIsRefusedSwitchesTheOthersOff) {
+    m_options.light.irLevel = 3;
+    ASSERT_TRUE(m_head->GetFaults().Fail("zr3DSetIRLaserEnable", 1));
+    EXPECT_EQ(Scan().code, ExitCode::DeviceRefused);
+    EXPECT_THAT(Commands({"zr3DSetLaserEnable"}),
+                ElementsAre("zr3DSetLaserEnable(1, 1) = true", "zr3DSetLaserEnable(0, 1) = true"));
 }
 
 TEST_F(ScanOverHead, ATriggerThatIsRefusedLeavesTheHeadDark) {

@@ -170,6 +170,18 @@ TEST_F(KorvexctlScan, FilesOfAnEarlierScanAreGoneAndAllOthersStay) {
     EXPECT_EQ(ParseJson(ReadText(m_out / "scan.json"))["sets"]["asked"], 1);
 }
 
+TEST_F(KorvexctlScan, ALinkWithTheNameOfAPictureStays) {
+    const auto picture = m_folder.Path() / "elsewhere.png";
+    const auto link = m_out / "set_005_left.png";
+    WriteText(picture, "of before");
+    std::filesystem::create_directories(m_out);
+    std::filesystem::create_symlink(picture, link);
+    const ChildResult result = Scan({"--sets", "1", "--mode", "laser", "--out", m_out.string()});
+    ASSERT_EQ(result.exitCode, 0) << result.error;
+    EXPECT_TRUE(std::filesystem::is_symlink(link));
+    EXPECT_EQ(ReadText(picture), "of before");
+}
+
 TEST_F(KorvexctlScan, AScanThatFindsNoHeadLeavesTheEarlierOne) {
     std::filesystem::create_directories(m_out);
     WriteText(m_out / "scan.json", "of before");

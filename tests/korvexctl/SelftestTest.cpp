@@ -121,6 +121,13 @@ TEST_F(KorvexctlSelftest, FaultsFailExactlyTheirSteps) {
     EXPECT_THAT(outcome.message, HasSubstr("7 of "));
 }
 
+TEST_F(KorvexctlSelftest, ALossFailsTheScanThatItCameIn) {
+    const RequestedHead head(m_head);
+    ASSERT_TRUE(head->GetFaults().Order({virtual_head::FaultKind::LoseMono}));
+    const Outcome outcome = Run();
+    EXPECT_THAT(With(outcome, "FAILED"), UnorderedElementsAre("scan laser")) << outcome.Document();
+}
+
 TEST_F(KorvexctlSelftest, ACameraThatHangsFailsItsStepAndEndsTheRun) {
     const RequestedHead head(m_head);
     ASSERT_TRUE(head->GetFaults().Hang("GetExposureTime"));

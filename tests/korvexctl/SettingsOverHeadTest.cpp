@@ -184,7 +184,7 @@ TEST_F(SettingsOverHead, ExposureAndGainGoInOneWord) {
     EXPECT_EQ(result.output, "exposure.1 8.5 ms\nproject set to 1, not readable\ngain.1 3\n");
     EXPECT_EQ(result.figures["settings"]["exposure.1"]["value"], 8.5);
     const std::vector<std::string> words = m_head->GetJournal().Texts({"SetCameraIntParam"});
-    EXPECT_THAT(words, ::testing::Contains(HasSubstr(", 3413) = true")));
+    EXPECT_THAT(words, ::testing::Contains(HasSubstr(", 3413) = true")).Times(1));
 }
 
 TEST_F(SettingsOverHead, TheHalfThatIsNotGivenStays) {
