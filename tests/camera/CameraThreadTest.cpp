@@ -296,6 +296,22 @@ TEST_F(CameraThread, ALoopWithoutACameraWaitsInsteadOfSpinning) {
     m_camera.StopThread();
 }
 
+TEST_F(CameraThread, StoppingEndsTheWaitOfALoopWithoutACamera) {
+    const auto counters = std::make_shared<GrabCounters>();
+    m_camera.CountInto(counters);
+    Open();
+    ASSERT_TRUE(m_camera.StartThread());
+    m_camera.PauseThread();
+    m_camera.ReleaseCamera();
+    m_camera.ResumeThread();
+    const os::ScopedTimeScale slow(300);  // 30 s after each look for a camera
+    const std::uint64_t before = counters->failedSnaps;
+    ASSERT_TRUE(support::WaitUntil([&] { return counters->failedSnaps > before; }));
+    const auto begin = std::chrono::steady_clock::now();
+    m_camera.StopThread();
+    EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(15));
+}
+
 TEST_F(CameraThread, WhileACallerUsesTheCameraTheLoopLeavesItAloneAfterEachSnap) {
     const os::ScopedTimeScale slow(30);  // longer than a snap without a frame
     std::mutex mutex;
@@ -346,6 +362,18 @@ TEST_F(CameraThread, AReopenFailsWithoutACameraWhenItDoesNotOpenOrHasNoType) {
     EXPECT_FALSE(m_camera.ReOpenCamera());
     Recorder::Get().FailNth("GetDeviceType", 1);
     EXPECT_FALSE(m_camera.ReOpenCamera());
+}
+
+TEST_F(CameraThread, AReopenFailsWhenTheDeviceTypeIsNotPositive) {
+    for (const int type : {0, -1, 1, 2}) {
+        recorder::Camera camera{"KV00R1"};
+        camera.deviceType = type;
+        Recorder::Get().Attach({camera});
+        Open();
+        EXPECT_EQ(m_camera.ReOpenCamera(), type > 0) << type;
+        m_camera.CloseCamera();
+        m_camera.ReleaseCamera();
+    }
 }
 
 TEST_F(CameraThread, SizesThatAreNoSizesAreHandedToTheLibraryWithoutHarm) {

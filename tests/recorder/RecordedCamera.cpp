@@ -180,7 +180,8 @@ bool SetCameraIntParam(void* handle, CAMPARAM parameter, int value) {
 }
 
 bool GetDeviceType(void* handle, int& type) {
-    type = 1;
+    const auto instance = Find(handle);
+    type = instance ? instance->camera.deviceType : 1;
     return R().Record("GetDeviceType", N(handle));
 }
 

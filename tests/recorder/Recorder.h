@@ -30,6 +30,7 @@ struct Camera {
     int width = 8;
     int height = 4;
     int colorMode = 16;
+    int deviceType = 1;
 };
 
 /// The process's recorder. Thread-safe.

@@ -5,6 +5,7 @@
 #include <memory>
 #include <new>
 #include <optional>
+#include <utility>
 #include <thread>
 
 #include "platform/os/Clock.h"
@@ -285,6 +286,18 @@ TEST_F(ColorSnapshot, AnImageThatAFailureLeftBehindIsFreedWithTheManager) {
     EXPECT_EQ(SnapForIR(), STATUS_FAILED);
     m_manager.reset();  // the address sanitizer tells when it is lost
     EXPECT_EQ(Recorder::Get().Calls().back(), "zr3DExitHidDev(B1)");
+}
+
+TEST_F(ColorSnapshot, AFrameThatComesBeforeItsStrobeIsSetIsNoneOfItsImages) {
+    bool before = true;
+    Recorder::Get().OnCall("zr3DOpenOrCloseStrobeFlicker", [&] {
+        if (std::exchange(before, false)) {
+            PushColor();
+            EXPECT_TRUE(Recorder::Get().WaitForHandled(m_pushed));
+        }
+    });
+    EXPECT_EQ(Snap(), STATUS_SUCCESS);
+    EXPECT_THAT(Values(), ElementsAre(2, 3));
 }
 
 TEST_F(ColorSnapshot, WhatTheBoardAndTheCameraRefuseDoesNotStopIt) {

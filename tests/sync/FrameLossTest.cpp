@@ -6,6 +6,7 @@
 #include <stdexcept>
 
 #include "platform/os/Event.h"
+#include "platform/os/TimeScale.h"
 #include "recorder/Recorder.h"
 #include "support/Accounted.h"
 #include "support/LogCapture.h"
@@ -185,6 +186,19 @@ TEST_F(FrameLosses, AReconnectionStartsTheKeysAnew) {
     }
     Mono(124);
     EXPECT_EQ(Handled().missingKeys, 2u);
+}
+
+TEST_F(FrameLosses, WhatTheBoardTriggeredDuringAReconnectionIsNotMissing) {
+    const os::ScopedTimeScale fast(0.01);
+    Scan();
+    ASSERT_EQ(Trigger(TRIGGER_LASER_LINES), STATUS_SUCCESS);
+    Mono(0);
+    Mono(1);
+    EXPECT_EQ(Handled().missingKeys, 0u);
+    ASSERT_EQ(m_manager->ReConnectDeviceEx(), 0);
+    Mono(137);
+    Mono(139);
+    EXPECT_EQ(Handled().missingKeys, 1u) << "138 only";
 }
 
 TEST_F(FrameLosses, ARunAfterAResetOfTheBoardStartsTheKeysAnew) {

@@ -107,6 +107,18 @@ TEST(FaultSchedule, EqualSeedsDrawEqualFaults) {
     EXPECT_GT(first.size(), 250U);
 }
 
+TEST(FaultSchedule, TriggersThatNoCameraAttendsAreDrawnForToo) {
+    constexpr std::uint64_t kUnattended = 100;
+    const std::vector<TimedFault> faults{Sometimes(FaultKind::LoseColor, 0.2)};
+    std::vector<std::uint64_t> whole = Triggered(faults).Give(500);
+    std::erase_if(whole, [](std::uint64_t trigger) { return trigger < kUnattended; });
+    Triggered head(faults);
+    head.m_clock.DetachAll();
+    EXPECT_THAT(head.Give(kUnattended), IsEmpty());
+    head.m_clock.Attach(head.m_queue);
+    EXPECT_EQ(head.Give(500 - kUnattended), whole);
+}
+
 TEST(FaultSchedule, ChancesAreWhatTheySay) {
     EXPECT_THAT(Triggered({Sometimes(FaultKind::LoseColor, 1)}).Give(50), IsEmpty());
     TimedFault later = Sometimes(FaultKind::LoseColor, 1);

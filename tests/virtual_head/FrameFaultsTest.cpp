@@ -194,6 +194,20 @@ TEST_F(FrameFaultsTest, DelayedFramesComeLateAndInOrder) {
     ExpectAccount();
 }
 
+TEST_F(FrameFaultsTest, ADelayIsForATriggerThatGivesAFrame) {
+    Order(FaultKind::LoseColor);
+    Order(FaultKind::Delay);
+    WriteSingle(1);
+    EXPECT_EQ(m_clock.Counts().delayed, 0U);
+    WriteSingle(1);
+    EXPECT_EQ(m_clock.Counts().delayed, 1U);
+    ExpectNothingWaits();
+    WriteSingle(1);
+    ExpectNext(1, true);
+    ExpectNext(2, true);
+    ExpectAccount();
+}
+
 TEST_F(FrameFaultsTest, DelayedFramesComeAtTheLatestWhenTheTriggerIsSwitchedOff) {
     Order(FaultKind::Delay, 1, 100);
     WriteSingle(2);

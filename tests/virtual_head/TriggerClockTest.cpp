@@ -148,6 +148,17 @@ TEST_F(TriggerClockTest, ChangeOfARunningModeOrPeriodGoesOnCounting) {
     }
 }
 
+TEST_F(TriggerClockTest, RewritingARunningModeDoesNotPostponeItsNextTrigger) {
+    constexpr int kPeriod = 50;
+    Write(1, kPeriod);
+    const auto end = steady_clock::now() + 10s;
+    while (m_clock.Triggers() < 3 && steady_clock::now() < end) {
+        Write(1, kPeriod);
+        std::this_thread::sleep_for(1ms);
+    }
+    EXPECT_GE(m_clock.Triggers(), 3U);
+}
+
 TEST_F(TriggerClockTest, LongPeriodIsCutShortByAShorterOne) {
     Write(1, 10000000);
     ExpectNothing();
