@@ -5,8 +5,8 @@
 #include <memory>
 #include <new>
 #include <optional>
-#include <utility>
 #include <thread>
+#include <utility>
 
 #include "platform/os/Clock.h"
 #include "platform/os/TimeScale.h"
