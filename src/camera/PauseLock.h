@@ -17,8 +17,8 @@ namespace Korvex3Sync {
 class KORVEX_CAPABILITY("pause lock") PauseLock {
 public:
     void Enter() KORVEX_ACQUIRE();
-    /// As Enter; while a pause stands, whoever made it, lets the caller in at once. For those who
-    /// pause, never for a grab thread. The lock stays taken until this hold ends too.
+    /// As Enter, but enters at once during a pause, made by any thread. For callers that pause,
+    /// never for a grab thread. The lock stays taken until this hold ends too.
     void EnterOrJoinPause() KORVEX_ACQUIRE();
     /// Only for the thread that entered.
     void Leave() KORVEX_RELEASE();

@@ -86,7 +86,7 @@ public:
     /// Returns when the running iteration is over; from then on the thread waits.
     void PauseThread();
     void ResumeThread();
-    /// Ends a pause, whoever made it, before destruction.
+    /// Ends a pause, made by any thread, before destruction.
     void ResetStatusToInitialize();
 
 private:

@@ -2,7 +2,7 @@
 
 namespace Korvex3Sync {
 
-/// Whoever owns a camera thread. The camera thread stores a pointer to it and calls nothing.
+/// The owner of a camera thread. The camera thread stores a pointer to it and calls nothing.
 class PhysicalCameraThreadListener {
 public:
     virtual ~PhysicalCameraThreadListener() = default;

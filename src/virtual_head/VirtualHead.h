@@ -15,7 +15,7 @@ namespace Korvex3Sync::virtual_head {
 class ImageSource;
 
 /// One simulated head: board, trigger clock, sensors, journal and faults that belong together.
-/// Thread-safe. Whoever uses it holds a shared pointer, so that withdrawing the request never pulls
+/// Thread-safe. A user holds a shared pointer, so that withdrawing the request never pulls
 /// it from under a call.
 class KORVEX_VIRTUAL_HEAD_API VirtualHead {
 public:

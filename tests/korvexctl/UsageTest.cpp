@@ -238,7 +238,7 @@ TEST(KorvexctlUsage, ALogThatNobodyReadsIsRefused) {
     const ChildResult result = RunKorvexctl({"list", "--virtual", "--log", fifo.string()});
     EXPECT_EQ(result.exitCode, 6);
     EXPECT_THAT(result.error, HasSubstr("cannot open the log file " + fifo.string() +
-                                        ": nobody is there to read it"));
+                                        ": the pipe has no reader"));
 }
 
 class EmptyName : public ::testing::TestWithParam<std::vector<std::string>> {};

@@ -318,7 +318,7 @@ TEST_F(WriteFileTest, AFifoThatNobodyReadsIsTold) {
         FAIL() << "was written";
     } catch (const CommandError& error) {
         EXPECT_EQ(error.Code(), ExitCode::NotWritable);
-        EXPECT_EQ(error.what(), "cannot write " + m_file.string() + ": nobody is there to read it");
+        EXPECT_EQ(error.what(), "cannot write " + m_file.string() + ": the pipe has no reader");
     }
 }
 

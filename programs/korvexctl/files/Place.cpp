@@ -69,7 +69,7 @@ os::File OpenStream(const Place& place, const std::string& what) {
             throw FileError(what, error);
         }
         if (polls == kReaderPolls) {
-            throw CommandError(ExitCode::NotWritable, what + ": nobody is there to read it");
+            throw CommandError(ExitCode::NotWritable, what + ": the pipe has no reader");
         }
         os::SleepFor(kReaderPoll);
     }

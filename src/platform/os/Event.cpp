@@ -5,7 +5,7 @@
 namespace Korvex3Sync::os {
 
 void Event::Set() {
-    // Notified under the lock: whoever waits may destroy the event as soon as it wakes.
+    // Notified under the lock: a waiting thread may destroy the event as soon as it wakes.
     std::lock_guard lock(m_mutex);
     m_set = true;
     m_changed.notify_all();

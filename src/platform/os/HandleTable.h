@@ -10,8 +10,8 @@
 namespace Korvex3Sync::os {
 
 /// Opaque handles for objects that a closed interface hands out. A handle is never null and its
-/// value is never given twice, so that a stale one is always recognised. Whoever finds an object
-/// shares it: taking it out of the table never destroys it under a call. Thread-safe.
+/// value is never given twice, so that a stale one is always recognised. A caller that finds an
+/// object shares it: taking it out of the table never destroys it under a call. Thread-safe.
 template <typename Object>
 class HandleTable {
 public:

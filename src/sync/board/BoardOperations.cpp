@@ -23,7 +23,8 @@ using Remembered = RememberedSettings;
 template <class Remember, class Call>
 RETSTATUS BoardSession::BoardOperation(DeviceLost lost, Remember remember, Call call,
                                        Parameters parameters) {
-    // A reconnection closes the board for a while, under the lock: whoever meets it waits.
+    // A reconnection closes the board for a while, under the lock: an operation that meets it
+    // waits.
     const DeviceGuard device(m_csDevice);
     void* const handle = m_hDevice;
     if (handle == nullptr) {

@@ -18,11 +18,11 @@ namespace Korvex3Sync {
 /// for, and every operation on it.
 ///
 /// The device lock is the connection's and covers all board I/O. It is recursive: an operation
-/// takes it, and whoever makes several calls in a row holds it around them. Results are the public
-/// status codes. Operations block for their turn at the lock and for the board's answer.
+/// takes it, and a caller that makes several calls in a row holds it around them. Results are the
+/// public status codes. Operations block for their turn at the lock and for the board's answer.
 class BoardSession {
 public:
-    /// `starts` is told of every write of the trigger mode and of every reset.
+    /// `starts` hears of every write of the trigger mode and of every reset.
     BoardSession(os::CriticalSection& device, TriggerStarts& starts);
     /// The board must be closed.
     ~BoardSession();

@@ -6,7 +6,7 @@
 
 namespace Korvex3Sync {
 
-/// How a trigger mode is written: whoever counts frames has to see it.
+/// How a trigger mode is written: the counting of frames must see it.
 using TriggerWriter = std::function<bool(void* board, zr3DHandiDLPdev::MASK_TRIGGER_MODE mode)>;
 
 /// Writes every remembered board setting to an open board, in the one order in which that is done,

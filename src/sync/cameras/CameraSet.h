@@ -18,8 +18,8 @@ namespace Korvex3Sync {
 /// The cameras of one connection and what their exposure and gain were last asked for.
 ///
 /// The device lock is the connection's and covers the list. It is recursive: an operation takes it,
-/// and whoever makes several calls in a row holds it around them. Inside it a camera's pause lock
-/// is taken, so that a call that pauses cameras waits for the running iteration of each grab
+/// and a caller that makes several calls in a row holds it around them. Inside it a camera's pause
+/// lock is taken, so that a call that pauses cameras waits for the running iteration of each grab
 /// thread. The grab threads never touch the list: what they need of it is in the routes of the
 /// frame path.
 class CameraSet {

@@ -37,7 +37,7 @@ public:
     /// Exposures that found no room.
     std::uint64_t Lost() const;
     Counts Counted() const;
-    /// Drops what waits, gives the counts and begins them anew.
+    /// Drops the waiting exposures, returns the counts and resets them.
     Counts Settle();
 
 private:
