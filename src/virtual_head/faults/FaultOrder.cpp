@@ -131,6 +131,7 @@ std::int64_t ValueOf(const FaultOrder& order, Parameter parameter) {
 
 std::vector<FaultKind> FaultKinds() {
     std::vector<FaultKind> kinds;
+    kinds.reserve(kTraits.size());
     for (const Traits& traits : kTraits) {
         kinds.push_back(traits.kind);
     }
