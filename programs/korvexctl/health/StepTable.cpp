@@ -35,9 +35,9 @@ std::vector<std::string> RowLines(const StepRow& row, const VerdictWords& words,
         padded(words.Of(row.finding.verdict), widest) + padded(row.name, width);
     std::vector<std::string> lines{front + row.finding.text};
     std::istringstream advice(row.finding.advice);
-    std::string mark = "-> ";
+    const char* mark = "-> ";
     for (std::string line; std::getline(advice, line); mark = "   ") {
-        lines.push_back(std::string(front.size(), ' ') + mark + line);
+        lines.push_back(std::string(front.size(), ' ').append(mark).append(line));
     }
     return lines;
 }
