@@ -13,6 +13,7 @@
 #include "platform/os/TimeScale.h"
 #include "recorder/Recorder.h"
 #include "support/CaseName.h"
+#include "support/Golden.h"
 #include "support/LogCapture.h"
 #include "support/WaitUntil.h"
 
@@ -20,10 +21,11 @@ namespace Korvex3Sync::tests {
 namespace {
 
 using recorder::Recorder;
+using support::MatchesGolden;
+using support::Output;
 using Calls = std::vector<std::string>;
 
 constexpr std::chrono::seconds kDeadline{30};
-constexpr char kRejected[] = "PhysicalCameraThread: Snap image data failed, wrong image data!";
 
 /// Frames that a camera's callback received.
 class Frames {
@@ -128,20 +130,20 @@ class CameraThreadGeometry : public CameraThread, public testing::WithParamInter
 TEST_P(CameraThreadGeometry, DecidesWhetherAFrameIsDispatched) {
     const Geometry geometry = GetParam();
     Attach(geometry.width, geometry.height, geometry.colorMode);
-    support::LogCapture log;
     Open();
+    Output output(Output::Of::kOtherThreads);
     ASSERT_TRUE(m_camera.StartThread());
     Push(1);
     ASSERT_TRUE(Recorder::Get().WaitForHandled(1));
     m_camera.StopThread();
+    EXPECT_TRUE(MatchesGolden("GrabLoop", geometry.channels == 0 ? "wrong image data" : "frame",
+                              output.End()));
     if (geometry.channels == 0) {
         EXPECT_TRUE(m_frames.Seen().empty());
-        EXPECT_TRUE(log.Has(kRejected));
     } else {
         EXPECT_EQ(m_frames.Seen(),
                   (std::vector<Frames::Frame>{
                       {3, 1, geometry.width, geometry.height, geometry.channels}}));
-        EXPECT_FALSE(log.Has(kRejected));
     }
 }
 
@@ -161,13 +163,13 @@ INSTANTIATE_TEST_SUITE_P(Sizes, CameraThreadGeometry,
 
 TEST_F(CameraThread, AResolutionThatCannotBeReadRejectsTheFrame) {
     Recorder::Get().FailAlways("GetResolution");
-    support::LogCapture log;
     Open();
+    Output output(Output::Of::kOtherThreads);
     ASSERT_TRUE(m_camera.StartThread());
     Push(1);
     ASSERT_TRUE(Recorder::Get().WaitForHandled(1));
     m_camera.StopThread();
-    EXPECT_TRUE(log.Has(kRejected));
+    EXPECT_TRUE(MatchesGolden("GrabLoop", "wrong image data", output.End()));
 }
 
 TEST_F(CameraThread, CloseForgetsTheCallbackUntilItIsSetAgain) {
@@ -200,13 +202,13 @@ TEST_F(CameraThread, ASnapWithANullBufferFailsButLogsNothing) {
 }
 
 TEST_F(CameraThread, AFailedSnapWithABufferIsLoggedWithItsResult) {
-    support::LogCapture log;
     Open();
+    Output output(Output::Of::kOtherThreads);
     Recorder::Get().PushSnap({-9, false, std::vector<unsigned char>(64, 1)});
     ASSERT_TRUE(m_camera.StartThread());
     ASSERT_TRUE(Recorder::Get().WaitForHandled(1));
     m_camera.StopThread();
-    EXPECT_TRUE(log.Has("PhysicalCameraThread: Camera 3 Snap Failed and data not null. ret=-9"));
+    EXPECT_TRUE(MatchesGolden("GrabLoop", "failed snap with a buffer", output.End()));
     EXPECT_TRUE(m_frames.Seen().empty());
 }
 

@@ -6,12 +6,14 @@
 
 #include "camera/discovery/CameraDiscovery.h"
 #include "recorder/Recorder.h"
-#include "support/LogCapture.h"
+#include "support/Golden.h"
 
 namespace Korvex3Sync::tests {
 namespace {
 
 using recorder::Recorder;
+using support::MatchesGolden;
+using support::Output;
 using Calls = std::vector<std::string>;
 
 class Discovery : public testing::Test {
@@ -24,25 +26,31 @@ protected:
     }
 
     int Read(const char* type) {
-        testing::internal::CaptureStdout();
+        Output output;
         const int read =
             GetAllSpecifyTypeCameraInformation(type, m_serials, m_widths, m_heights, m_isColor);
-        m_printed = testing::internal::GetCapturedStdout();
+        m_output = output.End();
         return read;
     }
     int Count(const char* type) {
-        testing::internal::CaptureStdout();
+        Output output;
         const int count = GetSpecifyTypeCameraCount(type);
-        m_printed = testing::internal::GetCapturedStdout();
+        m_output = output.End();
         return count;
+    }
+    /// Whether the last Read or Count logged and printed what it should.
+    testing::AssertionResult ReadSays(const std::string& section) const {
+        return MatchesGolden("GetAllSpecifyTypeCameraInformation", section, m_output);
+    }
+    testing::AssertionResult CountSays(const std::string& section) const {
+        return MatchesGolden("GetSpecifyTypeCameraCount", section, m_output);
     }
 
     std::vector<char*> m_serials;
     std::vector<int> m_widths;
     std::vector<int> m_heights;
     std::vector<bool> m_isColor;
-    std::string m_printed;
-    support::LogCapture m_log;
+    std::vector<std::string> m_output;
 };
 
 TEST_F(Discovery, ReadsEveryCameraInItsOrderOfCalls) {
@@ -53,9 +61,7 @@ TEST_F(Discovery, ReadsEveryCameraInItsOrderOfCalls) {
     EXPECT_EQ(m_widths, (std::vector<int>{8, 16}));
     EXPECT_EQ(m_heights, (std::vector<int>{4, 2}));
     EXPECT_EQ(m_isColor, (std::vector<bool>{true, false}));
-    EXPECT_EQ(m_printed,
-              "Camera Is Color Mode: 1\nCamera 0 gain range 1 - 9\n"
-              "Camera Is Color Mode: 0\nCamera 1 gain range 1 - 9\n");
+    EXPECT_TRUE(ReadSays("two cameras"));
     EXPECT_EQ(
         Recorder::Get().Calls(),
         (Calls{"CreateCamera(KV00)", "GetDeviceTotal(C1)", "CreateCamera(KV00)",
@@ -63,19 +69,14 @@ TEST_F(Discovery, ReadsEveryCameraInItsOrderOfCalls) {
                "GetColorMode(C1)", "GetGainRange(C1)", "OpenCamera(C2, 1, 0, 0)", "GetSerialNo(C2)",
                "GetResolution(C2)", "GetColorMode(C2)", "GetGainRange(C2)", "CloseCamera(C1)",
                "ReleaseCamera(C1)", "CloseCamera(C2)", "ReleaseCamera(C2)"}));
-    EXPECT_TRUE(m_log.Has("PhysicalCameraThread: GetAllSpecifyTypeCameraInformation 0"));
-    EXPECT_TRUE(
-        m_log.Has("PhysicalCameraThread: GetAllSpecifyTypeCameraInformation tmpRealCount=2"));
 }
 
 TEST_F(Discovery, AnUnknownTypeGivesNothingButItsFirstTwoCharacters) {
     Recorder::Get().FailAlways("CreateCamera");
     EXPECT_EQ(Count("ZQ77"), 0);
-    EXPECT_EQ(m_printed, "Create Camera Failed: ZQ\n");
-    EXPECT_TRUE(m_log.Has("PhysicalCameraThread: GetSpecifyTypeCameraCount ok"));
+    EXPECT_TRUE(CountSays("unknown type"));
     EXPECT_EQ(Read("ZQ77"), 0);
-    EXPECT_EQ(m_printed, "Create Camera Failed: ZQ\n");
-    EXPECT_TRUE(m_log.Has("PhysicalCameraThread: GetAllSpecifyTypeCameraInformation failed"));
+    EXPECT_TRUE(ReadSays("unknown type"));
     EXPECT_TRUE(m_serials.empty());
     EXPECT_TRUE(m_isColor.empty());
     EXPECT_EQ(Recorder::Get().Calls().back(), "ReleaseCamera(null)");
@@ -84,9 +85,12 @@ TEST_F(Discovery, AnUnknownTypeGivesNothingButItsFirstTwoCharacters) {
 TEST_F(Discovery, ShortAndNullTypesAreAnsweredLikeUnknownOnes) {
     Recorder::Get().FailAlways("CreateCamera");
     for (const char* type : {"K", "", static_cast<const char*>(nullptr)}) {
+        const std::string section =
+            type == nullptr || *type == 0 ? "empty type" : "type of one letter";
         EXPECT_EQ(Count(type), 0);
+        EXPECT_TRUE(CountSays(section));
         EXPECT_EQ(Read(type), 0);
-        EXPECT_EQ(m_printed, std::string("Create Camera Failed: ") + (type ? type : "") + "\n");
+        EXPECT_TRUE(ReadSays(section));
     }
 }
 
@@ -94,7 +98,7 @@ TEST_F(Discovery, ACameraThatDoesNotOpenIsSkippedAndNamedByItsPosition) {
     Recorder::Get().Attach({{"KV00A"}, {"KV00B"}, {"KV00C"}});
     Recorder::Get().FailNth("OpenCamera", 2);
     EXPECT_EQ(Read("KV00"), 2);
-    EXPECT_NE(m_printed.find("Open Camera 1 Failed\n"), std::string::npos);
+    EXPECT_TRUE(ReadSays("the second of three does not open"));
     EXPECT_EQ(m_serials.size(), 2u);
     EXPECT_EQ(m_widths.size(), 2u);
     EXPECT_EQ(m_heights.size(), 2u);
@@ -106,7 +110,7 @@ TEST_F(Discovery, ACameraThatDoesNotOpenIsSkippedAndNamedByItsPosition) {
 TEST_F(Discovery, ACameraWhoseSerialCannotBeReadIsSkipped) {
     Recorder::Get().FailNth("GetSerialNo", 1);
     EXPECT_EQ(Read("KV00"), 1);
-    EXPECT_NE(m_printed.find("Get Camera 0 Serial Failed\n"), std::string::npos);
+    EXPECT_TRUE(ReadSays("the first has no serial"));
 }
 
 TEST_F(Discovery, AnInstanceThatCannotBeMadeLowersTheTotal) {
@@ -119,12 +123,10 @@ TEST_F(Discovery, AnInstanceThatCannotBeMadeLowersTheTotal) {
 TEST_F(Discovery, ATotalThatCannotBeReadGivesNothing) {
     Recorder::Get().FailAlways("GetDeviceTotal");
     EXPECT_EQ(Count("KV00"), 0);
-    EXPECT_EQ(m_printed, "Device Total: 0\n");
-    EXPECT_TRUE(m_log.Has("PhysicalCameraThread: GetSpecifyTypeCameraCount ok1"));
+    EXPECT_TRUE(CountSays("no total"));
     EXPECT_EQ(Recorder::Get().Count("ReleaseCamera"), 0u) << "the count releases nothing";
     EXPECT_EQ(Read("KV00"), 0);
-    EXPECT_EQ(m_printed, "Device Total: 0\n");
-    EXPECT_TRUE(m_log.Has("PhysicalCameraThread: GetAllSpecifyTypeCameraInformation failed1"));
+    EXPECT_TRUE(ReadSays("no total"));
     EXPECT_EQ(Recorder::Get().Count("ReleaseCamera"), 1u);
 }
 
@@ -167,7 +169,7 @@ TEST_F(Discovery, ASerialThatDoesNotFitItsBufferIsCut) {
 
 TEST_F(Discovery, TheCountIsTheLibrarysTotal) {
     EXPECT_EQ(Count("KV00"), 2);
-    EXPECT_TRUE(m_log.Has("PhysicalCameraThread: GetSpecifyTypeCameraCount tmpCameraNum=2"));
+    EXPECT_TRUE(CountSays("two cameras"));
     EXPECT_EQ(Recorder::Get().Calls(), (Calls{"CreateCamera(KV00)", "GetDeviceTotal(C1)"}));
 }
 

@@ -2,38 +2,28 @@
 #include <gtest/gtest.h>
 
 #include <new>
-#include <sstream>
 #include <utility>
 
 #include "interface/Connected.h"
-#include "support/LogCapture.h"
+#include "support/Golden.h"
 
 namespace Korvex3Sync::tests {
 namespace {
 
 using recorder::Recorder;
-using testing::HasSubstr;
 using Calls = std::vector<std::string>;
 
-constexpr char kEndRecord[] = "KorvexSyncControl: tmpBuf=End Function DisConnectDevice";
+using support::MatchesGolden;
+using support::Output;
 
-std::string Pointer(const void* pointer) {
-    std::ostringstream text;
-    text << pointer;
-    return text.str();
-}
-
-class ConnectionExports : public Connected {
-protected:
-    support::LogCapture m_log;
-};
+class ConnectionExports : public Connected {};
 
 TEST_F(ConnectionExports, ASuccessfulConnectGivesAHandleAndSaysSo) {
+    Output output;
     EXPECT_EQ(Connect(), STATUS_SUCCESS);
     ASSERT_NE(m_handle, nullptr);
-    EXPECT_TRUE(m_log.Has("KorvexSyncControl: ConnectDevice enter"));
-    EXPECT_TRUE(m_log.Has("KorvexSyncControl: Success Connnect Device hSync=" + Pointer(m_handle)));
-    EXPECT_TRUE(m_log.Has("KorvexSyncControl: ConnectDevice leave"));
+    output.Name(m_handle, "handle");
+    EXPECT_TRUE(MatchesGolden("ConnectDevice", "connected", output.End()));
 }
 
 TEST_F(ConnectionExports, AFailedConnectLeavesTheHandleAndDestroysTheManager) {
@@ -41,23 +31,19 @@ TEST_F(ConnectionExports, AFailedConnectLeavesTheHandleAndDestroysTheManager) {
     int mine = 0;
     void* handle = &mine;
     std::string serial = "KV00R1";
-    testing::internal::CaptureStdout();
+    Output output;
     EXPECT_EQ(ConnectDevice("any", "BOARD", {serial.data()}, {8}, {4}, handle), STATUS_CAMERA);
-    EXPECT_THAT(testing::internal::GetCapturedStdout(), HasSubstr("End Disconnect\n"));
+    EXPECT_TRUE(MatchesGolden("ConnectDevice", "a camera does not open", output.End()));
     EXPECT_EQ(handle, &mine);
-    EXPECT_TRUE(m_log.Has("KorvexSyncControl: Connect Device Failed!"));
-    EXPECT_TRUE(m_log.Has(kEndRecord));
-    EXPECT_TRUE(m_log.Has("KorvexSyncControl: ConnectDevice leave"));
     EXPECT_EQ(Recorder::Get().Calls().back(), "zr3DExitHidDev(B1)");
 }
 
 TEST_F(ConnectionExports, AConnectThatRunsOutOfMemoryIsAFailedOne) {
     Recorder::Get().OnCall("StartCamera", [] { throw std::bad_alloc(); });
+    Output output;
     EXPECT_EQ(Connect(), STATUS_FAILED);
+    EXPECT_TRUE(MatchesGolden("ConnectDevice", "out of memory", output.End()));
     EXPECT_EQ(m_handle, nullptr);
-    EXPECT_TRUE(m_log.Has("KorvexSyncControl: Connect Device Failed!"));
-    EXPECT_TRUE(m_log.Has(kEndRecord));
-    EXPECT_TRUE(m_log.Has("KorvexSyncControl: ConnectDevice leave"));
     EXPECT_EQ(Recorder::Get().Count("ReleaseCamera"), 1u);
     EXPECT_EQ(Recorder::Get().Calls().back(), "zr3DExitHidDev(B1)");
 }
@@ -84,13 +70,11 @@ TEST_F(ConnectionExports, SerialsOfTenThousandBytesAreRefusedLikeAnyUnknownOne) 
 
 TEST_F(ConnectionExports, DisconnectNullsTheHandleAndASecondOneIsNotConnected) {
     ASSERT_EQ(Connect(), STATUS_SUCCESS);
-    const std::string record = "KorvexSyncControl: DisConnectDevice hSync=" + Pointer(m_handle);
-    testing::internal::CaptureStdout();
+    Output output;
+    output.Name(m_handle, "handle");
     EXPECT_EQ(DisConnectDevice(m_handle), STATUS_SUCCESS);
-    EXPECT_THAT(testing::internal::GetCapturedStdout(), HasSubstr("End Disconnect\n"));
+    EXPECT_TRUE(MatchesGolden("DisConnectDevice", "connected", output.End()));
     EXPECT_EQ(m_handle, nullptr);
-    EXPECT_TRUE(m_log.Has(record));
-    EXPECT_TRUE(m_log.Has(kEndRecord));
     EXPECT_EQ(DisConnectDevice(m_handle), STATUS_NOT_CONNECTED);
 }
 
@@ -119,14 +103,13 @@ TEST_F(ConnectionExports, ABoardResetWithoutAHandleRunsDirectInEitherMode) {
     for (bool service : {false, true}) {
         Recorder::Get().Reset();
         SwitchOnDeviceService(service);
-        testing::internal::CaptureStdout();
+        Output output;
         EXPECT_EQ(ReconnectDevice(nullptr, true, false), STATUS_SUCCESS);
-        EXPECT_THAT(testing::internal::GetCapturedStdout(), HasSubstr("End Disconnect\n"));
+        EXPECT_TRUE(MatchesGolden("ReconnectDevice", "board reset without a handle", output.End()));
         EXPECT_EQ(Recorder::Get().Calls(),
                   (Calls{"zr3DInitHidDev(null, 3267, 5752, )", "zr3DResetFPGA(B1)",
                          "zr3DProject(B1, 0)", "zr3DExitHidDev(B1)"}));
     }
-    EXPECT_TRUE(m_log.Has("KorvexSyncControl: ReconnectDevice enter"));
 }
 
 TEST_F(ConnectionExports, ABoardResetThroughAHandleIgnoresTheMode) {
@@ -141,26 +124,28 @@ TEST_F(ConnectionExports, TheFastFirmwareQueryNeedsASerialOnly) {
     EXPECT_EQ(GetFirewareVersion(nullptr, version), STATUS_PARAMETER);
     EXPECT_EQ(version, "before");
     SwitchOnDeviceService(true);
+    Output output;
     EXPECT_EQ(GetFirewareVersion("SN", version), STATUS_SUCCESS);
+    EXPECT_TRUE(MatchesGolden("GetFirewareVersion", "by serial", output.End()));
     EXPECT_EQ(version, "9.8.7");
-    EXPECT_TRUE(m_log.Has("KorvexSyncControl: Firmware version: 9.8.7"));
     EXPECT_EQ(Recorder::Get().Calls(), Calls{"zr3DQueryFirmwareVersionFast(SN)"});
     Recorder::Get().FailAlways("zr3DQueryFirmwareVersionFast");
+    Output failed;
     EXPECT_EQ(GetFirewareVersion("SN", version), STATUS_FAILED);
-    EXPECT_TRUE(m_log.Has("KorvexSyncControl: zr3DQueryFirmwareVersionFast Failed"));
+    EXPECT_TRUE(MatchesGolden("GetFirewareVersion", "by serial, failed", failed.End()));
 }
 
 TEST_F(ConnectionExports, TheFirmwareQueryNeedsAHandleOrADeviceType) {
     std::string version;
     EXPECT_EQ(GetFirewareVersion(nullptr, nullptr, "SN", version), STATUS_NOT_CONNECTED);
     EXPECT_TRUE(Recorder::Get().Calls().empty());
+    Output output;
     EXPECT_EQ(GetFirewareVersion(nullptr, "x", "SN", version), STATUS_SUCCESS);
+    EXPECT_TRUE(MatchesGolden("GetFirewareVersion", "by device type", output.End()));
     EXPECT_EQ(version, "1.2.3");
     EXPECT_EQ(Recorder::Get().Calls(), (Calls{"zr3DInitHidDev(null, 3267, 5752, SN)",
                                               "zr3DQueryProjectorFirewareVersion(B1)",
                                               "zr3DProject(B1, 0)", "zr3DExitHidDev(B1)"}));
-    EXPECT_TRUE(m_log.Has("KorvexSyncControl: versionString=1.2.3"));
-    EXPECT_TRUE(m_log.Has("KorvexSyncControl: GetFirewareVersion leave"));
 }
 
 TEST_F(ConnectionExports, TheFirmwareQueryInServiceModeNeedsAClient) {
@@ -173,9 +158,9 @@ TEST_F(ConnectionExports, TheFirmwareQueryInServiceModeNeedsAClient) {
 TEST_F(ConnectionExports, AFailedFirmwareQueryWithoutAHandleEndsInANullDisconnect) {
     Recorder::Get().FailAlways("zr3DInitHidDev");
     std::string version;
+    Output output;
     EXPECT_EQ(GetFirewareVersion(nullptr, "x", "SN", version), STATUS_PROJECTOR);
-    EXPECT_TRUE(m_log.Has("KorvexSyncControl: Get FWVersion Failed"));
-    EXPECT_TRUE(m_log.Has("KorvexSyncControl: DisConnectDevice hSync=" + Pointer(nullptr)));
+    EXPECT_TRUE(MatchesGolden("GetFirewareVersion", "by device type, no board", output.End()));
 }
 
 TEST_F(ConnectionExports, AFirmwareQueryThroughAHandleKeepsTheConnectionWhenItSucceeds) {
@@ -191,12 +176,11 @@ TEST_F(ConnectionExports, AFailedFirmwareQueryThroughAHandleEndsTheConnection) {
     void* const stale = std::exchange(m_handle, nullptr);  // must not be used again
     Recorder::Get().FailAlways("zr3DQueryProjectorFirewareVersion");
     std::string version;
+    Output output;
+    output.Name(stale, "handle");
     EXPECT_EQ(GetFirewareVersion(stale, nullptr, nullptr, version), STATUS_FAILED);
+    EXPECT_TRUE(MatchesGolden("GetFirewareVersion", "by handle, failed", output.End()));
     EXPECT_EQ(Recorder::Get().Calls().back(), "zr3DExitHidDev(B1)");
-    EXPECT_TRUE(m_log.Has("KorvexSyncControl: Get FWVersion Failed"));
-    EXPECT_TRUE(m_log.Has("KorvexSyncControl: DisConnectDevice hSync=" + Pointer(stale)));
-    EXPECT_TRUE(m_log.Has(kEndRecord));
-    EXPECT_TRUE(m_log.Has("KorvexSyncControl: GetFirewareVersion leave"));
 }
 
 TEST_F(ConnectionExports, AFirmwareQueryThatRunsOutOfMemoryEndsTheConnectionToo) {
@@ -204,10 +188,11 @@ TEST_F(ConnectionExports, AFirmwareQueryThatRunsOutOfMemoryEndsTheConnectionToo)
     void* const stale = std::exchange(m_handle, nullptr);
     Recorder::Get().OnCall("zr3DQueryProjectorFirewareVersion", [] { throw std::bad_alloc(); });
     std::string version;
+    Output output;
+    output.Name(stale, "handle");
     EXPECT_EQ(GetFirewareVersion(stale, nullptr, nullptr, version), STATUS_FAILED);
+    EXPECT_TRUE(MatchesGolden("GetFirewareVersion", "by handle, out of memory", output.End()));
     EXPECT_EQ(Recorder::Get().Calls().back(), "zr3DExitHidDev(B1)");
-    EXPECT_TRUE(m_log.Has("KorvexSyncControl: DisConnectDevice hSync=" + Pointer(stale)));
-    EXPECT_TRUE(m_log.Has("KorvexSyncControl: GetFirewareVersion leave"));
 }
 
 }  // namespace

@@ -1,12 +1,14 @@
 #include <gtest/gtest.h>
 
 #include "interface/Connected.h"
-#include "support/LogCapture.h"
+#include "support/Golden.h"
 
 namespace Korvex3Sync::tests {
 namespace {
 
 using recorder::Recorder;
+using support::MatchesGolden;
+using support::Output;
 
 class DiscoveryExports : public Connected {
 protected:
@@ -19,7 +21,6 @@ protected:
         return GetCamerasInformation(type, m_serials, m_widths, m_heights, m_isColor, m_count);
     }
 
-    support::LogCapture m_log;
     std::vector<char*> m_serials;
     std::vector<int> m_widths;
     std::vector<int> m_heights;
@@ -28,21 +29,22 @@ protected:
 };
 
 TEST_F(DiscoveryExports, ListsEveryCameraAndLogsTheVersion) {
+    Output output;
     EXPECT_EQ(Read("KV00"), STATUS_SUCCESS);
+    EXPECT_TRUE(MatchesGolden("GetCamerasInformation", "two cameras", output.End()));
     EXPECT_EQ(m_count, 2);
     EXPECT_STREQ(m_serials[0], "KV00R1");
     EXPECT_STREQ(m_serials[1], "KV00R1");
-    EXPECT_TRUE(m_log.Has("KorvexSyncControl: zr3DHandiSync version: 1.2.0.1"));
-    EXPECT_TRUE(m_log.Has("KorvexSyncControl: SerialsCount:2cameraCount:2"));
 }
 
 TEST_F(DiscoveryExports, AppendsWithoutClearing) {
     EXPECT_EQ(Read("KV00"), STATUS_SUCCESS);
+    Output output;
     EXPECT_EQ(Read("KV00"), STATUS_SUCCESS);
+    EXPECT_TRUE(MatchesGolden("GetCamerasInformation", "two cameras, again", output.End()));
     EXPECT_EQ(m_count, 2);
     EXPECT_EQ(m_serials.size(), 4u);
     EXPECT_EQ(m_isColor.size(), 4u);
-    EXPECT_TRUE(m_log.Has("KorvexSyncControl: SerialsCount:4cameraCount:2"));
 }
 
 TEST_F(DiscoveryExports, SucceedsWithNothingFoundAndForANullType) {
@@ -51,12 +53,14 @@ TEST_F(DiscoveryExports, SucceedsWithNothingFoundAndForANullType) {
         EXPECT_EQ(Read(type), STATUS_SUCCESS);
         EXPECT_EQ(m_count, 0);
         int count = 9;
+        Output output;
         EXPECT_EQ(GetCameraCount(type, count), STATUS_SUCCESS);
+        EXPECT_TRUE(MatchesGolden(
+            "GetCameraCount", type == nullptr || *type == 0 ? "no camera, empty type" : "no camera",
+            output.End()));
         EXPECT_EQ(count, 0) << "also when no instance can be made";
     }
     EXPECT_TRUE(m_serials.empty());
-    EXPECT_TRUE(m_log.Has("KorvexSyncControl: GetCameraCount enter"));
-    EXPECT_TRUE(m_log.Has("KorvexSyncControl: GetCameraCount leave"));
 }
 
 TEST_F(DiscoveryExports, NeedsAClientInServiceMode) {
@@ -70,8 +74,9 @@ TEST_F(DiscoveryExports, TheUsbCheckIsTheSameInEitherMode) {
     bool onU3 = false;
     for (bool service : {false, true}) {
         SwitchOnDeviceService(service);
+        Output output;
         EXPECT_EQ(IsConnectedOnU3("ignored", onU3), STATUS_FAILED);
-        EXPECT_TRUE(m_log.Has("KorvexSyncControl: IsConnectedOnU3 enter"));
+        EXPECT_TRUE(MatchesGolden("IsConnectedOnU3", "no board", output.End()));
     }
     Recorder::Get().SetUsbPaths({"HCD[0]-UPT[4]-DEV"});
     EXPECT_EQ(IsConnectedOnU3(nullptr, onU3), STATUS_SUCCESS);

@@ -21,11 +21,9 @@ class AroundReconnection : public ReconnectedManager {};
 
 TEST_F(AroundReconnection, CamerasThatWereClosedStayClosedUntilAReconnection) {
     Connect();
-    testing::internal::CaptureStdout();
+    support::Output output;
     EXPECT_EQ(m_manager->Cameras().ReleaseCamera(), STATUS_SUCCESS);
-    EXPECT_THAT(testing::internal::GetCapturedStdout(),
-                testing::HasSubstr("ReInitializeCamera success\n"));
-    EXPECT_TRUE(m_log.Has("ManagerSync: ReleaseCamera success"));
+    EXPECT_TRUE(support::MatchesGolden("ReleaseCamera", "released", output.End()));
     EXPECT_EQ(Since(), Calls{"ReleaseCamera(C1)"});
     const auto snaps = Recorder::Get().Count("SnapShot");
     EXPECT_EQ(m_manager->Cameras().ReleaseCamera(), STATUS_SUCCESS) << "again";
@@ -147,7 +145,6 @@ TEST_F(AroundReconnection, OneThatRunsOutOfMemoryLetsEverythingGoOn) {
     m_manager->Status().SetStatusCallBackFunction(&IgnoreStatus, &m_frames);
     Recorder::Get().OnCall("GetDeviceType", [] { throw std::bad_alloc(); });
     EXPECT_THROW(Reconnect(), std::bad_alloc);
-    testing::internal::GetCapturedStdout();
     EXPECT_TRUE(FramesFlow()) << "the cameras are not paused";
     const auto polls = Recorder::Get().Count("zr3DQueryCurrentStatus");
     EXPECT_TRUE(Recorder::Get().WaitForCount("zr3DQueryCurrentStatus", polls + 2))

@@ -4,12 +4,11 @@
 
 #include <cstdint>
 #include <memory>
-#include <sstream>
 #include <string>
 #include <vector>
 
 #include "platform/os/TimeScale.h"
-#include "support/LogCapture.h"
+#include "support/Golden.h"
 #include "support/PackedFrames.h"
 #include "sync/Head.h"
 
@@ -32,26 +31,16 @@ protected:
                   STATUS_SUCCESS);
         m_connected = recorder::Recorder::Get().Calls().size();
     }
-    /// Reconnects; keeps what was printed and logged meanwhile, without what grab threads said.
+    /// Reconnects; keeps what was logged and printed meanwhile.
     int Reconnect() {
-        const std::size_t records = m_log.Records().size();
-        testing::internal::CaptureStdout();
+        support::Output output;
         const int result = m_manager->ReConnectDeviceEx();
-        std::istringstream printed(testing::internal::GetCapturedStdout());
-        m_printed.clear();
-        for (std::string line; std::getline(printed, line);) {
-            if (!line.ends_with(" Snap Failed")) {
-                m_printed.push_back(line);
-            }
-        }
-        m_logged.clear();
-        const auto all = m_log.Records();
-        for (std::size_t i = records; i < all.size(); ++i) {
-            if (all[i].starts_with("ManagerSync: ")) {
-                m_logged.push_back(all[i].substr(13));
-            }
-        }
+        m_output = output.End();
         return result;
+    }
+    /// Whether the last Reconnect logged and printed what it should.
+    testing::AssertionResult Says(const std::string& section) const {
+        return support::MatchesGolden("ReConnectDeviceEx", section, m_output);
     }
     /// The calls since the connect.
     Calls Since() const {
@@ -69,9 +58,7 @@ protected:
     }
 
     os::ScopedTimeScale m_scale{0.01};
-    support::LogCapture m_log;
-    std::vector<std::string> m_printed;
-    std::vector<std::string> m_logged;
+    std::vector<std::string> m_output;
     std::unique_ptr<IManagerSync> m_manager = std::make_unique<IManagerSync>();
     std::size_t m_connected = 0;
     std::uint64_t m_frames = 0;

@@ -1,6 +1,5 @@
 #include <gmock/gmock.h>
 
-#include <algorithm>
 #include <chrono>
 #include <thread>
 
@@ -54,15 +53,7 @@ TEST_F(Reconnection, ReopensBoardAndCamerasAndWritesEverythingBackInOrder) {
                      "zr3DQueryCurrentStatus(B2)", "CloseCamera(C2)",
                      "OpenCamera(C2, KV00R1, 8, 4)", "GetDeviceType(C2)", "StartCamera(C2, 0)"} +
                FreshSettings("B2") + Calls{"zr3DEnableHeartbeat(B2, 1)"}));
-    EXPECT_EQ(m_printed, (Calls{"ReInitializeCamera success", "Start Reconnect Device Function",
-                                "Init Projector First time success", "QueryCurrentStatus success",
-                                "ReOpenCamera success"}));
-    EXPECT_EQ(m_logged, (Calls{"ReInitializeCamera success", "Start Reconnect Device Function",
-                               "IShotSync::ExitProjector 0", "IShotSync::ExitProjector 1",
-                               " InitProjector In IManagerSync ", " InitProjector pcbSerial=BOARD",
-                               "Init Projector First time success", "QueryCurrentStatus success.",
-                               "ReOpenCamera success", "ReConnectDeviceEx ret=0",
-                               "ReConnectDeviceEx ret=0"}));
+    EXPECT_TRUE(Says("reconnected"));
     EXPECT_TRUE(FramesFlow());
 }
 
@@ -112,11 +103,7 @@ TEST_F(Reconnection, ABoardThatDoesNotOpenIsOneAndTheCamerasGoOn) {
     EXPECT_EQ(Reconnect(), 1);
     EXPECT_EQ(Since(),
               (Calls{"ReleaseCamera(C1)", "CreateCamera(KV00R1)", "zr3DExitHidDev(B1)", kOpen}));
-    EXPECT_EQ(m_printed, (Calls{"ReInitializeCamera success", "Start Reconnect Device Function",
-                                "Init Projector First time failed"}));
-    EXPECT_THAT(m_logged, Contains("Init Projector First time failed"));
-    EXPECT_EQ(m_logged.back(), "ReConnectDeviceEx ret=1");
-    EXPECT_EQ(std::count(m_logged.begin(), m_logged.end(), m_logged.back()), 1);
+    EXPECT_TRUE(Says("the board does not open"));
     EXPECT_EQ(m_manager->Board().Project(PROJECT_PATTERN_1), STATUS_NOT_CONNECTED);
     const auto snaps = Recorder::Get().Count("SnapShot");
     EXPECT_TRUE(Recorder::Get().WaitForCount("SnapShot", snaps + 2)) << "the thread was resumed";
@@ -142,32 +129,7 @@ TEST_F(Reconnection, ASilentBoardIsRestartedAndTriedOnceMoreThenItIsThree) {
     EXPECT_EQ(Since(), (Calls{"ReleaseCamera(C1)", "CreateCamera(KV00R1)", "zr3DExitHidDev(B1)",
                               kOpen, "zr3DQueryCurrentStatus(B2)", "zr3DResetDevice(B2)",
                               "zr3DExitHidDev(B2)", kOpen, "zr3DQueryCurrentStatus(B3)"}));
-    EXPECT_EQ(
-        m_printed,
-        (Calls{"ReInitializeCamera success", "Start Reconnect Device Function",
-               "Init Projector First time success", "Start Send Restart Report Command to Device",
-               "Send Restart Report Command to Device", "Start Reconnect Device Function",
-               "Init Projector First time success", "End Reconnect Device Second time, ret = 3"}));
-    EXPECT_EQ(m_logged, (Calls{"ReInitializeCamera success",
-                               "Start Reconnect Device Function",
-                               "IShotSync::ExitProjector 0",
-                               "IShotSync::ExitProjector 1",
-                               " InitProjector In IManagerSync ",
-                               " InitProjector pcbSerial=BOARD",
-                               "Init Projector First time success",
-                               "QueryCurrentStatus failed.",
-                               "ReConnectDeviceEx ret=3",
-                               "Start Send Restart Report Command to Device",
-                               "Send Restart Report Command to Device",
-                               "Start Reconnect Device Function",
-                               "IShotSync::ExitProjector 0",
-                               "IShotSync::ExitProjector 1",
-                               " InitProjector In IManagerSync ",
-                               " InitProjector pcbSerial=BOARD",
-                               "Init Projector First time success",
-                               "QueryCurrentStatus failed.",
-                               "ReConnectDevice ret=3",
-                               "ReConnectDeviceEx ret=3"}));
+    EXPECT_TRUE(Says("the board is silent"));
 }
 
 TEST_F(Reconnection, ABoardIsGivenSevenSecondsToRestart) {
@@ -194,8 +156,7 @@ TEST_F(Reconnection, AStopEndsTheWaitForTheRestartAndTheBoardIsNotTriedAgain) {
     EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(100));
     other.join();
     EXPECT_EQ(Since().back(), "zr3DResetDevice(B2)");
-    EXPECT_EQ(m_printed.back(), "Send Restart Report Command to Device");
-    EXPECT_EQ(m_logged.back(), "ReConnectDeviceEx ret=3");
+    EXPECT_TRUE(Says("stopped while the board restarts"));
     const auto snaps = Recorder::Get().Count("SnapShot");
     EXPECT_TRUE(Recorder::Get().WaitForCount("SnapShot", snaps + 2)) << "the thread was resumed";
 }
@@ -204,7 +165,7 @@ TEST_F(Reconnection, ABoardThatAnswersAfterItsRestartIsReconnected) {
     Connect();
     Recorder::Get().FailNth("zr3DQueryCurrentStatus", 1);
     EXPECT_EQ(Reconnect(), 0);
-    EXPECT_EQ(m_printed.back(), "End Reconnect Device Second time, ret = 0");
+    EXPECT_TRUE(Says("the board answers after its restart"));
     EXPECT_EQ(Since().back(), "zr3DEnableHeartbeat(B3, 1)");
     EXPECT_TRUE(FramesFlow());
 }
@@ -214,8 +175,7 @@ TEST_F(Reconnection, ABoardThatIsGoneAfterItsRestartIsOne) {
     Recorder::Get().FailNth("zr3DQueryCurrentStatus", 1);
     Recorder::Get().FailNth("zr3DInitHidDev", 2);
     EXPECT_EQ(Reconnect(), 1);
-    EXPECT_EQ(m_printed.back(), "End Reconnect Device Second time, ret = 1");
-    EXPECT_EQ(m_logged.back(), "ReConnectDeviceEx ret=1");
+    EXPECT_TRUE(Says("the board is gone after its restart"));
     EXPECT_EQ(Recorder::Get().Count("zr3DEnableHeartbeat"), 0u);
 }
 
@@ -225,8 +185,7 @@ TEST_F(Reconnection, ABoardThatRefusesTheRestartIsNotTriedAgain) {
     Recorder::Get().FailAlways("zr3DResetDevice");
     EXPECT_EQ(Reconnect(), 3);
     EXPECT_EQ(Since().back(), "zr3DResetDevice(B2)");
-    EXPECT_THAT(m_printed, Not(Contains("Send Restart Report Command to Device")));
-    EXPECT_EQ(m_logged.back(), "ReConnectDeviceEx ret=3");
+    EXPECT_TRUE(Says("the board refuses the restart"));
 }
 
 TEST_F(Reconnection, ACameraThatDoesNotReopenIsLeftOutAndTheOthersComeBack) {
@@ -236,8 +195,7 @@ TEST_F(Reconnection, ACameraThatDoesNotReopenIsLeftOutAndTheOthersComeBack) {
         ConnectTwoCameras();
         Recorder::Get().FailNth(call, 1);
         EXPECT_EQ(Reconnect(), 0) << "a camera changes no result";
-        EXPECT_THAT(m_logged, Contains("ReOpenCamera failed"));
-        EXPECT_THAT(m_logged, Contains("ReOpenCamera success"));
+        EXPECT_TRUE(Says(std::string("the first of two cameras fails at ") + call));
         const Calls calls = Since();
         EXPECT_THAT(calls, Not(Contains("StartCamera(C3, 0)"))) << call;
         EXPECT_THAT(calls, Contains("StartCamera(C4, 0)")) << call;

@@ -9,6 +9,7 @@
 
 #include "platform/os/Event.h"
 #include "platform/os/TimeScale.h"
+#include "support/Golden.h"
 #include "support/LogCapture.h"
 #include "sync/Head.h"
 
@@ -16,6 +17,8 @@ namespace Korvex3Sync::tests {
 namespace {
 
 using recorder::Recorder;
+using support::MatchesGolden;
+using support::Output;
 using Pairs = std::vector<std::pair<int, int>>;
 
 constexpr std::chrono::seconds kDeadline{30};
@@ -61,6 +64,12 @@ protected:
         return m_poller.SetStatusCallBackFunction(callback, context);
     }
     RETSTATUS Report() { return Set(&Reports::Receive, &m_reports); }
+    /// Sets the callback and compares what that logs with the section.
+    void SetSays(const std::string& section, StatusCallBackFunction callback, void* context) {
+        Output output;
+        EXPECT_EQ(Set(callback, context), STATUS_SUCCESS);
+        EXPECT_TRUE(MatchesGolden("SetStatusCallBackFunction", section, output.End()));
+    }
     void Open() { ASSERT_EQ(m_board.InitProjector(""), STATUS_SUCCESS); }
     bool WaitForPolls(std::uint64_t more) {
         return Recorder::Get().WaitForCount("zr3DQueryCurrentStatus",
@@ -69,7 +78,6 @@ protected:
 
     os::ScopedTimeScale m_scale{0.05};
     Reports m_reports;
-    support::LogCapture m_log;
     os::CriticalSection m_device;
     TriggerStarts m_starts;
     BoardSession m_board{m_device, m_starts};
@@ -80,11 +88,10 @@ TEST_F(StatusThread, TheFirstCallComesOnTheFifthPollWithTheBytesCrossedOver) {
     Recorder::Get().SetValue("first", 17);
     Recorder::Get().SetValue("second", 34);
     Open();
-    EXPECT_EQ(Report(), STATUS_SUCCESS);
+    SetSays("first callback", &Reports::Receive, &m_reports);
     ASSERT_TRUE(m_reports.WaitFor(2));
     EXPECT_EQ(m_reports.pollsAtFirst, 5u);
     EXPECT_EQ(m_reports.Seen().front(), std::make_pair(34, 17));
-    EXPECT_TRUE(m_log.Has("ManagerSync: SetStatusCallBackFunction EnableHeartbeat."));
     EXPECT_EQ(Recorder::Get().Calls().back(), "zr3DEnableHeartbeat(B1, 1)");
 }
 
@@ -94,11 +101,10 @@ TEST_F(StatusThread, EveryChangeOfTheCallbackSkipsFourPollsAgain) {
     ASSERT_TRUE(m_reports.WaitFor(1));
     Reports other;
     const auto polls = Recorder::Get().Count("zr3DQueryCurrentStatus");
-    EXPECT_EQ(Set(&Reports::Receive, &other), STATUS_SUCCESS);
+    SetSays("another callback", &Reports::Receive, &other);
     ASSERT_TRUE(other.WaitFor(1));
     // The poll that was under way at the change may be the first of the four.
     EXPECT_GE(other.pollsAtFirst, polls + 4);
-    EXPECT_TRUE(m_log.Has("ManagerSync: SetStatusCallBackFunction EnableHeartbeat 1."));
     Set(nullptr, nullptr);
 }
 
@@ -106,9 +112,8 @@ TEST_F(StatusThread, ANullCallbackSwitchesTheHeartbeatOffAndSilencesTheThread) {
     Open();
     Report();
     ASSERT_TRUE(m_reports.WaitFor(1));
-    EXPECT_EQ(Set(nullptr, &m_reports), STATUS_SUCCESS);
+    SetSays("null callback", nullptr, &m_reports);
     EXPECT_EQ(Recorder::Get().Calls().back(), "zr3DEnableHeartbeat(B1, 0)");
-    EXPECT_TRUE(m_log.Has("ManagerSync: SetStatusCallBackFunction close heart beat."));
     const auto polls = Recorder::Get().Count("zr3DQueryCurrentStatus(B1)");
     const auto calls = m_reports.Seen().size();
     {
@@ -139,11 +144,9 @@ TEST_F(StatusThread, ANullContextSwitchesTheHeartbeatOffThoughTheCallbackRuns) {
 
 TEST_F(StatusThread, TheFirstCallStartsTheThreadEvenWithANullCallback) {
     Open();
-    EXPECT_EQ(Set(nullptr, nullptr), STATUS_SUCCESS);
+    SetSays("first callback is null", nullptr, nullptr);
     EXPECT_EQ(Recorder::Get().Calls().back(), "zr3DEnableHeartbeat(B1, 1)");
-    EXPECT_TRUE(m_log.Has("ManagerSync: pCallBack=0 m_bContinueStatusThread=0"));
-    Set(nullptr, nullptr);
-    EXPECT_TRUE(m_log.Has("ManagerSync: pCallBack=0 m_bContinueStatusThread=1"));
+    SetSays("null callback", nullptr, nullptr);
 }
 
 TEST_F(StatusThread, WithoutABoardEveryReportIs255) {
@@ -192,6 +195,7 @@ TEST_F(StatusThread, ACallbackMayPutAnotherInItsPlace) {
 }
 
 TEST_F(StatusThread, ACallbackThatThrowsLosesItsReportAndThePollsGoOn) {
+    const support::LogCapture log;
     Open();
     m_reports.action = [thrown = false]() mutable {
         if (!std::exchange(thrown, true)) {
@@ -200,7 +204,7 @@ TEST_F(StatusThread, ACallbackThatThrowsLosesItsReportAndThePollsGoOn) {
     };
     Report();
     EXPECT_TRUE(m_reports.WaitFor(2));
-    EXPECT_EQ(m_log.Errors(), 1);
+    EXPECT_EQ(log.Errors(), 1);
 }
 
 TEST_F(StatusThread, TheHeartbeatNeedsABoard) {
@@ -238,9 +242,8 @@ TEST_F(StatusThread, StaysAwayFromTheBoardUntilTheLastOneUnparksIt) {
 
 TEST(StatusThreadEnd, TheDestructorEndsTheThreadAtOnceAndSaysSo) {
     Recorder::Get().Reset();
-    support::LogCapture log;
     Reports reports;
-    testing::internal::CaptureStdout();
+    Output output(Output::Of::kOtherThreads);
     const auto begin = std::chrono::steady_clock::now();
     {
         os::ScopedTimeScale slow(1000);  // a poll period of 200 s: nobody may wait for it
@@ -250,9 +253,7 @@ TEST(StatusThreadEnd, TheDestructorEndsTheThreadAtOnceAndSaysSo) {
         ASSERT_TRUE(Recorder::Get().WaitForCount("zr3DQueryCurrentStatus", 1));
     }
     EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(100));
-    EXPECT_NE(testing::internal::GetCapturedStdout().find("Exit Status Thread\n"),
-              std::string::npos);
-    EXPECT_TRUE(log.Has("ManagerSync: Exit Status Thread"));
+    EXPECT_TRUE(MatchesGolden("StatusThreadFun", "ends", output.End()));
 }
 
 TEST(StatusThreadEnd, TheDestructorLeavesACameraAloneThatTheCallbackUses) {
