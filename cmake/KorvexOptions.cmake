@@ -5,7 +5,16 @@ option(KORVEX_THREAD_SAFETY "Treat clang's thread-safety findings as errors" OFF
 option(KORVEX_FUZZ "Build the fuzz targets (clang only)" OFF)
 option(KORVEX_COVERAGE "Count the lines that run (g++)" OFF)
 option(KORVEX_PRECOMPILE "Precompile the headers that take most of the compile time" OFF)
+option(KORVEX_STATIC_TESTS "Build the tests that only read files" ON)
 set(KORVEX_SANITIZE "" CACHE STRING "Sanitizers, as for -fsanitize= (for example address,undefined)")
+
+# A compiler cache, where the machine has one. It lies outside the checkout, and what one build
+# flavour compiled the others take when their flags are the same.
+find_program(KORVEX_CCACHE ccache)
+if(KORVEX_CCACHE AND NOT DEFINED CMAKE_CXX_COMPILER_LAUNCHER)
+    set(CMAKE_CXX_COMPILER_LAUNCHER ${CMAKE_COMMAND} -E env CCACHE_BASEDIR=${PROJECT_SOURCE_DIR}
+        CCACHE_NOHASHDIR=1 CCACHE_SLOPPINESS=pch_defines,time_macros ${KORVEX_CCACHE})
+endif()
 
 set(CMAKE_CXX_STANDARD 20)
 set(CMAKE_CXX_STANDARD_REQUIRED ON)
@@ -27,9 +36,6 @@ if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
 endif()
 target_include_directories(korvex_options INTERFACE ${PROJECT_SOURCE_DIR}/src
     ${PROJECT_SOURCE_DIR}/include)
-if(KORVEX_CHECKS)
-    target_compile_definitions(korvex_options INTERFACE KORVEX_CHECKS=1)
-endif()
 if(KORVEX_THREAD_SAFETY)
     target_compile_options(korvex_options INTERFACE -Wthread-safety -Werror=thread-safety)
 endif()
@@ -42,7 +48,15 @@ if(KORVEX_FUZZ)
     # Coverage feedback in everything that a fuzz target reaches.
     target_compile_options(korvex_options INTERFACE -fsanitize=fuzzer-no-link)
 endif()
-if(KORVEX_COVERAGE)
-    target_compile_options(korvex_options INTERFACE --coverage -fprofile-update=atomic)
-    target_link_options(korvex_options INTERFACE --coverage)
+if(KORVEX_PRECOMPILE AND CMAKE_CXX_COMPILER_ID MATCHES "Clang")
+    # The compiler cache compares precompiled headers, so they must not hold the time.
+    target_compile_options(korvex_options INTERFACE "SHELL:-Xclang -fno-pch-timestamp")
 endif()
+
+# Has the lines of a library counted that run in tests: korvex_count_lines(TARGET).
+function(korvex_count_lines target)
+    if(KORVEX_COVERAGE)
+        target_compile_options(${target} PRIVATE --coverage -fprofile-update=atomic)
+        target_link_options(${target} PUBLIC --coverage)
+    endif()
+endfunction()
