@@ -3,14 +3,15 @@
 namespace Korvex3Sync::tests {
 namespace {
 
-int g_int = 1;
-double g_double = 1.0;
-bool g_bool = true;
-char g_memory[256];
-char* g_buffer = g_memory;
-std::vector<double> g_exposures{1.0, 2.0};
-std::vector<int> g_gains{1, 2};
-ScanStatistics g_statistics;
+// Of each thread its own: exports are called on several threads at once.
+thread_local int g_int = 1;
+thread_local double g_double = 1.0;
+thread_local bool g_bool = true;
+thread_local char g_memory[256];
+thread_local char* g_buffer = g_memory;
+thread_local std::vector<double> g_exposures{1.0, 2.0};
+thread_local std::vector<int> g_gains{1, 2};
+thread_local ScanStatistics g_statistics;
 
 void OnSet(const void* const&, std::vector<unsigned char*>&, const int&, const int&,
            std::vector<int>&) {}
