@@ -16,8 +16,8 @@ using Calls = std::vector<std::string>;
 class Connection : public testing::Test {
 protected:
     Connection() { Recorder::Get().Reset(); }
-    RETSTATUS Connect(const SerialList& serials, std::vector<int> widths,
-                      std::vector<int> heights) {
+    RETSTATUS Connect(const SerialList& serials, const std::vector<int>& widths,
+                      const std::vector<int>& heights) {
         Output output;
         const RETSTATUS status =
             m_manager->Connect("any", "BOARD", serials.Pointers(), widths, heights);

@@ -64,7 +64,7 @@ TEST_F(Usb3Check, OneCallersUsbTreeIsNeverErasedByAnother) {
     std::thread other(ask);
     ask();
     other.join();
-    // Whoever asks builds, looks up and frees before the next begins.
+    // Each caller builds, looks up and frees before the next begins.
     std::vector<std::string> calls = Recorder::Get().CallsInOrder();
     ASSERT_EQ(calls.size(), 1200u);
     for (std::size_t i = 0; i < calls.size(); i += 3) {
