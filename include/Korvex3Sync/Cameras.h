@@ -5,55 +5,64 @@
 
 namespace Korvex3Sync {
 
-// The cameras of a connection. The operations that are not retired: return 6 for a null handle;
-// may be called from any thread, also from a status callback, but not from a scan callback; wait
-// for operations of other threads on the same handle, a reconnection included, and then block for
-// the camera's answer and for the times given below. GetConnectCameraCount waits for nothing. They
-// look neither at the board nor at whether it is marked lost. Where 7 is promised whatever the
-// camera does, 0 is still the answer when memory ran out.
+// Operations on the cameras of a connection. For all of them except the retired ones:
 //
-// All of them reach the first camera. A camera index is the position of a sensor in the head, 0 to
-// 3; it selects whose exposure and gain that camera takes or gives.
+// - They return 6 for a handle that is not a live connection.
+// - Any thread, including a status callback, may call them, but a scan callback must not.
+// - They wait until operations of other threads on the same handle have finished, including a
+//   reconnection. Then they block for the camera's answer and for the times given below.
+// - They work whether or not the board is open or marked lost.
+// - They return 0 if memory runs out, even where the comment says that they always return 7.
+//
+// All of them use the first camera of the connection. Exposure and gain belong to one sensor, which
+// is selected by its position in the head, 0 to 3.
 
-/// Number of cameras that were opened; a camera that several sensors share counts once. Cameras
-/// that were closed with CloseDeviceCamera count too. Returns 7.
+/// Gets the number of opened cameras. A camera that several sensors share counts once. Cameras that
+/// were closed with CloseDeviceCamera are included. Returns 7. Does not block.
 KORVEX3SYNC_API RETSTATUS GetConnectCameraCount(void* const& handle, int& count);
 
-/// Serial of the first camera. `cameraIndex` counts the entries of the list that the head was
-/// connected with, from 0. `serial` must be null on entry and receives a zero-terminated `new[]`
-/// buffer that the caller frees with `delete[]`; the text is empty when the camera does not answer.
+/// Gets the serial of the first camera. `cameraIndex` is an index, from 0, into the camera list
+/// that was given to ConnectDevice. `serial` must be null on entry. It receives a zero-terminated
+/// buffer, which the caller frees with `delete[]`. The text is empty if the camera does not answer.
 ///
-/// Returns 7; 6 for an index outside the list or a `serial` that is not null, which is left alone.
+/// Returns 7; 6 if the index is outside the list or `serial` is not null, and then leaves `serial`
+/// unchanged.
 KORVEX3SYNC_API RETSTATUS GetCameraSerialNumber(void* const& handle, const int& cameraIndex,
                                                 char*& serial);
 
-/// Size of one image in pixels. `cameraIndex` as for GetCameraSerialNumber.
+/// Gets the size of one image in pixels. `cameraIndex` is the same as for GetCameraSerialNumber.
 ///
-/// Returns 7, also when the camera does not answer: `width` and `height` are left alone then, so
-/// give them a value that is no size. 6 for an index outside the list, which leaves them alone too.
+/// Returns 7, even if the camera does not answer; 6 if the index is outside the list. In both cases
+/// `width` and `height` stay unchanged, so set them to 0 before the call.
 KORVEX3SYNC_API RETSTATUS GetCameraResolution(void* const& handle, const int& cameraIndex,
                                               int& width, int& height);
 
-/// Sets exposure and gain of one camera index. `exposure` is in milliseconds and goes out in whole
-/// tenths, cut down: 0.1 to 25.5 are set as they are. The camera is sent the tenths modulo 256, so
-/// 25.6 changes nothing and 30 sets 4.4. `gain` is in the camera's gain steps, 0 to 63 (modulo 64);
-/// a camera may refuse a part of these, and ours takes 0.1 to 0.3 ms with gain 0 at index 0 for the
-/// mere choice of an index. Of `cameraIndex` the two lowest bits count.
+/// Sets exposure and gain of one sensor.
 ///
-/// What was asked for is remembered as it was given, and written back by ReconnectDevice.
+/// - `cameraIndex`: the sensor, 0 to 3. Only the two lowest bits are used.
+/// - `exposure`: milliseconds, 0.1 to 25.5, truncated to tenths. The camera receives the tenths
+///   modulo 256: 30 sets 4.4, and 25.6 changes nothing.
+/// - `gain`: gain steps of the camera, 0 to 63 (modulo 64).
 ///
-/// Returns 7, also when the camera refuses, which is logged after a second try 20 ms later: read
-/// back what matters.
+/// A camera may support a smaller range. The included camera library changes nothing for sensor 0
+/// with 0.1 to 0.3 ms and gain 0: the protocol uses these values to select a sensor.
+///
+/// The library remembers the values as given, and ReconnectDevice writes them back.
+///
+/// Returns 7, even if the camera refuses: read the values back to be sure. After a refusal the
+/// library logs it and tries once more, 20 ms later.
 KORVEX3SYNC_API RETSTATUS SetCameraExposureAndGain(void* const& handle, const int& cameraIndex,
                                                    const double& exposure, const int& gain);
 
-/// Reads exposure (milliseconds) and gain (gain steps) of one camera index. Blocks for 40 ms.
+/// Gets the exposure (milliseconds) and the gain (gain steps) of one sensor. `cameraIndex` is the
+/// same as for SetCameraExposureAndGain. Blocks for 40 ms.
 ///
-/// Returns 7, also when the camera does not answer: `exposure` is 0 then, and `gain` is left alone.
+/// Returns 7, even if the camera does not answer. Then `exposure` is 0 and `gain` stays unchanged.
 KORVEX3SYNC_API RETSTATUS GetCameraExposureAndGain(void* const& handle, const int& cameraIndex,
                                                    double& exposure, int& gain);
 
-// Retired: they always return 5, look at nothing and touch nothing. Use the combined operations.
+// Retired: these functions ignore their arguments and always return 5. Use the functions above,
+// which handle exposure and gain together.
 
 KORVEX3SYNC_API RETSTATUS SetCameraExposure(void* const& handle, const int& cameraIndex,
                                             const double& exposure);

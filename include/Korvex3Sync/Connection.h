@@ -8,149 +8,174 @@
 
 namespace Korvex3Sync {
 
-// A device handle stands for one connected head. It comes from ConnectDevice and ends with
-// DisConnectDevice. Every function looks a handle up before it uses it: null, a closed handle and
-// any other value that is not a live connection is answered with 6, and outputs stay untouched. A
-// later connection may get the value of a closed one, so forget a handle when it is closed. A
-// handle is used in the mode (direct or service) in which it was made.
+// A device handle represents one connected head. ConnectDevice creates it, DisConnectDevice ends
+// it. Every function checks its handle: null, a closed handle and any other value that is not a
+// live connection returns 6 and leaves the outputs unchanged. A later connection may get the same
+// handle value, so do not keep copies of a closed handle. Use a handle only in the mode (direct or
+// service) in which it was created.
+//
+// "The board's answer" takes at most 500 ms per command with the included board library. "The
+// running iteration" of a camera is one snap, at most 100 ms with the included camera library, and
+// a scan callback. docs/threads.md describes the threads, the locks and what each call waits for.
 
-/// Chooses the mode: false is direct mode (the library drives board and cameras in this process),
-/// true is service mode (a device service does). To be called before any other operation, and not
-/// beside one.
+/// Selects the mode: false is direct mode (the library drives board and cameras in this process),
+/// true is service mode (a device service drives them). Call it before any other function, and not
+/// at the same time as another one.
 ///
-/// Returns 7 for false. In this version true stores the mode and returns 5: there is no service
-/// client yet, and every operation that would go to it answers 6.
+/// Returns 7 for false. For true, this version stores the mode and returns 5: there is no service
+/// client yet, and every operation that needs one returns 6. Does not block.
 KORVEX3SYNC_API RETSTATUS SwitchOnDeviceService(bool on);
 
-/// Connects a head: opens the board with the serial `projectorId` ("" takes any board), then the
-/// cameras, and starts grabbing.
+/// Connects a head: opens the board, then the cameras, and starts grabbing.
 ///
-/// `cameraNames` holds the camera serials, `cameraParamA` and `cameraParamB` the image width and
-/// height in pixels of each, as GetCamerasInformation gives them. Equal serials that stand next to
-/// each other share one camera, and only frames of a shared camera are paired into image sets.
-/// A camera opened with 0 x 0 takes its native size, but no sets are made of its frames.
-/// `deviceType` must not be null and is otherwise unused. What is given is needed during the call
-/// only. No settings are sent: the board goes on with those that it has.
+/// - `deviceType`: must not be null; otherwise unused.
+/// - `projectorId`: serial of the board; "" takes any board.
+/// - `cameraNames`, `cameraParamA`, `cameraParamB`: serial, image width and image height (pixels)
+///   of each camera, as GetCamerasInformation returns them. Entries with equal serials next to each
+///   other share one camera. Only a shared camera delivers image sets. A camera with the size 0 x 0
+///   opens with its native size, but its frames give no image sets.
 ///
-/// Returns 7 with the new handle in `handle`, also when a camera opens but does not start: no
-/// frames come from it then. Otherwise `handle` keeps its value: 3 for `deviceType` or
-/// `projectorId` null, an empty list or lists of unequal length; 1 when the board does not open; 2
-/// when a camera does not, for a null entry in `cameraNames`, and for more than 16 cameras or more
-/// than 16 equal serials side by side; 6 in service mode without a client. Any thread; blocks while
-/// the devices are opened.
+/// The arguments are used only during the call. No settings are sent: the board keeps its own.
+///
+/// Returns 7 and sets `handle`, even if a camera opens but does not start; that camera then gives
+/// no frames. Otherwise `handle` stays unchanged and everything is closed again:
+///
+/// - 1: the board does not open.
+/// - 2: a camera does not open, an entry of `cameraNames` is null, or there are more than 16
+///   cameras or more than 16 equal serials in a row.
+/// - 3: `deviceType` or `projectorId` is null, the lists are empty, or their lengths differ.
+/// - 6: service mode without a client.
+///
+/// Any thread, but not from a callback. Blocks while the devices open and for one answer of the
+/// board.
 KORVEX3SYNC_API RETSTATUS ConnectDevice(const char* const& deviceType,
                                         const char* const& projectorId,
                                         const std::vector<char*>& cameraNames,
                                         const std::vector<int>& cameraParamA,
                                         const std::vector<int>& cameraParamB, void*& handle);
 
-/// Ends a connection: stops its threads, closes cameras and board, frees everything, sets `handle`
-/// to null. No callback runs once it has returned. Other threads may be inside calls on the handle:
-/// new calls answer 6 from the start, calls that are inside are waited for, and a snapshot that
-/// waits for its frames fails at once.
+/// Ends a connection: stops its threads, closes cameras and board, frees everything and sets
+/// `handle` to null. After it has returned, no callback runs. Other threads may be in calls on the
+/// same handle: new calls return 6 at once, running calls are waited for, and a snapshot that waits
+/// for its frames fails at once.
 ///
-/// An open board is told to switch the projection off, and the heartbeat when EnableHeartbeat or
-/// SetStatusCallBackFunction last asked for it to be on. Lasers, strobe, distance LEDs and trigger
-/// stay as they are: switch them off before.
+/// Switches the projection off, and the heartbeat if EnableHeartbeat or SetStatusCallBackFunction
+/// last switched it on. Lasers, strobe, distance LEDs and trigger stay as they are: switch them off
+/// first.
 ///
-/// Returns 7; 6 for a handle that is not live: of two calls at the same time one returns 7 and the
-/// other 6. Blocks for the calls that are inside, a running callback, at most one snap (100 ms) per
-/// camera, and the board's answers when it is switched off and closed. Any thread, but never from a
-/// callback. While the cameras are being stopped, the status
-/// callback goes on as before; between the closing of the board and the end of the status thread it
-/// may be told 255 and 255.
+/// Until the board is closed, the status callback runs as usual. Then it may receive 255 and 255
+/// once before the status thread ends.
+///
+/// Returns 7; 6 for a handle that is not a live connection. Of two calls at the same time one
+/// returns 7 and the other 6. Any thread, but never from a callback. Blocks for running calls of
+/// other threads, the running iteration of each camera, a running status callback and up to three
+/// answers of the board.
 KORVEX3SYNC_API RETSTATUS DisConnectDevice(void*& handle);
 
-/// Closes and releases the cameras but keeps the connection: board operations go on as before, no
-/// frames come. ReconnectDevice brings the cameras back; DisConnectDevice ends the connection, from
-/// any thread.
+/// Closes the cameras but keeps the connection: board operations still work, but no frames arrive.
+/// ReconnectDevice opens the cameras again.
 ///
-/// Returns 7; 6 for a null handle. Any thread, but not from a callback; blocks for the running
-/// iteration of each camera (one snap of at most 100 ms and a running scan callback) and for
-/// operations of other threads.
+/// Returns 7; 6 for a handle that is not a live connection. Any thread, but not from a callback.
+/// Blocks for operations of other threads and for the running iteration of each camera.
 KORVEX3SYNC_API RETSTATUS CloseDeviceCamera(void* const& handle);
 
-/// Brings a head back whose board or cameras dropped out, or whose cameras were closed: closes and
-/// opens the board with the serial of ConnectDevice, reopens every camera, and writes back every
-/// light, trigger, exposure and gain setting that was made, also those that a lost board or a
-/// camera refused (but none that was answered 6). A board that opens and does not answer is
-/// restarted, and tried once more 7 s later. A running scan goes on; its callbacks stay set. The
-/// heartbeat is on afterwards.
+/// Reconnects a head whose board or cameras dropped out, or whose cameras were closed. It closes
+/// and reopens the board with the serial given to ConnectDevice, reopens every camera and writes
+/// back all light, trigger, exposure and gain settings. If the board opens but does not answer, the
+/// library restarts it and tries once more, 7 s later. A running scan continues, the callbacks stay
+/// set, and the heartbeat is on afterwards.
 ///
-/// Light and trigger settings that were never made are written too, with the library's first values
-/// (docs/guide.md lists them). The laser line work time is not restored: SetLaserLineWorkTime says
-/// what happens. A head that was connected with the serial "" may get another board.
+/// - A setting is written back as last requested, even if the board or the camera refused it, but
+///   not if the call returned 6.
+/// - Light and trigger settings that were never made get the library's initial values, which
+///   docs/guide.md lists.
+/// - The laser line work time is not written back: see SetLaserLineWorkTime.
+/// - A head that was connected with the serial "" may come back with another board.
+/// - A camera that does not reopen gives no frames but does not change the result. Check that image
+///   sets arrive, and reconnect again if they do not.
+/// - A board that is marked lost stays marked until the next good status poll, which needs a status
+///   callback. Until then board operations return 0.
 ///
-/// A camera that does not open gives no frames and changes no result: compare what arrives with
-/// what was connected, and reconnect again. A board that was marked lost stays marked until the
-/// next good status poll, so board operations may answer 0 until then; that needs a status
-/// callback.
+/// Returns 7; 6 for a handle that is not a live connection; 0 if the board does not open or does
+/// not answer. After a 0 the connection still exists and can be reconnected again. Until then its
+/// cameras are closed, and board operations return 6 if the board did not open.
 ///
-/// Returns 7; 6 for a null handle; 0 when the board does not open or does not answer. The
-/// connection stays then, without a board (operations answer 6) or with a silent one, and can be
-/// reconnected again; the cameras are closed too, until a later reconnection succeeds. Any thread,
-/// but not from a callback. Blocks for the running iteration of each camera, for opening the
-/// devices and about twenty-five answers of the board, and for the 7 s of a restart; operations of
-/// other threads wait meanwhile.
+/// Any thread, but not from a callback. Blocks for the running iteration of each camera, while the
+/// devices open, for about 25 answers of the board and, if the board is restarted, for 7 s and all
+/// of this once more. Operations of other threads wait, but not during the 7 s.
 KORVEX3SYNC_API RETSTATUS ReconnectDevice(void* const& handle);
 
-/// Resets the board: the whole device when `second` is true, else only its FPGA when `first` is
-/// true, else nothing. Cameras are not touched. Runs in direct mode always.
+/// Resets the board: the whole device if `second` is true, otherwise only its FPGA if `first` is
+/// true, otherwise nothing. Does not affect the cameras. Always runs in direct mode.
 ///
-/// A reset of the device loses the board's settings, and either reset stops the trigger; nothing is
-/// written back. A null handle takes any board, perhaps one that another connection uses, opened
-/// for this call only: at its end the projection is switched off and the board closed. A handle
-/// without an open board opens **any** board, perhaps another head's, and keeps it. Both open the
-/// board also when both flags are false.
+/// Both resets stop the trigger, and a reset of the device also loses the board's settings. Nothing
+/// is written back.
 ///
-/// Returns 7 when the board accepted the reset or none was asked for, 0 when it did not, 1 when no
-/// board opens. Any thread, but not from a callback; blocks for the board's answer and, where a
-/// board has to be opened, for that and for operations of other threads.
+/// The board is opened if necessary, even if both flags are false:
+///
+/// - With a null handle the function opens **any** board, possibly one that another connection
+///   uses. At the end it switches the projection off and closes the board.
+/// - With the handle of a connection whose board is not open, it opens **any** board, possibly that
+///   of another head, and the connection keeps it.
+///
+/// Returns 7 if the board accepted the reset or no flag was set; 0 if it refused; 1 if no board
+/// opens; 6 for a handle that is neither null nor a live connection. Any thread, but not from a
+/// callback. Blocks for the board's answer. If the board must be opened, also blocks while it opens
+/// and for operations of other threads.
 KORVEX3SYNC_API RETSTATUS ReconnectDevice(void* const& handle, const bool& first,
                                           const bool& second);
 
-/// Firmware version of the board with serial `projectorId` ("" takes any), without a connection.
+/// Gets the firmware version of the board with the serial `projectorId` ("" takes any board),
+/// without a connection. Works in both modes.
 ///
-/// Returns 7 with the text in `version`, 3 for a null serial, 0 when the board does not answer. Any
-/// thread, but not from a callback; blocks for the board's answer.
+/// Returns 7 and sets `version`; 3 if the serial is null; 0 if no such board answers. Any thread,
+/// but not from a callback. Blocks while the board opens and for its answer.
 KORVEX3SYNC_API RETSTATUS GetFirewareVersion(const char* projectorId, std::string& version);
 
-/// Firmware version through a connection, or, with a null `handle` and a non-null `deviceType`,
-/// of the board with serial `projectorId`, opened for this call only. The end of such a call
-/// switches the projection off, also on a board that another connection uses.
+/// Gets the firmware version of a board.
 ///
-/// Returns 7 with the text in `version`; 6 when both `handle` and `deviceType` are null, and in
-/// service mode without a client; 3 for a null serial where the board has to be opened; 1 when it
-/// does not open; 0 when it does not answer.
+/// - With the handle of a connection: of its board, which is opened first if it is not open. **If
+///   the query fails, the connection ends** as with DisConnectDevice, and its handle returns 6 from
+///   then on.
+/// - With a null `handle` and a `deviceType` that is not null: of the board with the serial
+///   `projectorId` ("" takes any board), which is opened for this call only. At the end the
+///   projection is switched off, even if another connection uses that board.
 ///
-/// **A query through a handle that fails ends the connection**, as DisConnectDevice does: the
-/// handle is unknown from then on, and answers 6. Any thread, but not from a callback. Blocks for
-/// the board's answer, and for a failed query as DisConnectDevice.
+/// Returns 7 and sets `version`; 6 if both `handle` and `deviceType` are null, if `handle` is
+/// neither null nor a live connection, and in service mode without a client; 3 if the board must be
+/// opened and `projectorId` is null; 1 if it does not open; 0 if it does not answer.
+///
+/// Any thread, but not from a callback. Blocks for operations of other threads and for the board's
+/// answer; a failed query also blocks like DisConnectDevice.
 KORVEX3SYNC_API RETSTATUS GetFirewareVersion(void* handle, const char* deviceType,
                                              const char* projectorId, std::string& version);
 
-/// Writes `length` bytes of `data` into the board's user memory. Address and length go to the board
-/// as they are; our board takes a page number 0..15 and 0..256 bytes. The rest of the 256-byte page
-/// is cleared to zeros. A write that fails half-way loses what the page had.
+/// Writes `length` bytes of `data` to one page of the board's user memory and fills the rest of the
+/// page with zeros. The library passes `address` and `length` to the board library unchecked; the
+/// included one takes the page number 0 to 15 and 0 to 256 bytes. A write that fails half-way loses
+/// the old content of the page. `data` is only read, during the call.
 ///
-/// Returns 7; 6 not connected; 0 when the board is lost or refuses. Any thread, also from a status
-/// callback, but not from a scan callback; blocks for the board's answers.
+/// Returns 7; 6 for a handle that is not a live connection or a board that is not open; 0 if the
+/// board is marked lost or refuses. Any thread, including a status callback, but not from a scan
+/// callback. Blocks for operations of other threads and for up to eight answers of the board.
 KORVEX3SYNC_API RETSTATUS WriteUserInfomation(void* const& handle, const int& address,
                                               const char* data, const int& length);
 
 /// Reads one page (256 bytes) of the board's user memory into the buffer that `data` points to. The
-/// buffer is the caller's and must hold at least 256 bytes; it stays as it is on failure.
+/// caller owns the buffer, which must hold at least 256 bytes. `address` is the page number, as for
+/// WriteUserInfomation. On failure the buffer stays unchanged.
 ///
-/// Returns 7; 6 not connected; 0 when the board is lost or refuses. Thread and blocking as for
-/// WriteUserInfomation.
+/// Results, threads and blocking time are those of WriteUserInfomation.
 KORVEX3SYNC_API RETSTATUS ReadUserInfomation(void* const& handle, const int& address, char*& data);
 
-/// Switches the board's heartbeat. `enable` is only read. It is sent to a board that is marked lost
-/// too, and remembered, also when it failed: DisConnectDevice switches the heartbeat off only where
-/// it was last asked for. ReconnectDevice switches it on whatever was asked for.
+/// Switches the board's heartbeat on or off. `enable` is only read. The command is sent even if the
+/// board is marked lost. The library remembers the value, even if the call fails: DisConnectDevice
+/// switches the heartbeat off only if it was last switched on. A successful ReconnectDevice always
+/// switches it on.
 ///
-/// Returns 7; 6 not connected; 0 when the board refuses. Thread and blocking as for
-/// WriteUserInfomation.
+/// Returns 7; 6 for a handle that is not a live connection or a board that is not open; 0 if the
+/// board refuses. Any thread, including a status callback, but not from a scan callback. Blocks for
+/// operations of other threads and for the board's answer.
 KORVEX3SYNC_API RETSTATUS EnableHeartbeat(void* const& handle, bool& enable);
 
 }  // namespace Korvex3Sync

@@ -1,6 +1,6 @@
 #pragma once
 
-/// Marks the exported functions.
+/// Marks the functions that the library exports.
 #if defined(_WIN32)
 #if defined(KORVEX3SYNC_BUILD)
 #define KORVEX3SYNC_API __declspec(dllexport)

@@ -1,6 +1,7 @@
 #pragma once
 
-/// The whole public interface of libKorvex3Sync. It needs the C++ standard library only.
+/// Includes the whole public interface of libKorvex3Sync, which needs only the C++ standard
+/// library.
 
 #include "Korvex3Sync/Cameras.h"
 #include "Korvex3Sync/Connection.h"

@@ -7,86 +7,89 @@
 
 namespace Korvex3Sync {
 
-/// What one connection has delivered and lost since it was made. Every frame and set that the
-/// library does not deliver is counted at the place where it went; docs/losses.md says what to do
-/// about each.
+/// Counts what a connection has delivered and lost since ConnectDevice. Every frame and every set
+/// that is not delivered is counted at the place where it got lost. docs/losses.md says what to do
+/// about each loss.
 ///
-/// Of the triggers that a head gave in the modes with mono frames, the library knows those whose
-/// key it has seen and those that are missing between them. At any moment
+/// Each mono frame carries a key, its trigger number modulo 256. From the keys the library knows
+/// which triggers are missing between the frames that arrived. At any moment
 ///
 ///     triggers = setsDelivered - repeatedKeys + missingKeys + setsWithoutCallback
 ///                + setsDropped + setsPending
 ///
-/// up to the last trigger whose mono frame has arrived, for a head with one camera, as long as no
-/// more than 255 triggers in a row are missing (keys count modulo 256). A frame that was lost in
-/// the grab thread, or that could not be taken apart, leaves a missing key as well as its count
-/// there.
+/// for the triggers up to the last one whose mono frame has arrived. The equation holds for a head
+/// with one camera, as long as no more than 255 triggers in a row are missing. A frame that was
+/// lost in the grab thread, or that could not be split into images, counts there and again as a
+/// missing key.
 ///
-/// A trigger of TRIGGER_SINGLE_COLOR gives no mono frame and stands in none of these figures; its
-/// colour frame is counted in colorForSnapshot or colorWithoutMono.
+/// A trigger of TRIGGER_SINGLE_COLOR gives no mono frame, so it is not part of the equation. Its
+/// colour frame counts in colorForSnapshot or colorWithoutMono.
 struct ScanStatistics {
-    /// Frames that a camera delivered and the grab thread accepted.
+    /// Frames that the grab threads accepted from the cameras.
     std::uint64_t framesAccepted = 0;
-    /// Sets that the scan callback was called with, counted when it has returned.
+    /// Calls of the scan callback that have returned.
     std::uint64_t setsDelivered = 0;
-    /// Those with a colour image.
+    /// Delivered sets with a colour image.
     std::uint64_t setsWithColor = 0;
-    /// Sets that now wait for their colour frame or for the next mono frame, or are being
-    /// delivered.
+    /// Sets that are waiting for their colour frame or the next mono frame, or are being delivered,
+    /// at this moment.
     std::uint64_t setsPending = 0;
 
     // Lost in the grab thread.
 
-    /// Snaps that gave no frame. An idle camera fails one about every 100 ms: without a running
-    /// trigger this is no loss.
+    /// Snaps that gave no frame. This is not a loss while the trigger is off: an idle camera fails
+    /// a snap about every 100 ms.
     std::uint64_t failedSnaps = 0;
-    /// Those of them in which the camera library had a frame and refused it (torn, incomplete).
+    /// Failed snaps in which the camera library refused a frame because it was torn or incomplete.
     std::uint64_t refusedFrames = 0;
-    /// Frames of a size or channel count that no image has.
+    /// Frames with an impossible size or channel count.
     std::uint64_t rejectedGeometry = 0;
 
     // Lost between the grab thread and the pairing.
 
-    /// Frames that could not be taken apart: no memory, or a camera that was connected without a
-    /// size.
+    /// Frames that could not be split into images: no memory, or the camera was connected with the
+    /// size 0 x 0.
     std::uint64_t undecodableFrames = 0;
-    /// Frames of a camera that serves no image pair.
+    /// Frames of a camera that delivers no image pair: its serial is not listed twice in a row.
     std::uint64_t unroutedFrames = 0;
 
     // Lost in the pairing.
 
-    /// Colour frames whose mono frame was not there any more, or never came.
+    /// Colour frames whose mono frame never arrived, or was no longer waiting.
     std::uint64_t colorWithoutMono = 0;
-    /// Sets delivered without colour although the trigger mode that was in force when the mono
-    /// frame arrived gives colour. A set whose colour frame a snapshot took is none of them.
+    /// Sets delivered without colour in a trigger mode that gives colour. The mode when the mono
+    /// frame arrived counts. Sets whose colour frame a snapshot took are not included.
     std::uint64_t monoWithoutColor = 0;
-    /// Mono frames with the key of the mono frame before: delivered, each as one set too many.
+    /// Mono frames with the same key as the one before. Each is delivered as an extra set.
     std::uint64_t repeatedKeys = 0;
-    /// Sets dropped because too many were waiting, because the waiting ones were cleared, or
-    /// because there was no memory for one more to wait.
+    /// Sets dropped because too many were waiting, or because there was no memory to keep another
+    /// one.
     std::uint64_t setsDropped = 0;
-    /// Keys whose mono frame never came, counted from each trigger start or reconnection on.
+    /// Triggers whose mono frame never arrived. Counting restarts with each start of the trigger
+    /// and with each reconnection.
     std::uint64_t missingKeys = 0;
-    /// Sets that were complete while no scan callback was set, whose callback threw, or for whose
-    /// callback there was no memory.
+    /// Complete sets that were not delivered: no scan callback was set, it threw, or there was no
+    /// memory to call it.
     std::uint64_t setsWithoutCallback = 0;
-    /// Colour frames that a snapshot took out of the stream; not lost.
+    /// Colour frames that a snapshot took. They are not lost.
     std::uint64_t colorForSnapshot = 0;
 
-    // Time in the scan callback, in microseconds, rounded up; 0 before the first call.
+    // Time spent in the scan callback, in microseconds, rounded up; 0 before the first call.
 
-    /// Half of the calls took no longer; at most 4 % above the true value.
+    /// Median: half of the calls took no longer. At most 4 % above the true value.
     std::uint64_t callbackP50Us = 0;
-    /// 99 % of the calls took no longer; at most 4 % above the true value.
+    /// 99th percentile: 99 % of the calls took no longer. At most 4 % above the true value.
     std::uint64_t callbackP99Us = 0;
+    /// The longest call; exact.
     std::uint64_t callbackLongestUs = 0;
 };
 
-/// What the connection has delivered and lost since ConnectDevice, a reconnection included. The
-/// figures of the pairing are of one moment.
+/// Gets the counters of a connection. They start at 0 in ConnectDevice and continue over a
+/// reconnection. The counters in the equation above are read at the same moment.
 ///
-/// Returns 7; 6 for a null handle and 4 in service mode, both leaving `statistics` as it is. Any
-/// thread, also from a callback, also while another operation or a callback runs. Does not block.
+/// Returns 7; 6 for a handle that is not a live connection; 4 in service mode. `statistics` stays
+/// unchanged if the call fails. Any thread, including both callbacks, and at any time. Does not
+/// block.
 KORVEX3SYNC_API RETSTATUS GetScanStatistics(void* const& handle, ScanStatistics& statistics);
 
 }  // namespace Korvex3Sync

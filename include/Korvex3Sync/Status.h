@@ -4,29 +4,29 @@
 
 namespace Korvex3Sync {
 
-/// Result of every operation. Callers compare the numbers; they never change.
+/// Result of every operation. The numbers never change; only 7 means success.
 ///
-/// Every operation that takes memory answers 0 too when there was none, also one whose comment
-/// names no 0; so no 7 is promised without it. Outputs and settings may be half done then.
+/// Any operation that allocates memory returns 0 if memory runs out, even where its comment does
+/// not mention 0. Outputs and settings may then be partly written.
 enum RETSTATUS : int {
-    STATUS_FAILED = 0,            ///< the device or the library call failed, or memory ran out
+    STATUS_FAILED = 0,            ///< the device or the call failed, or memory ran out
     STATUS_PROJECTOR = 1,         ///< the board is not connected or could not be opened
     STATUS_CAMERA = 2,            ///< a camera is not connected or could not be opened
-    STATUS_PARAMETER = 3,         ///< bad parameter: null pointer, vectors of unequal length
-    STATUS_SYNCHRONISM_TYPE = 4,  ///< not available in the present mode (service mode)
-    STATUS_NOT_SUPPORTED = 5,     ///< operation not supported
-    STATUS_NOT_CONNECTED = 6,     ///< null handle, no board, or service mode without a client
-    STATUS_SUCCESS = 7            ///< done
+    STATUS_PARAMETER = 3,         ///< bad parameter, such as a null pointer
+    STATUS_SYNCHRONISM_TYPE = 4,  ///< not available in service mode
+    STATUS_NOT_SUPPORTED = 5,     ///< the operation is not supported
+    STATUS_NOT_CONNECTED = 6,     ///< no live connection, no open board, or no service client
+    STATUS_SUCCESS = 7            ///< success
 };
 
-/// Describes a status in words.
+/// Gets the text for a status.
 ///
-/// Does nothing when `text` is null on entry: pass any non-null pointer to receive a text. On
-/// return `text` points to a new zero-terminated buffer, which the caller frees with `delete[]`.
-/// The buffer that `text` pointed to before is neither read nor freed; it stays the caller's. A
-/// status outside 0..7 gives the empty text; `text` is null when memory ran out.
+/// `text` must not be null on entry; otherwise the function does nothing. On return it points to a
+/// new zero-terminated buffer, which the caller frees with `delete[]`, or is null if memory ran
+/// out. The function neither reads nor frees what `text` pointed to before. The text is empty for a
+/// status outside 0 to 7.
 ///
-/// Any thread; never blocks.
+/// Any thread, including both callbacks. Does not block.
 ///
 ///     char none = 0;
 ///     char* text = &none;
