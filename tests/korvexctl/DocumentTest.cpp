@@ -103,12 +103,9 @@ TEST(KorvexctlDocument, OtherPagesTellTheRangesOfTheSettings) {
     const auto field = [](const char* setting, std::size_t index = 0) -> const Field& {
         return korvexctl::RequireSetting(setting).fields.at(index);
     };
-    const auto range = [&](const char* setting) {
-        const Field& of = field(setting);
+    const auto range = [&](const char* setting, std::size_t index = 0) {
+        const Field& of = field(setting, index);
         return korvexctl::RangeText(of.low, of.high);
-    };
-    const auto dotted = [](const Field& of) {
-        return korvexctl::DecimalText(of.low) + ".." + korvexctl::DecimalText(of.high);
     };
     for (const Setting& setting : korvexctl::AllSettings()) {
         const std::string unit = setting.unit;
@@ -127,20 +124,20 @@ TEST(KorvexctlDocument, OtherPagesTellTheRangesOfTheSettings) {
                                  " for brightness and duty ratios, " +
                                  range("projector-work-time") + " for work times and " +
                                  range("trigger-period") + " for the trigger period"));
-    EXPECT_THAT(light, HasSubstr("Infrared laser level, " + range("ir-laser-level")));
-    EXPECT_THAT(light, HasSubstr("a type outside " + dotted(field("project"))));
-    EXPECT_THAT(light, HasSubstr("A route outside " + dotted(field("strobe")) +
-                                 " or a state outside " + dotted(field("strobe", 1))));
-    EXPECT_THAT(light,
-                HasSubstr("a state outside 1.." + korvexctl::DecimalText(field("distance").high)));
+    EXPECT_THAT(light, HasSubstr("level of the infrared laser, " + range("ir-laser-level")));
+    EXPECT_THAT(light, HasSubstr("A type outside " + range("project")));
+    EXPECT_THAT(light, HasSubstr("a route outside " + range("strobe") + " or a state outside " +
+                                 range("strobe", 1)));
+    EXPECT_THAT(
+        light, HasSubstr("A state outside 1 to " + korvexctl::DecimalText(field("distance").high)));
     EXPECT_THAT(Flowing("include/Korvex3Sync/Images.h"),
-                HasSubstr("A route outside " + dotted(field("strobe"))));
+                HasSubstr("`route` is outside " + range("strobe")));
 
     const Field& exposure = field("exposure.0");
     const std::string longest = korvexctl::DecimalText(exposure.high);
     const std::string cameras = Flowing("include/Korvex3Sync/Cameras.h");
-    EXPECT_THAT(cameras, HasSubstr("tenths, cut down: " + range("exposure.0") + " are set"));
-    EXPECT_THAT(cameras, HasSubstr("gain steps, " + range("gain.0") + ' '));
+    EXPECT_THAT(cameras, HasSubstr("milliseconds, " + range("exposure.0") + ", truncated"));
+    EXPECT_THAT(cameras, HasSubstr("gain steps of the camera, " + range("gain.0") + ' '));
     const std::string guide = Flowing("docs/guide.md");
     EXPECT_THAT(guide, HasSubstr("in steps of 0.1 up to " + longest));
     EXPECT_THAT(guide, HasSubstr("`SetIRLaserBrightnessLevel` (" + range("ir-laser-level") + ')'));
