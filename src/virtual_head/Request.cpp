@@ -91,6 +91,21 @@ void Replace(std::shared_ptr<VirtualHead> head) {
     }
 }
 
+/// Looks at the environment when nothing is decided. False, with one line in `error`, when the
+/// head that it names is refused.
+bool Decide(Requests& requests, std::string& error) KORVEX_REQUIRES(requests.mutex) {
+    const char* const request = requests.decided ? nullptr : std::getenv(kVariable);
+    requests.decided = true;
+    if (request == nullptr || *request == '\0') {
+        return true;
+    }
+    requests.head = MakeHead(std::string(request), error);
+    if (!requests.head) {
+        error = std::string(kVariable) + ": " + error;
+    }
+    return requests.head != nullptr;
+}
+
 }  // namespace
 
 bool RequestVirtualHead(const std::string& request, std::string& error) {
@@ -115,21 +130,32 @@ void WithdrawVirtualHead() {
     Replace(nullptr);
 }
 
+bool RequestHeadOfEnvironment(std::string& error) {
+    Requests& requests = TheRequests();
+    os::MutexGuard lock(requests.mutex);
+    return Decide(requests, error);
+}
+
 std::shared_ptr<VirtualHead> RequestedVirtualHead() {
     Requests& requests = TheRequests();
     os::MutexGuard lock(requests.mutex);
-    if (!requests.decided) {
-        requests.decided = true;
-        const char* const request = std::getenv(kVariable);
-        if (request != nullptr && *request != '\0') {
-            std::string error;
-            requests.head = MakeHead(std::string(request), error);
-            if (!requests.head) {
-                os::PrintError("%s: %s\n", kVariable, error.c_str());
-            }
-        }
+    std::string error;
+    if (!Decide(requests, error)) {
+        os::PrintError("%s\n", error.c_str());
     }
     return requests.head;
+}
+
+std::optional<std::vector<std::string>> SimulatedBoards() {
+    const auto head = RequestedVirtualHead();
+    if (!head) {
+        return std::nullopt;
+    }
+    std::vector<std::string> serials;
+    if (head->GetFaults().Board().Plugged().Here()) {
+        serials.push_back(head->Description().boardSerial);
+    }
+    return serials;
 }
 
 }  // namespace Korvex3Sync::virtual_head

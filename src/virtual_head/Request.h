@@ -1,7 +1,9 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <string>
+#include <vector>
 
 #include "virtual_head/base/Export.h"
 #include "virtual_head/config/HeadDescription.h"
@@ -18,6 +20,11 @@ KORVEX_VIRTUAL_HEAD_API bool RequestVirtualHead(const std::string& request, std:
 /// The same with a description of one's own.
 KORVEX_VIRTUAL_HEAD_API bool RequestVirtualHead(const HeadDescription& description,
                                                 std::string& error);
+/// Asks for the head that the environment variable KORVEX_VIRTUAL_HEAD names, unless a request was
+/// made before or the variable was looked at: a program that reports a refused head file itself
+/// calls this first. False, with one line in `error`, when the file is refused; true without a
+/// variable.
+KORVEX_VIRTUAL_HEAD_API bool RequestHeadOfEnvironment(std::string& error);
 /// Ends the request; from then on the platform libraries find nothing.
 KORVEX_VIRTUAL_HEAD_API void WithdrawVirtualHead();
 
@@ -25,5 +32,8 @@ KORVEX_VIRTUAL_HEAD_API void WithdrawVirtualHead();
 /// KORVEX_VIRTUAL_HEAD, unless a request was made before; a refused head file there is written to
 /// the standard error stream once, and no head exists.
 KORVEX_VIRTUAL_HEAD_API std::shared_ptr<VirtualHead> RequestedVirtualHead();
+/// The serials of the boards that are plugged in at the requested head, one or none; nothing
+/// without a head.
+KORVEX_VIRTUAL_HEAD_API std::optional<std::vector<std::string>> SimulatedBoards();
 
 }  // namespace Korvex3Sync::virtual_head

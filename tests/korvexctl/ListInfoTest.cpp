@@ -1,7 +1,11 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "korvexctl/CommandOverHead.h"
 #include "korvexctl/Korvexctl.h"
+#include "korvexctl/files/StandardOutput.h"
+#include "korvexctl/head/Boards.h"
+#include "os/FakeUsb.h"
 #include "virtual_head/TestFiles.h"
 
 namespace Korvex3Sync::tests {
@@ -18,7 +22,8 @@ TEST(KorvexctlList, ShowsBothSensorsOfTheVirtualHead) {
     const ChildResult result = RunKorvexctl({"--virtual", "list"});
     EXPECT_EQ(result.exitCode, 0);
     EXPECT_EQ(result.output,
-              "camera KV00A1001  1280 x 1024  colour\ncamera KV00A1001  1280 x 1024  colour\n");
+              "camera KV00A1001  1280 x 1024  colour\ncamera KV00A1001  1280 x 1024  colour\n"
+              "board VH3267-0001\n");
     EXPECT_THAT(result.error, IsEmpty());
 }
 
@@ -28,6 +33,8 @@ TEST(KorvexctlList, JsonIsOneDocumentWithTheCameras) {
     EXPECT_EQ(document["cameras"][0],
               (nlohmann::json{
                   {"serial", "KV00A1001"}, {"width", 1280}, {"height", 1024}, {"color", true}}));
+    EXPECT_EQ(document["boards"],
+              (nlohmann::json::array({{{"serial", "VH3267-0001"}, {"where", nullptr}}})));
     EXPECT_FALSE(document.contains("error"));
 }
 
@@ -67,12 +74,42 @@ TEST(KorvexctlList, AnUnknownTypeFindsNoCamera) {
     }
 }
 
+TEST(KorvexctlList, NamesTheBoardsThatTheSystemLists) {
+    virtual_head::WithdrawVirtualHead();
+    const FakeUsb usb;
+    usb.Add("2-1", "3267", "5752", "5000", "hidraw3", "K3-0007");
+    usb.Add("2-2", "3267", "5752", "5000", "hidraw4");
+    const auto boards = korvexctl::FindBoards(usb.Machine());
+    EXPECT_EQ(korvexctl::SerialsText(boards), "K3-0007");
+    const std::string where = "USB port 2-1, " + (usb.Path() / "dev/hidraw3").string();
+    EXPECT_EQ(ToJson(boards)[0], (nlohmann::json{{"serial", "K3-0007"}, {"where", where}}));
+    EXPECT_EQ(ToJson(boards)[1]["serial"], nullptr);
+    ::testing::internal::CaptureStdout();
+    {
+        korvexctl::StandardOutput standardOutput(false);
+        korvexctl::Output output(standardOutput, false);
+        Print(boards, output);
+    }
+    EXPECT_THAT(::testing::internal::GetCapturedStdout(),
+                AllOf(HasSubstr("board K3-0007  " + where + "\n"),
+                      HasSubstr("board without a serial  USB port 2-2, ")));
+}
+
+TEST(KorvexctlList, ASimulatedBoardThatIsGoneIsNotListed) {
+    const RequestedHead head(SmallHeadDescription());
+    ASSERT_TRUE(head->GetFaults().Board().Plugged().Vanish({}));
+    EXPECT_THAT(korvexctl::FindBoards(), IsEmpty());
+    head->GetFaults().Board().Plugged().Forget();
+}
+
 TEST(KorvexctlInfo, ShowsCamerasFirmwareAndSettings) {
     const ChildResult result = RunKorvexctl({"--virtual", "info"});
     EXPECT_EQ(result.exitCode, 0);
-    EXPECT_THAT(result.output, AllOf(HasSubstr("camera KV00A1001"), HasSubstr("firmware 1.4.0\n"),
-                                     HasSubstr("USB 3 yes\n"), HasSubstr("trigger-period 10 ms\n"),
-                                     HasSubstr("laser-line-work-time 1000 us\n")));
+    EXPECT_THAT(
+        result.output,
+        AllOf(HasSubstr("camera KV00A1001"), HasSubstr("\nboard VH3267-0001\n"),
+              HasSubstr("firmware 1.4.0\n"), HasSubstr("USB 3 yes\n"),
+              HasSubstr("trigger-period 10 ms\n"), HasSubstr("laser-line-work-time 1000 us\n")));
 }
 
 TEST(KorvexctlInfo, JsonTellsWhatTheHeadFileSays) {
@@ -110,7 +147,8 @@ TEST(KorvexctlInfo, AnotherBoardThanTheOneAskedForIsNotConnected) {
     const ChildResult result = RunKorvexctl({"--virtual", "info", "--board", "NO-SUCH-BOARD"});
     EXPECT_EQ(result.exitCode, 4);
     EXPECT_THAT(result.error, HasSubstr("cannot connect: Connect projector failed"));
-    EXPECT_THAT(result.error, HasSubstr("the serial given with --board"));
+    EXPECT_THAT(result.error,
+                HasSubstr("check the serial given with --board (attached: VH3267-0001), cable"));
     EXPECT_THAT(result.error, HasSubstr("korvexctl doctor"));
 }
 

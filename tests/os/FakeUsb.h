@@ -14,7 +14,8 @@ namespace Korvex3Sync::tests {
 class FakeUsb {
 public:
     void Add(const std::string& port, const std::string& vendor, const std::string& product,
-             const std::string& megabits, const std::string& hidNode = "") const {
+             const std::string& megabits, const std::string& hidNode = "",
+             const std::string& serial = "") const {
         const auto device = m_folder.Path() / "sys/bus/usb/devices" / port;
         std::filesystem::create_directories(device);
         WriteText(device / "idVendor", vendor + "\n");
@@ -22,6 +23,9 @@ public:
         WriteText(device / "speed", megabits + "\n");
         WriteText(device / "busnum", "2\n");
         WriteText(device / "devnum", "17\n");
+        if (!serial.empty()) {
+            WriteText(device / "serial", serial + "\n");
+        }
         if (!hidNode.empty()) {
             std::filesystem::create_directories(device / (port + ":1.0") /
                                                 "0003:3267:5752.0001/hidraw" / hidNode);

@@ -38,6 +38,16 @@ TEST(UsbDevices, IsFoundAtItsPortWithItsHidDevice) {
     EXPECT_FALSE(boards[0].openError);
 }
 
+TEST(UsbDevices, HasItsWholeSerialOrNone) {
+    const FakeUsb usb;
+    usb.Add("2-1", "3267", "5752", "5000", "hidraw3", "K3 0007");
+    usb.Add("2-2", "3267", "5752", "5000", "hidraw4");
+    const auto boards = FindBoards(usb.Machine());
+    ASSERT_EQ(boards.size(), 2U);
+    EXPECT_EQ(boards[0].serial, "K3 0007");
+    EXPECT_EQ(boards[1].serial, "");
+}
+
 TEST(UsbDevices, AnIdHasFourDigits) {
     const FakeUsb usb;
     usb.Add("1-1", "046d", "00c2", "480");

@@ -53,7 +53,7 @@ const std::vector<Arrows> kArrows{
     {kHead, {"src/platform/board/protocol/", kHeaders, kOs}},
     {kCli, {kOs}},
     {kFiles, {kCli, kOs}},
-    {kProgramHead, {kCli, kFiles, kPublic, kHeadRequest, kOs}},
+    {kProgramHead, {kCli, kFiles, kPublic, kHeadRequest, kBoardFacts, kFrameLayout, kOs}},
     {kSettings, {kCli, kProgramHead, kPublic, kOs}},
     {kPictures, {kCli, kFiles, kOs}},
     {kScan, {kCli, kFiles, kProgramHead, kSettings, kPictures, kPublic, kOs}},

@@ -7,8 +7,8 @@ namespace Korvex3Sync::korvexctl {
 namespace {
 
 constexpr std::array kCommands{
-    Command{"list", "List the attached cameras", AddList},
-    Command{"info", "Connect, and show cameras, firmware and settings", AddInfo},
+    Command{"list", "List the attached cameras and boards", AddList},
+    Command{"info", "Connect, and show cameras, boards, firmware and settings", AddInfo},
     Command{"scan", "Connect, set light and trigger, take image sets", AddScan},
     Command{"status", "Watch the board's status and the losses, a line for each change", AddStatus},
     Command{"get", "Show settings of the head by name", AddGet},

@@ -3,6 +3,7 @@
 
 #include "korvexctl/commands/Commands.h"
 #include "korvexctl/commands/GetCommand.h"
+#include "korvexctl/head/Boards.h"
 #include "korvexctl/head/ConnectedHead.h"
 #include "korvexctl/head/Head.h"
 #include "korvexctl/settings/SettingsAccess.h"
@@ -13,13 +14,16 @@ namespace {
 
 Outcome RunInfo(const HeadChoice& choice, Output& output) {
     std::vector<Camera> cameras = FindCameras(choice.cameraType);
+    const std::vector<Board> boards = FindBoards();
     const Head head = AskHead(choice.board);
     const ConnectedHead connected(choice, std::move(cameras));
 
     Outcome outcome;
     outcome.figures["cameras"] = ToJson(connected.cameras);
+    outcome.figures["boards"] = ToJson(boards);
     AddToJson(head, *outcome.figures);
     Print(connected.cameras, output);
+    Print(boards, output);
     Print(head, output);
 
     std::vector<const Setting*> settings = SettingsOf(connected.cameras.size());

@@ -2,6 +2,7 @@
 #include <nlohmann/json.hpp>
 
 #include "korvexctl/commands/Commands.h"
+#include "korvexctl/head/Boards.h"
 #include "korvexctl/head/Cameras.h"
 #include "korvexctl/head/HeadChoice.h"
 
@@ -11,13 +12,16 @@ namespace {
 
 Outcome RunList(const HeadChoice& choice, Output& output) {
     const std::vector<Camera> cameras = FindCameras(choice.cameraType);
+    const std::vector<Board> boards = FindBoards();
     Outcome outcome;
     outcome.figures["cameras"] = ToJson(cameras);
+    outcome.figures["boards"] = ToJson(boards);
     if (cameras.empty()) {
         outcome.code = ExitCode::NoCamera;
         outcome.message = NoCameraMessage(choice.cameraType);
     }
     Print(cameras, output);
+    Print(boards, output);
     return outcome;
 }
 

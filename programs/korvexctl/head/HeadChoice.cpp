@@ -5,7 +5,9 @@
 namespace Korvex3Sync::korvexctl {
 
 void AddBoardOption(CLI::App& command, std::string& board) {
-    command.add_option("--board", board, "Serial of the board (default: any board)")
+    command
+        .add_option("--board", board,
+                    "Serial of the board, as korvexctl list shows it (default: any board)")
         ->type_name("SERIAL");
 }
 

@@ -7,6 +7,7 @@
 
 #include "korvexctl/cli/ExitCodes.h"
 #include "korvexctl/cli/Interrupt.h"
+#include "korvexctl/head/Boards.h"
 
 namespace Korvex3Sync::korvexctl {
 
@@ -17,6 +18,20 @@ std::string StatusText(RETSTATUS status) {
     const std::unique_ptr<char[]> owned(text);
     return owned ? owned.get() : "";  // null: no memory
 }
+
+namespace {
+
+/// What to check about the serial that was asked for, which may be none.
+std::string SerialAdvice(const std::string& board) {
+    if (board.empty()) {
+        return "";
+    }
+    const std::string attached = SerialsText(FindBoards());
+    return "the serial given with --board" +
+           (attached.empty() ? "" : " (attached: " + attached + ")") + ", ";
+}
+
+}  // namespace
 
 Session::Session(const std::string& type, const std::string& board,
                  const std::vector<Camera>& cameras) {
@@ -39,11 +54,11 @@ Session::Session(const std::string& type, const std::string& board,
     const RETSTATUS status =
         ConnectDevice(type.c_str(), board.c_str(), names, widths, heights, m_handle);
     if (status != STATUS_SUCCESS) {
-        const char* const serial = board.empty() ? "" : "the serial given with --board, ";
-        throw CommandError(ExitCode::NotConnected,
-                           "cannot connect: " + StatusText(status) + "; check " + serial +
-                               "cable, power and this user's permissions, close other programs "
-                               "that use the head, or run korvexctl doctor");
+        throw CommandError(ExitCode::NotConnected, "cannot connect: " + StatusText(status) +
+                                                       "; check " + SerialAdvice(board) +
+                                                       "cable, power and this user's permissions, "
+                                                       "close other programs that use the head, or "
+                                                       "run korvexctl doctor");
     }
 }
 

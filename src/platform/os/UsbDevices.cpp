@@ -25,6 +25,14 @@ std::string Word(const fs::path& file) {
     return word;
 }
 
+/// The first line of a small file; empty when there is none.
+std::string Line(const fs::path& file) {
+    std::ifstream text(file);
+    std::string line;
+    std::getline(text, line);
+    return line;
+}
+
 std::vector<fs::path> Entries(const fs::path& folder) {
     std::error_code error;
     std::vector<fs::path> entries;
@@ -109,6 +117,7 @@ std::vector<UsbDevice> FindUsbDevices(const UsbMachine& machine, std::uint16_t v
         UsbDevice device;
         device.port = folder.filename().string();
         device.node = NodeOf(folder, machine.dev);
+        device.serial = Line(folder / "serial");
         device.megabits = Number(Word(folder / "speed"));
         device.openError = machine.tryOpen(device.node);
         found.push_back(std::move(device));

@@ -25,6 +25,7 @@ struct UsbMachine {
 struct UsbDevice {
     std::string port;                // "2-1.4": bus, then port by port
     std::filesystem::path node;      // of its HID device; without one, of the USB device
+    std::string serial;              // empty: it has none
     std::optional<double> megabits;  // per second, as negotiated
     std::error_code openError;       // none: can be opened for reading and writing
 
