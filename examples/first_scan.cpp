@@ -4,7 +4,7 @@
 #include <semaphore>
 using namespace Korvex3Sync;
 std::counting_semaphore<> arrived{0};
-// Runs on a camera's thread. The images end with the call: copy what you keep.
+// Runs on a camera's thread. The images are valid only during the call: copy what you keep.
 void OnSet(const void* const&, std::vector<unsigned char*>&, const int&, const int&,
            std::vector<int>&) {
     arrived.release();

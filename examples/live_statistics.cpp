@@ -1,8 +1,8 @@
-// Shows how a running scan does: rate, time in the scan callback, and what was lost where.
+// Shows the state of a running scan: rate, time in the scan callback, and what was lost where.
 //
 //   live_statistics [--seconds N] [--plain]
 //
-// Runs until Ctrl-C, or for N seconds. --plain writes one block below the other, for a file.
+// Runs until Ctrl-C, or for N seconds. --plain writes one block after the other, for a file.
 
 #include <Korvex3Sync/Korvex3Sync.h>
 
@@ -24,7 +24,8 @@ namespace {
 using Clock = std::chrono::steady_clock;
 
 constexpr std::chrono::milliseconds kRefresh{250};
-// To the upper left corner, and clear from there: the library prints lines of its own in between.
+// Moves to the upper left corner and clears the screen: the library prints its own lines between
+// the blocks.
 constexpr const char* kClear = "\033[H\033[2J";
 
 volatile std::sig_atomic_t interrupted = 0;
@@ -33,7 +34,7 @@ void OnInterrupt(int) {
     interrupted = 1;
 }
 
-// A program that measures would copy or evaluate the images here. This one looks at nothing.
+// A program that measures would copy or evaluate the images here. This one ignores them.
 void OnSet(const void* const&, std::vector<unsigned char*>&, const int&, const int&,
            std::vector<int>&) {}
 
@@ -71,7 +72,8 @@ void Show(const ScanStatistics& now, double rate, bool plain) {
     std::cout << (lost ? "" : "lost      nothing\n") << std::flush;
 }
 
-// Refreshes until the end; false when the head does not tell, or when no set came at all.
+// Refreshes the display until the end. False if the statistics cannot be read, or if no set
+// arrived.
 bool Watch(void* const& head, Clock::time_point end, bool plain) {
     ScanStatistics before;
     auto then = Clock::now();

@@ -3,11 +3,11 @@
 //
 //   point_cloud [FILE] [SETS]            (default: points.ply, 8 sets)
 //
-// A laser line is found in the left image, row by row. A point of it lies on the ray of that pixel
-// and in the plane of the laser line; which line it is tells the right image: for the right plane,
-// and for no other, the point is seen there on a line, too. The point itself is where the rays of
-// the two sensors meet. Where sensors, laser lines and object stand is what docs/virtual-head.md
-// says of the scene's defaults; a real head needs its calibration here.
+// The program finds the laser lines in the left image, row by row. A point of a line lies on the
+// ray of its pixel and in the plane of that laser line. The right image shows which line it is:
+// only for the correct plane, the point lies on a line there, too. The point itself is where the
+// rays of the two sensors meet. The positions of sensors, laser lines and object are the defaults
+// of the scene in docs/virtual-head.md; a real head needs its calibration instead.
 
 #include <Korvex3Sync/Korvex3Sync.h>
 
@@ -42,7 +42,7 @@ bool Save(const std::string& file, const std::vector<Point>& points) {
     return !ply.fail();
 }
 
-// Takes copies of image sets until it has enough. The library calls OnSet on a camera's thread.
+// Copies image sets until it has enough. The library calls OnSet on a camera's thread.
 class Collector {
 public:
     Collector(std::size_t sets, std::size_t pixels) : m_sets(sets) {
@@ -67,7 +67,7 @@ public:
         for (std::size_t i = 0; i < images.size(); ++i) {
             std::copy_n(images[i], pixels, set.images[i].begin());
         }
-        // The head puts the trigger number, modulo 256, into this pixel of the right image.
+        // The head writes the trigger number, modulo 256, to this pixel of the right image.
         set.key = images[1][3];
         self->m_arrived.release();
     }
@@ -81,9 +81,9 @@ private:
     std::counting_semaphore<> m_arrived{0};
 };
 
-// True when all sets came.
+// True if all sets arrived.
 bool Scan(void* const& head, Collector& collector) {
-    // Light for the colour frames only: in the others the lines stand on black.
+    // Light for the colour frames only: in the mono frames the background of the lines is black.
     SetStrobeControlledByTrigger(head, CONTROL_ROUTE_2, STROBE_STATE_1);
     SetStrobeDutioRatio(head, 100, 0, 0);
     EnableBlueLaser(head, LASER_WORK_MODE_1, true);

@@ -6,7 +6,7 @@
 
 namespace guide {
 
-/// Keeps what the status callback was told.
+/// Keeps the latest state that the status callback reported.
 class BoardWatch {
 public:
     /// The status callback; its context is the watch.
@@ -21,13 +21,13 @@ public:
         watch->m_told.notify_all();
     }
 
-    /// Whether the board did not answer the latest poll.
+    /// True if the board did not answer the latest poll.
     bool Silent() const {
         const std::lock_guard lock(m_mutex);
         return m_silent;
     }
 
-    /// Waits for a good poll from now on; false when none came in time.
+    /// Waits for the next good poll; false if there was none in time.
     bool WaitForGoodPoll(std::chrono::milliseconds patience) {
         std::unique_lock lock(m_mutex);
         const auto seen = m_goodPolls;

@@ -28,10 +28,10 @@ struct Cameras {
     std::vector<bool> color;
 };
 
-/// A connected head; its end is the end of the connection.
+/// A connected head; the destructor disconnects it.
 class Head {
 public:
-    /// `board` is the serial of the board; "" takes any.
+    /// `board` is the serial of the board; "" takes any board.
     explicit Head(const Cameras& cameras, const char* board = "") {
         Require(
             ConnectDevice("", board, cameras.serials, cameras.widths, cameras.heights, m_handle),

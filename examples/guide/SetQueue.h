@@ -19,11 +19,11 @@ using Pixels = std::vector<unsigned char>;
 struct ImageSet {
     int width = 0;
     int height = 0;
-    std::vector<Pixels> images;  // left, right, and colour where the set has it
+    std::vector<Pixels> images;  // left, right, and colour if the set has it
 };
 
-/// Hands image sets from the library's thread to one of ours. It never keeps the library waiting:
-/// a set that finds no room is dropped and counted.
+/// Passes image sets from the library's thread to one of ours. It never makes the library wait: if
+/// the queue is full, a set is dropped and counted.
 class SetQueue {
 public:
     explicit SetQueue(std::size_t room) : m_room(room) {}
@@ -35,11 +35,11 @@ public:
         try {
             queue->Add(images, width, height);
         } catch (const std::bad_alloc&) {
-            ++queue->m_dropped;  // nothing may be thrown out of a callback
+            ++queue->m_dropped;  // a callback must not throw
         }
     }
 
-    /// The next set, or nothing when none came in time.
+    /// The next set, or nothing if none arrived in time.
     std::optional<ImageSet> Take(std::chrono::milliseconds patience) {
         std::unique_lock lock(m_mutex);
         if (!m_arrived.wait_for(lock, patience, [this] { return !m_sets.empty(); })) {

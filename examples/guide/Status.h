@@ -10,16 +10,16 @@ namespace guide {
 
 using namespace Korvex3Sync;
 
-/// A status in words.
+/// The text for a status.
 inline std::string Describe(RETSTATUS status) {
     char none = 0;
-    char* text = &none;  // any pointer but null: null gets no text
+    char* text = &none;  // any pointer but null: for null there is no text
     GetStatusDescriptionString(status, text);
-    const std::unique_ptr<char[]> owned(text);  // the text is a new buffer, and ours
-    return owned ? owned.get() : "";            // null: no memory
+    const std::unique_ptr<char[]> owned(text);  // the text is a new buffer that we own
+    return owned ? owned.get() : "";            // null: out of memory
 }
 
-/// Throws when an operation did not succeed.
+/// Throws if an operation did not succeed.
 inline void Require(RETSTATUS status, const std::string& operation) {
     if (status != STATUS_SUCCESS) {
         throw std::runtime_error(operation + ": " + Describe(status));

@@ -1,4 +1,4 @@
-// Sets exposure and gain and reads back what the camera took.
+// Sets exposure and gain and reads back what the camera accepted.
 
 #include <cmath>
 #include <exception>
@@ -12,7 +12,7 @@ namespace {
 
 constexpr int kLeft = 0;  // the position of a sensor in the head, 0 to 3
 
-/// Sets and reads back: the setter answers 7 also when the camera refuses.
+/// Sets and reads back: the setter returns 7 even if the camera refuses.
 bool SetExposure(void* const& head, int sensor, double milliseconds, int gain) {
     if (SetCameraExposureAndGain(head, sensor, milliseconds, gain) != STATUS_SUCCESS) {
         return false;

@@ -1,4 +1,4 @@
-// Sets the light of a head and reads back what the board took.
+// Sets the light of a head and reads back what the board accepted.
 
 #include <exception>
 #include <iostream>
@@ -13,7 +13,7 @@ void SetLight(void* const& head) {
     Require(EnableBlueLaser(head, LASER_WORK_MODE_1, true), "switch the laser lines on");
     Require(SetLaserLineDutioRatio(head, 60), "laser line duty ratio");
     Require(SetStrobeControlledByTrigger(head, CONTROL_ROUTE_2, STROBE_STATE_1), "strobe");
-    Require(SetStrobeDutioRatio(head, 80, -1, -1), "strobe duty ratio");  // -1: as it was
+    Require(SetStrobeDutioRatio(head, 80, -1, -1), "strobe duty ratio");  // -1: unchanged
     Require(SetVideoTriggerPeriod(head, 10), "trigger period");
 }
 

@@ -1,4 +1,4 @@
-// Scans, brings the head back when it drops out, and goes on.
+// Scans, reconnects the head when it drops out, and continues.
 
 #include <exception>
 #include <iostream>
@@ -14,7 +14,7 @@ namespace {
 
 using std::chrono::seconds;
 
-/// Reconnects, and waits until the board takes orders again.
+/// Reconnects, then waits until the board accepts commands again.
 void BringBack(void* const& head, BoardWatch& watch) {
     for (int attempt = 1; ReconnectDevice(head) != STATUS_SUCCESS; ++attempt) {
         if (attempt == 5) {
@@ -28,7 +28,7 @@ void BringBack(void* const& head, BoardWatch& watch) {
     std::cout << "reconnected\n";
 }
 
-/// Takes so many sets; a head that falls silent meanwhile is brought back.
+/// Takes `sets` sets; reconnects the head whenever it stops answering.
 void TakeSets(void* const& head, SetQueue& queue, BoardWatch& watch, int sets) {
     int taken = 0;
     while (taken < sets) {
@@ -55,7 +55,7 @@ int main() {
                 "status callback");
         Require(EnableVideoTrigger(head.Handle(), TRIGGER_LASER_LINES_COLOR, true), "start");
         TakeSets(head.Handle(), queue, watch, 20);
-        BringBack(head.Handle(), watch);  // as a user's button would
+        BringBack(head.Handle(), watch);  // as a button of the program would do
         TakeSets(head.Handle(), queue, watch, 20);
         Require(EnableVideoTrigger(head.Handle(), TRIGGER_LASER_LINES_COLOR, false), "stop");
     } catch (const std::exception& error) {

@@ -1,4 +1,4 @@
-// Takes twenty image sets and says what was lost on the way.
+// Takes twenty image sets and prints what was lost on the way.
 
 #include <exception>
 #include <iostream>
@@ -10,7 +10,7 @@ using namespace guide;
 
 namespace {
 
-/// The number of the set's trigger modulo 256. It stands in the place of one pixel.
+/// The number of the set's trigger modulo 256. It replaces one pixel.
 unsigned KeyOf(const ImageSet& set) {
     return set.images[1][3];
 }
@@ -52,7 +52,7 @@ void ShowLosses(void* const& head, const SetQueue& queue) {
 int main() {
     try {
         const Cameras cameras("KV00");
-        SetQueue queue(16);  // before the head: the callback uses it as long as the head lives
+        SetQueue queue(16);  // before the head: the callback uses it while the head exists
         const Head head(cameras);
         Scan(head.Handle(), queue);
         ShowLosses(head.Handle(), queue);

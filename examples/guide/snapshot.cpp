@@ -14,21 +14,21 @@ using Image = std::unique_ptr<unsigned char[]>;
 /// Two colour mosaics; the second may be null.
 std::vector<Image> Snap(void* const& head) {
     std::vector<unsigned char*> images;
-    int reportedWidth = 0;   // always 1280: ask for the size in SizeOfImages
+    int reportedWidth = 0;   // always 1280; SizeOfImages gets the real size
     int reportedHeight = 0;  // always 1024
     double exposure = 5.0;   // milliseconds, for the second image
     int gain = 2;            // likewise
     const RETSTATUS status = SnapColorImage(head, images, reportedWidth, reportedHeight, 0,
                                             exposure, gain, CONTROL_ROUTE_2);
-    // The images are ours now, each an array from new[].
+    // We own the images now, each an array from new[].
     std::vector<Image> owned(images.begin(), images.end());
-    // The snapshot leaves its own trigger mode behind.
+    // After a snapshot the trigger is in the mode of the snapshot.
     Require(EnableVideoTrigger(head, TRIGGER_SINGLE_COLOR, false), "stop the trigger");
     Require(status, "take a colour image");
     return owned;
 }
 
-/// The true size of each of the images.
+/// The real size of each image, in bytes.
 std::size_t SizeOfImages(void* const& head) {
     int width = 0;
     int height = 0;

@@ -1,4 +1,4 @@
-// Keeps a text in the memory of the board.
+// Stores a text in the memory of the board.
 
 #include <algorithm>
 #include <array>
@@ -22,8 +22,8 @@ void WriteText(void* const& head, int page, std::string_view text) {
 }
 
 std::string ReadText(void* const& head, int page) {
-    std::array<char, kPageSize + 1> bytes{};  // one more, so that a zero ends the text
-    char* buffer = bytes.data();              // a whole page is written into it
+    std::array<char, kPageSize + 1> bytes{};  // one more byte, so that a zero ends the text
+    char* buffer = bytes.data();              // receives a whole page
     Require(ReadUserInfomation(head, page, buffer), "read the user memory");
     return bytes.data();
 }

@@ -5,8 +5,8 @@
 #include <numbers>
 #include <vector>
 
-// Where sensors, laser lines and object of the virtual head's scene stand: what
-// docs/virtual-head.md says of its defaults. A real head needs its calibration here.
+// The positions of sensors, laser lines and object in the scene of the virtual head: the defaults
+// that docs/virtual-head.md describes. A real head needs its calibration here.
 
 namespace point_cloud {
 
@@ -20,8 +20,8 @@ inline constexpr double kLaserAngle = 20;    // degrees from the vertical
 inline constexpr int kPoses = 4;
 inline constexpr double kMotion = 6;    // mm
 inline constexpr double kSwing = 4;     // degrees
-inline constexpr double kHighest = 70;  // mm: no part of the object stands further out of the plate
-inline constexpr double kLowest = 3;    // mm below the plate, for what noise does
+inline constexpr double kHighest = 70;  // mm: no part of the object is higher above the plate
+inline constexpr double kLowest = 3;    // mm below the plate, to allow for noise
 
 constexpr double Radians(double degrees) {
     return degrees * std::numbers::pi / 180;
@@ -58,7 +58,7 @@ struct Pixel {
     double row = 0;
 };
 
-// An ideal sensor that stands beside the middle of the baseline and is turned towards it.
+// An ideal sensor, at one end of the baseline and turned inwards.
 class Sensor {
 public:
     // `side` is -1 for the left sensor and 1 for the right one.
@@ -93,7 +93,7 @@ private:
 
 inline const Vector kLaser{0, -70, 0};
 
-// The normals of the planes in which the light of the lines of laser work mode 1 runs.
+// The normals of the light planes of the lines in laser work mode 1.
 inline std::vector<Vector> LaserPlanes() {
     const Vector aim = Vector{0, 0, kDistance} - kLaser;
     const double reach = std::sqrt(Dot(aim, aim));
@@ -102,7 +102,7 @@ inline std::vector<Vector> LaserPlanes() {
     const Vector y = Cross(z, x);
     std::vector<Vector> normals;
     for (int line = 0; line < kLaserLines; ++line) {
-        // The line holds the directions x * u + y * v + z with u * cos + v * sin = offset.
+        // The line consists of the directions x * u + y * v + z with u * cos + v * sin = offset.
         const double offset = (line - (kLaserLines - 1) / 2.0) * kLaserSpacing / reach;
         normals.push_back(x * std::cos(Radians(kLaserAngle)) + y * std::sin(Radians(kLaserAngle)) -
                           z * offset);
@@ -110,7 +110,7 @@ inline std::vector<Vector> LaserPlanes() {
     return normals;
 }
 
-// The object moves on from trigger to trigger: head = turn * object + shift.
+// The object moves from trigger to trigger: head = turn * object + shift.
 class Pose {
 public:
     explicit Pose(int key) {
@@ -120,7 +120,7 @@ public:
         const double swing = Radians(kSwing * along);
         const double nod = Radians(kSwing * across / 2);
         m_shift = {kMotion * along, kMotion * across / 2, kDistance + kMotion * across};
-        // About y by `swing`, after about x by `nod`; the columns are the object's axes.
+        // Turns about x by `nod`, then about y by `swing`; the columns are the object's axes.
         m_x = {std::cos(swing), 0, -std::sin(swing)};
         m_y = {std::sin(swing) * std::sin(nod), std::cos(nod), std::cos(swing) * std::sin(nod)};
         m_z = {std::sin(swing) * std::cos(nod), -std::sin(nod), std::cos(swing) * std::cos(nod)};

@@ -22,15 +22,15 @@ struct Set {
     std::array<std::vector<std::uint8_t>, 3> images;  // left, right, colour mosaic
 };
 
-// The middles of the lines in one row, to a part of a pixel, from left to right.
+// The centres of the lines in one row, with subpixel accuracy, from left to right.
 inline std::vector<double> FindPeaks(const Set& set, std::size_t image, int row) {
-    constexpr int kHalf = 4;          // pixels to either side that belong to a line
-    constexpr int kLeastHeight = 40;  // grey levels above what lies beside
+    constexpr int kHalf = 4;          // pixels on each side that belong to a line
+    constexpr int kLeastHeight = 40;  // grey levels above the background
     const std::uint8_t* const pixels =
         set.images[image].data() + static_cast<std::ptrdiff_t>(row) * set.width;
     std::vector<double> peaks;
     for (int x = 2 * kHalf; x < set.width - 2 * kHalf; ++x) {
-        // The first of equal neighbours stands for all of them.
+        // The first of equal neighbours represents all of them.
         const bool highest = *std::max_element(pixels + x - kHalf, pixels + x) < pixels[x] &&
                              *std::max_element(pixels + x, pixels + x + kHalf + 1) == pixels[x];
         const int ground = std::max(pixels[x - 2 * kHalf], pixels[x + 2 * kHalf]);
@@ -71,7 +71,7 @@ inline std::optional<double> Nearest(const std::vector<double>& peaks, double co
     return nearest;
 }
 
-// Where a line passes near a place of the image, at exactly its row.
+// Where a line crosses exactly this row, near a position in the image.
 inline std::optional<double> LineNear(const Rows& rows, const Pixel& place) {
     constexpr double kWithin = 3;  // pixels
     const int row = static_cast<int>(std::floor(place.row));

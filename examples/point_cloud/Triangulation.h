@@ -12,7 +12,7 @@
 
 namespace point_cloud {
 
-// The middle between two rays where they come closest.
+// The midpoint between two rays where they come closest.
 inline Vector Meet(const Vector& fromA, const Vector& a, const Vector& fromB, const Vector& b) {
     const Vector between = fromB - fromA;
     const double ab = Dot(a, b);
@@ -47,7 +47,7 @@ public:
     }
 
 private:
-    // The point in the object's coordinates; none unless exactly one laser line explains it.
+    // The point in the object's coordinates; nothing unless exactly one laser line explains it.
     std::optional<Vector> Find(const Pixel& left, const Rows& right, const Pose& pose) const {
         constexpr double kAgreement = 1;  // pixels
         const Vector ray = m_left.Ray(left);
@@ -72,10 +72,10 @@ private:
         return found;
     }
 
-    // z grows away from the head, so what stands out of the plate has a negative one.
+    // z grows away from the head, so a point above the plate has a negative z.
     static bool OnObject(const Vector& point) { return point.z > -kHighest && point.z < kLowest; }
 
-    // The four photosites of an RGGB mosaic around a pixel of the left sensor.
+    // The colour from the four photosites of the RGGB mosaic around a pixel of the left sensor.
     static std::array<int, 3> ColorAt(const Set& set, int column, int row) {
         const std::uint8_t* const red = set.images[2].data() +
                                         static_cast<std::ptrdiff_t>(row / 2 * 2) * set.width +
