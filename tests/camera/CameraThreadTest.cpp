@@ -14,7 +14,6 @@
 #include "recorder/Recorder.h"
 #include "support/CaseName.h"
 #include "support/Golden.h"
-#include "support/LogCapture.h"
 #include "support/WaitUntil.h"
 
 namespace Korvex3Sync::tests {
@@ -186,18 +185,14 @@ TEST_F(CameraThread, CloseForgetsTheCallbackUntilItIsSetAgain) {
 }
 
 TEST_F(CameraThread, ASnapWithANullBufferFailsButLogsNothing) {
-    support::LogCapture log;
     Open();
-    testing::internal::CaptureStdout();
+    Output output(Output::Of::kOtherThreads);
+    output.ShowFailedSnaps();
     Recorder::Get().PushSnap({0, true, {}});
     ASSERT_TRUE(m_camera.StartThread());
     ASSERT_TRUE(Recorder::Get().WaitForHandled(1));
     m_camera.StopThread();
-    EXPECT_NE(testing::internal::GetCapturedStdout().find("Camera 3 Snap Failed\n"),
-              std::string::npos);
-    for (const std::string& record : log.Records()) {
-        EXPECT_EQ(record.find("data not null"), std::string::npos) << record;
-    }
+    EXPECT_TRUE(MatchesGolden("GrabLoop", "snap without a buffer", output.End()));
     EXPECT_TRUE(m_frames.Seen().empty());
 }
 
@@ -395,6 +390,14 @@ TEST_F(CameraThread, InitialisesFromTheStoredSerialWhenNoneIsGiven) {
     m_camera.ReleaseCamera();
     EXPECT_TRUE(m_camera.InializeCamera(nullptr));
     EXPECT_EQ(Recorder::Get().Calls().back(), "CreateCamera(KV00R1)");
+}
+
+TEST_F(CameraThread, AStartThatTheLibraryRefusesFails) {
+    ASSERT_TRUE(m_camera.InializeCamera("KV00R1"));
+    Recorder::Get().FailAlways("StartCamera");
+    Output output;
+    EXPECT_FALSE(m_camera.StartCamera());
+    EXPECT_TRUE(MatchesGolden("StartCamera", "refused", output.End()));
 }
 
 TEST_F(CameraThread, DestructionStopsClosesAndReleases) {

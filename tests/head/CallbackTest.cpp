@@ -5,7 +5,7 @@
 #include <stdexcept>
 
 #include "head/CallbackSession.h"
-#include "support/LogCapture.h"
+#include "support/LoggedErrors.h"
 
 namespace Korvex3Sync::tests {
 namespace {
@@ -14,7 +14,7 @@ class Callbacks : public CallbackSession {};
 
 TEST_F(Callbacks, AStatusCallbackMayCallBoardOperations) {
     ConnectSmallHead();
-    const support::LogCapture log;
+    const support::LoggedErrors errors;
     std::vector<RETSTATUS> results;
     int ratio = 0;
     std::array<char, 256> page{};
@@ -39,12 +39,12 @@ TEST_F(Callbacks, AStatusCallbackMayCallBoardOperations) {
     EXPECT_THAT(results, testing::AllOf(testing::SizeIs(7), testing::Each(STATUS_SUCCESS)));
     EXPECT_EQ(ratio, 42);
     EXPECT_STREQ(page.data(), "bench");
-    EXPECT_EQ(log.Errors(), 0);
+    EXPECT_EQ(errors.Count(), 0);
 }
 
 TEST_F(Callbacks, AStatusCallbackMaySetAndReadCameraParameters) {
     ConnectSmallHead();
-    const support::LogCapture log;
+    const support::LoggedErrors errors;
     std::vector<RETSTATUS> results;
     int count = 0;
     int width = 0;
@@ -70,7 +70,7 @@ TEST_F(Callbacks, AStatusCallbackMaySetAndReadCameraParameters) {
     EXPECT_STREQ(serial, "KV00A1001");
     EXPECT_THAT((std::vector<int>{count, width, height, gain}), testing::ElementsAre(1, 64, 32, 3));
     EXPECT_DOUBLE_EQ(exposure, 8.5);
-    EXPECT_EQ(log.Errors(), 0);
+    EXPECT_EQ(errors.Count(), 0);
 }
 
 TEST_F(Callbacks, AStatusCallbackMayEndOrReplaceItself) {
@@ -94,7 +94,7 @@ TEST_F(Callbacks, AStatusCallbackMayEndOrReplaceItself) {
 
 TEST_F(Callbacks, TheStatisticsAreReadInBothAndWhileOneOfThemRuns) {
     ConnectSmallHead();
-    const support::LogCapture log;
+    const support::LoggedErrors errors;
     std::atomic<int> scanResult{-1};
     std::atomic<int> statusResult{-1};
     const auto read = [this](std::atomic<int>& result) {
@@ -122,7 +122,7 @@ TEST_F(Callbacks, TheStatisticsAreReadInBothAndWhileOneOfThemRuns) {
     EXPECT_EQ(scanResult, STATUS_SUCCESS);
     EXPECT_EQ(statusResult, STATUS_SUCCESS);
     EXPECT_EQ(DisConnectDevice(m_handle), STATUS_SUCCESS);
-    EXPECT_EQ(log.Errors(), 0);
+    EXPECT_EQ(errors.Count(), 0);
 }
 
 TEST_F(Callbacks, WhatAScanCallbackHeldUpUntilItWasLostIsCounted) {
@@ -185,7 +185,7 @@ TEST_F(Callbacks, AStatusCallbackThatWasReplacedIsNotCalledAgain) {
 
 TEST_F(Callbacks, AScanCallbackThatThrowsLosesItsSetAndNoOther) {
     ConnectSmallHead();
-    const support::LogCapture log;
+    const support::LoggedErrors errors;
     Called scan([](std::size_t number) {
         if (number < 3) {
             throw std::runtime_error("not today");
@@ -197,12 +197,12 @@ TEST_F(Callbacks, AScanCallbackThatThrowsLosesItsSetAndNoOther) {
     ASSERT_TRUE(support::WaitUntil([&] { return Statistics().setsDelivered >= 5; }));
     TriggerOff();
     EXPECT_EQ(Statistics().setsWithoutCallback, 3u);
-    EXPECT_EQ(log.Errors(), 3) << "one record for each";
+    EXPECT_EQ(errors.Count(), 3) << "one record for each";
 }
 
 TEST_F(Callbacks, AStatusCallbackThatThrowsIsCalledAgain) {
     ConnectSmallHead();
-    const support::LogCapture log;
+    const support::LoggedErrors errors;
     Called status([](std::size_t number) {
         if (number < 2) {
             throw std::runtime_error("not today");
@@ -211,7 +211,7 @@ TEST_F(Callbacks, AStatusCallbackThatThrowsIsCalledAgain) {
     const EndedFirst ended(*this);
     SetStatus(&status);
     ASSERT_TRUE(status.WaitFor(4));
-    EXPECT_EQ(log.Errors(), 2);
+    EXPECT_EQ(errors.Count(), 2);
 }
 
 }  // namespace

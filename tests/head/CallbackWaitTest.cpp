@@ -1,40 +1,26 @@
-#include <algorithm>
-#include <future>
-#include <string>
-
 #include "head/CallbackSession.h"
-#include "support/LogCapture.h"
+#include "support/BlockingCall.h"
 
 namespace Korvex3Sync::tests {
 namespace {
 
-/// Long enough for a call that does not wait to return; a call that waits is never late for it.
-constexpr std::chrono::milliseconds kMoment{50};
-
 class CallbackWaits : public CallbackSession {
 protected:
     /// Starts the call on another thread and proves that it returns when the gate opens, and not
-    /// before the callback that is kept there is over. The gate opens once this record is logged.
-    void ExpectToWaitForTheCallback(const std::function<RETSTATUS()>& call,
-                                    const std::string& record) {
+    /// before the callback that is kept there is over. The gate opens once the call is blocked.
+    void ExpectToWaitForTheCallback(const std::function<RETSTATUS()>& call) {
         ASSERT_TRUE(m_gate.WaitUntilEntered());
-        const support::LogCapture log;
-        auto result = std::async(std::launch::async, [&] {
-            const RETSTATUS status = call();
-            EXPECT_TRUE(m_gate.Left()) << "it did not wait";
-            return status;
+        RETSTATUS status = STATUS_FAILED;
+        bool over = false;
+        const support::BlockingCall waiting([&] {
+            status = call();
+            over = m_gate.Left();
         });
-        const bool waits = support::WaitUntil([&] {
-            const auto records = log.Records();
-            return std::any_of(records.begin(), records.end(), [&](const std::string& text) {
-                return text.find(record) != std::string::npos;
-            });
-        });
-        EXPECT_TRUE(waits) << record;
-        EXPECT_EQ(result.wait_for(kMoment), std::future_status::timeout);
+        EXPECT_TRUE(waiting.WaitUntilBlocked()) << "it does not wait";
         m_gate.Open();
-        ASSERT_EQ(result.wait_for(Called::kDeadline), std::future_status::ready);
-        EXPECT_EQ(result.get(), STATUS_SUCCESS);
+        ASSERT_TRUE(waiting.WaitUntilReturned());
+        EXPECT_TRUE(over) << "it did not wait for the callback";
+        EXPECT_EQ(status, STATUS_SUCCESS);
     }
 };
 
@@ -44,8 +30,7 @@ TEST_F(CallbackWaits, EndingAScanCallbackWaitsForTheCallThatRuns) {
     const EndedFirst ended(*this);
     SetScan(&scan);
     ASSERT_EQ(Trigger(TRIGGER_LASER_LINES_COLOR, 2), STATUS_SUCCESS);
-    ExpectToWaitForTheCallback([this] { return SetScan(nullptr); },
-                               "SetScanCallBackFunction enter");
+    ExpectToWaitForTheCallback([this] { return SetScan(nullptr); });
     // Frames that were waiting may still come before the setter has its turn, none after it.
     const std::size_t count = scan.Count();
     ASSERT_TRUE(support::WaitUntil([&] { return Statistics().setsWithoutCallback > 5; }));
@@ -59,8 +44,7 @@ TEST_F(CallbackWaits, EndingAStatusCallbackWaitsForTheCallThatRuns) {
     Called next;
     const EndedFirst ended(*this);
     SetStatus(&status);
-    ExpectToWaitForTheCallback([this] { return SetStatus(nullptr); },
-                               "SetStatusCallBackFunction enter");
+    ExpectToWaitForTheCallback([this] { return SetStatus(nullptr); });
     // Another poll may still come before the setter has its turn, none after it.
     const std::size_t count = status.Count();
     SetStatus(&next);
@@ -74,8 +58,7 @@ TEST_F(CallbackWaits, ClosingTheCamerasWaitsForTheScanCallbackThatRunsAndNoOther
     const EndedFirst ended(*this);
     SetScan(&scan);
     ASSERT_EQ(Trigger(TRIGGER_LASER_LINES_COLOR, 2), STATUS_SUCCESS);
-    ExpectToWaitForTheCallback([this] { return CloseDeviceCamera(m_handle); },
-                               "CloseDeviceCamera enter");
+    ExpectToWaitForTheCallback([this] { return CloseDeviceCamera(m_handle); });
     const std::size_t count = scan.Count();
     const auto triggers = Head().Clock().Triggers();
     ASSERT_TRUE(support::WaitUntil([&] { return Head().Clock().Triggers() > triggers + 10; }));
@@ -90,8 +73,7 @@ TEST_F(CallbackWaits, ReconnectingWaitsForTheScanCallbackThatRunsAndTheScanGoesO
     SetScan(&scan);
     SetStatus(&status);
     ASSERT_EQ(Trigger(TRIGGER_LASER_LINES_COLOR, 2), STATUS_SUCCESS);
-    ExpectToWaitForTheCallback([this] { return ReconnectDevice(m_handle); },
-                               "ReconnectDevice enter");
+    ExpectToWaitForTheCallback([this] { return ReconnectDevice(m_handle); });
     EXPECT_TRUE(scan.WaitFor(scan.Count() + 10));
     EXPECT_TRUE(status.WaitFor(status.Count() + 2)) << "the polls go on";
 }
@@ -102,9 +84,8 @@ TEST_F(CallbackWaits, DisconnectingWaitsForTheScanCallbackThatRunsAndNoOtherCome
     const EndedFirst ended(*this);
     SetScan(&scan);
     ASSERT_EQ(Trigger(TRIGGER_LASER_LINES_COLOR, 2), STATUS_SUCCESS);
-    // From this record on the grab thread is told to end.
-    ExpectToWaitForTheCallback([this] { return DisConnectDevice(m_handle); },
-                               "PhysicalCameraThread: WaitForSingleObject");
+    // Once this waits for the grab thread, the grab thread is told to end.
+    ExpectToWaitForTheCallback([this] { return DisConnectDevice(m_handle); });
     EXPECT_EQ(scan.Count(), 1u) << "the grab thread ends after the frame that it handles";
     EXPECT_EQ(m_handle, nullptr);
 }
@@ -114,8 +95,7 @@ TEST_F(CallbackWaits, DisconnectingWaitsForTheStatusCallbackThatRuns) {
     Called status(m_gate.AsAction());
     const EndedFirst ended(*this);
     SetStatus(&status);
-    ExpectToWaitForTheCallback([this] { return DisConnectDevice(m_handle); },
-                               "DisConnectDevice hSync=");
+    ExpectToWaitForTheCallback([this] { return DisConnectDevice(m_handle); });
     EXPECT_EQ(m_handle, nullptr);
 }
 

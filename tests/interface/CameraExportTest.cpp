@@ -3,7 +3,6 @@
 
 #include "interface/Connected.h"
 #include "platform/os/TimeScale.h"
-#include "support/LogCapture.h"
 
 namespace Korvex3Sync::tests {
 namespace {

@@ -1,22 +1,23 @@
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "interface/Connected.h"
 #include "interface/EveryExport.h"
 #include "platform/os/TimeScale.h"
-#include "support/LogCapture.h"
+#include "support/Golden.h"
 
 namespace Korvex3Sync::tests {
 namespace {
 
 using recorder::Recorder;
+using support::MatchesGolden;
+using support::Output;
+using testing::IsEmpty;
 
 /// Time runs faster, and a snapshot gets its frames.
 class ExportFrame : public Connected, public testing::WithParamInterface<Export> {
 protected:
     ExportFrame() { GiveColorFrames(); }
-    std::string EnterRecord() const {
-        return std::string("KorvexSyncControl: ") + GetParam().name + " enter";
-    }
     bool Retired() const { return GetParam().kind == Kind::Retired; }
 
     os::ScopedTimeScale m_scale{0.1};
@@ -27,21 +28,30 @@ TEST_P(ExportFrame, ANullHandleIsNotConnectedInEitherMode) {
     const RETSTATUS expected = Retired() ? STATUS_NOT_SUPPORTED : STATUS_NOT_CONNECTED;
     for (bool service : {false, true}) {
         SwitchOnDeviceService(service);
-        support::LogCapture log;
+        Output output;
         EXPECT_EQ(GetParam().call(null), expected);
-        EXPECT_EQ(log.Has(EnterRecord()), !Retired());
+        const auto lines = output.End();
+        if (Retired()) {
+            EXPECT_THAT(lines, IsEmpty());
+        } else {
+            EXPECT_TRUE(MatchesGolden("ExportCall", GetParam().name, lines));
+        }
     }
     EXPECT_TRUE(Recorder::Get().Calls().empty());
 }
 
 TEST_P(ExportFrame, InDirectModeTheManagerAnswers) {
     ASSERT_EQ(Connect(), STATUS_SUCCESS);
-    support::LogCapture log;
+    Output output;
     const auto calls = Recorder::Get().Calls();
     EXPECT_EQ(GetParam().call(m_handle), Retired() ? STATUS_NOT_SUPPORTED : STATUS_SUCCESS);
-    EXPECT_EQ(log.Has(EnterRecord()), !Retired());
+    auto lines = output.End();
     if (Retired()) {
+        EXPECT_THAT(lines, IsEmpty());
         EXPECT_EQ(Recorder::Get().Calls(), calls);
+    } else {
+        lines.resize(1);  // what the operation itself says comes after it
+        EXPECT_TRUE(MatchesGolden("ExportCall", GetParam().name, lines));
     }
 }
 
@@ -89,9 +99,9 @@ TEST_F(Connected, AWorkTimeInServiceModeIsRefusedAndSendsNothing) {
 
 TEST_F(Connected, TheDistanceLedsAreLoggedOnTheirWayOutToo) {
     ASSERT_EQ(Connect(), STATUS_SUCCESS);
-    support::LogCapture log;
+    Output output;
     EXPECT_EQ(SetDistanceIndicate(m_handle, DISTANCE_STATUS_2), STATUS_SUCCESS);
-    EXPECT_TRUE(log.Has("KorvexSyncControl: SetDistanceIndicate leave"));
+    EXPECT_TRUE(MatchesGolden("SetDistanceIndicate", "sent", output.End()));
     EXPECT_EQ(Recorder::Get().Calls().back(), "zr3DSetDistanceIndicateState(B1, 3)");
 }
 

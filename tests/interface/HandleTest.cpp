@@ -12,7 +12,7 @@
 #include "interface/EveryExport.h"
 #include "platform/os/Event.h"
 #include "platform/os/TimeScale.h"
-#include "support/LogCapture.h"
+#include "support/Golden.h"
 #include "support/WaitUntil.h"
 
 namespace Korvex3Sync::tests {
@@ -45,11 +45,6 @@ std::vector<Export> EveryCheckedExport() {
         }
     }
     return exports;
-}
-
-/// The exported function's own name.
-std::string Printed(const std::string& name) {
-    return name.substr(0, name.find("With"));
 }
 
 class UnknownHandle : public Connected, public testing::WithParamInterface<Export> {
@@ -91,14 +86,10 @@ TEST_P(UnknownHandle, EndedByAFailedFirmwareQuery) {
 }
 
 TEST_P(UnknownHandle, IsRecordedAsACallAllTheSame) {
-    const support::LogCapture log;
+    support::Output output;
     int mine = 0;
     GetParam().call(&mine);
-    const std::string name = GetParam().name;
-    EXPECT_THAT(log.Records(),
-                testing::ElementsAre(testing::StartsWith(
-                    "KorvexSyncControl: " +
-                    (name == "DisConnectDevice" ? name + " hSync=0x" : Printed(name) + " enter"))));
+    EXPECT_TRUE(support::MatchesGolden("ExportCall", GetParam().name, output.End()));
 }
 
 INSTANTIATE_TEST_SUITE_P(All, UnknownHandle, testing::ValuesIn(EveryCheckedExport()),

@@ -1,43 +1,48 @@
-#include <glog/logging.h>
 #include <gtest/gtest.h>
+#include <pthread.h>
 
-#include <atomic>
-#include <string_view>
+#include <cstddef>
 
-#include "no_memory/FailingAllocation.h"
 #include "recorder/Recorder.h"
+#include "support/Golden.h"
 #include "sync/Head.h"
 
 namespace Korvex3Sync::tests {
 namespace {
 
-/// Leaves no memory for the thread whose start is logged, and counts what is said then.
-class NoMemoryAtTheStart : public google::LogSink {
+/// Leaves no memory for the stack of any thread that is started.
+class NoStacks {
 public:
-    NoMemoryAtTheStart() { google::AddLogSink(this); }
-    ~NoMemoryAtTheStart() override { google::RemoveLogSink(this); }
-
-    using google::LogSink::send;
-    void send(google::LogSeverity severity, const char*, const char*, int,
-              const google::LogMessageTime&, const char* message, std::size_t length) override {
-        if (severity >= google::GLOG_ERROR) {
-            ++errors;
-        }
-        if (std::string_view(message, length).starts_with("StartThread m_bOpen=")) {
-            FailAllocation(1);
-        }
+    NoStacks() {
+        EXPECT_EQ(::pthread_getattr_default_np(&m_before), 0);
+        pthread_attr_t larger;
+        EXPECT_EQ(::pthread_getattr_default_np(&larger), 0);
+        EXPECT_EQ(::pthread_attr_setstacksize(&larger, kMoreThanAnyAddress), 0);
+        EXPECT_EQ(::pthread_setattr_default_np(&larger), 0);
+        ::pthread_attr_destroy(&larger);
     }
+    ~NoStacks() {
+        EXPECT_EQ(::pthread_setattr_default_np(&m_before), 0);
+        ::pthread_attr_destroy(&m_before);
+    }
+    NoStacks(const NoStacks&) = delete;
+    NoStacks& operator=(const NoStacks&) = delete;
 
-    std::atomic<int> errors{0};
+private:
+    static constexpr std::size_t kMoreThanAnyAddress = std::size_t{1} << 60;
+
+    pthread_attr_t m_before{};
 };
 
 TEST(GrabThreadWithoutMemory, DoesNotStartAndTheLogSaysSo) {
     recorder::Recorder::Get().Reset();
-    NoMemoryAtTheStart log;
     IManagerSync manager;
-    EXPECT_EQ(ConnectRecorded(manager), STATUS_SUCCESS);
-    FailAllocation(0);
-    EXPECT_EQ(log.errors, 1);
+    support::Output output;
+    {
+        const NoStacks none;
+        EXPECT_EQ(ConnectRecorded(manager), STATUS_SUCCESS);
+    }
+    EXPECT_TRUE(support::MatchesGolden("Connect", "a grab thread does not start", output.End()));
     EXPECT_EQ(recorder::Recorder::Get().Count("SnapShot"), 0u);
 }
 

@@ -180,7 +180,10 @@ bool Recorder::Add(const std::string& name, const std::string& arguments) {
             }
         }
         succeeds = m_failAlways.count(name) == 0 && m_failAt[name].count(number) == 0;
-        const auto found = m_actions.find(name);
+        auto found = m_actions.find(text);
+        if (found == m_actions.end()) {
+            found = m_actions.find(name);
+        }
         if (found != m_actions.end()) {
             action = found->second;
         }

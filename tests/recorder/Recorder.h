@@ -49,7 +49,8 @@ public:
     void FailNth(const std::string& call, int nth);
     /// Every call of this name fails, until Reset or `always` false.
     void FailAlways(const std::string& call, bool always = true);
-    /// Run inside each call of this name, before it answers, on the calling thread.
+    /// Run inside each call of this name, or with these arguments ("SnapShot(C1)"), before it
+    /// answers, on the calling thread.
     void OnCall(const std::string& call, std::function<void()> action);
     void PushSnap(Snap snap);
     /// The tree paths of the boards that the USB tree finds.

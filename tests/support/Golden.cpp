@@ -11,6 +11,8 @@
 #include <sstream>
 #include <utility>
 
+#include "support/GoldenSections.h"
+
 namespace Korvex3Sync::tests::support {
 namespace {
 
@@ -50,9 +52,10 @@ std::string WithoutAddresses(const std::string& text,
 }
 
 /// One `print` line for each line of the text; the last may have no end.
-void AddPrinted(Lines& lines, const std::string& printed) {
-    static const std::regex kSnapWithoutFrame("Camera \\d+ Snap Failed\n");
-    const std::string text = std::regex_replace(printed, kSnapWithoutFrame, "");
+void AddPrinted(Lines& lines, const std::string& printed, bool showFailedSnaps) {
+    static const std::regex kSnapsWithoutFrame("(Camera \\d+ Snap Failed\n)\\1*");
+    const std::string text =
+        std::regex_replace(printed, kSnapsWithoutFrame, showFailedSnaps ? "$1" : "");
     for (std::size_t begin = 0; begin < text.size();) {
         const std::size_t end = std::min(text.find('\n', begin), text.size() - 1) + 1;
         lines.push_back("print " + Quoted(text.substr(begin, end - begin)));
@@ -70,8 +73,8 @@ struct GoldenFile {
     explicit GoldenFile(const std::filesystem::path& path) {
         std::ifstream file(path);
         for (std::string line; std::getline(file, line);) {
-            if (line.starts_with('[') && line.ends_with(']')) {
-                sections.push_back({line.substr(1, line.size() - 2), {}});
+            if (const auto name = GoldenSection(line)) {
+                sections.push_back({*name, {}});
             } else if (!line.empty()) {
                 (sections.empty() ? head : sections.back().lines).push_back(line);
             }
@@ -156,12 +159,13 @@ std::vector<std::string> Output::End() {
     std::size_t shown = 0;
     for (const Record& record : m_records) {
         if (record.printedBefore > shown) {
-            AddPrinted(lines, printed.substr(shown, record.printedBefore - shown));
+            AddPrinted(lines, printed.substr(shown, record.printedBefore - shown),
+                       m_showFailedSnaps);
             shown = record.printedBefore;
         }
         lines.push_back(record.line);
     }
-    AddPrinted(lines, printed.substr(shown));
+    AddPrinted(lines, printed.substr(shown), m_showFailedSnaps);
     for (std::string& line : lines) {
         line = WithoutAddresses(line, m_names);
     }
@@ -196,6 +200,7 @@ testing::AssertionResult MatchesGoldenIn(const std::string& folder, const std::s
 
 testing::AssertionResult MatchesGolden(const std::string& operation, const std::string& section,
                                        const Lines& lines) {
+    NoteGoldenUsed(operation, section);
     return MatchesGoldenIn(KORVEX_GOLDEN_DIR, operation, section, lines);
 }
 

@@ -26,6 +26,8 @@ public:
 
     /// This address is written as "<name>" in the lines; others as "<address>".
     void Name(const void* address, const std::string& name);
+    /// Keeps the prints of snaps without a frame after all, the same ones in a row as one.
+    void ShowFailedSnaps() { m_showFailedSnaps = true; }
     /// Ends the recording. One line for each record and each printed line:
     /// `info "Source: text"` (or "warning", "error") and `print "text\n"`.
     std::vector<std::string> End();
@@ -44,18 +46,20 @@ private:
     const Of m_of;
     const std::thread::id m_thread = std::this_thread::get_id();
     bool m_ended = false;
+    bool m_showFailedSnaps = false;
     std::map<std::string, std::string> m_names;
     std::mutex m_mutex;
     std::vector<Record> m_records;
 };
 
 /// Compares the lines with a section of tests/golden/<operation>.txt; a missing section matches
-/// nothing. With KORVEX_UPDATE_GOLDEN=1 in the environment the section is rewritten when it
-/// differs, and still does not match, so that no such run passes unnoticed.
+/// nothing. The section is noted as used (GoldenSections.h). With KORVEX_UPDATE_GOLDEN=1 in the
+/// environment the section is rewritten when it differs, and still does not match, so that no such
+/// run passes unnoticed.
 testing::AssertionResult MatchesGolden(const std::string& operation, const std::string& section,
                                        const std::vector<std::string>& lines);
 
-/// The same with the golden files of another folder.
+/// The same with the golden files of another folder, and without a note.
 testing::AssertionResult MatchesGoldenIn(const std::string& folder, const std::string& operation,
                                          const std::string& section,
                                          const std::vector<std::string>& lines);

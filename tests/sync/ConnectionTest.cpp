@@ -157,7 +157,9 @@ TEST_F(Connection, MoreCamerasThanTheCodesCanNumberAreACameraFailure) {
         serials.push_back(text.data());
     }
     const std::vector<int> sizes(17, 8);
+    Output output;
     EXPECT_EQ(m_manager->Connect("any", "BOARD", serials, sizes, sizes), STATUS_CAMERA);
+    EXPECT_TRUE(MatchesGolden("Connect", "seventeen cameras", output.End()));
     EXPECT_EQ(Recorder::Get().Count("CreateCamera"), 0u);
     std::string same = "KV00R1";
     const std::vector<char*> equal(17, same.data());

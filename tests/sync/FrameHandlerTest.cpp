@@ -1,5 +1,7 @@
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <condition_variable>
 #include <functional>
 #include <mutex>
@@ -9,15 +11,17 @@
 #include <utility>
 
 #include "platform/os/Event.h"
-#include "support/LogCapture.h"
+#include "support/BlockingCall.h"
+#include "support/Golden.h"
 #include "support/PackedFrames.h"
-#include "support/WaitUntil.h"
 #include "sync/Head.h"
 
 namespace Korvex3Sync::tests {
 namespace {
 
 using recorder::Recorder;
+using support::MatchesGolden;
+using support::Output;
 
 constexpr std::chrono::seconds kDeadline{30};
 constexpr std::size_t kPixels = 32;
@@ -84,7 +88,6 @@ protected:
     static bool Handled(std::uint64_t frames) { return Recorder::Get().WaitForHandled(frames); }
 
     Sets m_sets;
-    support::LogCapture m_log;
     IManagerSync m_manager;
 };
 
@@ -161,13 +164,14 @@ TEST_F(FrameHandler, WhatTheCallbackDoesToItsVectorsLosesNoBuffer) {
 TEST_F(FrameHandler, ABoardOperationInAScanCallbackIsToldOf) {
     m_sets.action = [this](auto&, auto&) { m_manager.Board().Project(PROJECT_OFF); };
     Scan();
+    Output output(Output::Of::kOtherThreads);
     Mono(10, 1);
     Color(30, 1);
     ASSERT_TRUE(m_sets.WaitFor(1));
 #ifdef KORVEX_CHECKS
-    EXPECT_EQ(m_log.Errors(), 1);
+    EXPECT_TRUE(MatchesGolden("OnFrame", "an operation in the scan callback", output.End()));
 #else
-    EXPECT_EQ(m_log.Errors(), 0);
+    EXPECT_THAT(output.End(), testing::IsEmpty());
 #endif
 }
 
@@ -188,7 +192,13 @@ TEST_F(FrameHandler, AnOperationInAScanCallbackIsToldOfBeforeItWaits) {
             m.Cameras().GetCameraResolution(0, width, height);
         }};
     std::size_t next = 0;
-    m_sets.action = [&](auto&, auto&) { operations[next](m_manager); };
+    int grabThread = 0;
+    os::Event inCallback;
+    m_sets.action = [&](auto&, auto&) {
+        grabThread = support::ThisThread();
+        inCallback.Set();
+        operations[next](m_manager);
+    };
     Scan();
     for (unsigned char key = 0; next < std::size(operations) && !HasFailure(); ++next, ++key) {
         os::Event held;
@@ -199,14 +209,19 @@ TEST_F(FrameHandler, AnOperationInAScanCallbackIsToldOfBeforeItWaits) {
         });
         std::thread holder([this] { m_manager.Board().SetProjectorBrightness(1); });
         held.Wait();
+        Output before(Output::Of::kOtherThreads);
         Mono(10, key);
         Color(30, key);
-        EXPECT_TRUE(support::WaitUntil([&] { return m_log.Errors() > static_cast<int>(next); }))
+        inCallback.Wait();
+        EXPECT_TRUE(support::WaitUntilBlocked(grabThread)) << "operation " << next;
+        EXPECT_TRUE(MatchesGolden("OnFrame", "an operation in the scan callback", before.End()))
             << "operation " << next << " waits and says nothing";
+        Output after(Output::Of::kOtherThreads);
         letGo.Set();
         holder.join();
         EXPECT_TRUE(m_sets.WaitFor(next + 1));
-        EXPECT_EQ(m_log.Errors(), static_cast<int>(next) + 1) << "once";
+        EXPECT_THAT(after.End(), testing::IsEmpty()) << "it was said once";
+        inCallback.Reset();
     }
 }
 #endif
@@ -234,12 +249,13 @@ TEST_F(FrameHandler, ACallbackThatThrowsLosesItsSetAndNothingElse) {
         }
     };
     Scan();
+    Output output(Output::Of::kOtherThreads);
     for (unsigned char key = 0; key < 2; ++key) {
         Mono(10, key);
         Color(30, key);
     }
     EXPECT_TRUE(m_sets.WaitFor(2));
-    EXPECT_EQ(m_log.Errors(), 1);
+    EXPECT_TRUE(MatchesGolden("OnFrame", "the scan callback throws", output.End()));
 }
 
 TEST_F(FrameHandler, DestructionWhileFramesWaitFreesThem) {

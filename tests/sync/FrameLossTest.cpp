@@ -9,7 +9,6 @@
 #include "platform/os/TimeScale.h"
 #include "recorder/Recorder.h"
 #include "support/Accounted.h"
-#include "support/LogCapture.h"
 #include "support/PackedFrames.h"
 #include "sync/Head.h"
 
@@ -55,7 +54,6 @@ protected:
     }
 
     Action m_inCallback;
-    support::LogCapture m_log;
     std::unique_ptr<IManagerSync> m_manager = std::make_unique<IManagerSync>();
 
 private:

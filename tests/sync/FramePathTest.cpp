@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "platform/os/Event.h"
+#include "support/Golden.h"
 #include "support/PackedFrames.h"
 
 namespace Korvex3Sync::tests {
@@ -139,6 +140,20 @@ TEST_F(FramePathTest, ASnapshotTakesAColourFrameThatItsSetDoesNotMiss) {
     const auto images = m_path.SnapshotCatch().TakeAll();
     ASSERT_TRUE(images[0]);
     EXPECT_EQ(images[0].Pixels()[kPixels - 1], 30);
+}
+
+TEST_F(FramePathTest, ASnapshotTakesThreeColourFramesAndTheFourthIsPaired) {
+    m_path.SnapshotCatch().Begin();
+    m_path.SnapshotCatch().Arm();
+    support::Output output;
+    Mono(0);
+    for (int i = 0; i < 4; ++i) {
+        Color(0);
+    }
+    EXPECT_TRUE(support::MatchesGolden("OnFrame", "a snapshot takes three frames", output.End()));
+    EXPECT_EQ(m_sets, Sets{"10 11 30 8x4"});
+    EXPECT_EQ(Statistics().colorForSnapshot, 3u);
+    m_path.SnapshotCatch().ReleaseAll();
 }
 
 TEST_F(FramePathTest, AColourFrameIsExpectedOnlyWhereTheModeGivesOne) {

@@ -1,16 +1,16 @@
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <condition_variable>
 #include <memory>
 #include <mutex>
 #include <stdexcept>
-#include <thread>
 #include <utility>
 
 #include "platform/os/Event.h"
 #include "platform/os/TimeScale.h"
+#include "support/BlockingCall.h"
 #include "support/Golden.h"
-#include "support/LogCapture.h"
 #include "sync/Head.h"
 
 namespace Korvex3Sync::tests {
@@ -195,7 +195,7 @@ TEST_F(StatusThread, ACallbackMayPutAnotherInItsPlace) {
 }
 
 TEST_F(StatusThread, ACallbackThatThrowsLosesItsReportAndThePollsGoOn) {
-    const support::LogCapture log;
+    Output output(Output::Of::kOtherThreads);
     Open();
     m_reports.action = [thrown = false]() mutable {
         if (!std::exchange(thrown, true)) {
@@ -204,7 +204,7 @@ TEST_F(StatusThread, ACallbackThatThrowsLosesItsReportAndThePollsGoOn) {
     };
     Report();
     EXPECT_TRUE(m_reports.WaitFor(2));
-    EXPECT_EQ(log.Errors(), 1);
+    EXPECT_TRUE(MatchesGolden("StatusThreadFun", "the status callback throws", output.End()));
 }
 
 TEST_F(StatusThread, TheHeartbeatNeedsABoard) {
@@ -240,6 +240,25 @@ TEST_F(StatusThread, StaysAwayFromTheBoardUntilTheLastOneUnparksIt) {
     EXPECT_TRUE(WaitForPolls(2));
 }
 
+TEST_F(StatusThread, ToldToEndWhileItWaitsForTheBoardLeavesItAlone) {
+    std::atomic<int> thread{0};
+    m_reports.action = [&] { thread = support::ThisThread(); };
+    Open();
+    Report();
+    ASSERT_TRUE(m_reports.WaitFor(1));
+    Output output(Output::Of::kOtherThreads);
+    m_device.Enter();
+    const auto polls = Recorder::Get().Count("zr3DQueryCurrentStatus");
+    EXPECT_TRUE(support::WaitUntilBlocked(thread));
+    const support::BlockingCall stopping([&] { m_poller.Stop(); });
+    EXPECT_TRUE(stopping.WaitUntilBlocked());
+    m_device.Leave();
+    EXPECT_TRUE(stopping.WaitUntilReturned());
+    EXPECT_EQ(Recorder::Get().Count("zr3DQueryCurrentStatus"), polls);
+    EXPECT_TRUE(
+        MatchesGolden("StatusThreadFun", "ends while it waits for the board", output.End()));
+}
+
 TEST(StatusThreadEnd, TheDestructorEndsTheThreadAtOnceAndSaysSo) {
     Recorder::Get().Reset();
     Reports reports;
@@ -270,17 +289,18 @@ TEST(StatusThreadEnd, TheDestructorLeavesACameraAloneThatTheCallbackUses) {
         }
     };
     os::Event inUse;
-    bool leftAlone = false;
+    os::Event open;
     Recorder::Get().OnCall("GetGain", [&] {
         inUse.Set();
-        Recorder::Get().WaitForCount("UnlockOthers", 1);  // the grab thread has ended
-        std::this_thread::sleep_for(std::chrono::milliseconds(50));
-        leftAlone = Recorder::Get().Count("CloseCamera") == 0;
+        open.Wait();
     });
     manager->Status().SetStatusCallBackFunction(&Reports::Receive, &reports);
     inUse.Wait();
-    manager.reset();
-    EXPECT_TRUE(leftAlone);
+    const support::BlockingCall closing([&] { manager.reset(); });
+    EXPECT_TRUE(closing.WaitUntilBlocked());
+    EXPECT_EQ(Recorder::Get().Count("CloseCamera"), 0u);
+    open.Set();
+    EXPECT_TRUE(closing.WaitUntilReturned());
     EXPECT_EQ(Recorder::Get().Count("CloseCamera"), 1u);
 }
 

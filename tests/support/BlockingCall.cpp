@@ -1,0 +1,79 @@
+#include "support/BlockingCall.h"
+
+#include <sys/syscall.h>
+#include <unistd.h>
+
+#include <fstream>
+#include <string>
+#include <utility>
+
+#include "support/WaitUntil.h"
+
+namespace Korvex3Sync::tests::support {
+namespace {
+
+/// How often a thread has to be found in the same sleep.
+constexpr int kLooks = 20;
+
+/// How often the thread has given the processor up by itself; empty while it does not sleep.
+std::string Sleep(int thread) {
+    std::ifstream status("/proc/self/task/" + std::to_string(thread) + "/status");
+    bool sleeps = false;
+    for (std::string line; std::getline(status, line);) {
+        if (line.starts_with("State:")) {
+            sleeps = line.find('S', line.find(':')) != std::string::npos;
+        } else if (line.starts_with("voluntary_ctxt_switches:")) {
+            return sleeps ? line : "";
+        }
+    }
+    return "";
+}
+
+/// Says whether a thread is blocked by now; to be asked again and again.
+class Observer {
+public:
+    bool IsBlocked(int thread) {
+        const std::string sleep = Sleep(thread);
+        m_looks = sleep.empty() || sleep != m_sleep ? 0 : m_looks + 1;
+        m_sleep = sleep;
+        return m_looks >= kLooks;
+    }
+
+private:
+    std::string m_sleep;
+    int m_looks = 0;
+};
+
+bool IsReady(const std::future<void>& end) {
+    return end.wait_for(std::chrono::seconds(0)) == std::future_status::ready;
+}
+
+}  // namespace
+
+int ThisThread() {
+    return static_cast<int>(::syscall(SYS_gettid));
+}
+
+bool WaitUntilBlocked(int thread) {
+    Observer observer;
+    return WaitUntil([&] { return observer.IsBlocked(thread); });
+}
+
+BlockingCall::BlockingCall(std::function<void()> call)
+    : m_end(std::async(std::launch::async, [this, call = std::move(call)] {
+          m_thread = ThisThread();
+          call();
+      })) {}
+
+bool BlockingCall::WaitUntilBlocked() const {
+    Observer observer;
+    return WaitUntil(
+               [&] { return IsReady(m_end) || (m_thread != 0 && observer.IsBlocked(m_thread)); }) &&
+           !IsReady(m_end);
+}
+
+bool BlockingCall::WaitUntilReturned() const {
+    return WaitUntil([&] { return IsReady(m_end); });
+}
+
+}  // namespace Korvex3Sync::tests::support
