@@ -4,13 +4,13 @@
 
 namespace Korvex3Sync {
 
-// What the camera library's colour modes mean, each question in its own words.
+// The meaning of the colour modes of the camera library, and of the formats of split images.
 
-/// Channels that the frame callback is told.
+/// The channel count that is passed to the frame callback.
 int CallbackChannels(zr3DCamera::ZR_IMG_FORMAT mode);
 /// Whether discovery lists the camera as a colour camera.
 bool IsColorCamera(zr3DCamera::ZR_IMG_FORMAT mode);
-/// Channels of an image that was split from a packed frame, by its format.
+/// The channel count of an image that was split from a packed frame, by its format.
 int SplitChannels(int format);
 
 inline constexpr int kMonoFormat = 1;

@@ -8,22 +8,23 @@
 
 namespace Korvex3Sync {
 
-/// The lock between a grab thread and those who pause it. Recursive, and served in the order of
-/// asking, so that a grab thread that snaps back to back cannot keep a caller out.
+/// The lock between a grab thread and the callers that pause it. It is recursive and serves threads
+/// in the order in which they ask, so a grab thread that snaps without a break cannot keep a caller
+/// out.
 ///
-/// A pause is a hold that stays when the pausing call has returned. It can be ended by any thread
-/// (the one that closes the cameras need not be the one that disconnects), and ending a pause never
-/// takes away the hold of a grab thread. The pausing thread itself may enter again.
+/// A pause is a hold that remains after the pausing call has returned. Any thread can end it: the
+/// thread that closes the cameras may not be the one that disconnects. Ending a pause never
+/// releases the hold of a grab thread. The pausing thread itself may enter again.
 class KORVEX_CAPABILITY("pause lock") PauseLock {
 public:
     void Enter() KORVEX_ACQUIRE();
-    /// As Enter, but enters at once during a pause, made by any thread. For callers that pause,
-    /// never for a grab thread. The lock stays taken until this hold ends too.
+    /// Like Enter, but enters at once during a pause, whichever thread made it. For callers that
+    /// pause, never for a grab thread. The lock stays taken until this hold has ended, too.
     void EnterOrJoinPause() KORVEX_ACQUIRE();
     /// Only for the thread that entered.
     void Leave() KORVEX_RELEASE();
 
-    /// Waits for the lock and keeps it as a pause. Nothing happens while a pause stands.
+    /// Waits for the lock and keeps it as a pause. Does nothing during a pause.
     void BeginPause() KORVEX_EXCLUDES(this);
     /// Ends the pause, if there is one.
     void EndPause();
@@ -42,7 +43,7 @@ private:
     std::uint64_t m_served KORVEX_GUARDED_BY(m_mutex) = 0;
 };
 
-/// Keeps the grab thread out for a scope: with a hold of its own, or with the pause that stands.
+/// Keeps the grab thread out for a scope, with its own hold or together with a pause.
 class KORVEX_SCOPED_CAPABILITY PauseJoinGuard {
 public:
     explicit PauseJoinGuard(PauseLock& lock) KORVEX_ACQUIRE(lock) : m_lock(lock) {

@@ -15,24 +15,26 @@
 
 namespace Korvex3Sync {
 
-/// Receives each accepted frame of a camera on its grab thread. `image` is the camera library's own
-/// buffer and valid only during the call; `width`, `height` and `channels` are those of one image.
+/// Receives each accepted frame of a camera on its grab thread. `image` is a buffer of the camera
+/// library, valid only during the call. `width`, `height` and `channels` describe one image.
 using CameraFrameCallback = void (*)(void* const& context, const int& cameraId,
                                      unsigned char* const& image, const int& width,
                                      const int& height, const int& channels);
 
 /// One industrial camera and its grab thread.
 ///
-/// The grab thread snaps back to back and hands each valid frame to the frame callback. It holds
-/// the pause lock and, inside it, the snap lock for a whole iteration, callback included.
+/// The grab thread snaps without a break and passes each valid frame to the frame callback. It
+/// holds the pause lock and, inside it, the snap lock for a whole iteration, including the
+/// callback.
 ///
-/// Who touches what: the owner (one caller at a time, under the manager's device lock) opens,
-/// closes, pauses and sets parameters. The pause lock guards what it shares with the grab thread:
-/// the camera handle, the image and the callback. The owner alone changes the handle, with the
-/// pause lock or while a pause stands, and therefore reads it without. Camera id and counters are
-/// set before the grab thread starts. Flags that both read are atomic.
+/// Who uses what: the owner (one caller at a time, under the manager's device lock) opens, closes,
+/// pauses and sets parameters. The pause lock guards what the owner shares with the grab thread:
+/// the camera handle, the image and the callback. Only the owner changes the handle, with the pause
+/// lock held or during a pause, and so it may read the handle without the lock. Camera id and
+/// counters are set before the grab thread starts. Flags that both read are atomic.
 ///
-/// Lock order: pause lock, then snap lock. Nothing is thrown; results are bool.
+/// Lock order: pause lock, then snap lock. The functions do not throw; a bool result is true for
+/// success.
 class CPhysicalCameraThread {
 public:
     explicit CPhysicalCameraThread(PhysicalCameraThreadListener* listener);
@@ -42,34 +44,34 @@ public:
 
     // Camera instance and opening (PhysicalCameraThread.cpp).
 
-    /// Creates the library instance for a type or serial; null takes the serial of the last open.
+    /// Creates the library instance for a type or serial; null means the serial of the last open.
     bool InializeCamera(const char* const& devId);
     bool ReleaseCamera();
-    /// Opens with the size of one image; stops and closes first where needed.
+    /// Opens the camera; `width` and `height` are the size of one image. Stops and closes it first
+    /// if necessary.
     bool OpenCamera(const char* const& serial, const int& width, const int& height);
-    /// Closes and opens again in place, with serial and size of the last open. The grab thread must
-    /// be paused.
+    /// Closes and reopens the camera with the serial and size of the last open. The grab thread
+    /// must be paused.
     bool ReOpenCamera();
-    /// Stops the thread, closes, and forgets the frame callback.
+    /// Stops the thread, closes the camera and removes the frame callback.
     bool CloseCamera();
     bool StartCamera();
     /// Ignored without a camera handle.
     void SetCameraID(int id);
     /// Ignored while no camera ID is set. Waits for the running iteration of the grab thread.
     void SetScanCallBackFunction(CameraFrameCallback callback, void* context);
-    /// How many logical channels this one camera serves; 1 until set. To be set before the thread
-    /// starts.
+    /// The number of sensors that share this camera, initially 1. Set it before the thread starts.
     void SetCameraComplexInfo(int count) { m_complexInfo = count; }
     int CameraComplexInfo() const { return m_complexInfo; }
-    /// Where the grab thread counts, instead of an object of its own. To be set before the thread
-    /// starts; not null.
+    /// The counters of the grab thread; not null. Without this call it has its own. Set them before
+    /// the thread starts.
     void CountInto(std::shared_ptr<GrabCounters> counters) { m_counters = std::move(counters); }
 
-    // Parameters (ParameterAccess.cpp). Units are the camera's: microseconds, gain steps.
+    // Parameters (ParameterAccess.cpp), in the units of the camera: microseconds, gain steps.
 
     bool GetResolution(int& width, int& height);
     bool SetExposure(const long& time);
-    /// True whatever the library answers, where there is a camera.
+    /// True if there is a camera handle, even if the library fails.
     bool GetExposure(long& time);
     bool SetGain(int gain);
     bool GetGain(int& gain);
@@ -81,12 +83,12 @@ public:
     // Thread control (ThreadControl.cpp).
 
     bool StartThread();
-    /// Waits without limit for the end of the running iteration. A pause must have been ended.
+    /// Waits without limit for the running iteration to end. End a pause first.
     bool StopThread();
-    /// Returns when the running iteration is over; from then on the thread waits.
+    /// Returns when the running iteration has ended; then the thread waits.
     void PauseThread();
     void ResumeThread();
-    /// Ends a pause, made by any thread, before destruction.
+    /// Ends a pause, whichever thread made it, before destruction.
     void ResetStatusToInitialize();
 
 private:
@@ -94,7 +96,7 @@ private:
     class Yield;
 
     void GrabLoop();
-    /// The camera handle, for the owner: nobody else changes it.
+    /// The camera handle, for the owner, which alone changes it.
     void* Camera() const KORVEX_NO_THREAD_SAFETY_ANALYSIS { return m_camera; }
     void DestroyInstance();
     void SnapOnce(zr3DCamera::ZR_IMG_FORMAT mode) KORVEX_REQUIRES(m_csPause, m_csSnap);

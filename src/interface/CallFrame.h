@@ -13,13 +13,13 @@ namespace Korvex3Sync {
 
 inline constexpr char kInterfaceLog[] = "KorvexSyncControl";
 
-// The frame of every exported call. `name` is the export's, for its entry record. The operations of
-// an export are called with its arguments as they came. Nothing is thrown across the interface: an
-// operation that throws (std::bad_alloc) gives 0.
+// The frame of every exported call. `name` is the name of the export, for its entry record. The
+// operation is called with the arguments of the export, unchanged. No exception crosses the
+// interface: an operation that throws (std::bad_alloc) gives 0.
 
-/// Records "<name> enter".
+/// Logs "<name> enter".
 void LogEnter(const char* name);
-/// Records why an export answers 0 although no device refused.
+/// Logs why an export returns 0 although no device refused.
 void LogException(const char* what);
 
 /// Runs a call; an exception becomes 0.
@@ -35,10 +35,11 @@ RETSTATUS NoThrow(Call&& call) {
     return STATUS_FAILED;
 }
 
-// Where an export goes, by what it does in service mode. A direct operation takes an IManagerSync&
-// first, or is a member of it or of one of its parts; a client operation takes a zr3DHandiSyncQT&.
+// The targets of an export. They differ in what happens in service mode. A direct operation is a
+// member of IManagerSync or of one of its parts, or takes an IManagerSync& as its first argument. A
+// client operation takes a zr3DHandiSyncQT&.
 
-/// An operation that the service client does not have yet: 5.
+/// An operation that the service client does not have yet. Returns 5.
 struct NoClientOperation {
     template <class... Args>
     RETSTATUS operator()(zr3DHandiSyncQT&, Args&&...) const {
@@ -46,7 +47,7 @@ struct NoClientOperation {
     }
 };
 
-/// The service client takes the call in service mode.
+/// In service mode the call goes to the service client.
 template <class Direct, class Client = NoClientOperation>
 struct Standard {
     Direct direct;
@@ -57,7 +58,7 @@ Standard(Direct) -> Standard<Direct>;
 template <class Direct, class Client>
 Standard(Direct, Client) -> Standard<Direct, Client>;
 
-/// 4 in service mode.
+/// Returns 4 in service mode.
 template <class Direct>
 struct DirectOnly {
     Direct direct;
@@ -65,7 +66,7 @@ struct DirectOnly {
 template <class Direct>
 DirectOnly(Direct) -> DirectOnly<Direct>;
 
-/// Does not look at the mode.
+/// Ignores the mode.
 template <class Direct>
 struct AlwaysDirect {
     Direct direct;
@@ -73,7 +74,7 @@ struct AlwaysDirect {
 template <class Direct>
 AlwaysDirect(Direct) -> AlwaysDirect<Direct>;
 
-/// A call to the service client: 6 without a client.
+/// Calls the service client. Returns 6 without one.
 template <class Client, class... Args>
 RETSTATUS ServiceCall(const Client& client, Args&&... args) {
     zr3DHandiSyncQT* const service = ServiceClient();
@@ -83,7 +84,8 @@ RETSTATUS ServiceCall(const Client& client, Args&&... args) {
     return NoThrow([&] { return std::invoke(client, *service, std::forward<Args>(args)...); });
 }
 
-// What a direct operation is called on: the part that it is a member of, else the manager.
+// The object that a direct operation is called on: the part that it is a member of, otherwise the
+// manager.
 
 template <class Operation>
 IManagerSync& TargetOf(Operation, IManagerSync& manager) {
@@ -110,7 +112,7 @@ ColorSnapshot& TargetOf(Function ColorSnapshot::*, IManagerSync& manager) {
     return manager.Snapshots();
 }
 
-/// A call inside a live connection: 6 for any other handle.
+/// Calls a direct operation on a live connection. Returns 6 for any other handle.
 template <class Direct, class... Args>
 RETSTATUS DirectCall(const Direct& direct, void* handle, Args&&... args) {
     const CallInside inside(handle);

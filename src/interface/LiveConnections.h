@@ -7,29 +7,31 @@
 
 namespace Korvex3Sync {
 
-// The live connections of direct mode. A handle is the address of the connection's manager, and it
-// is looked up here before it is followed: a stale, closed or made-up one is simply not found.
+// The live connections of direct mode. A handle is the address of the connection's manager. It is
+// looked up here before it is dereferenced, so a stale, closed or invented handle is simply not
+// found.
 
-/// One connection: its manager, and the calls that are inside it.
+/// One connection: its manager, and the calls that are running on it.
 struct Connection {
     IManagerSync manager;
     int callsInside = 0;     // guarded by the table's mutex
     bool closing = false;    // guarded by the table's mutex
-    os::Event lastCallLeft;  // set once it is closing and no call is inside
+    os::Event lastCallLeft;  // set when it is closing and no call is running
 };
 
 /// The handle of a connection, live or not.
 void* HandleOf(Connection& connection);
 
-/// Makes the connection live and empties the pointer. Throws std::bad_alloc; then neither happens.
+/// Adds the connection and takes it out of the pointer. Throws std::bad_alloc, and then does
+/// neither.
 void AddConnection(std::unique_ptr<Connection>& connection);
 
-/// Makes the handle unknown, ends the waits of the calls that are still inside, and returns when
-/// the last of them has left. Null for a handle that is not live: of two callers, one gets the
-/// connection. Blocks as long as those calls do. Throws nothing.
+/// Removes the connection, so that its handle is unknown, ends the waits of running calls, and
+/// returns when the last of them has ended. Blocks as long as they do. Null for a handle that is
+/// not live: of two callers, one gets the connection. Does not throw.
 std::unique_ptr<Connection> TakeConnection(void* handle);
 
-/// Keeps a connection alive for one call.
+/// Keeps a connection alive during one call.
 class CallInside {
 public:
     explicit CallInside(void* handle);
@@ -42,7 +44,7 @@ public:
     IManagerSync& Manager() const { return m_connection->manager; }
 
 private:
-    /// The caller that took it out of the table waits until this call has left.
+    /// TakeConnection waits until this call has ended.
     Connection* const m_connection;
 };
 

@@ -4,18 +4,18 @@ namespace Korvex3Sync {
 
 class zr3DHandiSyncQT;
 
-// Process-wide state of the interface, zero when the library is loaded and never torn down.
+// Process-wide state of the interface. It is zero-initialised and never destroyed.
 
-/// True after service mode was switched on.
+/// Whether service mode is on.
 bool ServiceMode();
 void SetServiceMode(bool on);
 
-/// The one service client; null while none was made.
+/// The service client; null if there is none.
 zr3DHandiSyncQT* ServiceClient();
-/// To be called once with a client, which lives as long as the process.
+/// Call it once, with a client that lives as long as the process.
 void SetServiceClient(zr3DHandiSyncQT* client);
 
-/// Reset by each end of a direct connection; nothing reads it.
+/// Called at each end of a direct connection; nothing reads the marker.
 void ResetConnectionMarker();
 
 }  // namespace Korvex3Sync

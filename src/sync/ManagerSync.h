@@ -16,20 +16,20 @@
 
 namespace Korvex3Sync {
 
-/// One connected head in direct mode: holds its parts and says in which order things happen when
-/// it is connected, reconnected and closed. Everything else is an operation of one part.
+/// One connected head in direct mode. It owns the parts and defines the order of steps when the
+/// head is connected, reconnected and closed. Everything else is an operation of one part.
 ///
-/// Locks, each taken alone but for these orders: m_csDevice before the m_csStatus of the status
-/// poller; m_csDevice before a camera's pause lock; a camera's pause and snap locks before the
-/// m_csFrame of the frame path, on its grab thread. m_csDevice covers board I/O and the camera list
-/// and belongs to all parts; m_csStatus covers the status callback (which runs with m_csDevice and
-/// m_csStatus held), m_csFrame the pairing and the scan callback (which runs with the other three
-/// held that a grab thread takes).
+/// Lock order: m_csDevice before the m_csStatus of the status poller; m_csDevice before a camera's
+/// pause lock; on a grab thread, the camera's pause lock, then its snap lock, then the m_csFrame of
+/// the frame path. Otherwise each lock is taken alone. All parts share m_csDevice, which guards
+/// board I/O and the camera list. m_csStatus guards the status callback, which runs with m_csDevice
+/// and m_csStatus held. m_csFrame guards the pairing and the scan callback, which runs with the
+/// three locks of its grab thread held.
 class IManagerSync : public PhysicalCameraThreadListener {
 public:
     IManagerSync() = default;
-    /// Stops the threads, closes cameras and board. A status callback may still be told 255, 255
-    /// once while this runs; none runs afterwards.
+    /// Stops the threads, closes cameras and board. Meanwhile the status callback may still receive
+    /// 255, 255 once; afterwards no callback runs.
     ~IManagerSync() override;
     IManagerSync(const IManagerSync&) = delete;
     IManagerSync& operator=(const IManagerSync&) = delete;
@@ -40,10 +40,10 @@ public:
     /// Opens the cameras and starts their grab threads: 0 opened, 1 bad lists, 2 camera failure.
     virtual int OpenCameras(const std::vector<char*>& camSerials, const std::vector<int>& widths,
                             const std::vector<int>& heights);
-    /// With `release` pauses and releases every camera and makes new instances of them; without it
-    /// lets the grab threads run again. Waits for the running iteration of each grab thread.
+    /// If `release` is true, pauses and releases every camera and creates new instances; otherwise
+    /// resumes the grab threads. Waits for the running iteration of each grab thread.
     virtual void ReInitializeCamera(bool release);
-    /// Closes and opens the board, then reopens the cameras and writes everything back: 0
+    /// Closes and reopens the board, then reopens the cameras and writes all settings back: 0
     /// reconnected, 1 the board did not open, 3 it did not answer. Holds the device lock
     /// throughout.
     virtual int ReConnectDevice();
@@ -51,13 +51,13 @@ public:
     RETSTATUS Connect(const char* deviceName, const char* pcbSerial,
                       const std::vector<char*>& camSerials, const std::vector<int>& widths,
                       const std::vector<int>& heights);
-    /// The whole reconnection: parks the status thread, releases the cameras, reconnects, restarts
-    /// a board that does not answer and tries once more. Gives the last result of ReConnectDevice.
-    /// Blocks for 7 s where the board is restarted.
+    /// The whole reconnection: parks the status thread, releases the cameras and reconnects.
+    /// Restarts a board that does not answer and tries once more, which takes 7 s. Returns the last
+    /// result of ReConnectDevice.
     int ReConnectDeviceEx();
-    /// For a connection that is about to be closed, from any thread: calls that wait inside end at
-    /// once, now and from then on. A snapshot fails as it does without a frame; a reconnection does
-    /// not wait for the restart of its board and fails.
+    /// For a connection that is about to be closed; any thread. From now on its calls no longer
+    /// wait for frames or for the restart of a board: a snapshot fails as it does without a frame,
+    /// and a reconnection fails.
     void RequestStop();
 
     BoardSession& Board() { return m_board; }
@@ -69,13 +69,13 @@ public:
 private:
     class Parked;
 
-    /// Reconnects, a second time after a restart of a board that does not answer.
+    /// Reconnects. If the board does not answer, restarts it and reconnects once more.
     int ReConnectOrRestart();
-    /// Waits as long as the nominal time. False when it was told to stop.
+    /// Waits for the nominal time. False if the wait was ended by RequestStop.
     bool WaitUnlessStopped(std::chrono::milliseconds nominal);
 
-    // Destroyed from the last one on: m_csFrame goes first, then m_csStatus, then m_csDevice, each
-    // when no holder is inside.
+    // Members are destroyed in reverse order: first m_csFrame, then m_csStatus, then m_csDevice.
+    // The destructor of each waits until nobody holds it.
     os::CriticalSection m_csDevice;
     os::Event m_stop;  // ends the waits of callers
     std::atomic<int> m_threadValue{0};

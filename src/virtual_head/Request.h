@@ -13,26 +13,26 @@ namespace Korvex3Sync::virtual_head {
 
 class VirtualHead;
 
-/// Asks for the virtual head of this process. `request` is "default" or the path of a head file.
-/// False, with one line in `error`, when the file is refused or its images cannot be read. A
-/// request replaces the head of an earlier one: handles of that one fail from then on.
+/// Requests the virtual head of this process. `request` is "default" or the path of a head file. If
+/// the file is refused or its images cannot be read, returns false with one line in `error`. A new
+/// request replaces the previous head, whose handles fail from then on.
 KORVEX_VIRTUAL_HEAD_API bool RequestVirtualHead(const std::string& request, std::string& error);
-/// The same with a description of one's own.
+/// Requests a head with this description.
 KORVEX_VIRTUAL_HEAD_API bool RequestVirtualHead(const HeadDescription& description,
                                                 std::string& error);
-/// Asks for the head that the environment variable KORVEX_VIRTUAL_HEAD names, unless a request was
-/// made before or the variable was looked at: a program that reports a refused head file itself
-/// calls this first. False, with one line in `error`, when the file is refused; true without a
-/// variable.
+/// Requests the head that the environment variable KORVEX_VIRTUAL_HEAD names, unless there was a
+/// request or the variable has been read before. A program that reports a refused head file itself
+/// calls this first. If the file is refused, returns false with one line in `error`; returns true
+/// if the variable is not set.
 KORVEX_VIRTUAL_HEAD_API bool RequestHeadOfEnvironment(std::string& error);
-/// Ends the request; from then on the platform libraries find nothing.
+/// Withdraws the request; from then on the platform libraries find nothing.
 KORVEX_VIRTUAL_HEAD_API void WithdrawVirtualHead();
 
-/// The requested head, or null. The first call looks at the environment variable
-/// KORVEX_VIRTUAL_HEAD, unless a request was made before; a refused head file there is written to
-/// the standard error stream once, and no head exists.
+/// The requested head, or null. The first call reads the environment variable KORVEX_VIRTUAL_HEAD,
+/// unless there was a request before. If its head file is refused, the reason is printed to
+/// standard error once, and there is no head.
 KORVEX_VIRTUAL_HEAD_API std::shared_ptr<VirtualHead> RequestedVirtualHead();
-/// The serials of the boards that are plugged in at the requested head, one or none; nothing
+/// The serials of the boards that are plugged in at the requested head: one or none. Nothing
 /// without a head.
 KORVEX_VIRTUAL_HEAD_API std::optional<std::vector<std::string>> SimulatedBoards();
 

@@ -15,12 +15,12 @@ namespace Korvex3Sync::virtual_head {
 class ImageSource;
 
 /// One simulated head: board, trigger clock, sensors, journal and faults that belong together.
-/// Thread-safe. A user holds a shared pointer, so that withdrawing the request never pulls
-/// it from under a call.
+/// Thread-safe. Users hold a shared pointer, so withdrawing the request never destroys the head
+/// during a call.
 class KORVEX_VIRTUAL_HEAD_API VirtualHead {
 public:
-    /// `images` is not null and fits the description. Throws std::runtime_error without a thread
-    /// for the trigger clock or for timed faults.
+    /// `images` is not null and fits the description. Throws std::runtime_error if a thread for the
+    /// trigger clock or the timed faults cannot be started.
     VirtualHead(HeadDescription description, std::shared_ptr<ImageSource> images);
     ~VirtualHead();
     VirtualHead(const VirtualHead&) = delete;

@@ -4,12 +4,12 @@
 
 namespace Korvex3Sync {
 
-// Which cameras of a type are attached. Both run without a connection, on the caller's thread, and
-// block while the camera library opens cameras. Failures are skipped; nothing is reported but the
-// number found.
+// Find the attached cameras of a type. Both functions run without a connection, on the caller's
+// thread, and block while the camera library opens cameras. A camera that fails is skipped; only
+// the number found is reported.
 
-/// Appends serial (260-byte `new[]` buffer, the caller's), image size and colour flag of each
-/// camera that could be opened and read; gives their number.
+/// Appends serial (a `new[]` buffer of 260 bytes that the caller owns), image size and colour flag
+/// of each camera that could be opened and read. Returns their number.
 int GetAllSpecifyTypeCameraInformation(const char* const& cameraType, std::vector<char*>& serials,
                                        std::vector<int>& widths, std::vector<int>& heights,
                                        std::vector<bool>& isColor);

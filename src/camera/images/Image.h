@@ -8,8 +8,9 @@ namespace Korvex3Sync {
 
 class ImagePool;
 
-/// A buffer of pixels that has one owner and returns to its pool by itself, on any thread. The pool
-/// must outlive it. Empty when default-constructed, moved from, released or given away.
+/// A buffer of pixels with one owner. The destructor returns it to its pool, on any thread. The
+/// pool must outlive it. An image is empty when default-constructed, moved from, released or given
+/// away.
 class Image {
 public:
     /// An ordinary `new[]` block.
@@ -38,8 +39,8 @@ public:
             ReturnToPool();
         }
     }
-    /// The buffer leaves the pool for good: the caller frees it with `delete[]`. Null for an empty
-    /// image.
+    /// Takes the buffer out of the pool for good: the caller frees it with `delete[]`. Null for an
+    /// empty image.
     unsigned char* GiveAway();
 
 private:

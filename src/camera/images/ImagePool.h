@@ -8,28 +8,28 @@
 
 namespace Korvex3Sync {
 
-/// Image buffers that are used again, so that a running stream allocates nothing of image size.
+/// Reuses image buffers, so that a running stream allocates nothing of image size.
 ///
-/// Thread-safe, with a lock of its own that is taken inside any other: images may be taken,
-/// released and given away with or without the owner's lock. It must outlive its images.
+/// Thread-safe: its own lock is taken inside any other, so images may be taken, released and given
+/// away with or without the owner's lock. It must outlive its images.
 class ImagePool {
 public:
     ImagePool() = default;
     ImagePool(const ImagePool&) = delete;
     ImagePool& operator=(const ImagePool&) = delete;
 
-    /// An image of exactly this size, its content undefined; empty when there is no memory.
+    /// An image of exactly this size with undefined content; empty if memory runs out.
     Image Take(std::size_t bytes);
 
     /// Images that are in use.
     std::size_t Lent() const;
-    /// Buffers that wait for their next use.
+    /// Buffers that are not in use.
     std::size_t Free() const;
 
 private:
     friend class Image;
 
-    /// Never allocates: Take has made room.
+    /// Never allocates: Take has reserved the space.
     void TakeBack(Image::Buffer&& buffer);
     void Forget();
 

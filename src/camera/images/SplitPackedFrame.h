@@ -7,8 +7,8 @@
 
 namespace Korvex3Sync {
 
-/// The images of a packed frame, with the size and the channels of each: one image of a colour
-/// frame, two of a mono frame.
+/// The images of a packed frame, with the size and the channel count of each: one image for a
+/// colour frame, two for a mono frame.
 struct SplitFrame {
     std::vector<Image> images;
     std::vector<int> widths;
@@ -19,9 +19,9 @@ struct SplitFrame {
     void Clear();
 };
 
-/// Takes a packed frame of a camera that was opened with this size apart. `frame` must be clear.
-/// False without data, without a size, or without memory; `frame` is clear then. The images come
-/// from `pool`.
+/// Splits a packed frame of a camera that was opened with this size. `frame` must be clear. The
+/// images come from `pool`. If there is no data, no size or no memory, returns false and leaves
+/// `frame` clear.
 bool SplitPackedFrame(SplitFrame& frame, const unsigned char* data, int width, int height,
                       ImagePool& pool);
 

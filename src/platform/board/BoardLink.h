@@ -13,12 +13,12 @@
 
 namespace Korvex3Sync::board {
 
-/// How long a board may take for the reply to one command report, sending included.
+/// The time limit for one command report: sending it and receiving its reply.
 inline constexpr std::chrono::milliseconds kReplyLimit{500};
 
-/// One open board: sends commands and finds the reply to each. Nothing is sent twice. Thread-safe:
-/// callers have their turns one after the other, and a turn lasts kReplyLimit at most for each
-/// report until one fails. `m_turn` is held for a turn; Close takes no lock and ends a turn early.
+/// One open board: sends commands and receives their replies. Never repeats a command. Thread-safe:
+/// callers take turns. A turn takes at most kReplyLimit per report and ends with the first report
+/// that fails. `m_turn` is held during a turn; Close takes no lock and ends a turn early.
 class BoardLink {
 public:
     struct Request {
@@ -32,15 +32,15 @@ public:
     BoardLink(const BoardLink&) = delete;
     BoardLink& operator=(const BoardLink&) = delete;
 
-    /// Sends the requests in one turn, each after the reply to the one before. Their reply
-    /// payloads, one each; nothing as soon as one fails: not sent, no good reply within the limit,
-    /// a status other than Ok, or the link is closed. Replies that are damaged or belong to another
-    /// command are skipped.
+    /// Sends the requests in one turn, each after the reply to the previous one, and returns the
+    /// payload of each reply. Returns nothing as soon as one fails: not sent, no good reply within
+    /// the limit, a status other than Ok, or the link closed. Replies that are damaged or belong to
+    /// another command are skipped.
     std::optional<std::vector<Payload>> Exchange(std::span<const Request> requests);
     std::optional<Payload> Exchange(const Request& request);
 
-    /// Closes the board; any thread, also while another is in Exchange, which then gives nothing
-    /// soon. False when the board failed to close; it is closed all the same.
+    /// Closes the board. Any thread, also while another one is in Exchange, which then soon returns
+    /// nothing. False if the board failed to close; the link is closed anyway.
     bool Close();
 
 private:

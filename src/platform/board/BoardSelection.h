@@ -6,20 +6,20 @@
 
 namespace Korvex3Sync::board {
 
-/// Which board is meant.
+/// Selects a board.
 struct BoardSelection {
     std::uint16_t vendor = 0;
     std::uint16_t product = 0;
     std::string serial;  // empty: any
 };
 
-/// From the texts of the interface: the identifiers in hexadecimal (upper or lower case, no
-/// prefix). Nothing for a null text or one that is not such a number of 16 bits.
+/// Parses the texts of the interface: the identifiers are hexadecimal (upper or lower case, no
+/// prefix). Returns nothing for a null text or an identifier that is not a 16-bit number.
 std::optional<BoardSelection> ParseSelection(const char* vendor, const char* product,
                                              const char* serial);
 /// The synchronization board with this serial (empty: any).
 BoardSelection BoardOfSerial(const char* serial);
-/// Whether a board with these properties is meant.
+/// Whether the selection includes a board with these properties.
 bool Selects(const BoardSelection& selection, std::uint16_t vendor, std::uint16_t product,
              const std::string& serial);
 /// For the journal: "3267, 5752, SERIAL".

@@ -11,7 +11,7 @@
 
 namespace Korvex3Sync::board {
 
-/// What came in, as it came: a device may send less than a report.
+/// Received bytes. A device may send less than a report.
 struct ReceivedBytes {
     std::array<std::uint8_t, kReportSize> bytes{};
     std::size_t size = 0;
@@ -19,22 +19,22 @@ struct ReceivedBytes {
     std::span<const std::uint8_t> Bytes() const { return {bytes.data(), size}; }
 };
 
-/// A way to one open board that moves reports and knows nothing of what they mean. Thread-safe;
-/// Close may come while other threads are inside.
+/// A connection to one open board. It transfers reports without interpreting them. Thread-safe:
+/// Close may be called while other threads are in a call.
 class ByteTransport {
 public:
     using Deadline = std::chrono::steady_clock::time_point;
 
     virtual ~ByteTransport() = default;
 
-    /// Hands a report to the board. Blocks until the board has taken it, at most until the
-    /// deadline; false when it has not, or when the transport is closed.
+    /// Sends a report. Blocks until the board has taken it, at most until the deadline. False if
+    /// the board did not take it or the transport is closed.
     virtual bool Send(const Report& report, Deadline deadline) = 0;
-    /// The next report of the board. Blocks until the deadline at most; nothing when it passes or
-    /// when the transport is closed.
+    /// Receives the next report. Blocks at most until the deadline. Returns nothing if there is
+    /// none or the transport is closed.
     virtual std::optional<ReceivedBytes> Receive(Deadline deadline) = 0;
-    /// Ends every call that is inside, and closes the way for good. False when the board failed to
-    /// close; it is closed all the same. A second call does nothing and gives true.
+    /// Ends all running calls and closes the transport for good. False if the board failed to
+    /// close; the transport is closed anyway. A second call does nothing and returns true.
     virtual bool Close() = 0;
     virtual bool Closed() const = 0;
 };

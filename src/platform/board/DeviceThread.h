@@ -15,10 +15,10 @@ class VirtualHead;
 
 namespace Korvex3Sync::board {
 
-/// Runs the virtual head's side of calls on a thread of its own, one at a time, so that a head that
-/// hangs never holds a caller beyond its limit. The thread lives from Start to End. Thread-safe but
-/// for Start and End, which belong to the owner. `m_mutex` is never
-/// held while a task runs.
+/// Runs the virtual head's side of calls on a separate thread, one at a time, so that a hanging
+/// head never blocks a caller beyond its time limit. The thread exists from Start to End.
+/// Thread-safe, except for Start and End, which only the owner calls. `m_mutex` is never held while
+/// a task runs.
 class DeviceThread {
 public:
     using Deadline = std::chrono::steady_clock::time_point;
@@ -30,23 +30,23 @@ public:
     DeviceThread(const DeviceThread&) = delete;
     DeviceThread& operator=(const DeviceThread&) = delete;
 
-    /// False when the system gives no thread.
+    /// False if the thread cannot be started.
     bool Start();
-    /// Hands a task over when the one before has ended. False when a fault of the head holds that
-    /// one at the deadline, or when the thread ends. `call` is the platform function that the task
-    /// serves. A task is dropped when the head is gone.
+    /// Passes a task to the thread when the previous one has ended. False if a fault of the head
+    /// still holds the previous task at the deadline, or if the thread ends. `call` is the platform
+    /// function that the task belongs to. The task is dropped if the head no longer exists.
     bool Give(const std::string& call, Task task, Deadline deadline);
-    /// Waits until no task is left; false at the deadline when a fault of the head holds the task.
-    /// Both wait up to 10 s longer for a task that no fault holds: it only lacks processor time,
-    /// which is the machine's doing and not the head's.
+    /// Waits until no task is left. False if a fault of the head still holds the task at the
+    /// deadline. Give and WaitIdle wait up to 10 s longer for a task that no fault holds: it only
+    /// lacks processor time, which is not a failure of the head.
     bool WaitIdle(Deadline deadline);
-    /// Wakes who waits in Give, ends the hang of a task that hangs, waits for the thread. Blocks as
-    /// long as the running task is slowed. Any further call does nothing.
+    /// Wakes the callers of Give, ends a hang of the running task and waits for the thread. Blocks
+    /// as long as a fault slows the task. Further calls do nothing.
     void End();
 
 private:
     void Run();
-    /// True when the task before has ended or the thread ends.
+    /// Waits for the previous task. True if it has ended or the thread ends.
     bool WaitForTask(Deadline deadline) KORVEX_REQUIRES(m_mutex);
     bool Held(const std::string& call) const;
 
@@ -55,7 +55,7 @@ private:
     os::Condition m_changed;
     std::string m_call KORVEX_GUARDED_BY(m_mutex);
     Task m_task KORVEX_GUARDED_BY(m_mutex);
-    bool m_busy KORVEX_GUARDED_BY(m_mutex) = false;  // from the giving of a task to its end
+    bool m_busy KORVEX_GUARDED_BY(m_mutex) = false;  // from Give until the task has ended
     bool m_end KORVEX_GUARDED_BY(m_mutex) = false;
     os::Thread m_thread;
 };

@@ -8,10 +8,10 @@
 
 namespace Korvex3Sync::board {
 
-/// Opens the board that is meant through the first transport that has it. Null when none has.
+/// Opens the selected board through the first transport that finds it. Null if none does.
 std::shared_ptr<BoardLink> OpenBoard(const BoardSelection& selection, Purpose purpose);
 
-/// The boards that this process holds open.
+/// The boards that this process has open.
 os::HandleTable<BoardLink>& OpenBoards();
 
 }  // namespace Korvex3Sync::board

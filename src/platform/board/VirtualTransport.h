@@ -13,20 +13,20 @@
 
 namespace Korvex3Sync::board {
 
-/// What a board is opened for.
+/// Why a board is opened.
 enum class Purpose {
-    Use,            // opening and closing are calls of their own to the board
-    FirmwareQuery,  // one short look at the firmware version
+    Use,            // opening and closing are separate calls to the board
+    FirmwareQuery,  // a single query of the firmware version
 };
 
-/// The way to the board of the virtual head that was requested for this process. It ends with that
-/// head: after another request nothing passes any more; nor does it when the board was gone since.
-/// `m_mutex` is not held during a call to the head.
+/// The transport to the board of the virtual head that was requested for this process. It stops
+/// working when another head is requested, or when the board has been unplugged since. `m_mutex` is
+/// not held during a call to the head.
 class VirtualTransport final : public ByteTransport {
 public:
-    /// Null when no head is requested, when the head's board is not the one that is meant or gone,
-    /// or when opening it fails. Waits for the head's answer for the reply limit, and then for its
-    /// end.
+    /// Null if no head is requested, if the head's board is not selected or not plugged in, or if
+    /// opening it fails. Waits for the head's answer up to the reply limit, then for the end of the
+    /// call.
     static std::unique_ptr<ByteTransport> Open(const BoardSelection& selection, Purpose purpose);
 
     ~VirtualTransport() override;
@@ -35,14 +35,14 @@ public:
 
     bool Send(const Report& report, Deadline deadline) override;
     std::optional<ReceivedBytes> Receive(Deadline deadline) override;
-    /// Blocks for the reply limit at most, or as long as the running command is slowed.
+    /// Blocks for at most the reply limit, or as long as a fault slows the running command.
     bool Close() override;
     bool Closed() const override;
 
 private:
     VirtualTransport(const std::shared_ptr<virtual_head::VirtualHead>& head, Purpose purpose);
 
-    /// The board's side of a report, on the device thread.
+    /// Executes a report on the device thread, as the board.
     void Serve(virtual_head::VirtualHead& head, const Report& report, const std::string& call,
                Deadline sent);
 
@@ -53,7 +53,7 @@ private:
     os::Condition m_changed;
     struct Reply {
         Report report;
-        Deadline from;  // not given out before
+        Deadline from;  // not available earlier
     };
     std::deque<Reply> m_replies KORVEX_GUARDED_BY(m_mutex);
     bool m_closed KORVEX_GUARDED_BY(m_mutex) = false;

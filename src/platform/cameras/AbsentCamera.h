@@ -5,7 +5,7 @@
 
 namespace Korvex3Sync::cameras {
 
-/// The instance of a maker whose driver finds nothing: it counts no device and opens none.
+/// An instance of a driver that finds no cameras: it counts none and opens none.
 class AbsentCamera : public Camera {
 public:
     bool Release() override;

@@ -20,15 +20,15 @@ class VirtualHead;
 namespace Korvex3Sync::cameras {
 
 /// An instance of the virtual head's driver. The head has two sensors that share one serial and one
-/// packed frame: both indices open the same. An instance belongs to the head that was requested
-/// when it was made; when that one is replaced or withdrawn, everything but Close and Release
-/// fails. The same holds from when the camera is unplugged until the instance is closed and opened
-/// again on the one that came back. Every call first meets the head's faults and then goes into its
-/// journal.
+/// packed frame, so both indices open the same camera. An instance belongs to the head that was
+/// requested when it was created. If that head is replaced or withdrawn, everything except Close
+/// and Release fails. The same applies after the camera was unplugged, until it is plugged in and
+/// the instance is reopened. Every call first applies the faults of the head and is then entered in
+/// its journal.
 class VirtualCamera : public Camera {
 public:
-    /// `typeOrSerial` is what the instance was created for: the cameras of the head are counted
-    /// when it is the beginning of the head's type, or its serial.
+    /// `typeOrSerial` is the text that the instance was created with. CountDevices counts the
+    /// cameras of the head if it is a prefix of the head's type, or its serial.
     VirtualCamera(const std::shared_ptr<virtual_head::VirtualHead>& head, std::string typeOrSerial);
     ~VirtualCamera() override;
 
@@ -57,7 +57,7 @@ public:
 private:
     using Head = virtual_head::VirtualHead;
 
-    /// What an open camera has; a snap in progress keeps it alive beyond the closing.
+    /// The state of an open camera. A running snap keeps it alive after the camera has been closed.
     struct Stream {
         std::shared_ptr<virtual_head::ExposureQueue> queue;
         std::uint64_t plug = 0;              // of the camera that was opened
@@ -65,16 +65,17 @@ private:
         os::Mutex writing;                   // snaps of several threads share the bytes
         std::vector<unsigned char> buffer;
     };
-    /// The head and the open camera that a call gets to.
+    /// The head and the open camera that a call reaches.
     struct Reached {
         std::shared_ptr<Head> head;
         std::shared_ptr<Stream> stream;
     };
 
-    /// The head, while it is the requested one.
+    /// The head, if it is still the requested one.
     std::shared_ptr<Head> PresentHead() const;
     std::shared_ptr<Stream> OpenStream() const;
-    /// Nothing when no camera is open or a fault keeps the call, a platform function's name, away.
+    /// Nothing if no camera is open or a fault blocks the call. `call` is the name of a platform
+    /// function.
     std::optional<Reached> Reach(const char* call) const;
     /// The same for a call that needs no open camera.
     bool ReachAny(const char* call) const;

@@ -4,7 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 
-/// Facts of the synchronization board that both sides of the board library rely on. They are
+/// Facts about the synchronization board that both sides of the board library rely on. They are
 /// properties of the hardware: changing one here does not change the board.
 namespace Korvex3Sync::hardware {
 
@@ -22,7 +22,7 @@ constexpr std::array<char, 5> HexText(std::uint16_t identifier) {
     return text;
 }
 
-/// The board's numbers for MASK_TRIGGER_MODE. Any number that is not listed is off, too.
+/// The board's numbers for MASK_TRIGGER_MODE. Any other number means off, too.
 namespace trigger_mode {
 inline constexpr int kLines = 1;            // a mono frame under the laser lines
 inline constexpr int kPattern = 2;          // a mono frame under the projected pattern
@@ -32,7 +32,7 @@ inline constexpr int kOff = 5;
 inline constexpr int kLinesAndColor = 6;  // as kLines, then a colour frame with the same key
 }  // namespace trigger_mode
 
-/// What the trigger does in a mode.
+/// How the trigger runs in a mode.
 enum class TriggerRun {
     Off,
     Single,   // gives one trigger each time the mode is written

@@ -5,9 +5,9 @@
 #include <cstddef>
 #include <cstdint>
 
-/// Facts of the packed frames that the cameras of a head give: two images of the same size, pixel
-/// groups of both in turn. Each 8 bytes hold four pixels of the first image in reversed order, then
-/// four of the second.
+/// Facts about the packed frames that the cameras of a head deliver: two images of the same size,
+/// interleaved. Each 8 bytes hold four pixels of the first image in reversed order, then four of
+/// the second.
 namespace Korvex3Sync::hardware {
 
 /// The byte of a packed frame that holds the trigger number modulo 256. It replaces a pixel of the
@@ -20,8 +20,7 @@ struct MarkerByte {
     std::uint8_t value;
 };
 
-/// What marks a colour frame. All of it lies in the first image's place; the mosaic is the second
-/// image.
+/// The marker of a colour frame. It is part of the first image; the mosaic is the second image.
 inline constexpr std::array<MarkerByte, 7> kColorMarker{
     {{0, 0xAA}, {1, 0xAA}, {2, 0x55}, {3, 0x55}, {9, 0xAA}, {10, 0x55}, {11, 0x55}}};
 /// Bytes from the start of the frame to the end of the marker.

@@ -1,8 +1,7 @@
 #pragma once
 
-/// Marks what a platform library exports. The functions are declared alike for the library that
-/// implements them and for those that call them, so that any library with the same symbols can
-/// stand in, without a rebuild.
+/// Marks what a platform library exports. The library that implements a function and its callers
+/// use the same declaration, so any library with the same symbols can replace it without a rebuild.
 #if defined(_WIN32)
 #if defined(KORVEX_PLATFORM_BUILD)
 #define KORVEX_PLATFORM_API __declspec(dllexport)

@@ -4,10 +4,10 @@
 
 #include "platform/include/PlatformExport.h"
 
-/// The synchronization board. Every function returns true for success and may be called from any
-/// thread; a null, unknown or closed handle gives false. A call blocks for the board's answer, at
-/// most for the reply limit of docs/board-protocol.md (a call on the user memory takes several
-/// answers), and for other callers of the same handle. Nothing is thrown.
+/// The synchronization board. The functions return true for success, and false for a null, unknown
+/// or closed handle. Any thread may call them. A call blocks for other callers of the same handle
+/// and then for the board's answer, at most for the reply limit in docs/board-protocol.md; a call
+/// on the user memory needs several answers. The functions do not throw.
 namespace zr3DHandiDLPdev {
 
 // Only the numbers of these enumerations matter; a number without a name is a legal value.
@@ -18,15 +18,16 @@ enum TRIGGERROUTE : int {};
 enum MASK_STROBE_STATE : int {};
 enum DISTANCEINDICATE : int {};
 
-/// Opens the board. The identifiers are hexadecimal text; an empty serial takes any board. A
-/// failed open leaves `handle` null. A board may be open more than once in a process.
+/// Opens the board. The identifiers are hexadecimal text; an empty serial takes any board. A failed
+/// open sets `handle` to null. A process may open the same board more than once.
 KORVEX_PLATFORM_API bool zr3DInitHidDev(void*& handle, const char* vendorId, const char* productId,
                                         const char* pcbSerial);
-/// Closes the board and nulls `handle`. Safe while another thread is in a call on it, which it
-/// ends. False for a handle that is not open, which stays as it is, and when the board fails to
-/// close; it is closed all the same.
+/// Closes the board and sets `handle` to null. Safe while another thread is in a call on it; ends
+/// that call. Returns false for a handle that is not open, which stays unchanged, and if the board
+/// fails to close; the handle is closed anyway.
 KORVEX_PLATFORM_API bool zr3DExitHidDev(void*& handle);
-/// Firmware version of the board with this serial (empty: any); needs no open board.
+/// Gets the firmware version of the board with this serial (empty: any board), which need not be
+/// open.
 KORVEX_PLATFORM_API bool zr3DQueryFirmwareVersionFast(const char* pcbSerial, std::string& version);
 KORVEX_PLATFORM_API bool zr3DQueryProjectorFirewareVersion(void* handle, std::string& version);
 KORVEX_PLATFORM_API bool zr3DResetDevice(void* handle);
@@ -46,9 +47,9 @@ KORVEX_PLATFORM_API bool zr3DQueryTriggerPeriod(void* handle, int& period);
 /// Projector brightness in percent.
 KORVEX_PLATFORM_API bool zr3DSetProjectorBrightness(void* handle, int brightness);
 KORVEX_PLATFORM_API bool zr3DQueryProjectorBrightness(void* handle, int& brightness);
-/// Trigger mode: 1 mono under laser lines, 2 mono under the pattern, 3 mono under the pattern then
-/// colour, 6 mono under laser lines then colour, 4 one colour frame each time it is written, 5 and
-/// any other: off.
+/// Trigger mode: 1 mono under the laser lines; 2 mono under the pattern; 3 mono under the pattern,
+/// then colour; 4 one colour frame each time the mode is written; 6 mono under the laser lines,
+/// then colour; 5 and any other number off.
 KORVEX_PLATFORM_API bool zr3DSetVideoTrigleMode(void* handle, MASK_TRIGGER_MODE mode);
 KORVEX_PLATFORM_API bool zr3DProject(void* handle, PROJECTTYPE type);
 /// Strobe duty ratios in percent; `selector` is the command code of the board's protocol.
@@ -56,13 +57,13 @@ KORVEX_PLATFORM_API bool zr3DSetLedDutioRatio(void* handle, int selector, int te
                                               int ratioWithTexture);
 KORVEX_PLATFORM_API bool zr3DQueryLedDutioRatio(void* handle, int selector, int& texture,
                                                 int& ratio, int& ratioWithTexture);
-/// Duty ratio in percent of the light source that `selector` names.
+/// Duty ratio of the light source that `selector` names, in percent.
 KORVEX_PLATFORM_API bool zr3DSetDutioRatio(void* handle, int selector, int ratio);
 KORVEX_PLATFORM_API bool zr3DQueryDutioRatio(void* handle, int selector, int& ratio);
 /// Strobe work time in microseconds, with or without texture.
 KORVEX_PLATFORM_API bool zr3DSetLedWorkTime(void* handle, bool withTexture, int time);
 KORVEX_PLATFORM_API bool zr3DQueryLedWorkTime(void* handle, bool withTexture, int& time);
-/// Work time in microseconds of the light source that `selector` names.
+/// Work time of the light source that `selector` names, in microseconds.
 KORVEX_PLATFORM_API bool zr3DSetWorkTime(void* handle, int selector, int time);
 KORVEX_PLATFORM_API bool zr3DQueryWorkTime(void* handle, int selector, int& time);
 KORVEX_PLATFORM_API bool zr3DSetDistanceIndicateState(void* handle, DISTANCEINDICATE state);
@@ -70,7 +71,7 @@ KORVEX_PLATFORM_API bool zr3DSetDistanceIndicateState(void* handle, DISTANCEINDI
 /// end of the page.
 KORVEX_PLATFORM_API bool zr3DWriteUserInfomation(void* handle, int address, const char* data,
                                                  int length);
-/// Writes exactly 256 bytes (one memory page, zero-filled) into the caller's buffer; nothing when
+/// Reads page `address` (0 to 15): writes exactly 256 bytes to the caller's buffer, or nothing if
 /// it fails.
 KORVEX_PLATFORM_API bool zr3DReadUserInfomation(void* handle, int address, char*& buffer);
 

@@ -4,8 +4,8 @@
 
 namespace Korvex3Sync::os {
 
-/// Sleeps for a nominal time. Every sleep and every wait with a limit of this project goes through
-/// this file or Event.h, so that tests can run time faster (TimeScale.h).
+/// Sleeps for a nominal time. All sleeps and timed waits of this project go through this file or
+/// Event.h, so that tests can speed up time (TimeScale.h).
 void SleepFor(std::chrono::milliseconds nominal);
 
 /// The real duration that a nominal one takes now.

@@ -8,7 +8,7 @@
 
 namespace Korvex3Sync::os {
 
-/// A recursive mutex that knows its owner. Destruction waits until no holder is inside.
+/// A recursive mutex that knows its owner. The destructor waits until nobody holds it.
 class KORVEX_CAPABILITY("critical section") CriticalSection {
 public:
     CriticalSection() = default;
@@ -19,14 +19,14 @@ public:
     void Enter() KORVEX_ACQUIRE();
     /// Only for the owner.
     void Leave() KORVEX_RELEASE();
-    /// Leaves once when the calling thread is the owner; otherwise does nothing.
+    /// Leaves once if the calling thread is the owner; otherwise does nothing.
     void LeaveIfOwner() KORVEX_NO_THREAD_SAFETY_ANALYSIS;
     bool OwnedByCaller() const;
 
 private:
     std::recursive_mutex m_mutex;
     std::atomic<std::thread::id> m_owner{};
-    int m_depth = 0;  // touched by the owner only
+    int m_depth = 0;  // used by the owner only
 };
 
 /// Holds a critical section for a scope.
@@ -44,7 +44,7 @@ private:
     CriticalSection& m_section;
 };
 
-/// A plain mutex that clang's analysis knows, for state that no specified lock guards.
+/// A plain mutex that clang's analysis knows, for everything that needs no recursion.
 class KORVEX_CAPABILITY("mutex") Mutex {
 public:
     void Lock() KORVEX_ACQUIRE() { m_mutex.lock(); }
@@ -70,7 +70,7 @@ private:
     Mutex& m_mutex;
 };
 
-/// Gives a mutex up for a scope, inside the scope of its guard.
+/// Releases a mutex for a scope, inside the scope of its guard.
 class KORVEX_SCOPED_CAPABILITY MutexRelease {
 public:
     explicit MutexRelease(Mutex& mutex) KORVEX_RELEASE(mutex) : m_mutex(mutex) { m_mutex.Unlock(); }

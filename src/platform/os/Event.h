@@ -6,16 +6,16 @@
 
 namespace Korvex3Sync::os {
 
-/// Result of a wait, with the numbers that the system's own waits use in log lines.
+/// Result of a wait. The numbers appear in log lines.
 enum class WaitResult : unsigned long { Signalled = 0, TimedOut = 0x102 };
 
-/// Manual-reset event, unsignalled at first. Safe between threads.
+/// Manual-reset event, initially not signalled. Thread-safe.
 class Event {
 public:
     void Set();
     void Reset();
     bool IsSet() const;
-    /// Blocks until the event is signalled, at most for the nominal limit.
+    /// Blocks until the event is signalled, but not longer than the nominal limit.
     WaitResult Wait(std::chrono::milliseconds nominalLimit);
     /// The same until a real time: `steady_clock::now() + Scaled(nominal)`.
     WaitResult WaitUntil(std::chrono::steady_clock::time_point deadline);

@@ -6,11 +6,11 @@
 
 namespace Korvex3Sync::os {
 
-/// A file, FIFO or device that is open for writing, or none. The destructor closes it.
+/// A file, FIFO or device that is open for writing, or nothing. The destructor closes it.
 class File {
 public:
     File() = default;
-    /// Takes a descriptor over; -1 is none.
+    /// Takes ownership of a descriptor; -1 means none.
     explicit File(int descriptor) : m_descriptor(descriptor) {}
     ~File() { Close(); }
     File(const File&) = delete;
@@ -23,9 +23,9 @@ public:
 
     /// Writes all bytes. Any thread.
     std::error_code Write(std::string_view bytes) const noexcept;
-    /// Returns when the disk has what was written: a power failure after that loses nothing of it.
+    /// Returns when everything written is on the disk and survives a power failure.
     std::error_code Sync() const noexcept;
-    /// An error says that something written before did not reach the file.
+    /// An error means that data written before did not reach the file.
     std::error_code Close() noexcept;
 
 private:
@@ -34,42 +34,42 @@ private:
 
 /// Who may use a file that is created.
 enum class FileAccess {
-    Usual,     ///< whom this user's settings (umask) allow
-    UserOnly,  ///< this user
+    Usual,     ///< everybody whom the umask of this user allows
+    UserOnly,  ///< only this user
 };
 
-/// Creates a file; fails with errc::file_exists when the name is taken. No file on an error.
+/// Creates a file; fails with errc::file_exists if the name exists. Returns no file on an error.
 File CreateNewFile(const std::filesystem::path& path, FileAccess access, std::error_code& error);
 
-/// Opens a file for appending, and creates it if it is missing. No file on an error.
+/// Opens a file for appending, and creates it if it is missing. Returns no file on an error.
 File OpenForAppending(const std::filesystem::path& path, std::error_code& error);
 
 /// Opens a FIFO, a character device or an open descriptor of this process. Does not wait: fails
-/// with errc::no_such_device_or_address when nobody reads the FIFO. No file on an error.
+/// with errc::no_such_device_or_address if the FIFO has no reader. Returns no file on an error.
 File OpenStream(const std::filesystem::path& path, std::error_code& error);
 
-/// Whether this user may write to what OpenStream would open, without opening it. A descriptor that
-/// is open for reading only is errc::bad_file_descriptor.
+/// Checks whether this user may write to what OpenStream would open, without opening it. Fails with
+/// errc::bad_file_descriptor for a descriptor that is open only for reading.
 std::error_code CheckStreamAccess(const std::filesystem::path& path);
 
-/// Whether the path names a descriptor that this process has open, as /dev/stdout does.
+/// Whether the path names an open descriptor of this process, as /dev/stdout does.
 bool IsOpenDescriptor(const std::filesystem::path& path);
 
-/// Gives the file the owner, the group and the permissions of the one that it replaces, as far as
-/// this user may and the disk can. A group that cannot be kept leaves no permissions to another
-/// one; the permission to run as owner or group is never given.
+/// Gives the file the owner, the group and the permissions of the file that it replaces, as far as
+/// this user and the file system can. If the group cannot be kept, the new group gets no
+/// permissions. The set-user-ID and set-group-ID bits are never copied.
 void CopyPermissions(const std::filesystem::path& replaced, const File& file) noexcept;
 
-/// Renames a file; fails with errc::file_exists when the new name is taken.
+/// Renames a file; fails with errc::file_exists if the new name exists.
 std::error_code RenameToNew(const std::filesystem::path& from,
                             const std::filesystem::path& to) noexcept;
 
-/// Returns when the disk has the names in this folder, as after a rename. Succeeds where the user
-/// or the file system allows no such wait.
+/// Returns when the names in this folder are on the disk; needed after a rename. Also succeeds if
+/// the user or the file system does not allow this.
 std::error_code SyncFolder(const std::filesystem::path& folder) noexcept;
 
-/// Whether the error of a write means that there is no room: a full disk, a used-up quota, a limit
-/// of file sizes.
+/// Whether an error of a write means that there is no space: full disk, quota or file size limit
+/// exceeded.
 bool MeansNoRoom(const std::error_code& error);
 
 }  // namespace Korvex3Sync::os

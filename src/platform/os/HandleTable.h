@@ -9,9 +9,10 @@
 
 namespace Korvex3Sync::os {
 
-/// Opaque handles for objects that a closed interface hands out. A handle is never null and its
-/// value is never given twice, so that a stale one is always recognised. A caller that finds an
-/// object shares it: taking it out of the table never destroys it under a call. Thread-safe.
+/// Opaque handles for objects behind a C-like interface. A handle is never null and its value is
+/// never used twice, so a stale handle is always recognised. A caller that finds an object shares
+/// its ownership, so taking the object out of the table never destroys it during a call.
+/// Thread-safe.
 template <typename Object>
 class HandleTable {
 public:
@@ -20,7 +21,7 @@ public:
         const std::uintptr_t value = m_last + 1;
         m_objects.emplace(value, std::move(object));
         m_last = value;
-        // A number that looks like a pointer; nothing follows it.
+        // A number in the shape of a pointer; nothing dereferences it.
         return reinterpret_cast<void*>(value);  // NOLINT(performance-no-int-to-ptr)
     }
 

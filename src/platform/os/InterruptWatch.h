@@ -4,23 +4,23 @@
 
 namespace Korvex3Sync::os {
 
-/// While it lives, the first interrupt of the process (Ctrl-C, SIGTERM, or SIGHUP unless that was
-/// ignored at its start) calls a function, on a thread of its own, and the second Ctrl-C or SIGTERM
-/// ends the process at once with `exitCode`. A second SIGHUP does nothing.
+/// Handles interrupts of the process while it exists. The first one (Ctrl-C, SIGTERM, or SIGHUP
+/// unless it was ignored at the start) calls a function on a separate thread. The second Ctrl-C or
+/// SIGTERM ends the process at once with `exitCode`. A second SIGHUP does nothing.
 ///
-/// Watches nest: the newest one has the interrupts, the count goes on from one to the next, and
-/// they end in the reverse order of their beginning.
+/// Watches nest: the newest one gets the interrupts, the count continues from one to the next, and
+/// they must end in the reverse order of their creation.
 class InterruptWatch {
 public:
-    /// Throws std::system_error when the system gives no pipe or thread.
+    /// Throws std::system_error if a pipe or thread cannot be created.
     InterruptWatch(std::function<void()> onInterrupt, int exitCode);
-    /// Waits for a call that is under way.
+    /// Waits for a running call of the function.
     ~InterruptWatch();
     InterruptWatch(const InterruptWatch&) = delete;
     InterruptWatch& operator=(const InterruptWatch&) = delete;
 
-    /// False when an interrupt had come to the watch around this one before it began. It then
-    /// watches nothing, and what it was to watch over should not begin.
+    /// False if the enclosing watch had already received an interrupt. Then this one watches
+    /// nothing, and the work that it was created for should not begin.
     bool Watches() const { return m_watches; }
 
 private:
@@ -28,8 +28,8 @@ private:
     const bool m_watches;
 };
 
-/// Writing to a closed pipe or past a file size limit fails with an error from now on instead of
-/// ending the process. For the whole process.
+/// Makes writing to a closed pipe, or beyond a file size limit, fail with an error instead of
+/// ending the process. Affects the whole process.
 void TurnWriteSignalsIntoErrors();
 
 }  // namespace Korvex3Sync::os

@@ -4,12 +4,11 @@
 
 #include <cstdio>
 
-/// One INFO record with a fixed source name (the name of a source file without its ending), as a
-/// stream. The library never initialises glog: that is the application's choice.
+/// An INFO record with a fixed source name (a source file without its extension), as a stream. The
+/// library never initialises glog; that is up to the application.
 #define KORVEX_LOG(source) ::google::LogMessage(source, __LINE__).stream()
 
-/// One INFO record "tmpBuf=" followed by a text that is formatted as printf does into 1,024 bytes
-/// (at most 1,023 characters).
+/// An INFO record "tmpBuf=" followed by a text in printf format, truncated to 1,023 characters.
 #define KORVEX_LOG_FORMATTED(source, ...)                         \
     do {                                                          \
         char formatted[1024] = {};                                \

@@ -8,11 +8,11 @@
 
 namespace Korvex3Sync::os {
 
-/// Writes to standard output, formatted as printf does, through its buffer: the lines of one
-/// process stay in order. Every print of the library goes through here. Any thread.
+/// Writes to standard output like printf, through its buffer, so the lines of a process stay in
+/// order. All prints of the library use this function. Any thread.
 void Print(const char* format, ...) KORVEX_PRINTF(1, 2);
 
-/// The same to standard error, written at once.
+/// Writes to standard error like printf, unbuffered.
 void PrintError(const char* format, ...) KORVEX_PRINTF(1, 2);
 
 }  // namespace Korvex3Sync::os

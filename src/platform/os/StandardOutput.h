@@ -7,23 +7,23 @@
 
 namespace Korvex3Sync::os {
 
-/// Takes standard output out of the reach of everything else in this process while it lives: what
-/// is printed meanwhile is discarded or goes elsewhere, and only Write reaches the real one. One
-/// per process, made before other threads run.
+/// Reserves standard output while it exists: what the rest of the process prints is discarded or
+/// goes elsewhere, and only Write reaches the real standard output. One per process, created before
+/// other threads run.
 class RealStandardOutput {
 public:
     enum class Prints { Discarded, ToStandardError };
 
     explicit RealStandardOutput(Prints prints);
-    /// Flushes what was printed and gives standard output back.
+    /// Flushes the prints and restores standard output.
     ~RealStandardOutput();
     RealStandardOutput(const RealStandardOutput&) = delete;
     RealStandardOutput& operator=(const RealStandardOutput&) = delete;
 
     std::error_code Write(std::string_view text) const noexcept { return m_real.Write(text); }
-    /// What is printed from now on goes to this file.
+    /// Redirects prints to this file from now on.
     void SendPrintsTo(const File& file) noexcept;
-    /// Writes what was printed and is still buffered.
+    /// Writes the prints that are still buffered.
     std::error_code FlushPrints() noexcept;
 
 private:

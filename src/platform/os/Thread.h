@@ -5,7 +5,7 @@
 
 namespace Korvex3Sync::os {
 
-/// One thread with one owner. The owner tells it to end, then joins it; the destructor joins.
+/// A thread with one owner. The owner tells it to end, then joins it; the destructor joins.
 class Thread {
 public:
     Thread();
@@ -13,10 +13,10 @@ public:
     Thread(const Thread&) = delete;
     Thread& operator=(const Thread&) = delete;
 
-    /// False when the system gives no thread or no memory, or when one is running already.
+    /// False if the system provides no thread or no memory, or if one is already running.
     bool Start(std::function<void()> procedure);
     /// Waits without limit for the end of the procedure and forgets the thread. A thread that joins
-    /// itself is let go instead, and ends by itself.
+    /// itself is detached instead.
     void Join();
     bool Started() const;
     /// For log lines: null without a thread.

@@ -1,6 +1,6 @@
 #pragma once
 
-/// Names of clang's thread-safety attributes; other compilers see nothing.
+/// Names for clang's thread-safety attributes; empty for other compilers.
 #if defined(__clang__)
 #define KORVEX_TSA(x) __attribute__((x))
 #else

@@ -2,18 +2,18 @@
 
 namespace Korvex3Sync::os {
 
-/// For tests: while it lives, nominal times take `factor` times as long.
+/// For tests: while it exists, nominal times take `factor` times as long.
 ///
-/// In builds with KORVEX_CHECKS, platform/os is one shared library: the scale holds for all
-/// libraries of the process, and the environment variable KORVEX_TIME_SCALE sets it for a program
+/// In builds with KORVEX_CHECKS, platform/os is one shared library, so the scale applies to all
+/// libraries of the process. The environment variable KORVEX_TIME_SCALE sets the scale of a program
 /// from its start (a number above 0; any other text ends the program with a message). A release
-/// build links platform/os statically, reads no variable, and scales only the copy that the caller
-/// links.
+/// build links platform/os statically, ignores the variable, and scales only the copy that the
+/// caller links.
 ///
 /// Nominal times are the library's sleeps, poll periods and waits with a limit, the reply limit of
 /// the board (500 ms), the limit of a snap (100 ms), and all times of the virtual head's faults.
-/// The virtual head's trigger period and its exposures are real time, as those of a device: the
-/// trigger gives frames at the same rate under any scale.
+/// The trigger period and the exposures of the virtual head are real time, like those of a device:
+/// the trigger has the same rate under any scale.
 class ScopedTimeScale {
 public:
     explicit ScopedTimeScale(double factor);

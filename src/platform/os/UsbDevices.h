@@ -10,7 +10,8 @@
 
 namespace Korvex3Sync::os {
 
-/// How a machine shows its USB devices. The defaults are the system's own; a test has its own.
+/// Where a machine lists its USB devices. The defaults are those of the system; tests use their
+/// own.
 struct UsbMachine {
     std::filesystem::path sys = "/sys";
     std::filesystem::path dev = "/dev";
@@ -21,17 +22,17 @@ struct UsbMachine {
     static UsbMachine This();
 };
 
-/// A USB device as the system sees it, whether or not this user may open it.
+/// A USB device as the system reports it, whether or not this user may open it.
 struct UsbDevice {
     std::string port;                // "2-1.4": bus, then port by port
-    std::filesystem::path node;      // of its HID device; without one, of the USB device
-    std::string serial;              // empty: it has none
+    std::filesystem::path node;      // of its HID device, or of the USB device if there is none
+    std::string serial;              // empty: none
     std::optional<double> megabits;  // per second, as negotiated
     std::error_code openError;       // none: can be opened for reading and writing
 
     /// "USB port 2-1.4, /dev/hidraw3"
     std::string Where() const;
-    /// Whether the negotiated speed is that of USB 3.
+    /// Whether the device negotiated USB 3 speed.
     bool IsUsb3() const;
 };
 

@@ -9,7 +9,7 @@
 
 namespace Korvex3Sync::usbtree {
 
-/// One device on the bus.
+/// A device on the bus.
 struct Device {
     std::uint16_t vendor = 0;
     std::uint16_t product = 0;
@@ -17,7 +17,7 @@ struct Device {
 };
 
 /// The path of a device that negotiated this speed: hubs and ports, then `UPT[speed]-DEV`. That
-/// text stands nowhere else in a path.
+/// text appears only at the end of a path.
 std::string DevicePath(int speed);
 
 /// The devices of the last enumeration. Thread-safe.
@@ -25,8 +25,7 @@ class DeviceTree {
 public:
     void Replace(std::vector<Device> devices);
     void Erase();
-    /// Appends the paths of the devices with these identifiers. False when there is none, or no
-    /// tree.
+    /// Appends the paths of the devices with these identifiers. False if there is none, or no tree.
     bool Find(unsigned long vendor, unsigned long product, std::vector<std::string>& paths) const;
 
 private:

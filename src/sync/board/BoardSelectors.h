@@ -2,8 +2,8 @@
 
 namespace Korvex3Sync {
 
-/// Selectors of the board library's duty-ratio and work-time calls: each names a light source and
-/// the direction. They are command codes of the board's protocol.
+/// Selectors for the duty-ratio and work-time functions of the board library. Each stands for one
+/// light source and for setting or querying. They are command codes of the board's protocol.
 inline constexpr int kStrobeDutySet = 41;
 inline constexpr int kStrobeDutyQuery = 48;
 inline constexpr int kLaserLineDutySet = 49;

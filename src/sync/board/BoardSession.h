@@ -14,15 +14,15 @@
 
 namespace Korvex3Sync {
 
-/// The board of one connection: whether it is open and answers, what its settings were last asked
-/// for, and every operation on it.
+/// The board of one connection: its handle, whether it is lost, the settings that were last
+/// requested, and all operations on it.
 ///
-/// The device lock is the connection's and covers all board I/O. It is recursive: an operation
-/// takes it, and a caller that makes several calls in a row holds it around them. Results are the
-/// public status codes. Operations block for their turn at the lock and for the board's answer.
+/// The operations take the device lock of the connection, which guards the board. It is recursive,
+/// so a caller that makes several calls in a row can hold it around them. Results are the public
+/// status codes. Operations block for the lock and for the board's answer.
 class BoardSession {
 public:
-    /// `starts` hears of every write of the trigger mode and of every reset.
+    /// `starts` is told about every write of the trigger mode and every reset.
     BoardSession(os::CriticalSection& device, TriggerStarts& starts);
     /// The board must be closed.
     ~BoardSession();
@@ -31,18 +31,19 @@ public:
 
     // Opening and closing (BoardSession.cpp).
 
-    /// Opens the board for a connection: 7, 1 or 3. What a later `ReOpen` opens is this board, and
-    /// it is not lost.
+    /// Opens the board for a connection: 7, 1 or 3. Remembers the serial for `ReOpen` and clears
+    /// the mark of a lost board.
     RETSTATUS Connect(const char* pcbSerial);
-    /// Closes the board and opens it again: 7 or 1. It stays marked lost if it was.
+    /// Closes and reopens the board: 7 or 1. A board that was marked lost stays marked.
     RETSTATUS ReOpen();
     /// Opens the board: 7, 1 or 3.
     RETSTATUS InitProjector(const char* pcbSerial);
-    /// Closes the board and ends the worker thread. Projection stays as it is.
+    /// Closes the board and ends the worker thread. Leaves the projection as it is.
     void ExitProjector();
-    /// Closes the board of a connection that ends: heartbeat and projection are switched off.
+    /// Switches the heartbeat off if it was last switched on, switches the projection off and
+    /// closes the board. For the end of the connection.
     void SwitchOffAndClose();
-    /// Ends the thread that is only there to be ended.
+    /// Ends the worker thread, which does nothing else.
     void EndWorkerThread();
     bool IsOpen() const { return m_hDevice != nullptr; }
 
@@ -50,25 +51,26 @@ public:
 
     /// The board's two status bytes: 7, 0 or 6. Takes no lock.
     RETSTATUS QueryCurrentStatus(unsigned char& first, unsigned char& second);
-    /// The same for a poll, which decides whether the board is lost from now on. False when it is.
+    /// A status poll: marks the board as lost if it does not answer, and clears the mark otherwise.
+    /// Returns whether it answered.
     bool PollStatus(unsigned char& first, unsigned char& second);
-    /// Writes every remembered setting to the open board; what it refuses does not stop the rest.
+    /// Writes all remembered settings to the open board; a refused one does not stop the others.
     void RestoreSettings();
-    /// What a reconnection would write back now.
+    /// The settings that a reconnection would write back now.
     RememberedSettings SettingsToRestore();
 
-    // Resets. Without the device lock.
+    // Resets. They do not take the device lock.
 
-    /// Resets the board alone, or only its FPGA; opens any board where none is open.
+    /// Resets the board, or only its FPGA. Opens any board if none is open.
     RETSTATUS ResetBoard(bool resetFPGA, bool resetDevice);
-    /// Restarts the open board. False when it refuses.
+    /// Restarts the open board. False if it refuses.
     bool Restart();
-    /// Switches the heartbeat of the open board on. What was asked for stays remembered.
+    /// Switches the heartbeat of the open board on, without changing the remembered value.
     void SwitchHeartbeatOn();
 
-    // Operations (BoardOperations.cpp). All share one frame.
+    // Operations (BoardOperations.cpp). All of them go through BoardOperation.
 
-    /// Opens the board where it is not open; where that fails, gives its result.
+    /// Opens the board if it is not open; returns the result of opening if that fails.
     RETSTATUS GetFirewareVersion(const char* pcbSerial, std::string& version);
     RETSTATUS SetStrobeControlledByTrigger(const CONTROLROUTE& route, const STROBE_STATE& state);
     RETSTATUS EnableBlueLaser(const LASERWORKMODE& mode, const bool& enable);
@@ -105,9 +107,9 @@ private:
     enum class DeviceLost { Refuses, Ignored };
     enum class Parameters { Good, Bad };
 
-    /// Every board operation, under the device lock: 6 without a board; 3 for bad parameters;
-    /// remember, refuse with 0 where a lost board refuses, else call the library: true is 7,
-    /// false 0.
+    /// Runs a board operation under the device lock. Returns 6 without a board and 3 for bad
+    /// parameters. Calls `remember`, then returns 0 if the board is lost and `lost` is Refuses.
+    /// Otherwise runs `call`: true gives 7, false gives 0.
     template <class Remember, class Call>
     RETSTATUS BoardOperation(DeviceLost lost, Remember remember, Call call,
                              Parameters parameters = Parameters::Good);
@@ -115,12 +117,12 @@ private:
     template <class Call>
     RETSTATUS BoardQuery(Call call);
 
-    /// Opens the board where it is not open; a failed open closes it again.
+    /// Opens the board if it is not open; cleans up after a failed open.
     RETSTATUS EnsureBoardOpen(const char* pcbSerial);
-    /// Every write of the trigger mode: what the keys start with.
+    /// Writes the trigger mode and reports it to `m_starts`. No other code may write it.
     bool WriteTriggerMode(void* handle, zr3DHandiDLPdev::MASK_TRIGGER_MODE mode)
         KORVEX_REQUIRES(m_csDevice);
-    /// A reset command of the board library, sent to the open board.
+    /// Sends one of the reset commands to the open board.
     bool SendReset(bool (*reset)(void* board));
 
     os::CriticalSection& m_csDevice;

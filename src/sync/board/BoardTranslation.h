@@ -7,13 +7,13 @@
 
 namespace Korvex3Sync {
 
-// From the public enumerations to the board library's. Pure functions.
+// Translation of the public enumerations into those of the board library. Pure functions.
 
-/// Modes 0 to 3 keep their numbers, and so does any other: the board refuses what it does not know.
+/// Every mode keeps its number, also outside 0 to 3: the board refuses what it does not know.
 zr3DHandiDLPdev::LASERWORKMODE ToBoard(LASERWORKMODE mode);
 /// Types 0 to 2 keep their numbers; any other switches the projection off.
 zr3DHandiDLPdev::PROJECTTYPE ToBoard(PROJECTWORKTYPES type);
-/// 2 and 3 are crossed over, deliberately; anything outside 1 to 3 is off.
+/// Swaps 2 and 3, deliberately. Any state outside 1 to 3 is off.
 zr3DHandiDLPdev::DISTANCEINDICATE ToBoard(DISTANCESTATUS state);
 /// A mode outside 1 to 5, and any mode that is not enabled, is "no trigger".
 zr3DHandiDLPdev::MASK_TRIGGER_MODE ToBoard(CAMERA_TRIGGER_MODE mode, bool enable);

@@ -6,8 +6,9 @@
 
 namespace Korvex3Sync {
 
-/// What the board's setters were last asked for, in the board's own numbers, so that a reconnection
-/// can bring it back to its state. The initial values are what a fresh connection would write.
+/// The values that the board's setters were last called with, in the numbers of the board library,
+/// so that a reconnection can restore them. A setting that was never made has its initial value
+/// here.
 struct RememberedSettings {
     zr3DHandiDLPdev::TRIGGERROUTE strobeRoute{2};
     zr3DHandiDLPdev::MASK_STROBE_STATE strobeState{1};

@@ -2,8 +2,9 @@
 
 namespace Korvex3Sync {
 
-/// Looks the scanner board up in the USB tree. True when one was found; then `superSpeed` tells
-/// whether the first one negotiated USB 3 speed. Otherwise `superSpeed` is untouched.
+/// Looks for the board in the USB tree. If at least one is found, returns true and sets
+/// `superSpeed` to whether the first one negotiated USB 3 speed. Otherwise leaves `superSpeed`
+/// unchanged.
 bool FindBoardUsbSpeed(bool& superSpeed);
 
 }  // namespace Korvex3Sync

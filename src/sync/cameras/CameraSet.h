@@ -15,16 +15,17 @@
 
 namespace Korvex3Sync {
 
-/// The cameras of one connection and what their exposure and gain were last asked for.
+/// The cameras of one connection, and the exposures and gains that were last requested.
 ///
-/// The device lock is the connection's and covers the list. It is recursive: an operation takes it,
-/// and a caller that makes several calls in a row holds it around them. Inside it a camera's pause
-/// lock is taken, so that a call that pauses cameras waits for the running iteration of each grab
-/// thread. The grab threads never touch the list: what they need of it is in the routes of the
-/// frame path.
+/// The device lock of the connection guards the camera list. It is recursive: each operation takes
+/// it, and a caller that makes several calls in a row can hold it around them. The pause lock of a
+/// camera is taken inside it, so a call that pauses cameras waits for the running iteration of each
+/// grab thread. The grab threads never use the list; the routes of the frame path contain what they
+/// need.
 class CameraSet {
 public:
-    /// The cameras get `listener`, give their frames to `frames` and count there. Both live longer.
+    /// The cameras get `listener` and deliver their frames and counts to `frames`. Both must
+    /// outlive this object.
     CameraSet(os::CriticalSection& device, PhysicalCameraThreadListener& listener,
               FramePath& frames);
     CameraSet(const CameraSet&) = delete;
@@ -38,39 +39,40 @@ public:
 
     // Pausing, releasing, closing (CameraSet.cpp).
 
-    /// Pauses and releases every camera and makes new instances of them.
+    /// Pauses and releases every camera and creates new instances.
     void PauseAndRecreate();
-    /// Lets the grab threads run again.
+    /// Resumes the grab threads.
     void Resume();
     /// Releases the cameras and leaves their grab threads paused. Always 7.
     RETSTATUS ReleaseCamera();
-    /// Opens the cameras again in place, starts them and writes exposures and gains back; one that
-    /// does not open is logged and stays paused.
+    /// Reopens the cameras, starts them and writes exposures and gains back. A camera that does not
+    /// open is logged and stays paused.
     void ReOpen();
     /// Restarts the acquisition of every camera.
     void ResetState();
-    /// Ends the grab threads and destroys the cameras. For the end of the connection.
+    /// Stops the grab threads and destroys the cameras. For the end of the connection.
     void Close();
 
-    // Parameters (ExposureAndGain.cpp). All of them reach the first camera, whatever the order, and
-    // hold the device lock meanwhile, waits of 20 ms included. What the camera answers to a query
-    // is not reported; a setter tries twice and then answers 7. An order out of range is 6 where it
-    // is looked at, a connection without cameras 0. Exposures are in milliseconds.
+    // Parameters (ExposureAndGain.cpp). All of them use the first camera, whatever the order, and
+    // hold the device lock throughout, also during their waits of 20 ms. A query does not report
+    // whether the camera answered. A setter tries twice and then returns 7. Functions that check
+    // the order return 6 if it is out of range; without cameras they return 0. Exposures are in
+    // milliseconds.
 
     RETSTATUS SetCameraExposureAndGain(const int& order, const double& exposure, const int& gain);
-    /// 7 without cameras too; the outputs stay as they are then.
+    /// Returns 7 even without cameras, and then leaves the outputs unchanged.
     RETSTATUS GetCameraExposureAndGain(const int& order, double& exposure, int& gain);
     RETSTATUS SetExposureTime(const int& order, const double& exposure);
     RETSTATUS GetExposureTime(const int& order, double& exposure);
     RETSTATUS SetCameraGain(const int& order, const int& gain);
     RETSTATUS GetCameraGain(const int& order, int& gain);
-    /// `serial` must be null and receives a `new[]` text that is the caller's.
+    /// `serial` must be null. It receives a `new[]` text that the caller owns.
     RETSTATUS GetCameraSerialNumber(const int& index, char*& serial);
     RETSTATUS GetCameraResolution(const int& index, int& width, int& height);
-    /// Without lock.
+    /// Takes no lock.
     RETSTATUS GetConnectCameraCount(int& count) const;
 
-    /// What a reconnection would write back now.
+    /// The exposures and gains that a reconnection would write back now.
     RememberedParameters ParametersToRestore();
 
 private:
@@ -87,7 +89,7 @@ private:
 
     /// Null without cameras.
     CPhysicalCameraThread* FirstCamera() const KORVEX_REQUIRES(m_csDevice);
-    /// Channel codes: one for each entry of the serial list.
+    /// The number of channel codes: one for each entry of the serial list.
     int ChannelCount() const KORVEX_REQUIRES(m_csDevice);
 
     os::CriticalSection& m_csDevice;
@@ -95,12 +97,12 @@ private:
     FramePath& m_frames;
 
     std::vector<std::unique_ptr<CPhysicalCameraThread>> m_cameras KORVEX_GUARDED_BY(m_csDevice);
-    std::atomic<int> m_cameraCount{0};  // of the list, for those who ask without the lock
+    std::atomic<int> m_cameraCount{0};  // size of m_cameras, for readers without the lock
     /// Width and height of each camera.
     std::vector<int> m_cameraParams KORVEX_GUARDED_BY(m_csDevice);
     /// The channel code of each entry of the serial list.
     std::vector<int> m_cameraChannels KORVEX_GUARDED_BY(m_csDevice);
-    /// The first serial of each run.
+    /// The serial of each run of equal neighbours.
     std::vector<std::string> m_cameraSerials KORVEX_GUARDED_BY(m_csDevice);
     /// One for each camera.
     std::deque<os::Event> m_frameEvents KORVEX_GUARDED_BY(m_csDevice);

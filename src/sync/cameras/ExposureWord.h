@@ -2,18 +2,19 @@
 
 namespace Korvex3Sync {
 
-// What cameras are sent for exposure and gain. Pure functions; every argument is safe.
+// The numbers that are sent to cameras for exposure and gain. Pure functions that accept any
+// argument.
 
-/// The word that sets exposure and gain of a camera order at once: bits 8 and 9 the order, bits 10
-/// to 15 the gain, bits 0 to 7 the exposure in tenths of a millisecond. Each part is cut to its
-/// bits, the exposure after it was cut to a whole number; an exposure without a value (not a
-/// number, infinite) counts as 0. `exposure` is in milliseconds.
+/// The word that sets exposure and gain of a camera order together. Bits 0 to 7 are the exposure in
+/// tenths of a millisecond, bits 8 and 9 the order, bits 10 to 15 the gain. The exposure is
+/// truncated to a whole number; NaN and infinity count as 0. Then each part keeps only its bits.
+/// `exposure` is in milliseconds.
 int ExposureGainWord(int order, double exposure, int gain);
 
 /// The word that only selects a camera order for the queries that follow.
 int SelectionWord(int order);
 
-/// Whole microseconds, within 32 bits; 0 for what is not a number.
+/// Whole microseconds, limited to the range of int; 0 for NaN.
 int ExposureMicroseconds(double milliseconds);
 
 }  // namespace Korvex3Sync

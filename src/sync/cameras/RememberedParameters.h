@@ -5,14 +5,14 @@
 
 namespace Korvex3Sync {
 
-/// What the setters of exposure and gain were last asked for, by camera order, so that a
-/// reconnection can bring the cameras back to their state. What was never set is not written.
+/// The values that the setters of exposure and gain were last called with, by camera order, so that
+/// a reconnection can restore them. A value that was never set is not written.
 struct RememberedParameters {
     std::map<int, double> exposures;
     std::map<int, int> gains;
 };
 
-/// Exposure and gain that were set for one camera order.
+/// The requested exposure and gain of one camera order.
 struct OrderSetting {
     int order = 0;
     double exposure = 0.0;
@@ -20,7 +20,7 @@ struct OrderSetting {
     bool operator==(const OrderSetting&) const = default;
 };
 
-/// The orders for which both were remembered, ascending.
+/// The orders for which both values are remembered, in ascending order.
 std::vector<OrderSetting> OrdersToRestore(const RememberedParameters& parameters);
 
 }  // namespace Korvex3Sync

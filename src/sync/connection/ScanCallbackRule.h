@@ -4,12 +4,12 @@
 
 namespace Korvex3Sync {
 
-// A scan callback runs with its grab thread's locks held, so a board operation in it can wait for a
-// reconnection or a close that itself waits for this grab thread. Builds with KORVEX_CHECKS tell
-// about it with one ERROR record; other builds do nothing here. A connection is known by the
-// address of its device lock.
+// A scan callback runs with the locks of its grab thread held. A board operation in it can
+// deadlock: it waits for a reconnection or a close that in turn waits for this grab thread. Builds
+// with KORVEX_CHECKS report it with an ERROR record; other builds do not check. The address of the
+// device lock identifies a connection.
 
-/// Marks, while it lives, that this thread runs a scan callback of the connection.
+/// While it exists, it marks this thread as running a scan callback of the connection.
 class InScanCallback {
 public:
     explicit InScanCallback(const void* connection);
@@ -21,11 +21,11 @@ private:
     [[maybe_unused]] const void* m_previous = nullptr;
 };
 
-/// To be called before an operation of the connection waits.
+/// Call it before an operation of the connection waits.
 void CheckNotInScanCallback(const void* connection);
 
-/// Holds the device lock of a connection for a scope. The check comes before the wait, which may
-/// never end; a thread that holds the lock already waits for nothing.
+/// Holds the device lock of a connection for a scope. Checks before it waits, because the wait may
+/// never end. A thread that already holds the lock does not wait and is not checked.
 class KORVEX_SCOPED_CAPABILITY DeviceGuard {
 public:
     explicit DeviceGuard(os::CriticalSection& device) KORVEX_ACQUIRE(device) : m_device(device) {

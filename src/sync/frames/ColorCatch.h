@@ -10,34 +10,34 @@
 namespace Korvex3Sync {
 
 /// Catches colour frames for a waiting snapshot: three slots, an arm flag and an event that exists
-/// only during a snapshot. Safe between the grab threads that catch and the caller that waits. A
-/// slot's image is released before another takes its place.
+/// only during a snapshot. Thread-safe: grab threads catch frames while the caller waits. The image
+/// of a slot is released before another one replaces it.
 class ColorCatch {
 public:
     static constexpr std::size_t kSlots = 3;
 
-    /// Whether colour frames are wanted now.
+    /// Whether colour frames are being caught now.
     bool Armed() const;
-    /// Makes the event of a snapshot. Frames are not wanted yet.
+    /// Creates the event of a snapshot. Does not catch frames yet.
     void Begin();
-    /// Wants colour frames from now on.
+    /// Starts catching colour frames.
     void Arm();
-    /// Wants none any more and closes the event.
+    /// Stops catching and drops the event.
     void End();
     /// The event of the running snapshot; null when none runs.
     std::shared_ptr<os::Event> CaughtEvent() const;
 
-    /// Where frames are wanted: puts the image into the first empty slot, or into the last one when
-    /// the others are taken; disarms when all slots are full; signals the event. The image is
-    /// taken. Otherwise false, and the image stays as it is.
+    /// If armed, moves the image into the first empty slot, or into the last slot if none is empty.
+    /// Disarms when all slots are full, signals the event and returns true. If not armed, returns
+    /// false and leaves the image alone.
     bool Catch(Image& image);
     /// Whether the first slot holds an image.
     bool HasFirst() const;
-    /// Empties the slots; their images are the caller's.
+    /// Empties the slots and returns their images.
     std::array<Image, kSlots> TakeAll();
-    /// Releases what the first `count` slots hold.
+    /// Releases the images of the first `count` slots.
     void ReleaseFirst(std::size_t count);
-    /// Releases what the slots hold.
+    /// Releases the images of all slots.
     void ReleaseAll() { ReleaseFirst(kSlots); }
 
 private:

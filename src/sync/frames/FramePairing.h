@@ -9,11 +9,11 @@
 
 namespace Korvex3Sync {
 
-/// A frame taken apart: one image is a colour frame, two are a mono frame.
+/// A frame that was split: one image is a colour frame, two are a mono frame.
 struct DecodedFrame : SplitFrame {
     unsigned int key = 0;        // 0..255
     int width = 0;               // the width that came with the frame
-    bool colorExpected = false;  // of a mono frame: a colour frame of the same key is to come
+    bool colorExpected = false;  // for a mono frame: a colour frame with the same key should follow
 };
 
 /// A pending image set.
@@ -28,30 +28,31 @@ struct VideoItem {
     bool bColorExpected = false;
 };
 
-/// What the pairing lets go undelivered.
+/// What the pairing does not deliver.
 enum class PairingLoss { ColorWithoutMono, Set };
 
 /// Pairs mono frames with the colour frames of the same key.
 ///
-/// A mono set waits for its colour frame until the next mono frame, which sends every waiting set
-/// on its way, ascending by key, described by the newer frame's size and channels. A colour frame
-/// never waits. The images are released after any delivery. No threads, no locks: the owner's lock
-/// guards it.
+/// A mono set waits for its colour frame until the next mono frame arrives. Then every waiting set
+/// is delivered, in ascending order of keys and with the size and channels of the newer frame. A
+/// colour frame never waits. The images are released after each delivery. The class has no lock:
+/// the owner's lock guards it.
 class FramePairing {
 public:
-    /// Where sets and losses go.
+    /// Receives sets and losses.
     class Sink {
     public:
         virtual ~Sink() = default;
         /// One complete set: the images, the size and the channels of each image. The images are
-        /// released when this returns. `colorMissing`: a colour frame was to come and did not.
+        /// released when this returns. `colorMissing`: a colour frame was expected but did not
+        /// arrive.
         virtual void Deliver(const std::vector<Image>& images, int width, int height,
                              const std::vector<int>& channels, bool colorMissing) = 0;
-        /// A colour frame that found no mono set, or a waiting mono set, is not delivered.
+        /// A colour frame without a mono set, or a waiting mono set, is not delivered.
         virtual void Lose(PairingLoss loss) = 0;
     };
 
-    /// Most items that stay after a frame.
+    /// The highest number of items that may wait after a frame.
     static constexpr std::size_t kMostItems = 4;
 
     FramePairing();
@@ -60,9 +61,9 @@ public:
     void TakeColor(DecodedFrame& frame, Sink& sink);
     /// Takes the two images of a mono frame.
     void TakeMono(DecodedFrame& frame, Sink& sink);
-    /// The colour frame of this key went elsewhere: a set that waits for it does not miss it.
+    /// The colour frame of this key went to a snapshot: its set no longer expects it.
     void ForgoColor(unsigned int key);
-    /// Puts an item under a key that is free; false without memory.
+    /// Stores an item under a key that is not in use; false if memory runs out.
     bool Store(unsigned int key, VideoItem&& item);
     /// Releases the item with the smallest key; there must be one.
     void DropFirst(Sink& sink);
@@ -79,7 +80,7 @@ private:
 
     Items _mapVideoItems;
     Items::node_type
-        m_spare;  // of the last item erased, so that a running stream allocates nothing
+        m_spare;  // of the last erased item; with it a running stream allocates nothing
     std::vector<Image> m_set;
     std::vector<int> m_setChannels;
 };

@@ -19,53 +19,53 @@
 
 namespace Korvex3Sync {
 
-/// The way of a frame within one connection, from a camera's grab thread to the scan callback:
-/// split, pairing by key, delivery, and the counting of what is lost.
+/// The path of a frame within one connection, from a camera's grab thread to the scan callback:
+/// splitting, pairing by key, delivery and the counting of losses.
 ///
-/// m_csFrame is held for a whole frame, also while the scan callback runs; it is taken inside a
-/// camera's pause and snap locks, and nothing of a manager is locked inside it. The pool, the
-/// catch, the trigger starts and the counters lock themselves and may be used without it.
+/// m_csFrame is held for a whole frame, including the scan callback. It is taken inside a camera's
+/// pause and snap locks, and no other lock of the manager is taken inside it. The pool, the catch,
+/// the trigger starts and the counters have their own locks and may be used without it.
 class FramePath : private FramePairing::Sink {
 public:
-    /// Where the frames of a camera id belong.
+    /// Where the frames of a camera id go.
     struct Route {
-        std::size_t slot;  // of the camera; several ids may share one
-        bool packed;       // frames of other cameras are counted and left alone
+        std::size_t slot;  // the camera's slot; several ids may share one
+        bool packed;       // false: its frames are only counted
         int width;         // the size that the camera was opened with
         int height;
     };
 
-    /// `owner` stands for the connection in the check of operations in a scan callback.
+    /// `owner` identifies the connection in the check for operations in a scan callback.
     explicit FramePath(const void* owner) : m_owner(owner) {}
-    /// Releases the images that wait. No grab thread may run any more.
+    /// Releases the waiting images. No grab thread may be running.
     ~FramePath() override;
     FramePath(const FramePath&) = delete;
     FramePath& operator=(const FramePath&) = delete;
 
-    /// The routes by camera id. To be set before the grab threads start, which see them without
-    /// m_csFrame being taken here: it is never taken inside the device lock.
+    /// Sets the routes, by camera id, before the grab threads start. Takes no lock: m_csFrame is
+    /// never taken inside the device lock, and starting a thread makes the routes visible to it.
     void SetRoutes(std::vector<Route> routes) KORVEX_NO_THREAD_SAFETY_ANALYSIS;
 
     /// The frame callback of each camera; its context is the FramePath. Runs on the grab thread.
     static void OnFrame(void* const& context, const int& cameraId, unsigned char* const& image,
                         const int& width, const int& height, const int& channels);
 
-    /// Waits while a scan callback runs. Always 7.
+    /// Waits for a running scan callback. Always returns 7.
     RETSTATUS SetScanCallBackFunction(ScanCallBackFunction callback, void* context);
 
-    /// The colour frames that a snapshot waits for.
+    /// Catches the colour frames for a snapshot.
     ColorCatch& SnapshotCatch() { return m_colorCatch; }
-    /// To be told of each write of the trigger mode.
+    /// Must be told about each write of the trigger mode.
     TriggerStarts& Starts() { return m_triggerStarts; }
-    /// Where the cameras' grab threads count.
+    /// The counters of the grab threads.
     const std::shared_ptr<GrabCounters>& Grabbed() const { return m_grabCounters; }
 
-    /// Any thread; takes no lock that is held during a callback. Always 7.
+    /// Any thread; takes no lock that is held during a callback. Always returns 7.
     RETSTATUS GetScanStatistics(ScanStatistics& statistics) const;
 
 private:
     Routed HandleFrame(int cameraId, const unsigned char* raw, int width);
-    /// Null, and counted, when the frames of this camera are not packed ones of a known camera.
+    /// Null for an unknown camera or one without packed frames; then counts the frame as unrouted.
     const Route* FindRoute(int cameraId) KORVEX_REQUIRES(m_csFrame);
 
     void Deliver(const std::vector<Image>& images, int width, int height,
@@ -75,7 +75,7 @@ private:
 
     const void* const m_owner;
     os::CriticalSection m_csFrame;
-    ImagePool m_imagePool;  // before what holds its images
+    ImagePool m_imagePool;  // declared before the members that hold its images
     std::vector<Route> m_routes KORVEX_GUARDED_BY(m_csFrame);
     std::vector<KeyTracker> m_keys KORVEX_GUARDED_BY(m_csFrame);  // by slot
     FramePairing m_pairing KORVEX_GUARDED_BY(m_csFrame);

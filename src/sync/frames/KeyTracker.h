@@ -7,26 +7,26 @@
 
 namespace Korvex3Sync {
 
-/// What a mono frame's key tells about the frames before it.
+/// What the key of a mono frame says about the frames before it.
 struct KeyStep {
-    unsigned missing = 0;   // keys that never came, 0..255
-    bool repeated = false;  // the key of the frame before once more
+    unsigned missing = 0;   // missing keys before this one, 0..255
+    bool repeated = false;  // the same key as the frame before
 };
 
 /// Follows the keys of one camera's mono frames. Keys count triggers modulo 256 and begin at 0 with
 /// each start of the trigger.
 ///
-/// Frames of the former run may still come after a start, and whatever comes first of the new run
-/// may be lost. So from a start on each key is read both ways, as one more of the former run and as
-/// one of the new run, and the reading that misses fewer keys holds; of two that miss as many, the
-/// new run. The first key of the new run ends this. Before the first start a key is compared with
-/// the one before it only: the trigger may have run for long. After a start anew it is the same,
-/// and no key from before it is compared with.
+/// After a start, frames of the previous run may still arrive, and the first frames of the new run
+/// may be lost. Each key is therefore interpreted both ways: as the next one of the previous run
+/// and as one of the new run. The interpretation with fewer missing keys holds; if both miss the
+/// same number, the new run. The first key of the new run ends this. Before the first start a key
+/// is only compared with the one before it, because the trigger may have been running for long. The
+/// same applies after a start anew, which also forgets the previous key.
 ///
-/// No threads, no locks: the owner's lock guards it.
+/// The class has no lock: the owner's lock guards it.
 class KeyTracker {
 public:
-    /// `key` is 0..255. `run` is what is known of the trigger now.
+    /// `key` is 0..255. `run` is the current state of the trigger.
     KeyStep Take(unsigned key, const TriggerStarts::Run& run);
 
 private:
@@ -34,7 +34,7 @@ private:
 
     std::optional<unsigned> m_last;
     std::uint64_t m_starts = 0;
-    int m_unsettled = 0;  // keys for which a frame may still be of the former run
+    int m_unsettled = 0;  // for how many keys a frame may still belong to the previous run
 };
 
 }  // namespace Korvex3Sync

@@ -9,9 +9,9 @@
 
 namespace Korvex3Sync {
 
-/// Counts what the frame handler delivers and loses. Each method is one step of a frame or a set
-/// and changes all figures that belong to it at once, so that what is read adds up at any moment.
-/// Thread-safe; the lock is held for a few additions and, by a reader, for one pass over the times.
+/// Counts what the frame path delivers and loses. Each method is one step of a frame or a set and
+/// updates all related figures together, so they add up at any moment. Thread-safe. The lock is
+/// held for a few additions, and by a reader for one pass over the times.
 class ScanCounters {
 public:
     using Duration = std::chrono::steady_clock::duration;
@@ -20,21 +20,22 @@ public:
 
     void UnroutedFrame();
     void UndecodableFrame();
-    /// A mono frame was taken over; its set is pending from here on.
+    /// A mono frame was accepted; its set is now pending.
     void MonoArrived(const KeyStep& step);
     void ColorWithoutMono();
     void ColorForSnapshot();
 
-    // A pending set goes, one of these ways.
+    // A pending set ends in one of these ways.
 
-    /// The callback returned. `colorMissing`: it has no colour image though one was to come.
+    /// The callback returned. `colorMissing`: the set has no colour image although one was
+    /// expected.
     void SetDelivered(Duration took, bool withColor, bool colorMissing);
     /// The callback threw, or there was no memory to call it.
     void SetThrown(Duration took);
     void SetWithoutCallback();
     void SetDropped();
 
-    /// Fills in everything but the figures of the grab threads.
+    /// Fills in everything except the figures of the grab threads.
     void Read(ScanStatistics& statistics) const;
 
 private:

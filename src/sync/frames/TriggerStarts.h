@@ -6,28 +6,28 @@
 
 namespace Korvex3Sync {
 
-/// Tells from the trigger modes that are written to the board when a run of the trigger starts, and
-/// whether the mode gives colour frames. Modes are the board's numbers. Safe between the thread
-/// that writes (one at a time) and the grab threads that read; never blocks for long.
+/// Detects from the trigger modes that are written to the board when a run of the trigger starts,
+/// and whether the mode gives colour frames. Modes are the board's numbers. Thread-safe: one thread
+/// at a time writes, the grab threads read. Never blocks for long.
 class TriggerStarts {
 public:
     struct Run {
-        std::uint64_t starts = 0;  // grows with each start
-        std::uint64_t anew = 0;    // the start with which nothing before counts any more
+        std::uint64_t starts = 0;  // incremented by each start
+        std::uint64_t anew = 0;    // the start before which nothing counts
         bool givesColor = false;   // each mono frame is followed by a colour frame
     };
 
-    /// The board is about to be told this mode. A start counts from here on, since its first frame
-    /// may come before the board's answer.
+    /// This mode is about to be written to the board. A start counts from here on, because its
+    /// first frame may arrive before the board's answer.
     void Writing(int mode);
-    /// It accepted the mode, or not: then its trigger may be in any mode.
+    /// Whether the board accepted the mode. If not, its trigger may be in any mode.
     void Written(bool accepted);
-    /// Whether the trigger runs is not known any more: the next write of a running mode counts as a
-    /// start. For a reset of the board, which ends the run; from any thread, also beside a write.
+    /// For a reset of the board, which ends the run: the state of the trigger becomes unknown, and
+    /// the next write of a running mode counts as a start. Any thread, also during a write.
     void ForgetState();
-    /// The board was opened anew: it may have lost its power, or its trigger may have run all the
-    /// time. So keys go on from anywhere, and the next write of a running mode, which either starts
-    /// the trigger or changes nothing, is no start of its own.
+    /// The board was reopened. It may have lost power, or its trigger may have kept running, so the
+    /// keys may continue from any number. The next write of a running mode either starts the
+    /// trigger or changes nothing; it does not count as another start.
     void StartAnew();
 
     Run Current() const;

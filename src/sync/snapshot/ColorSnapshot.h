@@ -13,39 +13,39 @@
 
 namespace Korvex3Sync {
 
-/// Colour snapshots of one connection, one at a time. The board takes single colour frames; each
-/// image is waited for without a lock, up to 100 s. Trigger and strobe stay as the last step left
-/// them.
+/// Colour snapshots of one connection, one at a time. The board triggers single colour frames. The
+/// wait for each image takes up to 100 s and holds no lock. Trigger and strobe stay as the last
+/// step left them.
 class ColorSnapshot {
 public:
-    /// The frames come into `colorCatch`. `stop` is set when the connection is about to be closed:
-    /// then every wait ends at once, as if no frame had come.
+    /// `colorCatch` receives the frames. `stop` is set when the connection is about to be closed;
+    /// then every wait ends at once, as if no frame had arrived.
     ColorSnapshot(BoardSession& board, CameraSet& cameras, ColorCatch& colorCatch, os::Event& stop);
     ColorSnapshot(const ColorSnapshot&) = delete;
     ColorSnapshot& operator=(const ColorSnapshot&) = delete;
 
-    /// Two images. Images are appended and are the caller's (`new[]` blocks); one that is missing
-    /// is null.
+    /// Takes two images and appends them to `images`, as `new[]` blocks that the caller owns. A
+    /// missing image is null.
     RETSTATUS SnapColorImage(std::vector<unsigned char*>& images, int& width, int& height,
                              const int& camOrder, const double& exposure, const int& gain,
                              const CONTROLROUTE& route);
-    /// Three images; `exposures` and `gains` hold two entries each, otherwise 3.
+    /// Takes three images. Returns 3 unless `exposures` and `gains` hold two entries each.
     RETSTATUS SnapColorImageForIR(std::vector<unsigned char*>& images, int& width, int& height,
                                   const int& camOrder, const std::vector<double>& exposures,
                                   const std::vector<int>& gains, const CONTROLROUTE& route);
-    /// Any thread: wakes a snapshot that waits, once `stop` is set.
+    /// Wakes a waiting snapshot after `stop` has been set. Any thread.
     void WakeUp();
 
 private:
     /// One image of a snapshot after the first.
     struct SnapPhase;
 
-    /// Runs the steps of a snapshot. What one that threw had caught is freed, and nothing is caught
-    /// for it any more.
+    /// Runs the steps of a snapshot. If one throws, stops catching and frees the images caught so
+    /// far.
     template <class Steps>
     RETSTATUS Snapshot(Steps steps);
     void SwitchSnapTrigger(bool on);
-    /// Whether the frame came.
+    /// True if the frame arrived.
     bool SnapFirst(const CONTROLROUTE& route);
     bool SnapNext(const SnapPhase& phase);
     bool WaitForColorFrame(const char* step);

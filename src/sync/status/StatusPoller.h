@@ -11,8 +11,8 @@
 
 namespace Korvex3Sync {
 
-/// Polls the state of the board on a thread of its own and reports it to the status callback, which
-/// runs with the device lock of the connection and m_csStatus held, taken in this order.
+/// Polls the state of the board on its own thread and reports it to the status callback. The
+/// callback runs with the device lock of the connection and m_csStatus held, taken in this order.
 class StatusPoller {
 public:
     StatusPoller(os::CriticalSection& device, BoardSession& board);
@@ -21,16 +21,15 @@ public:
     StatusPoller(const StatusPoller&) = delete;
     StatusPoller& operator=(const StatusPoller&) = delete;
 
-    /// Starts the status thread at the first call and switches the heartbeat: 7, or 0 without a
-    /// thread. The first call must not run beside another.
+    /// Starts the status thread in the first call and switches the heartbeat on or off: 7, or 0 if
+    /// the thread does not start. The first call must not run at the same time as another one.
     RETSTATUS SetStatusCallBackFunction(StatusCallBackFunction callback, void* context);
-    /// Ends the status thread, after the callback that it may be running. For the end of the
-    /// connection.
+    /// Ends the status thread; waits for a running callback. For the end of the connection.
     void Stop();
 
-    /// Keeps the status thread away from the board until as many `Unpark` came as `Park`.
+    /// Stops polling until `Unpark` has been called as often as `Park`.
     void Park();
-    /// Whether this was the last one.
+    /// True if this call ended the parking.
     bool Unpark();
 
 private:
@@ -46,7 +45,7 @@ private:
 
     os::Mutex m_parkMutex;
     int m_parked KORVEX_GUARDED_BY(m_parkMutex) = 0;
-    std::atomic<bool> m_bPauseStatusCheck{false};  // while m_parked is not 0
+    std::atomic<bool> m_bPauseStatusCheck{false};  // true while m_parked > 0
     std::atomic<bool> m_bContinueStatusThread{false};
     os::Event m_statusWake;  // ends the status thread's waits
     os::Thread m_hStatusThread;

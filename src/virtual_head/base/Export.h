@@ -1,7 +1,7 @@
 #pragma once
 
-/// Marks what the virtual head's shared library gives to the platform libraries, to programs and to
-/// tests.
+/// Marks what the shared library of the virtual head exports to the platform libraries, to programs
+/// and to tests.
 #if defined(_WIN32)
 #if defined(KORVEX_VIRTUAL_HEAD_BUILD)
 #define KORVEX_VIRTUAL_HEAD_API __declspec(dllexport)

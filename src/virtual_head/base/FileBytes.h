@@ -7,8 +7,8 @@
 
 namespace Korvex3Sync::virtual_head {
 
-/// The bytes of a regular file of at most `most` bytes, or what is wrong with it ("is a folder"),
-/// without the file's name.
+/// Reads a regular file of at most `most` bytes. Returns its bytes, or what is wrong ("is a
+/// folder"), without the file's name.
 std::variant<std::string, const char*> ReadFileBytes(const std::filesystem::path& file,
                                                      std::uintmax_t most);
 

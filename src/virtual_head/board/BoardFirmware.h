@@ -11,9 +11,9 @@ namespace Korvex3Sync::virtual_head {
 
 using UserMemory = std::array<std::uint8_t, 4096>;
 
-/// What the virtual board does on a command whose payload has the shape of that command: changes
-/// the state or the user memory, or fills the reply. Every number is stored as it comes, as long as
-/// there is a place for it. No locks, no faults, no journal: VirtualBoard sees to those.
+/// Executes a command on the virtual board: changes the state or the user memory, or fills in the
+/// reply. The payload must have the shape of the command. Numbers are stored unchecked.
+/// VirtualBoard handles locks, faults and the journal.
 board::Status RunCommand(const board::CommandMessage& message, const HeadDescription& description,
                          BoardState& state, UserMemory& memory, board::Payload& reply);
 

@@ -7,8 +7,8 @@
 
 namespace Korvex3Sync::virtual_head {
 
-/// What the virtual board holds: one value for each thing that a command sets. Units are those of
-/// the board: milliseconds (trigger period), percent (brightness, duty), microseconds (work times).
+/// The state of the virtual board: what the commands set. Units are those of the board:
+/// milliseconds (trigger period), percent (brightness, duty), microseconds (work times).
 struct BoardState {
     int strobeRoute = 2;
     int strobeState = 1;

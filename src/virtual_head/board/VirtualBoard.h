@@ -16,29 +16,29 @@ namespace Korvex3Sync::virtual_head {
 class Faults;
 class Journal;
 
-/// The firmware of the virtual board: takes command reports, keeps the state, answers with reply
-/// reports. It knows bytes only, so that a test with it runs the real encoding. Thread-safe.
+/// The virtual board: takes command reports, keeps the state and answers with reply reports. It
+/// exchanges only bytes, so a test that uses it runs the real encoding. Thread-safe.
 class KORVEX_VIRTUAL_HEAD_API VirtualBoard {
 public:
-    /// Called after each change of trigger mode or period, with the state after it, outside the
-    /// board's lock; `modeWritten` tells that the mode was written (also with the same value).
+    /// Called after each change of trigger mode or period, with the new state, outside the board's
+    /// lock. `modeWritten`: the mode was written, possibly with the same value.
     using TriggerChanged = std::function<void(const BoardState&, bool modeWritten)>;
 
     VirtualBoard(const HeadDescription& description, Journal& journal, Faults& faults,
                  TriggerChanged triggerChanged);
 
-    /// Executes one command report and gives the reply report; nothing when the board does not
-    /// answer (a report that it cannot read, a board that is mute, or one that vanished meanwhile).
-    /// Blocks as long as a fault that was ordered for the command lets it. The journal gets one
-    /// entry for each call of a platform function, also when it takes several reports.
+    /// Executes a command report and returns the reply report. Returns nothing if the board does
+    /// not answer: it cannot read the report, is mute, or was unplugged meanwhile. Blocks as long
+    /// as a fault slows or hangs the command. The journal gets one entry for each call of a
+    /// platform function, even if the call takes several reports.
     std::optional<board::Report> Execute(const board::Report& command);
 
     BoardState State() const;
-    /// The board lost its power and what it held, but for the user memory. What runs in it now
-    /// changes nothing any more.
+    /// The board lost power and its state, except for the user memory. A command that is running
+    /// now no longer changes anything.
     void PowerOff();
-    /// The board is as it was when it was switched on. Calls `powered` when no change of the
-    /// trigger from before is on its way.
+    /// Restores the power-on state. Calls `powered` when no earlier change of the trigger is
+    /// pending.
     void PowerOn(const std::function<void()>& powered);
     void SetStatus(std::uint8_t first, std::uint8_t second);
     const HeadDescription& Description() const { return m_description; }
@@ -51,7 +51,7 @@ private:
     Faults& m_faults;
     TriggerChanged m_triggerChanged;
 
-    // Held over a change of the trigger and its announcement, so that announcements come in the
+    // Held during a change of the trigger and its announcement, so that announcements are in the
     // order of the changes. Taken before m_mutex.
     os::Mutex m_triggerMutex;
     mutable os::Mutex m_mutex;

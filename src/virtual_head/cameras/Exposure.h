@@ -8,16 +8,16 @@
 
 namespace Korvex3Sync::virtual_head {
 
-/// One exposure of the sensors, still without pixels: they are made when a camera fetches it.
+/// One exposure of the sensors, still without pixels, which are made when a camera fetches it.
 struct Exposure {
-    std::uint64_t trigger = 0;  // number of the trigger since the trigger was started, from 0
+    std::uint64_t trigger = 0;  // number of the trigger since the start, from 0
     std::uint8_t key = 0;       // trigger modulo 256
     bool color = false;         // a colour frame; otherwise a mono frame of both sensors
-    BoardState light = {};      // the board at that moment
-    std::array<SensorSetting, 2> sensors = {};  // exposure and gain of the left and the right one
+    BoardState light = {};      // the state of the board at that moment
+    std::array<SensorSetting, 2> sensors = {};  // exposure and gain, left and right
     bool torn = false;                          // the camera refuses it
     bool misSized = false;                      // the camera gives it an impossible size
-    bool counted = false;                       // its way is counted for the head (HeadCounts.h)
+    bool counted = false;                       // included in HeadCounts
 };
 
 }  // namespace Korvex3Sync::virtual_head

@@ -11,36 +11,36 @@
 
 namespace Korvex3Sync::virtual_head {
 
-/// The way from a trigger to the camera instances: makes the exposures, lets them meet the faults
-/// of frames, holds back what comes late, hands the rest to every attached queue, and counts.
-/// Frame faults wait for triggers that a camera sees. Without a lock: the trigger clock's guards
+/// The path from a trigger to the camera instances: makes the exposures, applies frame faults,
+/// holds back delayed exposures, hands the others to every attached queue, and counts. Frame faults
+/// apply only to triggers that a camera sees. It has no lock: the lock of the trigger clock guards
 /// it.
 class ExposureOutput {
 public:
     explicit ExposureOutput(FrameFaults& faults) : m_faults(faults) {}
 
     void Attach(const std::shared_ptr<ExposureQueue>& queue);
-    /// Drops what waits in the queue.
+    /// Drops the exposures in the queue.
     void Detach(const std::shared_ptr<ExposureQueue>& queue);
     void DetachAll();
     bool Attended() const { return !m_queues.empty(); }
 
-    /// The trigger starts: its numbers and keys begin at 0.
+    /// The trigger starts: numbers and keys begin at 0.
     void Start();
-    /// `moment`: what its exposures have in common, light and sensors.
+    /// `moment` holds what the exposures have in common: light and sensor settings.
     void GiveTrigger(bool mono, bool color, const Exposure& moment);
-    /// Hands out what a delay holds back.
+    /// Hands out the exposures that a delay holds back.
     void ReleaseHeld();
 
     HeadCounts Counts() const;
     std::uint64_t Triggers() const { return m_counts.triggers; }
-    /// Exposures that found no room in a queue, of all queues.
+    /// Exposures for which a queue had no room, for all queues.
     std::uint64_t Lost() const;
 
 private:
     struct Held {
         Exposure exposure;
-        std::uint64_t release;  // given triggers after which it goes out
+        std::uint64_t release;  // handed out after this many given triggers
         bool repeated;
     };
 
@@ -54,9 +54,9 @@ private:
     std::vector<std::shared_ptr<ExposureQueue>> m_queues;
     std::deque<Held> m_held;
     std::uint64_t m_trigger = 0;  // since the start
-    std::uint64_t m_given = 0;    // since the head exists, without the skipped ones
+    std::uint64_t m_given = 0;    // since the head was created, without skipped ones
     std::uint64_t m_lostDetached = 0;
-    HeadCounts m_counts;  // without what attached queues count
+    HeadCounts m_counts;  // without the counts of attached queues
 };
 
 }  // namespace Korvex3Sync::virtual_head

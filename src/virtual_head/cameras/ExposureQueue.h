@@ -14,27 +14,28 @@
 
 namespace Korvex3Sync::virtual_head {
 
-/// The exposures that wait for one camera instance. Bounded; what finds no room is counted.
+/// The exposures that wait for one camera instance. Bounded: an exposure for which there is no room
+/// is lost and counted.
 class KORVEX_VIRTUAL_HEAD_API ExposureQueue {
 public:
     enum class Pushed { Taken, NoRoom, Closed };
-    /// Ways of the exposures that are counted for the head, by colour.
+    /// What happened to the exposures that are included in HeadCounts, by colour.
     struct Counts {
         std::array<std::uint64_t, 2> fetched{};
         std::array<std::uint64_t, 2> dropped{};
-        std::uint64_t lost = 0;  // found no room; all of them
+        std::uint64_t lost = 0;  // no room; includes exposures that are not in HeadCounts
     };
 
     explicit ExposureQueue(std::size_t most) : m_most(most) {}
-    /// Never blocks. Nothing is taken after Close.
+    /// Never blocks. Takes nothing after Close.
     Pushed Push(const Exposure& exposure);
-    /// Waits for an exposure; nothing when the deadline passes or on Close.
+    /// Waits for an exposure. Returns nothing after the deadline or Close.
     std::optional<Exposure> Pop(std::chrono::steady_clock::time_point deadline);
-    /// Drops what waits.
+    /// Drops the waiting exposures.
     void Clear();
-    /// Wakes a waiting Pop, which then gives nothing; later calls of Pop return nothing at once.
+    /// Ends a waiting Pop; from now on Pop returns nothing at once.
     void Close();
-    /// Exposures that found no room.
+    /// Exposures for which there was no room.
     std::uint64_t Lost() const;
     Counts Counted() const;
     /// Drops the waiting exposures, returns the counts and resets them.

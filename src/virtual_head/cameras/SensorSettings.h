@@ -14,8 +14,8 @@ struct SensorSetting {
     int gain = 0;
 };
 
-/// Exposure and gain of the head's camera orders, and which of them is selected. They belong to the
-/// head: every camera instance sees the same. Thread-safe; nothing blocks.
+/// Exposure and gain of the head's camera orders, and the selected order. All camera instances
+/// share them. Thread-safe; does not block.
 class KORVEX_VIRTUAL_HEAD_API SensorSettings {
 public:
     static constexpr int kOrders = 4;
@@ -25,20 +25,20 @@ public:
 
     explicit SensorSettings(const HeadDescription& description);
 
-    /// False for an order that is not 0 to 3.
+    /// False for an order outside 0 to 3.
     bool SelectOrder(int order);
-    /// Selects the order and sets both values; false, with nothing changed, when one is out of
-    /// range.
+    /// Selects the order and sets both values. If one is out of range, returns false and changes
+    /// nothing.
     bool SelectAndSet(int order, long exposureMicroseconds, int gain);
-    /// Of the selected order; false when out of range.
+    /// For the selected order; false if out of range.
     bool SetExposure(long microseconds);
     long Exposure() const;
     bool SetGain(int gain);
     int Gain() const;
     int SelectedOrder() const;
-    /// Everything is as it was at first.
+    /// Restores the initial state.
     void PowerOff();
-    /// Of the two sensors: order 0 is the left one, order 1 the right one.
+    /// The settings of the two sensors: order 0 is the left one, order 1 the right one.
     std::array<SensorSetting, 2> Sensors() const;
 
 private:

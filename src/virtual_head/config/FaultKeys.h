@@ -9,7 +9,7 @@
 
 namespace Korvex3Sync::virtual_head {
 
-/// What is wrong in the faults of a head file, and on which line.
+/// An error in the faults of a head file, with its line.
 struct WrongFault {
     int line;
     std::string what;
@@ -17,7 +17,7 @@ struct WrongFault {
 
 /// Reads the array [[fault]] into the description.
 std::optional<WrongFault> ReadFaults(const toml::node& faults, HeadDescription& description);
-/// Reads the table [faults], which has the seed.
+/// Reads the table [faults], which contains the seed.
 std::optional<WrongFault> ReadFaultSeed(const toml::node& table, HeadDescription& description);
 
 }  // namespace Korvex3Sync::virtual_head

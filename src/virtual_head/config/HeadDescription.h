@@ -11,10 +11,10 @@
 
 namespace Korvex3Sync::virtual_head {
 
-/// What a virtual head is. Every member has the built-in default that applies when a head file
-/// does not name it. The limits are in HeadRules.cpp.
+/// Describes a virtual head. Each member has the default that applies if a head file does not set
+/// it. The limits are in HeadRules.cpp.
 struct HeadDescription {
-    /// Begins with the maker "KV", as the serial does; discovery asks for the type.
+    /// Begins with the maker "KV", like the serial. Discovery looks for this type.
     std::string cameraType = "KV00";
     /// The serial that both sensors share, 3 to 64 characters.
     std::string cameraSerial = "KV00A1001";
@@ -29,18 +29,18 @@ struct HeadDescription {
     int gainHigh = 16;
     /// Negotiated USB speed as in `UPT[n]-DEV`: 1 low, 2 full, 3 high, 4 SuperSpeed.
     int usbSpeed = 4;
-    /// Frames that wait in each camera instance, 1 to 4096; a frame that finds no room is lost and
-    /// counted.
+    /// How many frames can wait in each camera instance, 1 to 4096. A frame for which there is no
+    /// room is lost and counted.
     int cameraBuffers = 64;
     /// The board's user memory at power-on: pages of 256 bytes.
     std::array<std::uint8_t, 4096> userMemory{};
-    /// Folder with leftNN.png and rightNN.png (8-bit grey), and colorNN.png where there is a colour
-    /// mosaic of its own; empty: the scene.
+    /// Folder with leftNN.png and rightNN.png (8-bit grey), and optionally colorNN.png (colour
+    /// mosaic). Empty: the scene is rendered.
     std::filesystem::path replayFolder;
-    /// Faults that begin by themselves, and the seed of their draws.
+    /// Faults that begin by themselves, and the seed of their random draws.
     std::vector<TimedFault> faults;
     std::uint64_t faultSeed = 1;
-    /// What the sensors see where no images are replayed.
+    /// What the sensors see if no images are replayed.
     SceneDescription scene;
 };
 

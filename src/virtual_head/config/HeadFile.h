@@ -10,7 +10,7 @@
 
 namespace Korvex3Sync::virtual_head {
 
-/// Why a head file was refused. `message` is whole: "FILE:LINE: what is wrong".
+/// Why a head file was refused. `message` is complete: "FILE:LINE: what is wrong".
 struct HeadFileError {
     std::filesystem::path file;
     int line = 0;  // 0: the file as a whole (missing, unreadable)
@@ -18,16 +18,16 @@ struct HeadFileError {
 };
 
 /// Reads a head file (TOML, docs/virtual-head.md). Unknown keys, wrong types and values out of
-/// range are errors, so that a misspelt key is never ignored. Relative folders are taken from the
+/// range are errors, so a misspelt key is never ignored. Relative folders are relative to the
 /// folder of the file. Never throws.
 KORVEX_VIRTUAL_HEAD_API std::variant<HeadDescription, HeadFileError> ReadHeadFile(
     const std::filesystem::path& file);
 
-/// The same with the text of a file, which `file` names in errors and whose folder it gives.
+/// Does the same with the text of a file. `file` is the path for error texts and relative folders.
 KORVEX_VIRTUAL_HEAD_API std::variant<HeadDescription, HeadFileError> ParseHeadFile(
     std::string_view text, const std::filesystem::path& file);
 
-/// A head file that is fine by itself, but whose folder of images is not.
+/// The error for a valid head file whose folder of images is not usable.
 HeadFileError RefuseReplay(const std::filesystem::path& file, const std::string& what);
 
 }  // namespace Korvex3Sync::virtual_head

@@ -6,10 +6,9 @@
 
 namespace Korvex3Sync::virtual_head {
 
-/// The text of a head file with every key of the virtual head at its default, each with its
-/// meaning, unit and range in a comment. A key without a default stands there as an example that a
-/// # right before it switches off. The text ends with a line end. Written from the rules that are
-/// checked.
+/// The text of a head file with every key at its default, each with its meaning, unit and range in
+/// a comment. A key without a default appears as an example that is commented out. The text ends
+/// with a newline. It is generated from the same rules that check a head file.
 KORVEX_VIRTUAL_HEAD_API std::string HeadFileText();
 
 }  // namespace Korvex3Sync::virtual_head

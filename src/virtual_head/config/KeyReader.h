@@ -10,9 +10,9 @@
 
 namespace Korvex3Sync::virtual_head {
 
-/// Takes the value of one key over into the description. Says what is wrong with it, without the
-/// key, when it has the wrong type or breaks its rule. A number with a fraction may be written
-/// without one. A relative path begins in `folder`.
+/// Copies the value of a key to the description. If it has the wrong type or violates its rule,
+/// returns what is wrong, without the key. A floating-point value may be written as an integer. A
+/// relative path is relative to `folder`.
 std::optional<std::string> ReadValue(const KeyRule& rule, const toml::node& value,
                                      const std::filesystem::path& folder,
                                      HeadDescription& description);

@@ -4,15 +4,15 @@
 
 namespace Korvex3Sync::virtual_head {
 
-/// The scene that the virtual head sees, and where its sensors and lights stand. Lengths are in
-/// millimetres, angles in degrees; coordinates are explained in docs/virtual-head.md (x to the
+/// The scene that the virtual head sees, and the positions of its sensors and lights. Lengths are
+/// in millimetres, angles in degrees. docs/virtual-head.md explains the coordinates (x to the
 /// right, y down, z away from the head). The limits are in HeadRules.cpp.
 struct SceneDescription {
-    /// In pixels of an image of 1280 x 1024; other sizes see the same field.
+    /// In pixels of an image of 1280 x 1024. Images of other sizes show the same field of view.
     double focalLength = 1500;
     /// Between the two sensors.
     double baseline = 150;
-    /// Each sensor is turned by this towards the other.
+    /// Each sensor is turned towards the other by this angle.
     double toeIn = 13;
 
     /// From the middle of the baseline to the middle of the object's plate.
@@ -26,15 +26,15 @@ struct SceneDescription {
 
     /// Where laser lines, patterns and infrared light come from, in the head's coordinates.
     std::array<double, 3> projector{0, -70, 0};
-    /// Lines of each of the two laser line sets, and the space between them at the plate.
+    /// The number of lines in each of the two sets of laser lines, and their distance at the plate.
     int laserLines = 9;
     double laserSpacing = 22;
-    /// Full width at half of the peak, at the plate.
+    /// Full width at half maximum, at the plate.
     double laserWidth = 0.8;
-    /// The sets are turned by this from the vertical, one to each side.
+    /// The sets are tilted from the vertical by this angle, one to each side.
     double laserAngle = 20;
 
-    /// The object moves around a closed path; each trigger is one step.
+    /// The object moves along a closed path, one step for each trigger.
     int poses = 4;
     double motion = 6;
     double swing = 4;

@@ -9,14 +9,14 @@
 
 namespace Korvex3Sync::virtual_head {
 
-/// What is wrong in the pages of a head file, and on which line.
+/// An error in the pages of a head file, with its line.
 struct WrongPage {
     int line;
     std::string what;
 };
 
-/// Reads the array [[board.user_memory]] into the user memory: each entry has `page` (0 to 15) and
-/// its content from the page's start, either `text` or `bytes` (numbers 0 to 255), at most 256
+/// Reads the array [[board.user_memory]] into the user memory. Each entry has `page` (0 to 15) and
+/// the content from the start of the page, either `text` or `bytes` (numbers 0 to 255), at most 256
 /// bytes.
 std::optional<WrongPage> ReadUserMemory(const toml::node& pages,
                                         std::array<std::uint8_t, 4096>& memory);

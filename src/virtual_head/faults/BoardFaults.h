@@ -13,26 +13,27 @@ namespace Korvex3Sync::virtual_head {
 
 class Journal;
 
-/// What is wrong with the board as a whole: it is gone, answers nothing, or answers late. What a
-/// call meets goes into the journal. Thread-safe; nothing blocks.
+/// The faults of the board as a whole: it is gone, does not answer, or answers late. A fault that a
+/// call gets is entered in the journal. Thread-safe; does not block.
 class KORVEX_VIRTUAL_HEAD_API BoardFaults {
 public:
     /// `journal` may be null.
     explicit BoardFaults(Journal* journal) : m_journal(journal) {}
 
     Presence& Plugged() { return m_plugged; }
-    /// `opens`: further opens for which it stays mute; 0: without end.
+    /// `opens`: the number of further opens for which it stays mute; 0: unlimited.
     void Mute(int opens);
-    /// Ends the muteness; false when the board is not mute.
+    /// Ends the muteness; false if the board is not mute.
     bool Answer();
-    /// The next answers take `extra` longer. Orders add up; the latest extra time counts.
+    /// The next `answers` answers take `extra` longer. Orders add up; the latest extra time
+    /// applies.
     void Late(std::chrono::milliseconds extra, int answers);
 
-    /// For the device side. Whether a call on a board that was opened at `plug` gets there.
+    /// For the device side: whether a call reaches the board that was opened at `plug`.
     bool Reach(std::uint64_t plug, const std::string& call);
     /// The same for a call that needs no open board.
     bool Reach(const std::string& call);
-    /// The same for an open: false when the board is gone. A success counts against the opens of a
+    /// The same for an open: false if the board is gone. A success counts towards the opens of a
     /// mute board.
     bool Open(const std::string& call);
     /// Whether the board leaves this call without an answer.

@@ -12,13 +12,14 @@
 
 namespace Korvex3Sync::virtual_head {
 
-/// Faults by call, of all platform libraries. What orders mean is said at Faults, through which
-/// they come. Thread-safe; `m_mutex` is not held while a call hangs or is slowed.
+/// Faults by call, for all platform libraries. Faults passes the orders on and describes them.
+/// Thread-safe; `m_mutex` is not held while a call hangs or is slowed.
 class KORVEX_VIRTUAL_HEAD_API CallFaults {
 public:
     bool Fail(const std::string& call, int times);
     bool Slow(const std::string& call, std::chrono::milliseconds extra, int times);
-    /// `lasting`: each hang of this call ends by itself after this nominal time; 0: it does not.
+    /// `lasting`: each hang of this call ends after this nominal time; 0: it does not end by
+    /// itself.
     bool Hang(const std::string& call, int times, std::chrono::milliseconds lasting);
     void ReleaseHangs();
     void ReleaseHangs(const std::string& call);
@@ -27,7 +28,7 @@ public:
     std::vector<std::string> Unused() const;
     void Clear();
 
-    /// Applies what is ordered for this call and returns true when the call has to fail.
+    /// Applies the faults ordered for this call. True if the call must fail.
     bool Meet(const std::string& call);
     /// Whether this call is being slowed or hangs now.
     bool Holds(const std::string& call) const;

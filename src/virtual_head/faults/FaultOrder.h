@@ -12,8 +12,8 @@
 
 namespace Korvex3Sync::virtual_head {
 
-/// What can go wrong with the head. docs/virtual-head.md says of each what happens and when it
-/// counts as met.
+/// The faults that a head can have. docs/virtual-head.md describes each: what happens, and when it
+/// counts as used.
 enum class FaultKind {
     // By call.
     Fail,
@@ -43,43 +43,43 @@ enum class FaultKind {
     SkipKeys,
 };
 
-/// One fault, ready to happen. A member that its kind has no use for stays at its default.
+/// An order for one fault. A member that its kind does not use keeps its default.
 struct FaultOrder {
     FaultKind kind = FaultKind::Fail;
     /// Fail, Slow, Hang: the platform function.
     std::string call = {};
     /// Fail, Slow, Hang: calls; BoardLate: answers; frames: triggers; SkipKeys: keys. At least 1.
     int times = 1;
-    /// Slow, BoardLate: how much longer each takes. Nominal time.
+    /// Slow, BoardLate: the extra time of each. Nominal time.
     std::chrono::milliseconds extra{0};
-    /// BoardVanish, BoardMute, CameraVanish, Hang: ends by itself after this time; 0: it does not.
+    /// BoardVanish, BoardMute, CameraVanish, Hang: the fault ends after this time; 0: it does not
+    /// end by itself. Nominal time.
     std::chrono::milliseconds lasting{0};
-    /// BoardMute: the board stays mute for this many further opens and answers from the next one
-    /// on; 0: opens do not end it.
+    /// BoardMute: the board stays mute for this many further opens and answers after the next one;
+    /// 0: opens do not end it.
     int opens = 0;
-    /// Delay: by how many triggers. At least 1.
+    /// Delay: the number of triggers. At least 1.
     int byTriggers = 1;
 };
 
-/// A fault that begins by itself. Exactly one of `atTrigger` and `at` is set; with a chance both
+/// A fault that begins by itself. Exactly one of `atTrigger` and `at` is set; with a `chance` both
 /// may be missing.
 struct TimedFault {
     FaultOrder order = {};
-    /// With the trigger of this number, counted from 0 since the head exists; where that number is
-    /// skipped, with the next one.
+    /// Begins with the trigger of this number, counted from 0 since the head was created; if that
+    /// trigger is skipped, with the next one.
     std::optional<std::uint64_t> atTrigger = std::nullopt;
-    /// This long after the head was requested. Nominal time.
+    /// Begins this long after the head was requested. Nominal time.
     std::optional<std::chrono::milliseconds> at = std::nullopt;
-    /// From then on (from the first trigger, when no time is set) each trigger draws, and with this
-    /// probability, above 0 and at most 1, the fault begins; again and again. A draw that comes out
-    /// while no camera is started does nothing.
+    /// From then on (from the first trigger, if neither is set) the fault begins at each trigger
+    /// with this probability, above 0 and at most 1. Nothing happens while no camera is started.
     std::optional<double> chance = std::nullopt;
 };
 
-/// What a fault can be told beside its kind.
+/// The parameters of a fault, in addition to its kind.
 enum class FaultParameter { Call, Times, Extra, Lasting, Opens, ByTriggers };
 
-/// A number that a fault can be told, with its key in a head file.
+/// A numeric parameter of a fault, with its key in a head file.
 struct FaultNumber {
     FaultParameter parameter;
     const char* key;
@@ -88,25 +88,25 @@ struct FaultNumber {
     const char* meaning;  // a phrase without a full stop
 };
 KORVEX_VIRTUAL_HEAD_API std::span<const FaultNumber> FaultNumbers();
-/// The number that the order holds for a parameter; 0 for the call.
+/// The value of a parameter in an order; 0 for the call.
 std::int64_t ValueOf(const FaultOrder& order, FaultParameter parameter);
 
 /// The latest time and trigger at which a fault can begin.
 inline constexpr std::int64_t kLatestFaultMs = 86'400'000;
 inline constexpr std::int64_t kLatestFaultTrigger = 1'000'000'000;
 
-/// Every kind.
+/// All kinds.
 std::vector<FaultKind> FaultKinds();
 /// The name of a kind: "lose-mono".
 KORVEX_VIRTUAL_HEAD_API const char* Name(FaultKind kind);
 KORVEX_VIRTUAL_HEAD_API std::optional<FaultKind> FaultKindNamed(std::string_view name);
 KORVEX_VIRTUAL_HEAD_API bool Takes(FaultKind kind, FaultParameter parameter);
-/// Whether one of its numbers has to be given: the kind is nothing without it.
+/// Whether a parameter is mandatory for a kind.
 bool Needs(FaultKind kind, FaultParameter parameter);
 
-/// What is wrong with a fault, as one line; nothing when it can be ordered.
+/// Checks an order. Returns what is wrong, as one line, or nothing if it is valid.
 std::optional<std::string> Check(const FaultOrder& order);
-/// The same of its call only.
+/// Checks only the call of an order.
 std::optional<std::string> CheckCall(const FaultOrder& order);
 std::optional<std::string> Check(const TimedFault& fault);
 

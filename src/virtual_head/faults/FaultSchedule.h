@@ -19,12 +19,12 @@ namespace Korvex3Sync::virtual_head {
 
 class Journal;
 
-/// Begins faults by themselves: with a trigger, at a time, or as a seeded generator draws. One
-/// fault draws after the other, once a trigger each, so that equal triggers meet equal faults.
+/// Begins timed faults: with a trigger, at a time, or at random with a seeded generator. The faults
+/// draw in a fixed order, once per trigger, so that the same triggers get the same faults.
 /// Thread-safe. `m_mutex` is not held while a fault begins.
 class KORVEX_VIRTUAL_HEAD_API FaultSchedule {
 public:
-    /// Begins a fault; false when it cannot begin now.
+    /// Begins a fault; false if it cannot begin now.
     using Begin = std::function<bool(const FaultOrder&)>;
 
     /// `journal` may be null. `begin` may be called on any thread.
@@ -34,20 +34,21 @@ public:
     FaultSchedule(const FaultSchedule&) = delete;
     FaultSchedule& operator=(const FaultSchedule&) = delete;
 
-    /// The time of the faults counts from now on; those at 0 begin before it returns. Once. Throws
-    /// std::runtime_error when a thread is needed and there is none.
+    /// From now on the time of the faults counts; faults at time 0 begin before this returns. Call
+    /// it once. Throws std::runtime_error if a thread is needed but cannot be started.
     void Start(const std::vector<TimedFault>& faults, std::uint64_t seed);
-    /// The trigger of this number is about to be given: begins what is due. `attended`: a camera
-    /// sees it.
+    /// Begins the faults that are due with this trigger, before it is given. `attended`: a camera
+    /// sees the trigger.
     void BeforeTrigger(std::uint64_t number, bool attended);
-    /// Begins a fault after this nominal time, as a consequence of another. False without a thread.
+    /// Begins a fault after this nominal time, as a consequence of another one. False if there is
+    /// no thread for it.
     bool After(std::chrono::milliseconds time, const FaultOrder& order);
-    /// Begins no more. Waits for the fault that is beginning.
+    /// Begins no more faults. Waits for one that is beginning.
     void End();
 
     /// Faults that have not begun, as "lose-mono, times 1, at_trigger 100: not reached".
     std::vector<std::string> Unused() const;
-    /// Forgets what has not begun; what follows from a fault that has stays.
+    /// Cancels the faults that have not begun, except consequences of faults that have.
     void Clear();
 
 private:
@@ -57,7 +58,7 @@ private:
         TimedFault fault;
         State state = State::Waiting;
         bool drawn = false;    // a drawing fault that has begun at least once
-        bool follows = false;  // of another fault
+        bool follows = false;  // a consequence of another fault
         std::optional<Time> due = std::nullopt;
     };
 
@@ -66,7 +67,7 @@ private:
     void BeginDue(Time until) KORVEX_REQUIRES(m_mutex);
     bool StartThread() KORVEX_REQUIRES(m_mutex);
     bool Draw(double chance) KORVEX_REQUIRES(m_mutex);
-    /// Takes the due entry's turn; the fault that has to begin now, if any.
+    /// Processes a due entry; returns the fault to begin now, if any.
     std::optional<FaultOrder> Turn(Entry& entry);
     void BeginNow(std::size_t index, const FaultOrder& order) KORVEX_EXCLUDES(m_mutex);
     std::optional<std::size_t> NextTimed() const KORVEX_REQUIRES(m_mutex);

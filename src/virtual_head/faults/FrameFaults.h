@@ -15,11 +15,11 @@ class Journal;
 
 /// A trigger of the head.
 struct TriggerNumbers {
-    std::uint64_t sinceHead = 0;   // from 0 since the head exists
+    std::uint64_t sinceHead = 0;   // from 0 since the head was created
     std::uint64_t sinceStart = 0;  // from 0 since the trigger was started; its key modulo 256
 };
 
-/// What happens to one exposure: at most one of these.
+/// What happens to an exposure: at most one of these.
 struct ExposureFate {
     bool lost = false;
     bool torn = false;
@@ -27,27 +27,27 @@ struct ExposureFate {
     bool repeated = false;
 };
 
-/// What happens to one trigger and its exposures.
+/// What happens to a trigger and its exposures.
 struct TriggerFate {
-    std::uint64_t keysSkipped = 0;  // triggers in front of it that no camera saw
-    int delay = 0;                  // triggers by which its exposures come late
+    std::uint64_t keysSkipped = 0;  // triggers before it that no camera saw
+    int delay = 0;                  // number of triggers by which its exposures are late
     ExposureFate mono;
     ExposureFate color;
 };
 
-/// Faults of frames, by trigger: what is ordered is met by the next triggers that have the frame,
-/// in the order lose, tear, mis-size, repeat, of which a frame meets one. What is met goes into the
-/// journal. Thread-safe; nothing blocks.
+/// Faults of frames, by trigger. An ordered fault applies to the next triggers that have the frame.
+/// A frame gets at most one fault: lose, tear, mis-size or repeat, in this order. Each applied
+/// fault is entered in the journal. Thread-safe; does not block.
 class KORVEX_VIRTUAL_HEAD_API FrameFaults {
 public:
     /// `journal` may be null.
     explicit FrameFaults(Journal* journal) : m_journal(journal) {}
 
-    /// For the kinds from CameraStop to SkipKeys, whose order was checked.
+    /// For the kinds from CameraStop to SkipKeys. The order must be valid.
     void Order(const FaultOrder& order);
-    /// A camera was started: ends a camera that stopped.
+    /// A camera was started: ends a CameraStop.
     void CameraStarted();
-    /// What meets this trigger; `mono` and `color` say which exposures it has.
+    /// Applies the faults to a trigger. `mono` and `color` say which exposures it has.
     TriggerFate Meet(TriggerNumbers numbers, bool mono, bool color);
 
     std::vector<std::string> Unused() const;

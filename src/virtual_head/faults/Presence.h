@@ -8,32 +8,32 @@
 
 namespace Korvex3Sync::virtual_head {
 
-/// Whether a device of the head is plugged in. Each time that it comes back it is another one: what
-/// was opened on the one before stays dead. Thread-safe; blocks only as long as the actions given.
+/// Whether a device of the head is plugged in. After each return it counts as a new device: what
+/// was opened before stays unusable. Thread-safe; blocks only as long as the given actions.
 class KORVEX_VIRTUAL_HEAD_API Presence {
 public:
     using Action = std::function<void()>;
 
-    /// Unplugs it, then runs the action, if any; a return has to wait for its end. False when it is
-    /// not there.
+    /// Unplugs the device, then runs the action, if any. It cannot return before the action has
+    /// ended. False if it is not plugged in.
     bool Vanish(const Action& then);
-    /// Runs the action, if any, then plugs it in. False when it is not gone.
+    /// Runs the action, if any, then plugs the device in. False if it is not unplugged.
     bool Return(const Action& first);
     bool Here() const;
-    /// Tells one plugging in from the next.
+    /// Identifies the current plugging in.
     std::uint64_t Plug() const;
-    /// A call goes to what was opened at `plug`: false, and the vanishing has been met, when that
-    /// one is gone.
+    /// A call to what was opened at `plug`. If that device is gone, returns false and the vanishing
+    /// counts as noticed.
     bool Reach(std::uint64_t plug);
-    /// A call goes to whatever is plugged in.
+    /// A call to whatever is plugged in.
     bool Reach();
-    /// Whether it has vanished and no call has noticed.
+    /// Whether the device has vanished and no call has noticed it.
     bool Unnoticed() const;
-    /// Forgets that nobody noticed.
+    /// Resets what Unnoticed returns.
     void Forget();
 
 private:
-    // Leaving and Returning are Gone to calls.
+    // For calls, Leaving and Returning count as Gone.
     enum class State { Here, Leaving, Gone, Returning };
 
     bool Pass(State from, State to);

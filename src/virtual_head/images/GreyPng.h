@@ -15,8 +15,8 @@ struct GreyImage {
     std::vector<std::uint8_t> pixels;
 };
 
-/// Reads a grey PNG file of at most 8 bits a pixel that is no larger than the given size. The error
-/// is one line that names the file.
+/// Reads a grey PNG file of at most 8 bits per pixel and at most the given size. The error is one
+/// line that names the file.
 std::variant<GreyImage, std::string> ReadGreyPng(const std::filesystem::path& file, int mostWidth,
                                                  int mostHeight);
 

@@ -5,10 +5,10 @@
 
 namespace Korvex3Sync::virtual_head::scene {
 
-/// What a sensor gives without light, in grey levels.
+/// The grey level of a sensor without light.
 inline constexpr int kBlackLevel = 2;
 
-/// Adds the lights of a view up to what the sensor sees in a mono frame.
+/// Adds up the lights of a view to the image of a sensor in a mono frame.
 void ComposeMono(const View& view, const Weights& weights, const Lighting& lighting,
                  std::uint8_t* image);
 /// The same for the mosaic of a colour frame.

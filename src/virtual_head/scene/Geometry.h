@@ -29,7 +29,7 @@ Vector Cross(const Vector& a, const Vector& b);
 Vector Unit(const Vector& a);
 Vector ToVector(const std::array<double, 3>& place);
 
-/// The whole number below; without the call that std::floor is on older processors.
+/// The next lower integer. Avoids std::floor, which is a function call on older processors.
 inline int Floor(float value) {
     const int cut = static_cast<int>(value);
     return cut - (static_cast<float>(cut) > value ? 1 : 0);
@@ -46,8 +46,8 @@ struct Rotation {
     Rotation Inverse() const { return {{x.x, y.x, z.x}, {x.y, y.y, z.y}, {x.z, y.z, z.z}}; }
 };
 
-/// An ideal sensor: the ray of pixel (column, row) starts at `center` and runs along
-/// axes.x * (column - middleX) / focal + axes.y * (row - middleY) / focal + axes.z.
+/// An ideal sensor. The ray of pixel (column, row) starts at `center` and has the direction axes.x
+/// * (column - middleX) / focal + axes.y * (row - middleY) / focal + axes.z.
 struct Camera {
     Vector center;
     Rotation axes;
@@ -56,26 +56,26 @@ struct Camera {
     float middleY = 0;
 };
 
-/// Where lines and patterns come from. A direction is told by its slopes u and v: the direction
-/// axes.x * u + axes.y * v + axes.z.
+/// The origin of lines and patterns. Its slopes u and v define a direction: axes.x * u + axes.y * v
+/// + axes.z.
 struct Projector {
     Vector center;
     Rotation axes;
-    float reach = 1;  // from there to the middle of the plate
+    float reach = 1;  // distance to the middle of the plate
 };
 
-/// Where the object stands: head = turn * object + shift.
+/// The pose of the object: head = turn * object + shift.
 struct Pose {
     Rotation turn;
     Vector shift;
 };
 
-/// Sensor 0 is the left one, 1 the right one; in the head's coordinates.
+/// A sensor in the coordinates of the head: 0 is the left one, 1 the right one.
 Camera MakeCamera(const HeadDescription& description, int sensor);
 Projector MakeProjector(const SceneDescription& scene);
 Pose MakePose(const SceneDescription& scene, int number);
 
-/// The same seen from the object.
+/// The same in the coordinates of the object.
 Camera Seen(const Pose& pose, const Camera& camera);
 Projector Seen(const Pose& pose, const Projector& projector);
 

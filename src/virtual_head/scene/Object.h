@@ -9,13 +9,12 @@ enum class Shape { None, Plate, Sphere, Box };
 /// Where a ray meets the object, in the object's coordinates.
 struct Hit {
     Shape shape = Shape::None;
-    float along = 0;  // in lengths of the ray's direction
+    float along = 0;  // distance along the ray, in units of its direction
     Vector point;
     Vector normal;  // outwards, of length 1
 };
 
-/// The object: a plate without end at z = 0, and a sphere and a box that stand on it towards
-/// negative z.
+/// The object: an infinite plate at z = 0, and a sphere and a box on its side of negative z.
 class Object {
 public:
     explicit Object(const SceneDescription& scene);
@@ -23,15 +22,15 @@ public:
     const Vector& SphereCenter() const { return m_sphereCenter; }
     const Vector& BoxCenter() const { return m_boxCenter; }
     float SphereRadius() const { return m_sphereRadius; }
-    /// Of a sphere around the box.
+    /// Radius of a sphere around the box.
     float BoxRadius() const { return m_boxRadius; }
-    /// In the box's own coordinates: from its middle, along its edges.
+    /// In the coordinates of the box: from its centre, along its edges.
     Vector InBox(const Vector& point) const { return m_boxTurn * (point - m_boxCenter); }
 
-    /// Where a ray enters the box, with the face's normal. `from` and `direction` are in the
-    /// object's coordinates. None when it misses or begins behind.
+    /// Where a ray enters the box, with the normal of the face. `from` and `direction` are in the
+    /// object's coordinates. Nothing if the ray misses the box or begins behind it.
     Hit MeetBox(const Vector& from, const Vector& direction) const;
-    /// Whether the sphere or the box stands between a point on a shape and a light.
+    /// Whether the sphere or the box is between a point on a surface and a light.
     bool Shades(const Hit& point, const Vector& light) const;
 
 private:
@@ -43,17 +42,17 @@ private:
     Rotation m_boxTurn;
 };
 
-/// Rays from one point, as a camera sends them.
+/// Rays from one point, as for a camera.
 class Tracer {
 public:
     Tracer(const Object& object, const Vector& from);
-    /// The nearest point that the ray meets; none further off than the plate is of any use.
+    /// The nearest point that the ray hits, the plate at the latest.
     Hit Meet(const Vector& direction) const;
 
 private:
     struct Ball {
         Vector toCenter;
-        float outside;  // square of the distance, less the square of the radius
+        float outside;  // squared distance minus squared radius
     };
     static Ball MakeBall(const Vector& from, const Vector& center, float radius);
 

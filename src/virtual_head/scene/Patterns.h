@@ -8,27 +8,28 @@
 
 namespace Korvex3Sync::virtual_head::scene {
 
-/// Which laser line sets a line pixel belongs to, as bits.
+/// The sets of laser lines that a pixel belongs to, as bits.
 enum LineSet : std::uint8_t { kFirstSet = 1, kSecondSet = 2, kMiddleLine = 4 };
 
-/// How bright one of the line sets is in a direction.
+/// The brightness of a set of lines in a direction.
 struct LineLight {
     float level = 0;  // 0 to 1
     std::uint8_t sets = 0;
 };
 
-/// What the structured lights show in a direction, told by the slopes of the projector.
+/// The pattern of the structured lights in a direction, which is given by the slopes of the
+/// projector.
 class Patterns {
 public:
     static constexpr int kProjected = 2;  // PROJECTTYPE 1 and 2
 
-    /// `pixelSize`: of a pixel on the plate, in millimetres; lines are never drawn so thin that
+    /// `pixelSize`: the size of a pixel on the plate, in millimetres. Lines are never so thin that
     /// they fall between two pixels.
     Patterns(const SceneDescription& scene, float pixelSize);
 
     LineLight FirstLines(float u, float v) const { return Lines(u, v, m_sine, kFirstSet); }
     LineLight SecondLines(float u, float v) const { return Lines(u, v, -m_sine, kSecondSet); }
-    /// Whether the projector's picture reaches there.
+    /// Whether the projector's picture covers this direction.
     static bool InPicture(float u, float v);
     /// `type` 0: random dots, 1: upright stripes. 0 to 1.
     float Projected(int type, float u, float v) const;
@@ -47,7 +48,7 @@ private:
     float m_perSpacing;
     float m_perSigma;  // standard deviations in a slope of 1
     int m_lines;
-    // The same for every scene: made once and never destroyed.
+    // The same for all scenes: created once and never destroyed.
     const Tile& m_dots;
     const Tile& m_stripes;
     const Tile& m_speckle;

@@ -4,7 +4,7 @@
 
 namespace Korvex3Sync::virtual_head::scene {
 
-/// The part of the light that a surface gives back, 0 to 1 for each colour.
+/// The fraction of light that a surface reflects, 0 to 1 for each colour.
 struct Color {
     float red = 0;
     float green = 0;
@@ -13,8 +13,8 @@ struct Color {
     float Grey() const { return 0.3F * red + 0.59F * green + 0.11F * blue; }
 };
 
-/// The colour of the object at a point that a ray met. The plate is a light chequerboard of 20 mm
-/// with coloured fields and a dark letter F to the right above the middle; the sphere has bands,
+/// The colour of the object where a ray hits it. The plate is a light chequerboard of 20 mm with
+/// coloured fields and a dark letter F above and to the right of the middle. The sphere has bands,
 /// the box chequered faces.
 Color ColorAt(const Object& object, const Hit& hit);
 

@@ -9,8 +9,8 @@
 
 namespace Korvex3Sync::virtual_head::scene {
 
-/// How bright each light makes each pixel at power 1, as bytes; kWhite is a white surface that
-/// faces sensor and light at the distance of the plate.
+/// The brightness of each pixel under each light at power 1, as a byte. kWhite is a white surface
+/// at the distance of the plate that faces sensor and light.
 inline constexpr int kWhite = 160;
 
 /// One pixel that a laser line lights.
@@ -20,7 +20,7 @@ struct LinePixel {
     std::uint8_t sets;  // LineSet bits
 };
 
-/// What one sensor sees of the object in one pose, each light by itself.
+/// What one sensor sees of the object in one pose, separately for each light.
 struct View {
     using Bytes = std::vector<std::uint8_t>;
 
@@ -31,10 +31,10 @@ struct View {
     std::vector<LinePixel> lines;
 };
 
-/// Makes the bytes ready to be drawn; throws std::bad_alloc.
+/// Allocates the bytes of a view; throws std::bad_alloc.
 void Allocate(const HeadDescription& description, bool mosaic, View& view);
 
-/// Draws a view. Thread-safe as long as views differ.
+/// Draws views. Thread-safe for different views.
 class Painter {
 public:
     explicit Painter(const HeadDescription& description);

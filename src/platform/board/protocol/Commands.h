@@ -7,9 +7,9 @@
 
 namespace Korvex3Sync::board {
 
-/// The command codes. A code that is not named here is a legal value of the type and an unknown
-/// command to the board. The codes of the duty-ratio and work-time commands are the selectors that
-/// the application passes.
+/// The command codes. Any other code is a legal value of this type, but the board does not know it.
+/// The codes of the duty-ratio and work-time commands are also the selectors that callers of the
+/// board library pass.
 enum class Command : std::uint8_t {
     QueryFirmwareVersionFast = 0x01,
     QueryFirmwareVersion = 0x02,
@@ -48,13 +48,12 @@ enum class Command : std::uint8_t {
     ReadUserMemory = 0x61,
 };
 
-/// The user memory: pages that are read and written in parts of at most kUserPart bytes.
+/// The user memory. Pages are read and written in parts of at most kUserPart bytes.
 inline constexpr int kUserPageSize = 256;
 inline constexpr int kUserPages = 16;
 inline constexpr int kUserPart = 32;
 
-/// What a payload has to look like: this many 32-bit values, then at least and at most so many
-/// bytes.
+/// The shape of a payload: a number of 32-bit values, then leastBytes to mostBytes bytes.
 struct PayloadShape {
     std::size_t values = 0;
     std::size_t leastBytes = 0;
@@ -68,18 +67,18 @@ struct CommandInfo {
     Command command;
     /// The platform function that sends it.
     const char* function;
-    /// Whether the application names the code itself, as the function's selector.
+    /// Whether the caller passes the code, as the function's selector.
     bool selected;
     PayloadShape request;
     PayloadShape reply;
 };
 
-/// Every command, in the order of their codes.
+/// All commands, in the order of their codes.
 std::span<const CommandInfo> AllCommands();
-/// The command of this code; null when there is none.
+/// The command with this code; null if there is none.
 const CommandInfo* FindCommand(Command command);
-/// The command that `selector` names for this platform function; null when the selector is not one
-/// of the function's, so that a wrong number never becomes another command.
+/// The command that `selector` names for this platform function; null if the function has no such
+/// selector, so that a wrong number never becomes another command.
 const CommandInfo* FindSelected(std::string_view function, int selector);
 
 }  // namespace Korvex3Sync::board

@@ -7,20 +7,20 @@
 
 namespace Korvex3Sync::board {
 
-/// What a report carries for its command: 32-bit values (little-endian), then bytes. A value type;
-/// no function of it fails but by its result.
+/// The payload of a report: 32-bit values (little-endian), then bytes. A value type that never
+/// throws.
 class Payload {
 public:
     static constexpr std::size_t kCapacity = 51;
 
-    /// False, and nothing is added, when there is no room.
+    /// Returns false and adds nothing if there is no room.
     bool PutValue(std::int32_t value);
     bool PutBytes(std::span<const std::uint8_t> bytes);
 
-    /// The value at this place, counted in values from 0; 0 behind the end.
+    /// The value at this index, from 0; 0 beyond the end.
     std::int32_t ValueAt(std::size_t index) const;
     std::span<const std::uint8_t> Bytes() const { return {m_bytes.data(), m_size}; }
-    /// What stands behind this many values; empty when there is nothing.
+    /// The bytes after this many values; may be empty.
     std::span<const std::uint8_t> BytesBehind(std::size_t values) const;
     std::size_t Size() const { return m_size; }
 
@@ -29,7 +29,7 @@ private:
     std::size_t m_size = 0;
 };
 
-/// A payload of values only. At most 12 fit; more are a mistake of the caller and are left out.
+/// A payload of values only. At most 12 fit; further values are left out.
 Payload ValuesPayload(std::span<const std::int32_t> values);
 
 }  // namespace Korvex3Sync::board

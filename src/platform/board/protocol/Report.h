@@ -5,7 +5,7 @@
 
 namespace Korvex3Sync::board {
 
-/// One HID report of the board, command or reply (docs/board-protocol.md).
+/// A HID report of the board, command or reply (docs/board-protocol.md).
 inline constexpr std::size_t kReportSize = 64;
 using Report = std::array<std::uint8_t, kReportSize>;
 
