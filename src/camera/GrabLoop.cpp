@@ -11,11 +11,11 @@ namespace {
 
 constexpr auto& kLog = kPhysicalCameraThreadLog;
 
-/// How long the loop leaves the camera to a caller that asked for it.
+/// How long the loop leaves the camera to a caller that needs it.
 constexpr std::chrono::milliseconds kYieldTime{10};
-/// What a snap without a frame takes; a loop without a camera waits as long instead of spinning.
+/// The time of a snap without a frame. A loop without a camera waits this long instead of spinning.
 constexpr std::chrono::milliseconds kSnapLimit{100};
-/// Images of this width or height and above are refused.
+/// Images with at least this width or height are refused.
 constexpr int kSizeBound = 2001;
 constexpr int kMostChannels = 3;
 
@@ -57,7 +57,7 @@ void CPhysicalCameraThread::SnapOnce(zr3DCamera::ZR_IMG_FORMAT mode) {
     }
     ++m_counters->failedSnaps;
     if (result != 0 && m_image != nullptr) {
-        // Without a camera the buffer is that of its last frame, which was taken.
+        // Without a camera, m_image is still the buffer of the last accepted frame.
         m_counters->refusedFrames += m_camera != nullptr ? 1 : 0;
         KORVEX_LOG(kLog) << "Camera " << m_cameraID << " Snap Failed and data not null. "
                          << "ret=" << result;

@@ -19,7 +19,7 @@ CPhysicalCameraThread::~CPhysicalCameraThread() {
     DestroyInstance();
     KORVEX_LOG(kLog) << "~CPhysicalCameraThread 1";
     {
-        // Nobody may be inside either lock when it goes.
+        // Waits until nobody holds the locks before they are destroyed.
         PauseLockGuard pause(m_csPause);
         os::CriticalSectionGuard snap(m_csSnap);
     }
@@ -72,7 +72,7 @@ bool CPhysicalCameraThread::OpenCamera(const char* const& serial, const int& wid
         return false;
     }
     zr3DCamera::ZR_IMG_FORMAT mode{};
-    zr3DCamera::GetColorMode(Camera(), mode);  // every open asks; the grab thread asks for itself
+    zr3DCamera::GetColorMode(Camera(), mode);  // part of every open; result unused
     m_bOpen = true;
     m_serial = serial != nullptr ? serial : "";
     m_width = width;

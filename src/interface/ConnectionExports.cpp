@@ -19,7 +19,7 @@ void SayDisconnected() {
     KORVEX_LOG_FORMATTED(kInterfaceLog, "End Function DisConnectDevice\n");
 }
 
-/// Ends a connection that never reached the application.
+/// Ends a connection that the application never received.
 void EndTemporary(std::unique_ptr<Connection> connection) {
     LogDisconnect(HandleOf(*connection));
     connection.reset();
@@ -138,7 +138,7 @@ RETSTATUS GetFirewareVersion(void* handle, const char* deviceType, const char* p
     if (handle != nullptr && !CallInside(handle)) {
         return STATUS_NOT_CONNECTED;
     }
-    // A query that runs out of memory is a failed one, and ends the connection as any does.
+    // A query that runs out of memory counts as failed and ends the connection, too.
     const RETSTATUS status = NoThrow([&] { return QueryFirmware(handle, projectorId, version); });
     if (status == STATUS_SUCCESS) {
         KORVEX_LOG(kInterfaceLog) << "versionString=" << version;

@@ -33,7 +33,7 @@ void GetStatusDescriptionString(const RETSTATUS& status, char*& text) {
     if (buffer != nullptr) {
         description.copy(buffer, description.size());
     }
-    text = buffer;  // never the caller's own, which it would free as a text
+    text = buffer;  // also if null: the caller must not free its own buffer as a text
 }
 
 }  // namespace Korvex3Sync

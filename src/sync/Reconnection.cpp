@@ -16,11 +16,11 @@ constexpr int kReconnected = 0;
 constexpr int kBoardNotOpened = 1;
 constexpr int kBoardSilent = 3;
 
-/// How long a board takes to come back after its restart.
+/// The time that a board needs to restart.
 constexpr std::chrono::milliseconds kRestartTime{7000};
 constexpr std::chrono::milliseconds kHeartbeatTime{100};
 
-/// The same text as a line on standard output and in the log.
+/// Prints and logs the same text.
 void PrintAndLog(const char* text) {
     os::Print("%s\n", text);
     KORVEX_LOG(kLog) << text;
@@ -28,8 +28,8 @@ void PrintAndLog(const char* text) {
 
 }  // namespace
 
-/// Parks the status thread while it lives. At its end, also when memory ran out meanwhile, that
-/// thread and the grab threads go on, unless another reconnection of the same head is not through.
+/// Parks the status thread. The destructor resumes it and the grab threads, also if memory ran out
+/// meanwhile, unless another reconnection of the same head is still running.
 class IManagerSync::Parked {
 public:
     explicit Parked(IManagerSync& manager) : m_manager(manager) { m_manager.m_statusPoller.Park(); }
@@ -89,7 +89,7 @@ int IManagerSync::ReConnectDevice() {
             if (m_board.QueryCurrentStatus(first, second) == STATUS_SUCCESS) {
                 KORVEX_LOG(kLog) << "QueryCurrentStatus success.";
                 os::Print("QueryCurrentStatus success\n");
-                m_frames.Starts().StartAnew();  // what the board triggered meanwhile is not lost
+                m_frames.Starts().StartAnew();  // triggers meanwhile are not losses
                 m_cameraSet.ReOpen();
                 m_board.RestoreSettings();
                 return kReconnected;

@@ -19,18 +19,18 @@ constexpr const char* kVariable = "KORVEX_VIRTUAL_HEAD";
 
 struct Requests {
     os::Mutex mutex;
-    /// A request was made, or the environment was looked at.
+    /// There was a request, or the environment has been read.
     bool decided KORVEX_GUARDED_BY(mutex) = false;
     std::shared_ptr<VirtualHead> head KORVEX_GUARDED_BY(mutex);
 };
 
-/// Never destroyed: threads of the application may still ask while the process ends.
+/// Never destroyed: threads of the application may still use it while the process ends.
 Requests& TheRequests() {
     static auto* const requests = new Requests;
     return *requests;
 }
 
-/// The clock of the last head ends with the process in an orderly way.
+/// Ends the clock of the last head in an orderly way at the end of the process.
 struct WithdrawAtExit {
     WithdrawAtExit() = default;
     ~WithdrawAtExit() { WithdrawVirtualHead(); }
@@ -78,7 +78,7 @@ std::shared_ptr<VirtualHead> MakeHead(const std::string& request, std::string& e
     return head;
 }
 
-/// Puts a head, or none, in the place of the one before; calls that hang in that one end.
+/// Replaces the head by another one or none. Calls that hang in the previous head end.
 void Replace(std::shared_ptr<VirtualHead> head) {
     Requests& requests = TheRequests();
     {
@@ -91,8 +91,8 @@ void Replace(std::shared_ptr<VirtualHead> head) {
     }
 }
 
-/// Looks at the environment when nothing is decided. False, with one line in `error`, when the
-/// head that it names is refused.
+/// Reads the environment if nothing is decided yet. If the head that it names is refused, returns
+/// false with one line in `error`.
 bool Decide(Requests& requests, std::string& error) KORVEX_REQUIRES(requests.mutex) {
     const char* const request = requests.decided ? nullptr : std::getenv(kVariable);
     requests.decided = true;

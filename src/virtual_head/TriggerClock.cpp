@@ -14,8 +14,8 @@ using std::chrono::steady_clock;
 
 using hardware::TriggerRun;
 
-// A clock that is later than this (the process was stopped, the machine overloaded) starts afresh
-// from now; a burst of everything that is due would only be lost in the cameras' buffers.
+// If the clock is later than this (the process was stopped, the machine is overloaded), it restarts
+// from now. A burst of all due triggers would only overflow the cameras' buffers.
 constexpr milliseconds kMostLate{100};
 
 bool StartsTrigger(TriggerRun before, TriggerRun after) {

@@ -29,7 +29,8 @@ VirtualHead::VirtualHead(HeadDescription description, std::shared_ptr<ImageSourc
     m_faults.Start(std::move(hooks), m_description.faults, m_description.faultSeed);
 }
 
-// A fault that begins by itself reaches into every part, from a thread of its own or the clock's.
+// A timed fault uses all parts, from its own thread or that of the clock, so faults and clock end
+// first.
 VirtualHead::~VirtualHead() {
     m_faults.End();
     m_clock.End();

@@ -20,14 +20,14 @@ void PrintCreateFailed(const char* cameraType) {
     os::Print("Create Camera Failed: %.2s\n", cameraType != nullptr ? cameraType : "");
 }
 
-/// A 260-byte buffer of the caller's; a serial that does not fit is cut.
+/// Copies a serial to a buffer of 260 bytes; truncates a longer one.
 std::unique_ptr<char[]> CopySerial(const std::string& serial) {
     auto buffer = std::make_unique<char[]>(kSerialBuffer);
     std::strncpy(buffer.get(), serial.c_str(), kSerialBuffer - 1);
     return buffer;
 }
 
-/// Closes and releases the instances at the positions below `total`, also when memory ran out.
+/// Closes and releases the instances with an index below `total`, also if memory runs out.
 class ReleaseAtEnd {
 public:
     ReleaseAtEnd(std::vector<void*>& instances, const int& total)
@@ -50,13 +50,13 @@ private:
     const int& m_total;
 };
 
-/// Room for as many more, so that appending them to several lists fails in none.
+/// Reserves space for `more` entries, so that appending to several lists cannot fail half-way.
 template <class List>
 void MakeRoom(List& list, int more) {
     list.reserve(list.size() + static_cast<std::size_t>(std::max(more, 0)));
 }
 
-/// Reads the camera of each instance.
+/// Opens the camera of each instance and reads its data. Returns how many could be read.
 int ReadCameras(const std::vector<void*>& instances, int total, std::vector<char*>& serials,
                 std::vector<int>& widths, std::vector<int>& heights, std::vector<bool>& isColor) {
     MakeRoom(serials, total);
@@ -122,7 +122,8 @@ int GetAllSpecifyTypeCameraInformation(const char* const& cameraType, std::vecto
         return 0;
     }
 
-    // With a total of 0 the first instance stays as it is: positions below the total are released.
+    // With a total of 0 the first instance is not released either, because its index is not below
+    // the total.
     int read = 0;
     {
         const ReleaseAtEnd release(instances, total);
@@ -144,7 +145,7 @@ int GetAllSpecifyTypeCameraInformation(const char* const& cameraType, std::vecto
 
 int GetSpecifyTypeCameraCount(const char* const& cameraType) {
     KORVEX_LOG(kLog) << "GetSpecifyTypeCameraCount ";
-    // The instance is never released; it blocks nobody.
+    // The instance is never released; it does not block anything.
     void* instance = nullptr;
     if (zr3DCamera::CreateCamera(instance, cameraType) != 0) {
         PrintCreateFailed(cameraType);

@@ -2,9 +2,9 @@
 
 #include <cstdint>
 
-// The split waits for memory. Vectors of 64 bytes gain nothing there, and measured a fifth slower.
+// The split is limited by memory bandwidth. With vectors of 64 bytes it measured a fifth slower.
 #define HWY_DISABLED_TARGETS (HWY_AVX3 | HWY_AVX3_DL)
-// Highway compiles this file once for each instruction set and chooses at run time.
+// Highway compiles this file once for each instruction set and selects one at run time.
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "camera/images/PackedPixels.cpp"
 #include <hwy/foreach_target.h>
@@ -15,7 +15,8 @@ namespace Korvex3Sync::HWY_NAMESPACE {
 
 namespace hn = hwy::HWY_NAMESPACE;
 
-// Byte order of 16 bytes (two groups of eight): both groups' first pixels, then the second ones.
+// Byte order for 16 bytes (two groups of eight): the pixels of the first image, then those of the
+// second.
 [[maybe_unused]] alignas(16) constexpr std::uint8_t kOrder[16] = {3, 2, 1, 0, 11, 10, 9,  8,
                                                                   7, 6, 5, 4, 15, 14, 13, 12};
 
@@ -27,7 +28,7 @@ void SplitGroups(const std::uint8_t* HWY_RESTRICT packed, std::size_t groups,
     const hn::Repartition<std::uint64_t, decltype(bytes)> words;
     const std::size_t lanes = hn::Lanes(bytes);
     const auto order = hn::LoadDup128(bytes, kOrder);
-    // Two vectors in, one vector of each image out.
+    // Reads two vectors and writes one vector of each image.
     for (const std::size_t step = lanes / 4; group + step <= groups; group += step) {
         const std::uint8_t* const in = packed + 8 * group;
         const auto a = hn::BitCast(words, hn::TableLookupBytes(hn::LoadU(bytes, in), order));

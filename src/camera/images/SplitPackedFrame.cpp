@@ -12,7 +12,7 @@ namespace {
 
 constexpr std::size_t kMostImages = 2;
 
-/// Room in every list for the images of a frame; false without memory.
+/// Reserves space in every list for the images of a frame; false if memory runs out.
 template <class... Lists>
 bool MakeRoom(Lists&... lists) {
     try {

@@ -8,7 +8,7 @@
 namespace Korvex3Sync::board {
 namespace {
 
-// A task may be about to hang when its hang is ended, so ending is repeated.
+// A task may begin to hang just after its hang was ended, so this is repeated.
 constexpr std::chrono::milliseconds kReleaseEvery{10};
 constexpr std::chrono::milliseconds kLookEvery{10};
 constexpr std::chrono::seconds kGrace{10};

@@ -25,8 +25,8 @@ std::chrono::steady_clock::time_point ReplyDeadline() {
     return std::chrono::steady_clock::now() + os::Scaled(kReplyLimit);
 }
 
-// A call that is no report: the head meets the faults ordered for it and enters it in the journal.
-// False when it fails or takes longer than the reply limit.
+// Passes a call to the head that is not a report: applies the faults that are ordered for it and
+// enters it in the journal. False if it fails or takes longer than the reply limit.
 bool Announce(const std::shared_ptr<VirtualHead>& head, const std::string& call,
               const std::string& arguments, const std::function<bool(VirtualHead&)>& possible) {
     bool done = false;
@@ -78,7 +78,7 @@ std::unique_ptr<ByteTransport> VirtualTransport::Open(const BoardSelection& sele
         return meant &&
                (use ? met.GetFaults().Board().Open(call) : met.GetFaults().Board().Reach(call));
     };
-    // The board itself meets a query that finds it.
+    // If a firmware query finds the board, the board itself applies the faults of the call.
     if (use || !meant || !head->GetFaults().Board().Plugged().Here()) {
         if (!Announce(head, call, use ? SelectionText(selection) : selection.serial, found) ||
             !use) {
@@ -126,7 +126,8 @@ void VirtualTransport::Serve(VirtualHead& head, const Report& report, const std:
     if (!reply || !faults.Reach(m_plug, call)) {
         return;
     }
-    // From the sending on: how long this thread waited for a processor is no lateness of the board.
+    // Counted from sending: the time that this thread waited for a processor is not the board's
+    // delay.
     const auto from = sent + os::Scaled(faults.Lateness(call));
     os::MutexGuard lock(m_mutex);
     m_replies.push_back({*reply, from});

@@ -8,7 +8,7 @@ namespace {
 
 using namespace Korvex3Sync::board;
 
-// Nothing may be thrown across the interface: what could be (no memory) is a failed call.
+// No exception may cross the interface: a call that throws (no memory) fails.
 template <typename Call>
 bool Guarded(Call call) {
     try {
@@ -36,7 +36,7 @@ bool Ask(void* handle, Command command, std::initializer_list<int> values,
                      [&](BoardLink& board) { return Query(board, command, values, outputs); });
 }
 
-// `function` is the exported function's own name: its selectors are in the table of commands.
+// `function` is the name of the exported function, whose selectors are in the table of commands.
 bool SendSelected(void* handle, const char* function, int selector,
                   std::initializer_list<int> values) {
     return WithBoard(

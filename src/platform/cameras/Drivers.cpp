@@ -11,7 +11,7 @@ namespace {
 
 constexpr std::size_t kPrefixLength = 2;
 
-/// Changes only while the library is loaded.
+/// Only changed while the library is being loaded.
 std::vector<Driver>& Table() {
     static std::vector<Driver> table;
     return table;

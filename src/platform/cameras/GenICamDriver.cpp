@@ -1,4 +1,4 @@
-// Cameras that speak GenICam. This version knows their prefix and finds none of them.
+// The driver for GenICam cameras. This version only knows their prefix and finds no cameras.
 
 #include "platform/cameras/AbsentCamera.h"
 #include "platform/cameras/Drivers.h"

@@ -147,7 +147,7 @@ bool VirtualCamera::Start() {
         return false;
     }
     head->Clock().Attach(m_stream->queue);
-    // Checked after the attaching: unplugging detaches only what was attached before.
+    // Checked after attaching, because unplugging detaches only queues that are already attached.
     if (!head->GetFaults().ReachCamera(m_stream->plug, "StartCamera")) {
         head->Clock().Detach(m_stream->queue);
         return false;
@@ -178,7 +178,7 @@ bool VirtualCamera::Snap(Deadline deadline, unsigned char*& image) {
         }
         stream->misSized = exposure->misSized;
     }
-    // Closed meanwhile: nothing keeps the buffer alive for the caller.
+    // The camera was closed meanwhile, so nothing would keep the buffer alive for the caller.
     if (OpenStream() != stream) {
         return false;
     }

@@ -4,7 +4,7 @@
 namespace Korvex3Sync::cameras {
 namespace {
 
-// More than any image has.
+// Larger than any image.
 constexpr int kImpossibleSize = 5000;
 
 }  // namespace
@@ -93,7 +93,7 @@ bool VirtualCamera::ResetState() {
 }
 
 bool VirtualCamera::UnlockOthers() {
-    // Instances of the virtual head never lock each other out.
+    // Instances of the virtual head never lock each other out, so there is nothing to do.
     return ReachAny("UnlockOthers");
 }
 

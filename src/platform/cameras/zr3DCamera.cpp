@@ -12,7 +12,7 @@
 #include "platform/os/Clock.h"
 #include "platform/os/HandleTable.h"
 
-// No function here calls another exported one: any of them may be replaced by a preloaded library.
+// No function here calls another exported one, because a preloaded library may replace any of them.
 namespace zr3DCamera {
 namespace {
 
@@ -23,14 +23,14 @@ constexpr int kFailed = -1;
 constexpr int kMonoMode = 1;
 constexpr int kColorMode = 16;
 constexpr int kPresentType = 1;
-/// The parameter that takes words of camera order, exposure and gain.
+/// The parameter for words with camera order, exposure and gain.
 constexpr CAMPARAM kOrderParameter{5};
 constexpr std::size_t kLongestArgument = 80;
 /// How long a snap waits for a frame. Nominal time.
 constexpr std::chrono::milliseconds kSnapLimit{100};
 
-/// Never destroyed: instances that the application never released stay reachable, and threads may
-/// call while the process ends.
+/// Never destroyed: instances that the application did not release stay valid, and threads may be
+/// in a call while the process ends.
 Korvex3Sync::os::HandleTable<Camera>& Cameras() {
     static auto* const cameras = new Korvex3Sync::os::HandleTable<Camera>;
     return *cameras;
@@ -49,8 +49,8 @@ std::string Joined(const Values&... values) {
     }
 }
 
-/// Runs `work` on the camera of a handle, through its driver. False for a handle that is not there
-/// and for whatever is thrown: nothing leaves this library.
+/// Runs `work` on the camera of a handle, through its driver. False for an unknown handle or an
+/// exception: no exception leaves this library.
 template <class Work, class... Values>
 bool Run(const char* name, std::pair<const char*, const char*> results, void* handle, Work work,
          const Values&... arguments) noexcept {
@@ -63,13 +63,13 @@ bool Run(const char* name, std::pair<const char*, const char*> results, void* ha
     }
 }
 
-/// For the functions that give an int.
+/// For the functions that return an int.
 template <class Work, class... Values>
 int RunInt(const char* name, void* handle, Work work, const Values&... arguments) noexcept {
     return Run(name, {"0", "-1"}, handle, work, arguments...) ? kOk : kFailed;
 }
 
-/// For the functions that give a bool.
+/// For the functions that return a bool.
 template <class Work, class... Values>
 bool RunBool(const char* name, void* handle, Work work, const Values&... arguments) noexcept {
     return Run(name, {"true", "false"}, handle, work, arguments...);

@@ -22,7 +22,7 @@ double InitialFactor() {
     std::istringstream stream(text);
     stream.imbue(std::locale::classic());
     if (!(stream >> factor) || !stream.eof() || !(factor > 0)) {
-        // A test that asked for it would run at the wrong speed unnoticed.
+        // Otherwise a test would run at the wrong speed without notice.
         PrintError("KORVEX_TIME_SCALE: \"%s\" is not a number above 0\n", text);
         std::exit(EXIT_FAILURE);
     }

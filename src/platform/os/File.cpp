@@ -18,7 +18,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-constexpr mode_t kUsualMode = 0666;  // less what the umask takes away
+constexpr mode_t kUsualMode = 0666;  // minus the umask
 constexpr mode_t kUserOnlyMode = 0600;
 constexpr mode_t kLogFileMode = 0644;
 constexpr mode_t kPermissions = 0777;
@@ -37,7 +37,7 @@ File Opened(int descriptor, std::error_code& error) {
     return File(descriptor);
 }
 
-/// The number of the own open descriptor that a path names, as /dev/fd/3 does.
+/// The number of this process's open descriptor that a path names, such as /dev/fd/3.
 std::optional<int> DescriptorOf(const fs::path& path) {
     std::error_code error;
     const fs::path folder =
@@ -129,7 +129,7 @@ void CopyPermissions(const fs::path& replaced, const File& file) noexcept {
     mode_t mode = former.st_mode & kPermissions;
     if (::fchown(file.Descriptor(), former.st_uid, former.st_gid) != 0 &&
         ::fchown(file.Descriptor(), kSameOwner, former.st_gid) != 0) {
-        // What one group was allowed is not for another one.
+        // Permissions of one group must not pass to another.
         mode &= ~static_cast<mode_t>(S_IRWXG);
     }
     [[maybe_unused]] const int set = ::fchmod(file.Descriptor(), mode);
@@ -139,7 +139,7 @@ std::error_code RenameToNew(const fs::path& from, const fs::path& to) noexcept {
     if (::renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_NOREPLACE) == 0) {
         return {};
     }
-    // Not every file system can rename without replacing, nor does every one know links.
+    // Not every file system supports renaming without replacing, and not every one supports links.
     if (errno != EINVAL && errno != ENOSYS) {
         return LastError();
     }

@@ -20,8 +20,8 @@ namespace {
 constexpr char kInterrupted = 'i';
 constexpr char kEnd = 'e';
 
-// A signal handler reaches nothing else than these. The pipe is made once and never closed: a
-// handler may be about to write to it at any time.
+// The signal handler uses only these. The pipe is created once and never closed, because a handler
+// may write to it at any time.
 std::atomic<int> s_interrupts{0};
 std::atomic<int> s_writeEnd{-1};
 std::atomic<int> s_exitCode{0};
@@ -36,7 +36,7 @@ extern "C" void OnSignal(int signal) {
     const int before = errno;
     if (s_interrupts.fetch_add(1) > 0) {
         if (signal == SIGHUP) {
-            // A closing terminal sends it more than once, and no person asks for it.
+            // A closing terminal may send it more than once, without the user's intention.
             return;
         }
         ::_exit(s_exitCode.load());
@@ -54,7 +54,7 @@ std::vector<Handled> TakeSignals() {
     for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
         struct sigaction former {};
         ::sigaction(signal, nullptr, &former);
-        // A program that was started with nohup is to outlive the terminal.
+        // A program that was started with nohup must outlive the terminal.
         if (signal == SIGHUP && former.sa_handler == SIG_IGN) {
             continue;
         }
@@ -84,7 +84,7 @@ public:
         return true;
     }
 
-    /// Waits for a call that is under way.
+    /// Waits for a running call.
     void RemoveNewest() {
         std::vector<Handled> taken;
         std::thread thread;
@@ -132,7 +132,7 @@ private:
                 return;
             }
             const MutexGuard guard(m_mutex);
-            // A handler may still write after the watches that it belongs to have ended.
+            // A handler may still write after its watches have ended.
             if (!m_calls.empty() && s_interrupts > 0 && !m_called) {
                 m_called = true;
                 (*m_calls.back())();

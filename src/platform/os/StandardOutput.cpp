@@ -10,7 +10,7 @@ namespace Korvex3Sync::os {
 
 namespace {
 
-// Of the one RealStandardOutput.
+// The descriptor of the only RealStandardOutput.
 int s_realOutput = -1;
 
 }  // namespace
@@ -25,7 +25,7 @@ RealStandardOutput::RealStandardOutput(Prints prints) {
     }
     const int discard = ::open("/dev/null", O_WRONLY | O_CLOEXEC);
     ::dup2(discard, STDOUT_FILENO);
-    // It takes the place of a standard descriptor that was closed; there it stays.
+    // If a standard descriptor was closed, /dev/null got its number and stays open there.
     if (discard > STDERR_FILENO) {
         ::close(discard);
     }

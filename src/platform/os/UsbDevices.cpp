@@ -17,7 +17,7 @@ namespace fs = std::filesystem;
 
 constexpr double kUsb3Megabits = 5000;
 
-/// The first word of a small file; empty when there is none.
+/// The first word of a small file; empty if there is none.
 std::string Word(const fs::path& file) {
     std::ifstream text(file);
     std::string word;
@@ -25,7 +25,7 @@ std::string Word(const fs::path& file) {
     return word;
 }
 
-/// The first line of a small file; empty when there is none.
+/// The first line of a small file; empty if there is none.
 std::string Line(const fs::path& file) {
     std::ifstream text(file);
     std::string line;
@@ -51,8 +51,7 @@ std::optional<double> Number(const std::string& text) {
     return error == std::errc() && rest == end ? std::optional(value) : std::nullopt;
 }
 
-/// A HID device is below the USB device, in an interface and an instance of its own:
-/// <device>/<interface>/<instance>/hidraw/hidrawN.
+/// Finds the HID node of a USB device: <device>/<interface>/<instance>/hidraw/hidrawN.
 std::optional<std::string> HidNode(const fs::path& device) {
     for (const fs::path& interface : Entries(device)) {
         if (!interface.filename().string().starts_with(device.filename().string() + ":")) {
@@ -67,7 +66,7 @@ std::optional<std::string> HidNode(const fs::path& device) {
     return std::nullopt;
 }
 
-/// A vendor or product as the system writes it: four hexadecimal digits.
+/// A vendor or product ID as the system writes it: four hexadecimal digits.
 std::string IdText(std::uint16_t id) {
     constexpr int kDigits = 4;
     std::ostringstream text;

@@ -39,8 +39,8 @@ void SayEmptyOnce() {
     }
 }
 
-// Runs a call for the requested head, which meets the faults ordered for it and enters it in its
-// journal. `work` gets a null head when none is requested.
+// Runs a call on the requested head: applies the faults that are ordered for it and enters it in
+// the journal. `work` gets null if no head is requested.
 template <typename Work>
 bool Run(const char* call, const std::string& arguments, Work work) {
     const std::shared_ptr<VirtualHead> head = virtual_head::RequestedVirtualHead();
@@ -52,7 +52,7 @@ bool Run(const char* call, const std::string& arguments, Work work) {
     return done;
 }
 
-// Nothing may be thrown across the interface: what could be (no memory) is a failed call.
+// No exception may cross the interface: a call that throws (no memory) fails.
 template <typename Call>
 bool Guarded(Call call) {
     try {

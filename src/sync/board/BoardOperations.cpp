@@ -13,7 +13,7 @@ namespace board = zr3DHandiDLPdev;
 namespace {
 
 constexpr auto& kLog = kManagerSyncLog;
-/// A strobe duty ratio that keeps the value last asked for.
+/// A strobe duty ratio that keeps the value that was last requested.
 constexpr int kKeepRatio = -1;
 
 using Remembered = RememberedSettings;
@@ -23,8 +23,7 @@ using Remembered = RememberedSettings;
 template <class Remember, class Call>
 RETSTATUS BoardSession::BoardOperation(DeviceLost lost, Remember remember, Call call,
                                        Parameters parameters) {
-    // A reconnection closes the board for a while, under the lock: an operation that meets it
-    // waits.
+    // A reconnection holds this lock while the board is closed, so an operation waits for it.
     const DeviceGuard device(m_csDevice);
     void* const handle = m_hDevice;
     if (handle == nullptr) {
@@ -47,7 +46,7 @@ RETSTATUS BoardSession::BoardQuery(Call call) {
 }
 
 RETSTATUS BoardSession::GetFirewareVersion(const char* pcbSerial, std::string& version) {
-    const DeviceGuard device(m_csDevice);  // no reconnection closes it in between
+    const DeviceGuard device(m_csDevice);  // no reconnection may close the board in between
     const RETSTATUS open = EnsureBoardOpen(pcbSerial);
     if (open != STATUS_SUCCESS) {
         return open;
@@ -223,7 +222,7 @@ RETSTATUS BoardSession::GetStrobeWorkTime(int& withTexture, int& without) {
 }
 
 RETSTATUS BoardSession::SetLaserLineWorkTime(const int& time) {
-    // Remembered as the infrared laser's: intended, and a reconnection counts on it.
+    // Remembered as the infrared laser's work time. This is intended; a reconnection relies on it.
     return BoardOperation(
         DeviceLost::Ignored, [&](Remembered& r) { r.irLaserWorkTime = time; },
         [&](void* h) { return board::zr3DSetWorkTime(h, kLaserLineWorkTimeSet, time); });

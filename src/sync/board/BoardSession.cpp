@@ -24,7 +24,7 @@ constexpr board::PROJECTTYPE kProjectionOff{0};
 
 BoardSession::BoardSession(os::CriticalSection& device, TriggerStarts& starts)
     : m_csDevice(device), m_starts(starts) {
-    // The worker thread has nothing to do; it exists to be stopped at shutdown.
+    // The worker thread does nothing; it only exists to be stopped at shutdown.
     m_hWorkerThread.Start([] {});
 }
 
@@ -59,7 +59,7 @@ RETSTATUS BoardSession::InitProjector(const char* pcbSerial) {
     void* handle = m_hDevice;
     const bool opened =
         board::zr3DInitHidDev(handle, kVendorId.data(), kProductId.data(), pcbSerial);
-    // What a failed open may have left is no board.
+    // A failed open may leave any value in `handle`.
     m_hDevice = opened ? handle : nullptr;
     return opened ? STATUS_SUCCESS : STATUS_PROJECTOR;
 }
@@ -98,7 +98,8 @@ RETSTATUS BoardSession::EnsureBoardOpen(const char* pcbSerial) {
     if (IsOpen()) {
         return STATUS_SUCCESS;
     }
-    // A reconnection on another thread may be about to open it: a second open would lose a handle.
+    // Checks again with the lock held: a reconnection on another thread may open the board first,
+    // and a second open would leak its handle.
     const DeviceGuard device(m_csDevice);
     if (IsOpen()) {
         return STATUS_SUCCESS;

@@ -15,7 +15,7 @@ void RestoreBoard(void* board, const RememberedSettings& settings, const Trigger
     lib::zr3DSetIRLaserLevel(board, s.irLaserLevel);
     lib::zr3DSetLaserEnable(board, s.blueLaserEnable, s.blueLaserMode);
     lib::zr3DSetDutioRatio(board, kLaserLineDutySet, s.laserLineDuty);
-    // Never set: the setter of this work time stores into that of the infrared laser.
+    // Always the initial value: the setter stores its value as the infrared laser's work time.
     lib::zr3DSetWorkTime(board, kLaserLineWorkTimeSet, s.laserLineWorkTime);
     lib::zr3DSetIRLaserEnable(board, s.irLaserEnable);
     lib::zr3DSetWorkTime(board, kIRLaserWorkTimeSet, s.irLaserWorkTime);

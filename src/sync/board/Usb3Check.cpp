@@ -13,7 +13,7 @@ namespace {
 
 constexpr char kLog[] = "KorvexSyncControl";
 
-/// The library has one tree for the whole process: one caller at a time builds and frees it.
+/// The USB library has one tree per process, so one caller at a time builds and frees it.
 std::vector<std::string> BoardPaths() {
     static os::Mutex oneAtATime;
     os::MutexGuard lock(oneAtATime);

@@ -12,7 +12,7 @@ namespace {
 
 constexpr auto& kLog = kManagerSyncLog;
 
-/// The camera instance of the serial that was opened last.
+/// Selects the serial that was opened last.
 constexpr const char* kSerialOfLastOpen = nullptr;
 
 /// Keeps a camera paused for a scope.
@@ -59,7 +59,7 @@ void CameraSet::PauseAndRelease(const char* record) {
         camera->PauseThread();
         camera->ReleaseCamera();
         KORVEX_LOG(kLog) << record;
-        os::Print("ReInitializeCamera success\n");  // the one text of both callers
+        os::Print("ReInitializeCamera success\n");  // both callers print this text
     }
 }
 
@@ -83,7 +83,7 @@ void CameraSet::ReOpen() {
 }
 
 void CameraSet::ResetState() {
-    // A reconnection must not find its pause ended, nor a camera change under this.
+    // Keeps out a reconnection, whose pause this would end and which replaces the cameras.
     const DeviceGuard device(m_csDevice);
     for (auto& camera : m_cameras) {
         const Paused paused(*camera);
@@ -107,12 +107,13 @@ void CameraSet::Close() {
         camera->StopThread();
         std::unique_ptr<CPhysicalCameraThread> closed;
         {
-            // A status callback may be reading from it.
+            // A status callback may be using the camera.
             os::CriticalSectionGuard device(m_csDevice);
             camera->CloseCamera();
             closed = std::move(m_cameras[i]);
         }
-        // Freed without the device lock: a grab thread takes it after the lock that this takes.
+        // Freed without the device lock: the destructor takes the pause lock, inside which a grab
+        // thread may take the device lock.
     }
 }
 

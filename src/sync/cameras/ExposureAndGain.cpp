@@ -16,13 +16,13 @@ using std::chrono::milliseconds;
 
 constexpr auto& kLog = kManagerSyncLog;
 
-/// What a camera takes to change over to the order that was selected.
+/// The time that a camera needs to switch to the selected order.
 constexpr milliseconds kSelectTime{20};
 constexpr double kMicrosecondsPerMillisecond = 1000.0;
-/// What a query gives where there is no camera.
+/// The result of a query without a camera.
 constexpr int kNoValue = -1;
 
-/// A setter's call. It is made once more when it fails, and then its result does not count.
+/// Runs the call of a setter, and once more if it fails. The result of the second call is ignored.
 template <class Call>
 void TryTwice(const char* setter, milliseconds pause, Call call) {
     if (call()) {
@@ -85,7 +85,7 @@ RETSTATUS CameraSet::GetCameraExposureAndGain(const int& order, double& exposure
 RETSTATUS CameraSet::SetExposureTime(const int& order, const double& exposure) {
     const DeviceGuard device(m_csDevice);
     const int microseconds = ExposureMicroseconds(exposure);
-    // In microseconds, unlike the combined setter: intended.
+    // In microseconds, unlike in the combined setter. This is intended.
     m_remembered.exposures[order] = microseconds;
     CPhysicalCameraThread* const camera = FirstCamera();
     if (camera == nullptr) {
@@ -100,7 +100,7 @@ RETSTATUS CameraSet::SetExposureTime(const int& order, const double& exposure) {
 
 RETSTATUS CameraSet::GetExposureTime(const int& order, double& exposure) {
     const DeviceGuard device(m_csDevice);
-    // An order equal to the count passes here and in SetCameraGain, and nowhere else: intended.
+    // Only here and in SetCameraGain an order equal to the count is accepted. This is intended.
     if (order < 0 || order > ChannelCount()) {
         return STATUS_NOT_CONNECTED;
     }

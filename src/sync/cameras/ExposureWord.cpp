@@ -17,7 +17,7 @@ unsigned LowByteOf(double value) {
     if (!std::isfinite(value)) {
         return 0;
     }
-    // Within a byte before it becomes an int: a cast of more than an int holds is undefined.
+    // Reduced before the cast, which is undefined for values outside the range of int.
     const int rest = static_cast<int>(std::fmod(std::trunc(value), kByteValues));
     return static_cast<unsigned>(rest) & kByte;
 }

@@ -15,7 +15,7 @@ constexpr int kOpened = 0;
 constexpr int kBadLists = 1;
 constexpr int kCameraFailure = 2;
 
-/// Only cameras that serve at least this many entries of the list give packed frames.
+/// Only cameras that are shared by at least this many entries of the list deliver packed frames.
 constexpr int kFewestShares = 2;
 
 /// An address as the number that "%d" prints.
@@ -23,7 +23,7 @@ int AsNumber(const void* address) {
     return static_cast<int>(reinterpret_cast<std::uintptr_t>(address));
 }
 
-/// How many entries of the serial list share each camera.
+/// The number of entries of the serial list that share each camera.
 std::array<unsigned char, kMostGroups> CountShares(const std::vector<int>& codes,
                                                    std::size_t entries) {
     std::array<unsigned char, kMostGroups> tmpFlag{};

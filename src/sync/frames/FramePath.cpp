@@ -14,13 +14,13 @@ namespace {
 
 constexpr auto& kLog = kManagerSyncLog;
 
-/// Images of a mono frame, and of a set without colour.
+/// The number of images of a mono frame, and of a set without colour.
 constexpr std::size_t kMonoImages = 2;
 
 }  // namespace
 
 FramePath::~FramePath() {
-    // No holder may be inside the section when what it guards goes.
+    // Waits until nobody holds the section before its data is destroyed.
     os::CriticalSectionGuard frame(m_csFrame);
 }
 
@@ -89,7 +89,7 @@ void FramePath::Deliver(const std::vector<Image>& images, int width, int height,
     const auto begin = std::chrono::steady_clock::now();
     const auto took = [&] { return std::chrono::steady_clock::now() - begin; };
     try {
-        // Copies: what the application does to its vectors changes nothing here.
+        // Copies, so that changes by the application have no effect here.
         m_callbackImages.clear();
         m_callbackImages.reserve(images.size());
         for (const Image& image : images) {
@@ -122,7 +122,7 @@ RETSTATUS FramePath::SetScanCallBackFunction(ScanCallBackFunction callback, void
 RETSTATUS FramePath::GetScanStatistics(ScanStatistics& statistics) const {
     m_scanCounters.Read(statistics);
     statistics.framesAccepted = m_grabCounters->framesAccepted;
-    // The part before the whole, so that a snap that fails meanwhile leaves no part above it.
+    // refusedFrames first: it is part of failedSnaps and must never exceed it.
     statistics.refusedFrames = m_grabCounters->refusedFrames;
     statistics.failedSnaps = m_grabCounters->failedSnaps;
     statistics.rejectedGeometry = m_grabCounters->rejectedGeometry;

@@ -7,10 +7,10 @@ namespace {
 
 constexpr unsigned kKeyMask = 0xFF;
 constexpr unsigned kLastKey = 0xFF;
-/// One round of keys after a start every frame is of the new run.
+/// After one round of keys, every frame belongs to the new run.
 constexpr int kUnsettledKeys = 256;
-/// Fewer where the new run may have begun with key 0 already: a gap of its own across the next wrap
-/// must not look like a beginning.
+/// Fewer if the new run may already have begun with key 0: a gap of the new run across the next
+/// wrap must not look like a start.
 constexpr int kUnsettledAfterWrap = 128;
 
 }  // namespace
@@ -40,7 +40,7 @@ KeyStep KeyTracker::Judge(unsigned key) {
     const unsigned missing = repeated ? 0 : (key - *m_last - 1) & kKeyMask;
     if (m_unsettled > 0) {
         if (*m_last == kLastKey) {
-            // Both readings miss the same, and only the next keys can tell which one holds.
+            // Both interpretations miss the same keys; only the next keys can decide.
             m_unsettled = std::min(m_unsettled, kUnsettledAfterWrap);
         } else if (key <= missing) {
             m_unsettled = 0;

@@ -26,7 +26,7 @@ void TriggerStarts::Writing(int mode) {
     if (m_state != State::Running && m_state != State::Anew) {
         ++m_run.starts;
     }
-    // Around a change of the mode no colour is expected rather than one too many.
+    // During a change of the mode, colour is only expected if both modes give it.
     m_run.givesColor = m_run.givesColor && hardware::AddsColor(mode);
 }
 
@@ -38,7 +38,7 @@ void TriggerStarts::Written(bool accepted) {
         return;
     }
     m_state = StateOf(m_asked);
-    // After a stop the frames that wait in the cameras are still of the mode before.
+    // After a stop, the frames still in the cameras belong to the previous mode.
     if (m_state == State::Running) {
         m_run.givesColor = hardware::AddsColor(m_asked);
     }

@@ -10,28 +10,28 @@ using std::chrono::milliseconds;
 
 constexpr auto& kLog = kManagerSyncLog;
 
-/// What is still on its way when the trigger is switched off.
+/// Time for frames that are still on their way when the trigger is switched off.
 constexpr milliseconds kDrainTime{80};
 constexpr milliseconds kSettleTime{10};
 constexpr milliseconds kFrameLimit{100000};
 
-/// The size that is reported, whatever the camera's is.
+/// The reported size, whatever the size of the camera.
 constexpr int kReportedWidth = 1280;
 constexpr int kReportedHeight = 1024;
 
 constexpr STROBE_STATE kFirstStrobe = STROBE_STATE_3;
 constexpr STROBE_STATE kNextStrobe = STROBE_STATE_1;
-/// The infrared image's, whatever route the caller gave.
+/// The strobe output for the infrared image, whatever route the caller passes.
 constexpr CONTROLROUTE kInfraredRoute = CONTROL_ROUTE_1;
 
-/// Exposures and gains of an infrared snapshot: one each for the second and third image.
+/// The number of exposures and gains of an infrared snapshot: for the second and the third image.
 constexpr std::size_t kInfraredSettings = 2;
 
 }  // namespace
 
 struct ColorSnapshot::SnapPhase {
-    const char* enter;   // logged at its beginning
-    const char* waited;  // logged with the result of its wait
+    const char* enter;   // logged at the beginning
+    const char* waited;  // logged with the result of the wait
     CONTROLROUTE route;
     STROBE_STATE strobe;
     int camOrder;
@@ -61,7 +61,7 @@ bool ColorSnapshot::WaitForColorFrame(const char* step) {
         result = event->Wait(kFrameLimit);
     }
     if (m_stop.IsSet()) {
-        result = os::WaitResult::TimedOut;  // a stop signals the event too
+        result = os::WaitResult::TimedOut;  // a stop also signals the event
     }
     KORVEX_LOG(kLog) << step << " tmpRet=" << static_cast<unsigned long>(result);
     return result == os::WaitResult::Signalled;
@@ -95,7 +95,7 @@ bool ColorSnapshot::SnapFirst(const CONTROLROUTE& route) {
 }
 
 bool ColorSnapshot::SnapNext(const SnapPhase& phase) {
-    // Reset between the images only: a frame that came late counts for the next one.
+    // The event is reset only between images, so a late frame counts for the next image.
     if (const auto event = m_colorCatch.CaughtEvent()) {
         event->Reset();
     }
@@ -117,7 +117,7 @@ RETSTATUS ColorSnapshot::HandOver(std::size_t count, std::vector<unsigned char*>
         KORVEX_LOG(kLog) << "SnapColorImage end failed";
         return STATUS_FAILED;
     }
-    images.reserve(images.size() + count);  // nothing may throw once the images are taken
+    images.reserve(images.size() + count);  // nothing may throw after TakeAll
     auto slots = m_colorCatch.TakeAll();
     for (std::size_t i = 0; i < count; ++i) {
         images.push_back(slots[i].GiveAway());

@@ -15,7 +15,7 @@ constexpr auto& kLog = kManagerSyncLog;
 
 constexpr std::chrono::milliseconds kPollPeriod{200};
 constexpr std::chrono::milliseconds kPausedPeriod{300};
-/// Polls without a call after each change of the callback.
+/// The number of polls without a callback after each change of the callback.
 constexpr int kSkippedPolls = 4;
 constexpr unsigned char kNoAnswer = 0xFF;
 

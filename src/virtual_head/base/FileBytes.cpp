@@ -24,7 +24,7 @@ std::variant<std::string, const char*> ReadFileBytes(const std::filesystem::path
         return error ? "cannot be examined" : "is too large";
     }
     std::ifstream stream(file, std::ios::binary);
-    // The stream buffer reports a failed read of the system by an exception only.
+    // The stream buffer reports a read error of the system only with an exception.
     stream.exceptions(std::ios::badbit);
     try {
         if (stream) {

@@ -6,9 +6,9 @@
 namespace Korvex3Sync::virtual_head {
 namespace {
 
-// Threads that are remembered before those without an entry are looked for.
+// Above this number of threads, those without entries are forgotten.
 constexpr std::size_t kManyThreads = 256;
-// Different calls of a stream that are told apart: each by its result.
+// The number of different calls of a stream that are distinguished, also by result.
 constexpr std::size_t kMostOpen = 8;
 
 bool BelongsToStream(const std::string& call) {

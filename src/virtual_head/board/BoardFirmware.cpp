@@ -27,7 +27,8 @@ Payload Text(const std::string& text) {
     return payload;
 }
 
-// A page is written as a whole: its first part clears it, so that no rest of a longer text stays.
+// A write replaces the whole page: its first part clears the page, so nothing of a longer text
+// remains.
 Status WriteUserMemory(UserMemory& memory, const Payload& request) {
     const int page = request.ValueAt(0);
     const int length = request.ValueAt(1);

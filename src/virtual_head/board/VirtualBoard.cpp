@@ -22,8 +22,8 @@ bool ChangesTrigger(Command command) {
            command == Command::ResetDevice || command == Command::ResetFpga;
 }
 
-// A call of the user memory takes several reports: it meets faults with the first and is entered in
-// the journal with the last, or with the one that fails.
+// A call on the user memory takes several reports. Its faults apply to the first report; it is
+// entered in the journal with the last one, or with the one that fails.
 bool FirstReport(const CommandMessage& message) {
     switch (message.command) {
         case Command::WriteUserMemory:
@@ -46,7 +46,7 @@ bool LastReport(const CommandMessage& message) {
     }
 }
 
-// The arguments of the platform function, which are the values but for the place of a part.
+// The arguments of the platform function: the values, without the offset of a part.
 std::string Arguments(const CommandInfo& info, const CommandMessage& message) {
     if (message.command == Command::QueryFirmwareVersionFast) {
         const auto serial = message.payload.Bytes();

@@ -94,7 +94,7 @@ void ExposureOutput::Make(bool color, const ExposureFate& fate, std::uint64_t re
     m_held.push_back({exposure, release, fate.repeated});
 }
 
-// In order: what is due behind one that is not due waits with it.
+// Keeps the order: a due exposure waits for an earlier one that is not due.
 void ExposureOutput::HandDue(std::uint64_t given) {
     while (!m_held.empty() && m_held.front().release <= given) {
         const Held held = m_held.front();

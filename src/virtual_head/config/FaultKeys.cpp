@@ -21,7 +21,7 @@ WrongFault WrongAt(const toml::source_region& source, const std::string& what) {
     return {LineOf(source), "[[fault]] " + what};
 }
 
-/// A whole number within limits, or what is wrong with it.
+/// Reads a whole number within limits, or returns what is wrong with it.
 Wrong ReadNumber(const toml::key& key, const toml::node& value, std::int64_t lowest,
                  std::int64_t highest, std::int64_t& number) {
     const auto given = value.value_exact<std::int64_t>();

@@ -26,7 +26,7 @@ int LineOf(const toml::key& key) {
     return static_cast<int>(key.source().begin.line);
 }
 
-/// Where the folder of images is named; 0 when it is not.
+/// The line that names the folder of images; 0 if there is none.
 int LineOfReplay(const toml::table& root) {
     const toml::table* const replay = root[kReplay].as_table();
     if (replay != nullptr) {
@@ -39,7 +39,7 @@ int LineOfReplay(const toml::table& root) {
     return 0;
 }
 
-/// Takes the values of one parsed file over into a description and gathers what is wrong.
+/// Copies the values of a parsed file to a description and collects what is wrong.
 class Reader {
 public:
     explicit Reader(const std::filesystem::path& folder) : m_folder(folder) {}
@@ -64,7 +64,7 @@ public:
         }
     }
 
-    /// The finding that stands first in the file.
+    /// The first finding in the file.
     std::optional<std::pair<int, std::string>> FirstFinding() const {
         const auto first =
             std::min_element(m_findings.begin(), m_findings.end(),
@@ -84,7 +84,7 @@ private:
         }
     }
 
-    /// False when the key is not one of the faults'.
+    /// False if the key does not belong to the faults.
     bool ReadFaultTables(std::string_view key, const toml::node& value) {
         if (key != "fault" && key != "faults") {
             return false;
@@ -106,7 +106,7 @@ private:
         }
     }
 
-    /// False when the table has no such key.
+    /// False if the table has no such key.
     bool ReadKey(const std::pair<std::string, std::string>& where, const toml::node& value) {
         if (where == std::pair<std::string, std::string>{"board", "user_memory"}) {
             if (auto wrong = ReadUserMemory(value, m_description.userMemory)) {
@@ -171,7 +171,7 @@ std::variant<HeadDescription, HeadFileError> ReadHeadFile(const std::filesystem:
 HeadFileError RefuseReplay(const std::filesystem::path& file, const std::string& what) {
     int line = 0;
     try {
-        // It was read well a moment ago.
+        // The file was valid a moment ago; now only the line is needed.
         const auto bytes = ReadFileBytes(file, kLargestFile);
         if (const auto* text = std::get_if<std::string>(&bytes)) {
             line = LineOfReplay(toml::parse(*text));

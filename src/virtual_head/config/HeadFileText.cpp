@@ -24,7 +24,7 @@ constexpr std::string_view kIntroduction = R"(# A virtual head for Korvex3Sync. 
 # is an example of a key without a default: remove the # to use it.
 )";
 
-/// Prose as comment lines.
+/// Formats prose as comment lines.
 std::string Comment(const std::string& prose) {
     std::istringstream words(prose);
     std::string text;
@@ -110,7 +110,7 @@ std::vector<std::string> KindsThatTake(FaultParameter parameter) {
     return names;
 }
 
-/// Writes faults as examples; each key is explained where it stands first.
+/// Writes faults as examples; explains each key where it appears first.
 class FaultExamples {
 public:
     void Add(const std::string& what, const TimedFault& fault) {

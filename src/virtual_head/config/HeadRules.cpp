@@ -74,7 +74,7 @@ const KeyRule kRules[] = {
      "Folder with leftNN.png and rightNN.png, and colorNN.png where there is a colour mosaic"},
 };
 
-/// What the object keeps clear of, in millimetres.
+/// The object must not come nearer to the head than this, in millimetres.
 constexpr double kNearest = 40;
 
 bool Printable(char c) {
@@ -104,7 +104,7 @@ BrokenRule Broken(const std::string& table, const std::string& key, const std::s
     return {table, key, "[" + table + "] " + key + ": " + what};
 }
 
-/// How far the highest point of a shape stands before the plate.
+/// The distance of the highest point of a shape from the plate.
 double Reach(const ThreeNumbers& center, double radius) {
     return radius - center[2];
 }

@@ -7,7 +7,7 @@ namespace {
 
 using Wrong = std::optional<std::string>;
 
-/// Nothing when the node is no number.
+/// Nothing if the node is not a number.
 std::optional<double> NumberOf(const toml::node& node) {
     return node.is_number() ? node.value<double>() : std::nullopt;
 }

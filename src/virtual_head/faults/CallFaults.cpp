@@ -12,7 +12,7 @@ namespace {
 
 using namespace std::string_view_literals;
 
-// The calls that are no commands of the board's protocol.
+// The calls that are not commands of the board's protocol.
 constexpr std::array kOtherCalls{"zr3DInitHidDev"sv,
                                  "zr3DExitHidDev"sv,
                                  "CreateCamera"sv,
@@ -163,7 +163,7 @@ bool CallFaults::Meet(const std::string& call) {
     if (found == m_orders.end()) {
         return false;
     }
-    Orders& orders = found->second;  // orders are never erased: the reference outlives the waits
+    Orders& orders = found->second;  // valid during the waits: never erased
     if (orders.hang > 0) {
         --orders.hang;
         HangNow(orders);

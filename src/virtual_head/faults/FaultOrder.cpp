@@ -100,7 +100,7 @@ std::optional<std::string> CheckNumber(const FaultOrder& order, const FaultNumbe
     return std::nullopt;
 }
 
-// Without its board a head gives no triggers, so that the return would never begin.
+// Without its board a head gives no triggers, so such a return would never begin.
 bool ComesBackToTriggers(FaultKind kind) {
     return kind != FaultKind::BoardReturn;
 }

@@ -28,7 +28,7 @@ void FaultSchedule::Start(const std::vector<TimedFault>& faults, std::uint64_t s
         }
         m_entries.push_back(std::move(entry));
     }
-    // Here and not on the thread: no call comes before a fault that is there from the beginning.
+    // Not on the thread, so that no call can precede a fault at time 0.
     BeginDue(now);
     if (NextTimed() && !StartThread()) {
         throw std::runtime_error("no thread for the timed faults of the virtual head");
@@ -137,7 +137,7 @@ bool FaultSchedule::StartThread() {
     return m_thread.Started() || m_thread.Start([this] { Run(); });
 }
 
-// By hand, because the standard leaves it open what its distributions make of the generator.
+// Computed here, because the results of the standard distributions depend on the implementation.
 bool FaultSchedule::Draw(double chance) {
     constexpr double kUnit = 0x1.0p-53;
     return static_cast<double>(m_generator() >> 11U) * kUnit < chance;
@@ -156,7 +156,7 @@ void FaultSchedule::BeginNow(std::size_t index, const FaultOrder& order) {
     const bool begun = m_begin(order);
     std::string text;
     {
-        // Entries are never taken out, so that the index stays good.
+        // Entries are never removed, so the index stays valid.
         os::MutexGuard lock(m_mutex);
         Entry& entry = m_entries[index];
         text = Text(entry.fault);

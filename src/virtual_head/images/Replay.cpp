@@ -18,7 +18,7 @@ using Pixels = std::vector<std::uint8_t>;
 
 constexpr std::size_t kMostPairs = 200;
 
-/// One pair, packed. The mosaic is empty where the left image serves as one.
+/// A pair, packed. The mosaic is empty if the left image serves as the mosaic.
 struct Pair {
     Pixels packed;
     Pixels mosaic;
@@ -48,7 +48,7 @@ private:
     const std::vector<Pair> m_pairs;
 };
 
-/// The images of a folder by what stands between "left", "right" or "color" and ".png".
+/// The images of a folder by the text between "left", "right" or "color" and ".png".
 struct Listing {
     std::set<std::string> left;
     std::set<std::string> right;
@@ -67,7 +67,7 @@ void List(const std::string& name, Listing& listing) {
     }
 }
 
-/// The first image of `names` that has no partner among `partners`, as an error text.
+/// The error text for the first image in `names` without a partner in `partners`.
 std::string MissingPartner(const path& folder, const char* kind, const std::set<std::string>& names,
                            const char* partnerKind, const std::set<std::string>& partners) {
     for (const std::string& name : names) {
@@ -111,7 +111,7 @@ std::variant<Listing, std::string> ListPairs(const path& folder) {
     return listing;
 }
 
-/// Reads one image into a black one of the sensor's size.
+/// Reads an image into a black one of the sensor's size.
 std::variant<Pixels, std::string> ReadLetterboxed(const path& file, int width, int height) {
     auto read = ReadGreyPng(file, width, height);
     if (auto* error = std::get_if<std::string>(&read)) {
@@ -119,7 +119,7 @@ std::variant<Pixels, std::string> ReadLetterboxed(const path& file, int width, i
     }
     const auto& image = std::get<GreyImage>(read);
     Pixels pixels(static_cast<std::size_t>(width) * static_cast<std::size_t>(height));
-    // An even corner: a mosaic that moved by one pixel would change its colours.
+    // An even corner, because moving a mosaic by one pixel would change its colours.
     const int left = (width - image.width) / 2 & ~1;
     const int top = (height - image.height) / 2 & ~1;
     for (int row = 0; row < image.height; ++row) {

@@ -9,7 +9,7 @@
 namespace Korvex3Sync::virtual_head::scene {
 namespace {
 
-// Powers at full brightness, with the exposure, duty ratio and work time of power-on.
+// Powers at full brightness, with the power-on exposure, duty ratio and work time.
 constexpr double kStrobeInColor = 1.3;
 constexpr double kStrobeInMono = 0.4;
 constexpr double kLines = 1.6;
@@ -34,12 +34,12 @@ Frame FrameOf(const Exposure& exposure) {
     return hardware::ShowsPattern(mode) ? Frame::Pattern : Frame::Other;
 }
 
-/// The part of full power of a number from 0 to `most`; what lies outside counts as the limit.
+/// A value from 0 to `most` as a fraction of full power; values outside are limited.
 double Part(int value, int most) {
     return static_cast<double>(std::clamp(value, 0, most)) / most;
 }
 
-/// How much of a light's full power its pulses give: duty ratio in percent, work time in
+/// The fraction of full power that the pulses of a light give: duty ratio in percent, work time in
 /// microseconds.
 double LitPart(int duty, int workTime) {
     return Part(duty, 100) * std::clamp(workTime / kPulseCycle, 0.0, 1.0);

@@ -8,7 +8,7 @@ namespace {
 constexpr std::uint32_t kOne = 256;
 constexpr std::uint32_t kWhiteLevel = 255;
 
-// The three loops are separate and plain so that the compiler makes vector code of them.
+// The three loops are separate and simple so that the compiler vectorises them.
 
 void AddOne(const std::uint8_t* light, std::uint16_t weight, std::size_t pixels,
             std::uint8_t* image) {

@@ -7,14 +7,14 @@
 namespace Korvex3Sync::virtual_head::scene {
 namespace {
 
-constexpr float kFarthest = 3000;  // what lies further off is black
+constexpr float kFarthest = 3000;  // everything beyond is black
 constexpr float kFlat = 1e-9F;
 
 float NotZero(float value) {
     return std::abs(value) < kFlat ? kFlat : value;
 }
 
-/// The stretch of a ray between two parallel faces at -half and +half.
+/// The part of a ray between two parallel faces at -half and +half.
 struct Stretch {
     float begin;
     float end;
@@ -68,7 +68,7 @@ Hit Object::MeetBox(const Vector& from, const Vector& direction) const {
 bool Object::Shades(const Hit& point, const Vector& light) const {
     const Vector way = light - point.point;
     const float length = Dot(way, way);
-    // The point of the way that is nearest to a ball's middle tells whether the ball is in the way.
+    // Whether a ball blocks the light: its centre is nearer to the light path than its radius.
     const auto near = [&](const Vector& center, float radius) {
         const Vector to = center - point.point;
         const float along = std::clamp(Dot(to, way) / length, 0.0F, 1.0F);
@@ -99,7 +99,7 @@ Tracer::Tracer(const Object& object, const Vector& from)
 Hit Tracer::Meet(const Vector& direction) const {
     Hit hit;
     const float length = Dot(direction, direction);
-    // Towards the plate only; its front is what the head sees.
+    // Only rays towards the front of the plate can hit it.
     if (m_from.z < 0 && direction.z > kFlat) {
         const float along = -m_from.z / direction.z;
         if (along * along * length < kFarthest * kFarthest) {

@@ -8,7 +8,7 @@
 namespace Korvex3Sync::virtual_head::scene {
 namespace {
 
-// Slopes that lines and picture reach, to either side.
+// The slopes up to which lines and picture extend, on each side.
 constexpr float kLineEnd = 0.36F;
 constexpr float kFarAcross = 20;  // beyond any line
 constexpr float kPictureU = 0.40F;
@@ -18,11 +18,11 @@ constexpr float kStripe = 8;
 constexpr float kDotCell = 5;
 constexpr float kSpeckleCell = 1.6F;
 constexpr float kThinnest = 0.9F;        // standard deviation of a line, in pixels
-constexpr float kWidthToSigma = 2.355F;  // full width at half of the peak, over the deviation
-constexpr float kCutOff = 3.3F;          // deviations from which a line is not seen
+constexpr float kWidthToSigma = 2.355F;  // full width at half maximum / standard deviation
+constexpr float kCutOff = 3.3F;          // in standard deviations; beyond, a line is not visible
 
 constexpr int kTile = 512;
-constexpr int kCell = 16;  // places of a tile in each cell
+constexpr int kCell = 16;  // pixels of a tile per cell, in each direction
 constexpr int kCells = kTile / kCell;
 
 std::size_t Place(int x, int y) {
@@ -35,7 +35,7 @@ float Byte(float value) {
     return std::clamp(value, 0.0F, 1.0F) * 255;
 }
 
-/// Round dots of three sizes, one to a cell, somewhere in it; some cells have none.
+/// Round dots of three sizes, at most one per cell, at a random position.
 std::vector<std::uint8_t> Dots() {
     std::vector<std::uint8_t> tile(std::size_t{kTile} * kTile);
     std::minstd_rand random(1);
@@ -59,7 +59,7 @@ std::vector<std::uint8_t> Dots() {
     return tile;
 }
 
-/// Random levels, one to a quarter of a cell, blended into each other.
+/// Random levels, one per quarter of a cell, interpolated.
 std::vector<std::uint8_t> Speckle() {
     std::vector<std::uint8_t> tile(std::size_t{kTile} * kTile);
     std::minstd_rand random(2);
@@ -67,7 +67,7 @@ std::vector<std::uint8_t> Speckle() {
     std::vector<float> grid(std::size_t{kGrid} * kGrid);
     for (float& level : grid) {
         const float even = static_cast<float>(random() % 1000) / 999;
-        level = even * even;  // more dark than bright
+        level = even * even;  // more dark than bright areas
     }
     const auto at = [&grid](int x, int y) {
         const auto column = static_cast<std::size_t>(x % kGrid);
@@ -87,7 +87,7 @@ std::vector<std::uint8_t> Speckle() {
     return tile;
 }
 
-/// Upright stripes, a cell wide each.
+/// Vertical stripes, each one cell wide.
 std::vector<std::uint8_t> Stripes() {
     std::vector<std::uint8_t> tile(std::size_t{kTile} * kTile);
     for (int y = 0; y < kTile; ++y) {
@@ -106,7 +106,7 @@ const std::vector<std::uint8_t>& Once() {
     return *tile;
 }
 
-/// The tile repeats; `perCell`: places of the tile for a slope of 1.
+/// Looks up the repeated tile. `perCell`: pixels of the tile for a slope of 1.
 float Look(const std::vector<std::uint8_t>& tile, float u, float v, float perCell) {
     const int x = Floor(u * perCell);
     const int y = Floor(v * perCell);

@@ -1,5 +1,5 @@
-// The scene as an image source: the views of every pose are drawn once; a frame is the sum of its
-// lights, kept packed until the lighting changes.
+// The scene as an image source. The views of each pose are rendered once. A frame is the sum of its
+// lights and is kept in packed form until the lighting changes.
 
 #include <algorithm>
 #include <atomic>
@@ -29,7 +29,7 @@ struct Composed {
     Bytes packed KORVEX_GUARDED_BY(mutex);
 };
 
-/// All of one pose.
+/// The views and frames of one pose.
 struct PoseFrames {
     std::array<View, 2> views;  // left, right
     Composed mono;
@@ -93,8 +93,8 @@ private:
         composed.packed.resize(size);
     }
 
-    /// Draws the views of all poses on as many threads as the machine runs at once. False when
-    /// memory is short.
+    /// Renders the views of all poses, with as many threads as the machine has processors. False if
+    /// memory runs out.
     bool DrawAll(std::vector<PoseFrames>& poses) const {
         const Painter painter(m_description);
         std::atomic<std::size_t> next{0};
@@ -153,7 +153,7 @@ private:
     os::Mutex m_preparing;
     std::atomic<bool> m_ready{false};
     std::vector<PoseFrames> m_poses;  // written before m_ready is set
-    os::Mutex m_composing;            // taken after a frame's own lock
+    os::Mutex m_composing;            // taken inside a frame's lock
     Bytes m_left KORVEX_GUARDED_BY(m_composing);
     Bytes m_right KORVEX_GUARDED_BY(m_composing);
 };

@@ -46,7 +46,7 @@ Color Plate(const Vector& point) {
 }
 
 Color Sphere(const Vector& offset) {
-    // A field to the right above the middle, so that a mirrored view shows.
+    // A field above and to the right of the middle, so that a mirrored view is noticeable.
     if (Within(offset.x, 4, 16) && Within(offset.y, -18, -6)) {
         return {0.10F, 0.45F, 0.50F};
     }
@@ -54,7 +54,7 @@ Color Sphere(const Vector& offset) {
 }
 
 Color Box(const Vector& place) {
-    // Off the edges by half a step: a face must not lie between two colours.
+    // Shifted slightly, so that no face of the box lies exactly between two colours.
     const int sum =
         Step(place.x + 0.3F, kCheck) + Step(place.y + 0.3F, kCheck) + Step(place.z + 0.3F, kCheck);
     return sum % 2 == 0 ? Color{0.35F, 0.66F, 0.83F} : Color{0.78F, 0.86F, 0.90F};

@@ -14,7 +14,7 @@ float PixelSize(const HeadDescription& description) {
     return static_cast<float>(description.scene.distance) / MakeCamera(description, 0).focal;
 }
 
-/// The mosaic's colour of a pixel: red at even rows and columns, blue at odd ones.
+/// The colour channel of a mosaic pixel: red at even rows and columns, blue at odd ones.
 float Through(const Color& color, int column, int row) {
     if (column % 2 != row % 2) {
         return color.green;
@@ -24,7 +24,7 @@ float Through(const Color& color, int column, int row) {
 
 }  // namespace
 
-/// One sensor and one pose, seen from the object.
+/// One sensor and one pose, in the coordinates of the object.
 struct Painter::Sight {
     Sight(const HeadDescription& description, const Object& object, const Projector& light,
           int sensor, const Pose& pose)
@@ -76,7 +76,7 @@ void Painter::DrawRow(const Sight& sight, int row, View& view) const {
         if (hit.shape == Shape::None) {
             continue;
         }
-        // The strobe shines from around the sensor.
+        // The strobe is a ring around the sensor.
         const float length = std::sqrt(Dot(ray, ray));
         const float near = distance / (hit.along * length);
         const float lit = std::max(0.0F, -Dot(hit.normal, ray)) / length * near * near;
@@ -94,7 +94,7 @@ void Painter::DrawStructured(const Sight& sight, const Hit& hit, float grey, std
     const Projector& light = sight.projector;
     const Vector way = light.center - hit.point;
     const float facing = Dot(hit.normal, way);
-    const Vector seen = light.axes * way;  // points back at the light: z is negative
+    const Vector seen = light.axes * way;  // towards the light: z is negative
     if (facing <= 0 || seen.z >= 0) {
         return;
     }

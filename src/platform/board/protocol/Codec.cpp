@@ -8,7 +8,7 @@
 namespace Korvex3Sync::board {
 namespace {
 
-// Places in a report.
+// Offsets in a report.
 constexpr std::size_t kMagic = 0;
 constexpr std::size_t kVersion = 2;
 constexpr std::size_t kDirection = 3;
