@@ -1,4 +1,4 @@
-# Build flavours. Every target of ours links korvex_options.
+# Build flavours. All targets of this project link korvex_options.
 
 option(KORVEX_CHECKS "Check rules of use at run time (development and test builds)" OFF)
 option(KORVEX_THREAD_SAFETY "Treat clang's thread-safety findings as errors" OFF)
@@ -8,8 +8,8 @@ option(KORVEX_PRECOMPILE "Precompile the headers that take most of the compile t
 option(KORVEX_STATIC_TESTS "Build the tests that only read files" ON)
 set(KORVEX_SANITIZE "" CACHE STRING "Sanitizers, as for -fsanitize= (for example address,undefined)")
 
-# A compiler cache, where the machine has one. It lies outside the checkout, and what one build
-# flavour compiled the others take when their flags are the same.
+# Uses a compiler cache if the machine has one. The cache is outside the checkout, and build flavours
+# with the same flags share its objects.
 find_program(KORVEX_CCACHE ccache)
 if(KORVEX_CCACHE AND NOT DEFINED CMAKE_CXX_COMPILER_LAUNCHER)
     set(CMAKE_CXX_COMPILER_LAUNCHER ${CMAKE_COMMAND} -E env CCACHE_BASEDIR=${PROJECT_SOURCE_DIR}
@@ -24,14 +24,14 @@ set(CMAKE_CXX_VISIBILITY_PRESET hidden)
 set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
 set(CMAKE_LIBRARY_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/lib)
 set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/bin)
-# Programs find the libraries beside them, in the build tree and where they are installed.
+# Programs find the libraries in the build tree and in the installed tree.
 set(CMAKE_INSTALL_RPATH "$ORIGIN/../${CMAKE_INSTALL_LIBDIR}:$ORIGIN")
 
 add_library(korvex_options INTERFACE)
 target_compile_options(korvex_options INTERFACE -Wall -Wextra -Wpedantic -Werror -Wshadow
     -Wnon-virtual-dtor -Woverloaded-virtual)
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
-    # Optimised, g++ 12 takes "text" + std::string(...) for a copy that overlaps itself.
+    # With optimisation, g++ 12 reports "text" + std::string(...) as an overlapping copy.
     target_compile_options(korvex_options INTERFACE -Wno-restrict)
 endif()
 target_include_directories(korvex_options INTERFACE ${PROJECT_SOURCE_DIR}/src
@@ -45,15 +45,15 @@ if(KORVEX_SANITIZE)
     target_link_options(korvex_options INTERFACE -fsanitize=${KORVEX_SANITIZE})
 endif()
 if(KORVEX_FUZZ)
-    # Coverage feedback in everything that a fuzz target reaches.
+    # All code that a fuzz target reaches needs coverage feedback.
     target_compile_options(korvex_options INTERFACE -fsanitize=fuzzer-no-link)
 endif()
 if(KORVEX_PRECOMPILE AND CMAKE_CXX_COMPILER_ID MATCHES "Clang")
-    # The compiler cache compares precompiled headers, so they must not hold the time.
+    # The compiler cache compares precompiled headers, so they must not contain a timestamp.
     target_compile_options(korvex_options INTERFACE "SHELL:-Xclang -fno-pch-timestamp")
 endif()
 
-# Has the lines of a library counted that run in tests: korvex_count_lines(TARGET).
+# korvex_count_lines(TARGET): counts the lines of a library that tests run.
 function(korvex_count_lines target)
     if(KORVEX_COVERAGE)
         target_compile_options(${target} PRIVATE --coverage -fprofile-update=atomic)
