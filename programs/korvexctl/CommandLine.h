@@ -6,9 +6,9 @@
 
 namespace Korvex3Sync::korvexctl {
 
-/// What the command line asks for.
+/// The result of parsing the command line.
 struct CommandLine {
-    std::string virtualHead;  // as for RequestVirtualHead; empty: not asked for
+    std::string virtualHead;  // as for RequestVirtualHead; empty: not requested
     std::string logFile;      // empty: none
     bool verbose = false;
     bool json = false;

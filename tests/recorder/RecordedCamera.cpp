@@ -21,7 +21,7 @@ std::string N(void* handle) {
     return R().Name(handle);
 }
 
-/// What an instance has open, and the buffer of its last snap.
+/// The open camera of an instance, and the buffer of its last snap.
 struct Instance {
     recorder::Camera camera;
     std::vector<unsigned char> buffer;
@@ -71,7 +71,8 @@ int ReleaseCamera(void*& handle) {
 }
 
 int GetDeviceTotal(void* handle, int& total) {
-    // Before an order may take memory away: it is for the caller.
+    // Read before an action of the test may make memory allocation fail, which is meant for the
+    // caller.
     const auto attached = static_cast<int>(R().Attached().size());
     const bool ok = R().Record("GetDeviceTotal", N(handle));
     if (ok) {

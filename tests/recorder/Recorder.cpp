@@ -7,7 +7,7 @@ namespace Korvex3Sync::tests::recorder {
 namespace {
 
 constexpr std::chrono::seconds kDeadline{30};
-/// A thread that makes it is a grab thread: from then on its calls come at times of their own.
+/// A thread that makes this call is a grab thread; the times of its calls are not predictable.
 constexpr char kSnap[] = "SnapShot";
 
 /// Where a preloaded recorder writes the calls of the thread that called first.

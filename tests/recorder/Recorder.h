@@ -13,11 +13,11 @@
 #include <thread>
 #include <vector>
 
-/// Platform libraries that record every call and answer as told. They stand in for board, cameras
-/// and USB tree: linked into a test, or preloaded into a program.
+/// Platform libraries that record every call and answer as ordered. They replace the libraries for
+/// board, cameras and USB tree: linked into a test, or preloaded into a program.
 namespace Korvex3Sync::tests::recorder {
 
-/// What a camera's next snap gives.
+/// The result of a camera's next snap.
 struct Snap {
     int result = 0;
     bool nullImage = false;
@@ -38,7 +38,7 @@ class Recorder {
 public:
     static Recorder& Get();
 
-    /// Forgets calls, orders and frames; two cameras "KV00R1" (the same serial twice) are attached.
+    /// Removes calls, orders and frames, and attaches two cameras "KV00R1" (the same serial twice).
     void Reset();
 
     // Orders.
@@ -49,17 +49,17 @@ public:
     void FailNth(const std::string& call, int nth);
     /// Every call of this name fails, until Reset or `always` false.
     void FailAlways(const std::string& call, bool always = true);
-    /// Run inside each call of this name, or with these arguments ("SnapShot(C1)"), before it
-    /// answers, on the calling thread.
+    /// Runs `action` inside each call of this name, or with these arguments ("SnapShot(C1)"),
+    /// before it returns, on the calling thread.
     void OnCall(const std::string& call, std::function<void()> action);
     void PushSnap(Snap snap);
     /// The tree paths of the boards that the USB tree finds.
     void SetUsbPaths(std::vector<std::string> paths);
     std::vector<std::string> UsbPaths() const;
-    /// A failed open leaves something in the handle.
+    /// From now on a failed open leaves a value in the handle.
     void LeaveHandlesOnFailure();
     bool LeavesHandlesOnFailure() const;
-    /// The number that queries of this name give (both status bytes: "first", "second").
+    /// Sets the result of queries with this name (the two status bytes: "first", "second").
     void SetValue(const std::string& name, int value);
     int Value(const std::string& name) const;
 
@@ -69,21 +69,21 @@ public:
     std::vector<std::string> Calls() const;
     /// The calls of all threads, in order, with the same exception as below.
     std::vector<std::string> CallsInOrder() const;
-    /// The calls that other threads made, in order, but for snaps and what grab threads ask after.
+    /// The calls that other threads made, in order, except snaps and the queries of grab threads.
     std::vector<std::string> CallsOfOthers() const;
     /// Calls of this name, or with these arguments: "SnapShot" or "SnapShot(C1)".
     std::uint64_t Count(const std::string& name) const;
-    /// How many instances were made since Reset and not released.
+    /// The number of instances created since Reset and not released.
     std::size_t Handles() const;
-    /// Waits until a call that `Count` counts was made `times` times since Reset.
+    /// Waits until `Count(name)` is at least `times`.
     bool WaitForCount(const std::string& name, std::uint64_t times) const;
-    /// Waits until `snaps` snaps were fetched since Reset and the grab thread has come back from
-    /// handling the last of them.
+    /// Waits until `snaps` snaps were fetched since Reset and the grab thread has handled the last
+    /// one.
     bool WaitForHandled(std::uint64_t snaps) const;
 
     // For the recording libraries.
 
-    /// Records "name(arguments)" and gives whether the call succeeds.
+    /// Records "name(arguments)" and returns whether the call succeeds.
     template <class... Args>
     bool Record(const std::string& name, const Args&... args) {
         std::ostringstream text;

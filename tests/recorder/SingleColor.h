@@ -6,8 +6,7 @@
 
 namespace Korvex3Sync::tests::recorder {
 
-/// What the board does when the trigger mode is written: runs `action` inside each write of the
-/// mode that gives one colour frame.
+/// Runs `action` inside each write of the trigger mode for single colour frames.
 inline void OnSingleColorTrigger(std::function<void()> action) {
     Recorder::Get().OnCall("zr3DSetVideoTrigleMode", [action = std::move(action)] {
         const std::string call = Recorder::Get().Calls().back();

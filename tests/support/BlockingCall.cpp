@@ -12,10 +12,10 @@
 namespace Korvex3Sync::tests::support {
 namespace {
 
-/// How often a thread has to be found in the same sleep.
+/// How often a thread must be seen in the same sleep.
 constexpr int kLooks = 20;
 
-/// How often the thread has given the processor up by itself; empty while it does not sleep.
+/// How often the thread has yielded the processor voluntarily; empty if it is not sleeping.
 std::string Sleep(int thread) {
     std::ifstream status("/proc/self/task/" + std::to_string(thread) + "/status");
     bool sleeps = false;
@@ -29,7 +29,7 @@ std::string Sleep(int thread) {
     return "";
 }
 
-/// Says whether a thread is blocked by now; to be asked again and again.
+/// Checks whether a thread is blocked; call it repeatedly.
 class Observer {
 public:
     bool IsBlocked(int thread) {

@@ -6,22 +6,22 @@
 
 namespace Korvex3Sync::tests::support {
 
-/// The calling thread, as the system numbers it.
+/// The system's number of the calling thread.
 int ThisThread();
 
-/// Waits until a thread of this process is blocked: it sleeps, and is found in the same sleep again
-/// and again, so that a lock which it waits for only shortly on its way does not count. False when
-/// it is not within a minute of real time.
+/// Waits until a thread of this process is blocked. It must be in the same sleep several times in a
+/// row, so that a short wait for a lock does not count. False if it does not block within a minute
+/// of real time.
 bool WaitUntilBlocked(int thread);
 
-/// A call on a thread of its own. The destructor waits for its end.
+/// A call on its own thread. The destructor waits for its end.
 class BlockingCall {
 public:
     explicit BlockingCall(std::function<void()> call);
 
-    /// Waits until the call is blocked, whatever it waits for. False when it returns instead.
+    /// Waits until the call is blocked, whatever it waits for. False if it returns instead.
     bool WaitUntilBlocked() const;
-    /// Waits until the call has returned; false when it has not within a minute of real time.
+    /// Waits until the call has returned; false if it does not within a minute of real time.
     bool WaitUntilReturned() const;
 
 private:

@@ -7,8 +7,8 @@
 
 namespace Korvex3Sync::tests::support {
 
-/// A name for one case of a parameterised test: the text's letters and digits, the rest as '_'.
-/// "=" and the sign of a negative number become words, since cases differ in them.
+/// A name for a case of a parameterised test: the letters and digits of the text, everything else
+/// as '_'. "=" and a minus sign become words, because cases differ in them.
 inline std::string CaseName(const std::string& text) {
     std::string name;
     const auto separate = [&name] {
@@ -36,7 +36,7 @@ inline std::string CaseName(const std::string& text) {
     return name.empty() ? "empty" : name;
 }
 
-/// The same of the words of a command line.
+/// The same for the words of a command line.
 inline std::string CaseName(const std::vector<std::string>& words) {
     std::string text;
     for (const std::string& word : words) {
@@ -45,7 +45,7 @@ inline std::string CaseName(const std::vector<std::string>& words) {
     return CaseName(text);
 }
 
-/// The same of a signal's number: "SIGINT".
+/// The name of a signal: "SIGINT".
 inline std::string SignalName(int signal) {
     return std::string("SIG") + ::sigabbrev_np(signal);
 }

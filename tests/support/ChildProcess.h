@@ -10,27 +10,27 @@
 
 namespace Korvex3Sync::tests {
 
-/// How a child is started, beside its command.
+/// How a child is started, in addition to its command.
 struct ChildOptions {
     /// Set in the child's environment; an empty value removes the variable.
     std::vector<std::pair<std::string, std::string>> environment;
-    /// The child can make no file larger than this.
+    /// The child cannot create a file larger than this.
     std::optional<unsigned long> fileSizeLimit;
     /// Where standard output goes; empty: it is collected.
     std::string outputFile;
-    /// It is killed, and the test fails, when it runs longer.
+    /// If the child runs longer, it is killed and the test fails.
     std::chrono::seconds deadline{120};
 };
 
 struct ChildResult {
-    int exitCode = -1;  // -1 when a signal ended it
+    int exitCode = -1;  // -1 if a signal ended it
     int signal = 0;
     std::string output;
     std::string error;
 };
 
-/// One child process, whose output is collected while it is waited for. The destructor kills it, by
-/// its id, if it still runs.
+/// A child process. Its output is collected while the test waits for it. The destructor kills it,
+/// by its id, if it is still running.
 class ChildProcess {
 public:
     explicit ChildProcess(const std::vector<std::string>& command, ChildOptions options = {});
@@ -39,8 +39,8 @@ public:
     ChildProcess& operator=(const ChildProcess&) = delete;
 
     void Signal(int signal) const;
-    /// Waits until standard output contains the text; false when the child ends or the deadline
-    /// passes without it.
+    /// Waits until standard output contains the text; false if the child ends or the deadline
+    /// passes first.
     bool WaitForOutput(const std::string& text) { return WaitFor(m_result.output, text); }
     /// The same, until a part of standard output matches a regular expression.
     bool WaitForOutputMatching(const std::string& expression);
@@ -51,7 +51,7 @@ public:
 
 private:
     bool WaitFor(const std::string& collected, const std::string& text);
-    /// Reads what there is; false once both ends are closed, or at the deadline.
+    /// Reads the available output; false when both ends are closed, or at the deadline.
     bool ReadSome();
     void Reap();
 

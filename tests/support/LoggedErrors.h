@@ -7,7 +7,7 @@
 
 namespace Korvex3Sync::tests::support {
 
-/// Counts, while it lives, the ERROR records of this process.
+/// Counts the ERROR records of this process while it exists.
 class LoggedErrors : public google::LogSink {
 public:
     LoggedErrors() { google::AddLogSink(this); }

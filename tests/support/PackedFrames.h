@@ -5,7 +5,7 @@
 
 namespace Korvex3Sync::tests::support {
 
-/// Packs two images byte by byte, as a camera does: the plainest way to say what the layout is.
+/// Packs two images byte by byte, as a camera does. This is the simplest description of the layout.
 inline std::vector<unsigned char> Pack(const std::vector<unsigned char>& first,
                                        const std::vector<unsigned char>& second) {
     std::vector<unsigned char> packed(2 * first.size());

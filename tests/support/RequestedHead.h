@@ -11,8 +11,8 @@
 
 namespace Korvex3Sync::tests {
 
-/// The virtual head of this process for as long as it lives. At its end a fault that was ordered
-/// and never met fails the test.
+/// Requests a virtual head for this process while it exists. The destructor fails the test if an
+/// ordered fault was never used.
 class RequestedHead {
 public:
     explicit RequestedHead(const virtual_head::HeadDescription& description = {}) {

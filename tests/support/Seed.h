@@ -7,8 +7,8 @@
 
 namespace Korvex3Sync::tests::support {
 
-/// The seed of a test's random numbers: what KORVEX_TEST_SEED says, otherwise another in each run.
-/// It is printed, so that a run that failed can be had again.
+/// The seed for the random numbers of a test: KORVEX_TEST_SEED if it is set, otherwise a new one
+/// for each run. It is printed, so that a failed run can be repeated.
 inline unsigned Seed() {
     const char* const given = std::getenv("KORVEX_TEST_SEED");
     const unsigned seed = given != nullptr ? static_cast<unsigned>(std::stoul(given))

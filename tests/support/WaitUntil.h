@@ -5,7 +5,7 @@
 
 namespace Korvex3Sync::tests::support {
 
-/// Waits until the condition holds; false when it does not within a minute of real time.
+/// Waits until the condition holds; false if it does not within a minute of real time.
 template <class Condition>
 bool WaitUntil(Condition condition) {
     const auto end = std::chrono::steady_clock::now() + std::chrono::minutes(1);

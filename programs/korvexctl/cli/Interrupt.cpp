@@ -8,7 +8,7 @@ namespace {
 
 constexpr const char* kInterrupted = "interrupted";
 
-// Of the EndingOnInterrupt that lives.
+// The state of the existing EndingOnInterrupt.
 std::atomic<bool> s_came{false};
 
 Outcome AsInterrupted(Outcome outcome) {

@@ -11,7 +11,7 @@ namespace {
 
 constexpr std::size_t kMostNames = 3;
 constexpr std::size_t kLongestTyped = 64;
-// One letter in so many may be wrong.
+// One letter in this many may be wrong.
 constexpr std::size_t kLettersPerSlip = 3;
 
 /// How many letters to insert, drop or replace, or neighbours to swap, to turn one text into the

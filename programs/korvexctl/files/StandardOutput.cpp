@@ -11,7 +11,7 @@ StandardOutput::StandardOutput(bool verbose)
                      : os::RealStandardOutput::Prints::Discarded) {}
 
 StandardOutput::~StandardOutput() {
-    // What the library printed shows only now that it did not get into the log.
+    // Only now does an error show that prints of the library did not reach the log.
     const std::error_code error = m_real.FlushPrints();
     if (error && m_log) {
         WarnOfLog(error);
@@ -53,7 +53,7 @@ void StandardOutput::WarnOfLog(const std::error_code& error) const noexcept {
         Say("the log file " + m_logFile + " is not whole: " + error.message() +
             "; going on without");
     } catch (...) {
-        // No room for a message; the command goes on all the same.
+        // No memory for a message; the command continues.
         return;
     }
 }

@@ -31,9 +31,9 @@ fs::path HiddenBeside(const fs::path& place, std::random_device& random) {
     return place.parent_path() / name;
 }
 
-/// A file on its way to its place: hidden, beside it, under a name that nothing had before, with
-/// the permissions of the file that it replaces. The destructor removes it unless it was put in its
-/// place. All throw FileError that begins with `what`.
+/// A temporary file for a replacement: hidden, in the same folder, with a new name and the
+/// permissions of the file that it replaces. The destructor removes it unless PutInPlace has
+/// renamed it. The functions throw a FileError whose text begins with `what`.
 class TemporaryFile {
 public:
     /// For a file at this path, which is no link.
@@ -67,8 +67,8 @@ public:
 
     void Write(std::string_view bytes) { RequireWritten(m_file.Write(bytes), m_what); }
 
-    /// The content is on the disk before the name leads to it: the other way round, a power failure
-    /// would leave an empty file.
+    /// Writes the content to the disk before the rename. Otherwise a power failure could leave an
+    /// empty file.
     void PutInPlace(Existing existing) {
         RequireWritten(m_file.Sync(), m_what);
         RequireWritten(m_file.Close(), m_what);
@@ -91,7 +91,8 @@ private:
     bool m_inPlace = false;
 };
 
-/// Writes a file that nobody sees. That it can be created does not say that there is room in it.
+/// Writes an invisible file. Being able to create it does not prove that there is space for its
+/// content.
 void TryToWrite(const fs::path& place, const std::string& what) {
     TemporaryFile(place, what).Write("can this be written?\n");
 }

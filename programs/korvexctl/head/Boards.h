@@ -12,7 +12,7 @@ class Output;
 
 /// A synchronization board that is attached, whether or not it can be opened.
 struct Board {
-    std::string serial;  // what --board takes; empty: the system does not tell it
+    std::string serial;  // for --board; empty: unknown
     std::string where;   // port and device node; empty: it is simulated
 };
 

@@ -14,7 +14,7 @@ struct Head {
     std::optional<bool> usb3;
 };
 
-/// Asks the board with the serial `board`, "" for any. To be called before a session is made.
+/// Queries the board with the serial `board`, "" for any. Call it before a session exists.
 Head AskHead(const std::string& board);
 
 /// Adds "firmware" and "usb3", null where unknown.

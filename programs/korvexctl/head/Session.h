@@ -12,8 +12,8 @@ namespace Korvex3Sync::korvexctl {
 /// The text of a status.
 std::string StatusText(RETSTATUS status);
 
-/// One connected head: connected by the constructor, disconnected by the destructor. No callback
-/// runs after that.
+/// A connected head: the constructor connects it, the destructor disconnects it. After that no
+/// callback runs.
 class Session {
 public:
     /// `board` is the serial of the board, "" for any. Throws CommandError (NoCamera,

@@ -74,7 +74,7 @@ nlohmann::json Gather(std::span<const Field> fields, const Call& call) {
     return all;
 }
 
-/// What goes before the range in "... is not".
+/// The text before the range in "... is not".
 const char* KindText(const Field& field) {
     switch (field.kind) {
         case FieldKind::Switch:
@@ -123,7 +123,7 @@ std::optional<std::string> CheckValue(const Field& field, double value) {
     if (field.kind == FieldKind::Switch || field.kind == FieldKind::Word) {
         return std::nullopt;
     }
-    // Also true for what is no number.
+    // Also true for NaN.
     const bool outside = !(value >= field.low && value <= field.high);
     if (outside) {
         return DecimalText(value) + " is not in " + RangeText(field);

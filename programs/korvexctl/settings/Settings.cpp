@@ -20,14 +20,14 @@ namespace {
 constexpr double kMostPercent = 100;
 constexpr double kLongestPeriodMs = 10'000;
 constexpr double kLongestWorkTimeUs = 1'000'000;
-// What one byte in steps of 0.1 ms carries; 0 would only select the camera.
+// The range of one byte in steps of 0.1 ms; 0 would only select the camera.
 constexpr double kShortestExposureMs = 0.1;
 constexpr double kLongestExposureMs = 25.5;
-// What six bits carry.
+// The range of six bits.
 constexpr double kHighestGain = 63;
 
 constexpr int kTriggerOff = 0;
-/// Those that give image sets, between off and the single colour frame.
+/// Off, the modes that give image sets, and the single colour frame.
 constexpr auto kTriggerWords = [] {
     std::array<Word, kTriggerModes.size() + 2> words{Word{"off", kTriggerOff}};
     std::size_t next = 1;
