@@ -14,9 +14,9 @@ namespace Korvex3Sync::korvexctl {
 /// signals (os::InterruptWatch).
 class Interrupt {
 public:
-    /// `stop` makes the command stop, on a thread of its own, and says how it does: TEXT in
-    /// "interrupted; TEXT; press Ctrl-C again to quit now", which goes to standard error. Nothing
-    /// is said for an empty text.
+    /// `stop` makes the command stop. It runs on a separate thread and returns TEXT for the message
+    /// "interrupted; TEXT; press Ctrl-C again to quit now" on standard error. There is no message
+    /// for an empty text.
     ///
     /// Throws CommandError(Interrupted) when the one around it has met a signal already: its
     /// command is not to begin.

@@ -26,8 +26,8 @@ struct Outcome {
 /// Runs something that gives an outcome; an exception becomes the outcome.
 Outcome OutcomeOf(const std::function<Outcome()>& run);
 
-/// The document on one line, with its line end. Bytes that are not UTF-8 are replaced: a serial is
-/// whatever the camera gave.
+/// The document on one line, with a newline. Bytes that are not UTF-8 are replaced, because a
+/// camera may return any bytes as its serial.
 std::string JsonLine(const nlohmann::json& document);
 
 /// Writes "korvexctl: MESSAGE" as a line to standard error. Any thread.

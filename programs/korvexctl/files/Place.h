@@ -16,17 +16,17 @@ struct Place {
     };
 
     Kind kind = Kind::Free;
-    std::filesystem::path path;  ///< where the links lead
+    std::filesystem::path path;  ///< after following links
 };
 
-/// Looks, links followed, and touches nothing. Throws CommandError for a folder and for whatever
-/// else cannot be written; `what` says what is tried ("cannot write X").
+/// Examines a path, follows links and changes nothing. Throws CommandError for a folder and for
+/// anything else that cannot be written; its text begins with `what` ("cannot write X").
 Place FindPlace(const std::filesystem::path& asked, const std::string& what);
 
 /// Opens a stream for writing. Waits a few seconds for the reader of a FIFO. Throws CommandError.
 os::File OpenStream(const Place& place, const std::string& what);
 
-/// Throws CommandError for a stream that this user may not write; waits for nobody.
+/// Throws CommandError for a stream that this user may not write. Does not wait for a reader.
 void RequireWritableStream(const Place& place, const std::string& what);
 
 }  // namespace Korvex3Sync::korvexctl

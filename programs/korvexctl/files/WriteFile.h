@@ -8,15 +8,14 @@ namespace Korvex3Sync::korvexctl {
 
 /// What becomes of a file that is there already.
 enum class Existing {
-    Replaced,  ///< it keeps its permissions, and links to it stay
-    Kept,      ///< the new one is refused, also where a link leads nowhere
+    Replaced,  ///< the new file gets its permissions; links stay
+    Kept,      ///< writing fails, even if it is a dangling link
 };
 
-/// Writes a file completely or not at all, also when the power fails: it is written beside its
-/// place under a temporary name, and renamed when the disk has it. When this returns, the disk has
-/// the name too. On an error the temporary file is removed and a file that was in its place is
-/// unchanged. A FIFO or a character device is written to directly. Throws CommandError; FileError
-/// for what the system refuses.
+/// Writes a file completely or not at all, even if the power fails: writes a temporary file in the
+/// same folder and renames it when it is on the disk. On return the rename is on the disk, too. On
+/// an error the temporary file is removed and an existing file is unchanged. A FIFO or a character
+/// device is written directly. Throws CommandError; FileError for an error of the system.
 void WriteFile(const std::filesystem::path& path, std::span<const unsigned char> bytes);
 void WriteFile(const std::filesystem::path& path, std::string_view text,
                Existing existing = Existing::Replaced);

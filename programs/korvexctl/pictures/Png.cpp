@@ -11,7 +11,8 @@ namespace Korvex3Sync::korvexctl {
 
 namespace {
 
-// Little is gained above it on camera images, and encoding runs beside the scan.
+// Higher levels gain little on camera images, and encoding competes with the scan for the
+// processor.
 constexpr int kCompressionLevel = 1;
 
 struct FreeContext {
