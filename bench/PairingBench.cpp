@@ -41,7 +41,7 @@ constexpr std::uint64_t kSets = 500'000;
 constexpr int kRounds = 15;
 constexpr std::uint32_t kQueue = 10;
 
-/// One half of a packed frame as a message of its own.
+/// One half of a packed frame as a separate message.
 Image::Ptr MakeImage(const unsigned char* pixels, const ros::Time& stamp) {
     auto image = boost::make_shared<Image>();
     image->stamp = stamp;
@@ -49,7 +49,7 @@ Image::Ptr MakeImage(const unsigned char* pixels, const ros::Time& stamp) {
     return image;
 }
 
-/// A camera of the instant head, opened beside the library.
+/// A camera of the instant head, opened independently of the library.
 class Camera {
 public:
     Camera() {

@@ -1,4 +1,4 @@
-// The packed-frame split beside a plain copy of the same bytes: compare the two in one run.
+// The packed-frame split and a plain copy of the same bytes, to be compared within one run.
 
 #include <benchmark/benchmark.h>
 

@@ -9,8 +9,7 @@
 
 namespace Korvex3Sync::tests {
 
-/// A call of each function that takes an open board, with arguments that are right, and its journal
-/// text without the result.
+/// A valid call of each function that takes an open board, and its journal text without the result.
 struct BoardCall {
     const char* function;
     const char* arguments;

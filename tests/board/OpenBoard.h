@@ -6,7 +6,7 @@
 
 namespace Korvex3Sync::tests {
 
-/// An open board of the requested head; closes at its end, unless that was done.
+/// An open board of the requested head. The destructor closes it unless it is closed already.
 class OpenedBoard {
 public:
     explicit OpenedBoard(const char* serial = "") {

@@ -19,7 +19,7 @@ inline board::ReceivedBytes Received(const board::Report& report,
     return {report, size};
 }
 
-/// A board that says to each report what its script says. Thread-safe.
+/// A board that answers each report as its script says. Thread-safe.
 class ScriptedTransport final : public board::ByteTransport {
 public:
     /// What the board sends after a report; nothing: the board does not take the report.
@@ -30,7 +30,7 @@ public:
 
     bool Send(const board::Report& report, Deadline) override {
         const bool taken = Take(report);
-        // A device takes time, in which another caller could come between.
+        // A device takes time, during which another caller could interfere.
         std::this_thread::yield();
         return taken;
     }
@@ -70,7 +70,7 @@ public:
         return m_sent;
     }
 
-    /// Waits until a caller waits for a report.
+    /// Waits until a caller is waiting for a report.
     bool WaitForReceiver(std::chrono::seconds limit) {
         std::unique_lock lock(m_mutex);
         return m_changed.wait_for(lock, limit, [this] { return m_receivers > 0; });

@@ -14,7 +14,7 @@ struct CameraCall {
     std::function<bool(void* handle)> succeeds;
 };
 
-/// Every function that takes a handle, but for ReleaseCamera. What they write is thrown away.
+/// Every function that takes a handle, except ReleaseCamera. Their outputs are discarded.
 inline std::vector<CameraCall> CallsOnAHandle() {
     using namespace zr3DCamera;
     return {

@@ -30,7 +30,7 @@ protected:
         EXPECT_EQ(image, nullptr);
     }
 
-    /// Snaps on a thread of its own until told to stop, while `work` runs beside it.
+    /// Snaps on a separate thread until told to stop, while `work` runs.
     template <class Work>
     static void Beside(void* handle, Work work) {
         std::atomic<bool> stop = false;

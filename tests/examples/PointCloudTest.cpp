@@ -129,7 +129,7 @@ TEST(PointCloud, LiesOnTheKnownObject) {
             ++off;
         }
     }
-    // What is off stands at the edges of the shapes, where a line ends within a few pixels.
+    // The wrong points are at the edges of the shapes, where a line ends within a few pixels.
     EXPECT_LT(off, static_cast<int>(points.size()) / 500) << "of " << points.size();
     EXPECT_GT(plate, 5000);
     EXPECT_GT(sphere, 1000);

@@ -55,7 +55,7 @@ private:
     std::atomic<std::size_t> m_count{0};
 };
 
-/// Keeps the first call of a callback inside until it is opened.
+/// Blocks the first call of a callback until it is opened.
 class Gate {
 public:
     Action AsAction() {
@@ -71,7 +71,7 @@ public:
     bool WaitUntilEntered() {
         return m_entered.Wait(std::chrono::minutes(10)) == os::WaitResult::Signalled;
     }
-    /// Whether the call that was kept is over.
+    /// Whether the blocked call has ended.
     bool Left() const { return m_left; }
 
 private:

@@ -17,7 +17,7 @@ struct ChangedSettings {
     int triggerMode = 6;
 };
 
-/// Gives every setting of the board, and those of sensor 1, a value that is not its first one.
+/// Sets every setting of the board, and those of sensor 1, to a value that is not the initial one.
 inline void SetEverySetting(void* handle) {
     EXPECT_EQ(SetLaserLineDutioRatio(handle, 61), STATUS_SUCCESS);
     EXPECT_EQ(SetProjectDutioRatio(handle, 62), STATUS_SUCCESS);
@@ -39,7 +39,7 @@ inline void SetEverySetting(void* handle) {
     EXPECT_EQ(EnableVideoTrigger(handle, TRIGGER_LASER_LINES_COLOR, true), STATUS_SUCCESS);
 }
 
-/// What a reconnection writes to the board then, in order, and that the heartbeat is on at its end.
+/// What a reconnection then writes to the board, in order; at the end it switches the heartbeat on.
 inline std::vector<std::string> EverySettingWritten(const ChangedSettings& changed = {}) {
     return {"zr3DOpenOrCloseStrobeFlicker(" + changed.strobe + ") = true",
             "zr3DSetDistanceIndicateState(3) = true",

@@ -48,7 +48,8 @@ private:
     std::size_t m_count = 0;
 };
 
-/// A test with a virtual head of its own; disconnects, and fails on a fault that was never met.
+/// A test with its own virtual head. Disconnects at the end, and fails if an ordered fault was
+/// never used.
 class HeadSession : public testing::Test {
 protected:
     ~HeadSession() override;
@@ -63,7 +64,8 @@ protected:
     RETSTATUS Trigger(CAMERA_TRIGGER_MODE mode, int periodMs);
     RETSTATUS TriggerOff();
 
-    /// Stands below everything that the callbacks of a test use, so that they end before it.
+    /// Declare it after everything that the callbacks of a test use, so that the callbacks end
+    /// first.
     class EndedFirst {
     public:
         explicit EndedFirst(HeadSession& test) : m_test(test) {}

@@ -24,9 +24,9 @@ private:
     std::vector<std::vector<double>> m_rows;
 };
 
-/// The points that both sensors see of the lines of the first set. A crossing of the left image is
-/// taken for the line whose place in the right image, as the sheet of light has it, a crossing
-/// there comes nearest to; what fits two lines is left out.
+/// The points of the lines of the first set that both sensors see. For each crossing in the left
+/// image, the light planes predict a place in the right image for each line. The line with a
+/// crossing nearest to its place is chosen; a crossing that fits two lines is left out.
 std::vector<Point> PointsOnFirstSet(const virtual_head::HeadDescription& head,
                                     const LaserLines& left, const LaserLines& right);
 

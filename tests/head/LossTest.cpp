@@ -16,7 +16,7 @@ using support::WaitUntil;
 
 constexpr std::chrono::milliseconds kDeadline{60000};
 
-/// What the connection's account says beside what the head knows.
+/// Compares the counts of the connection with those of the head.
 class Losses : public HeadSession {
 protected:
     ScanStatistics Statistics() {

@@ -7,9 +7,9 @@
 
 namespace Korvex3Sync::tests {
 
-// The geometry of the virtual head as docs/virtual-head.md tells it, written down a second time, so
-// that an error in how the pictures are drawn cannot hide here. Millimetres, in the head's
-// coordinates unless said otherwise.
+// The geometry of the virtual head as docs/virtual-head.md describes it. It is independent of the
+// code that renders the pictures, so that an error there is found. Millimetres, in the head's
+// coordinates unless stated otherwise.
 
 using Point = std::array<double, 3>;
 
@@ -31,9 +31,9 @@ public:
     Sensor(const virtual_head::HeadDescription& description, Side side);
 
     const Point& Center() const { return m_center; }
-    /// Direction of what a pixel sees, of no certain length.
+    /// The direction that a pixel sees, of any length.
     Point Ray(const Pixel& pixel) const;
-    /// Where a point is seen; nothing when it lies behind.
+    /// Where a point is seen; nothing if it is behind the sensor.
     std::optional<Pixel> Project(const Point& point) const;
 
 private:
@@ -43,7 +43,7 @@ private:
     Pixel m_middle;
 };
 
-/// Where the two rays come nearest to each other: the middle between them.
+/// The midpoint between the two rays where they come closest.
 Point Triangulate(const Sensor& left, const Pixel& leftPixel, const Sensor& right,
                   const Pixel& rightPixel);
 

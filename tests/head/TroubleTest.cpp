@@ -86,7 +86,7 @@ std::vector<Trouble> Troubles() {
              "OpenCamera"}};
 }
 
-/// It does what it is told, and the library cannot know.
+/// The board executes the commands, but the library cannot know.
 Trouble BoardThatAnswersTooLate() {
     return {"BoardThatAnswersTooLate",
             Late(std::chrono::minutes(10)),

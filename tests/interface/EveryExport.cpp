@@ -3,7 +3,7 @@
 namespace Korvex3Sync::tests {
 namespace {
 
-// Of each thread its own: exports are called on several threads at once.
+// One per thread, because several threads call exports at the same time.
 thread_local int g_int = 1;
 thread_local double g_double = 1.0;
 thread_local bool g_bool = true;

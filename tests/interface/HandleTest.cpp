@@ -227,7 +227,7 @@ TEST_F(Handles, AFailedFirmwareQueryLeavesBeforeItClosesAndWaitsForTheOthers) {
     os::Event asked;
     os::Event open;
     Recorder::Get().FailAlways("zr3DQueryProjectorFirewareVersion");
-    // Without the device lock, so that the query can fail beside it.
+    // Does not take the device lock, so the query can fail at the same time.
     Recorder::Get().OnCall("zr3DResetFPGA", [&] {
         asked.Set();
         open.Wait();

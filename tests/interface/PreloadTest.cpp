@@ -133,8 +133,8 @@ const std::vector<std::string> kExpected{
     "zr3DExitHidDev(B2)",
 };
 
-/// A folder of its own that goes with the object. The loader takes a space or a colon in LD_PRELOAD
-/// for the end of a path; there is none in this one.
+/// A temporary folder whose path contains no space or colon, which would end a path in LD_PRELOAD.
+/// The destructor removes it.
 class PlainFolder {
 public:
     PlainFolder() { EXPECT_NE(::mkdtemp(m_path.data()), nullptr); }

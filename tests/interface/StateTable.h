@@ -8,14 +8,14 @@
 
 namespace Korvex3Sync::tests {
 
-/// What is answered in a state, and the calls into the platform libraries.
+/// The result in a state, and the calls into the platform libraries.
 struct Cell {
     RETSTATUS status;
     std::vector<std::string> calls;
 };
 
 struct Row {
-    /// The export; for one of several functions of a name, with more words behind it.
+    /// The export; overloads have further words after the name.
     std::string name;
     std::function<RETSTATUS(void* const& handle)> call;
     Cell connected;
@@ -32,9 +32,9 @@ struct Row {
 
 /// A row for every export.
 std::vector<Row> EveryRow();
-/// Those of them that have bodies of their own, and so are no entries of EveryExport.
+/// The rows that are not in EveryExport, because these exports have their own bodies.
 std::vector<Row> RowsWithBodies();
-/// The exports that take no handle. What is connected is nothing to them; what the devices do is.
+/// The exports that take no handle. They depend on the devices, not on a connection.
 std::vector<Row> RowsWithoutHandle();
 
 }  // namespace Korvex3Sync::tests

@@ -20,7 +20,7 @@ enum class State {
     Unconnected,    // board and cameras answer, and nobody has connected them
     Connected,      // board and cameras answer
     NoBoard,        // a reconnection did not open the board, which is not there
-    BoardLost,      // a status poll failed, and the board goes on being silent
+    BoardLost,      // a status poll failed, and the board stays silent
     CamerasClosed,  // the cameras were closed
     CamerasFail     // the cameras are open, and fail every call
 };

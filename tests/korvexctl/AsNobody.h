@@ -10,8 +10,8 @@ namespace Korvex3Sync::tests {
 
 inline constexpr uid_t kNobody = 65534;
 
-/// This process, which is root's, has the rights of another user for a while, who may be a member
-/// of some groups.
+/// Runs this process, which belongs to root, as another user while it exists. The user may be a
+/// member of some groups.
 class AsNobody {
 public:
     explicit AsNobody(const std::vector<gid_t>& groups = {}) : m_groups(64) {

@@ -8,7 +8,7 @@
 
 namespace Korvex3Sync::tests {
 
-/// While it lives, what this process writes to standard error goes into a file.
+/// Redirects standard error of this process to a file while it exists.
 class ErrorIntoFile {
 public:
     explicit ErrorIntoFile(const std::filesystem::path& file) : m_former(::dup(STDERR_FILENO)) {

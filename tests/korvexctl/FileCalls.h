@@ -6,8 +6,8 @@
 
 namespace Korvex3Sync::tests {
 
-/// While it lives, the calls by which files are synced, renamed, linked and given away are recorded
-/// by the names of their files: "fsync file", "rename a -> b", "renameat2 a -> b", "link a -> b",
+/// Records the calls that sync, rename and link files or change their owner, while it exists, by
+/// the names of the files: "fsync file", "rename a -> b", "renameat2 a -> b", "link a -> b",
 /// "fchown file 0 100", "fchown file - 100" where the owner stays. One at a time.
 class FileCalls {
 public:

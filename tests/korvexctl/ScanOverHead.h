@@ -45,7 +45,7 @@ protected:
         }
     }
 
-    /// No frame comes through, at a camera's own pace; more of these faults than a test can meet.
+    /// Loses every frame. Orders more faults than a test can use up.
     void LoseEveryFrame() {
         EXPECT_TRUE(m_head->GetFaults().Slow("SnapShot", std::chrono::milliseconds(20), 1'000'000));
         EXPECT_TRUE(m_head->GetFaults().Fail("SnapShot", 1'000'000));

@@ -46,7 +46,7 @@ std::vector<std::string> ListedCommands(const std::string& help) {
     if (begin != std::string::npos) {
         std::istringstream lines(help.substr(begin + title.size()));
         for (std::string line; std::getline(lines, line) && !line.empty();) {
-            // What is further in goes on with the line before.
+            // A line with more indentation continues the line before.
             if (line.starts_with("  ") && line[2] != ' ') {
                 names.push_back(line.substr(2, line.find(' ', 2) - 2));
             }
@@ -252,7 +252,7 @@ TEST_P(EmptyName, IsRefusedWithItsOption) {
     EXPECT_THAT(result.error, HasSubstr("korvexctl: " + option + ": the name is empty"));
 }
 
-// What is expected to be named stands last.
+// The last entry is the name that the message must contain.
 INSTANTIATE_TEST_SUITE_P(
     CommandLines, EmptyName,
     ::testing::Values(std::vector<std::string>{"--virtual", "scan", "--out", "", "--out"},

@@ -126,7 +126,7 @@ TEST(Documents, ShowPresetsThatExist) {
     EXPECT_GT(shown, 4) << "the presets were not found";
 }
 
-/// What stands in the first pair of brackets of the pattern where it fits the file first.
+/// The first group of the first match of the pattern in the file.
 std::string Found(const std::string& path, const std::string& pattern) {
     const std::string text = ReadProjectFile(path);
     std::smatch match;

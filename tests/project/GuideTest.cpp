@@ -16,7 +16,7 @@ namespace {
 constexpr char kGuide[] = "docs/guide.md";
 constexpr char kSamples[] = "examples/guide";
 
-/// The lines without the blanks that they begin with: a sample in the guide stands at the margin.
+/// The lines without leading blanks, because samples in the guide are not indented.
 std::string WithoutIndentation(const std::string& text) {
     std::istringstream lines(text);
     std::string result;

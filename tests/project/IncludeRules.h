@@ -9,11 +9,11 @@
 
 namespace Korvex3Sync::tests {
 
-/// The beginnings of paths that each room may include beside its own, by the room's.
+/// The path prefixes that each room may include in addition to its own, by the prefix of the room.
 std::map<std::string, std::set<std::string>> IncludeTable();
 
-/// Every include of the tree that the arrows between the rooms do not allow, as
-/// "FILE:LINE: must not include TARGET".
+/// Every include of the tree that the table does not allow, as "FILE:LINE: must not include
+/// TARGET".
 std::vector<std::string> ForbiddenIncludes(const SourceTree& tree);
 
 /// Every include that is part of a cycle between folders, as "FILE:LINE: FOLDER and INCLUDED FOLDER

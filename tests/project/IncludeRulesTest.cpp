@@ -220,7 +220,7 @@ TEST(FolderCycles, AreNotInTheProject) {
     EXPECT_THAT(FolderCycles(tree), IsEmpty());
 }
 
-/// What a page's word for rooms or headers stands for.
+/// The rooms or headers that a word of a page means.
 std::set<std::string> Meant(const std::string& words) {
     static const std::map<std::string, std::set<std::string>> kMeant{
         {"public headers", {"include/Korvex3Sync/"}},

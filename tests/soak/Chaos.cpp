@@ -13,8 +13,8 @@ using std::chrono::milliseconds;
 using virtual_head::FaultKind;
 using virtual_head::FaultOrder;
 
-/// Calls that may fail. Those that close or release are not among them: what a library refuses to
-/// release is lost, and would look like a leak of ours.
+/// Calls that may fail, except closing and releasing ones: what a library refuses to release would
+/// look like a leak.
 const std::vector<std::string>& CallsThatFail() {
     static const std::vector<std::string> calls{"zr3DInitHidDev",
                                                 "zr3DQueryCurrentStatus",
@@ -34,7 +34,7 @@ const std::vector<std::string>& CallsThatFail() {
     return calls;
 }
 
-/// Calls that may be slow or hang; closing ones too.
+/// Calls that may be slow or hang, including closing ones.
 const std::vector<std::string>& CallsThatHang() {
     static const std::vector<std::string> calls{"zr3DInitHidDev",
                                                 "zr3DQueryCurrentStatus",
@@ -48,7 +48,7 @@ const std::vector<std::string>& CallsThatHang() {
     return calls;
 }
 
-/// What a scan goes on with.
+/// Faults during which a scan continues.
 const std::vector<FaultKind>& PassingKinds() {
     static const std::vector<FaultKind> kinds{
         FaultKind::Fail,         FaultKind::Slow,       FaultKind::BoardLate,
@@ -59,7 +59,7 @@ const std::vector<FaultKind>& PassingKinds() {
     return kinds;
 }
 
-/// What ends the stream until somebody reconnects, or holds everybody up.
+/// Faults that end the stream until a reconnection, or block all threads.
 const std::vector<FaultKind>& EndingKinds() {
     static const std::vector<FaultKind> kinds{FaultKind::Hang, FaultKind::BoardVanish,
                                               FaultKind::BoardMute, FaultKind::CameraVanish,
@@ -67,10 +67,10 @@ const std::vector<FaultKind>& EndingKinds() {
     return kinds;
 }
 
-/// One fault in so many ends the stream: scanning takes most of the time.
+/// One fault in this many ends the stream, so that most of the time is spent scanning.
 constexpr int kSeldom = 30;
 
-/// A fault at random: its kind, and how long or how often it works.
+/// A random fault: its kind, and how long or how often it applies.
 FaultOrder Throw(Dice& dice) {
     FaultOrder order;
     order.kind = dice.OneOf(dice.Once(kSeldom) ? EndingKinds() : PassingKinds());

@@ -18,13 +18,13 @@ public:
     Chaos(std::shared_ptr<virtual_head::VirtualHead> head, std::uint64_t seed)
         : m_head(std::move(head)), m_seed(seed) {}
 
-    /// The head has a thread for faults that last from the first of them on. Before the first
-    /// measure, so that it is no growth.
+    /// Makes the head start its thread for lasting faults. Call it before the first measurement, so
+    /// that the thread does not count as growth.
     void WarmUp();
     void Run(const std::atomic<bool>& stop, Watchdog::Watched& watched);
 
-    /// Held by whoever needs a head without faults; made with a look around: what is ordered is
-    /// forgotten, what is gone comes back.
+    /// Keeps the head free of faults while it exists. The constructor cancels all orders and brings
+    /// back what is gone.
     class Calm {
     public:
         explicit Calm(Chaos& chaos);

@@ -7,11 +7,11 @@
 
 namespace Korvex3Sync::tests::soak {
 
-/// Who throws: no two of them share their throws.
+/// The users of dice; each has its own sequence.
 enum class Thrower : std::uint32_t { Scanner, Caller, Faults };
 
-/// Chance of one step of one thread. The same seed gives each step the same throws, however long
-/// the steps before it took and however much they threw.
+/// Random numbers for one step of one thread. The same seed gives each step the same numbers,
+/// however long the previous steps took and however many numbers they used.
 class Dice {
 public:
     Dice(std::uint64_t seed, Thrower thrower, std::uint64_t step) {

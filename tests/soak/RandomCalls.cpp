@@ -12,10 +12,10 @@
 namespace Korvex3Sync::tests::soak {
 namespace {
 
-/// What a call may run beside.
+/// What a call may run at the same time as.
 enum class Beside {
     Anything,   // any other call
-    OtherKinds  // none of these: it ends the connection to the devices, or takes a snapshot
+    OtherKinds  // not another of these: ends the connection to the devices or takes a snapshot
 };
 
 struct Call {
@@ -26,7 +26,7 @@ struct Call {
 
 constexpr std::chrono::milliseconds kLongestRest{2};
 constexpr int kUserPage = 256;
-/// One call in so many is one of those that stop the stream for a while.
+/// One call in this many stops the stream for a while.
 constexpr int kSeldom = 120;
 
 int Number(Dice& dice) {
@@ -112,7 +112,7 @@ void ReadFirmware(void* const&, Dice& dice) {
     GetFirewareVersion(dice.OneOf(boards), version);
 }
 
-/// Takes the scan callback away for a moment and brings it back: the scans count on it.
+/// Removes the scan callback for a moment and sets it again, because the scans need it.
 void SwapScanCallback(void* const& handle, Dice& dice) {
     const bool on = dice.Once(2);
     SoakHead::SetScanCallback(handle, on, dice.Once(2));

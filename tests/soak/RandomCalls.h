@@ -10,7 +10,7 @@
 
 namespace Korvex3Sync::tests::soak {
 
-/// Calls exports at random, with arguments at random, legal and not, until told to stop.
+/// Calls random exports with random arguments, valid and invalid, until told to stop.
 class RandomCalls {
 public:
     RandomCalls(SoakHead& head, std::uint64_t seed) : m_head(head), m_seed(seed) {}

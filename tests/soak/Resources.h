@@ -5,19 +5,19 @@
 
 namespace Korvex3Sync::tests::soak {
 
-/// What the process holds at this moment.
+/// The resources that the process holds at a moment.
 struct Resources {
     std::size_t threads = 0;
     std::size_t files = 0;  // open file descriptors
-    std::size_t bytes = 0;  // taken from the allocator and not given back
+    std::size_t bytes = 0;  // allocated and not freed
 
     static Resources Now();
 };
 
-/// Watches what is held whenever nothing is connected. The first measures are the warming up.
+/// Measures the resources whenever nothing is connected. The first measurements are the warm-up.
 class ResourceWatch {
 public:
-    /// Says in one line what has grown; empty while nothing has.
+    /// Returns one line with what has grown; empty if nothing has.
     std::string Look();
     std::size_t Looks() const { return m_looks; }
     const Resources& First() const { return m_first; }

@@ -7,21 +7,21 @@
 
 namespace Korvex3Sync::tests::soak {
 
-/// The one connection that everybody uses, and who may use it when.
+/// The connection that all threads use, and the rules for using it.
 ///
-/// Every call on the handle is made with `using_` shared; connecting and disconnecting need it
-/// alone. Calls that end a connection to the devices, or take a snapshot, take `turn` as well: two
-/// of them never run beside one another.
+/// Every call on the handle holds `using_` shared; connecting and disconnecting hold it
+/// exclusively. Calls that end the connection to the devices or take a snapshot also hold `turn`,
+/// so two of them never run at the same time.
 struct SoakHead {
     std::shared_mutex using_;
     std::mutex turn;
     void* handle = nullptr;
 
-    /// With `using_` alone. Sets both callbacks when connected.
+    /// Requires `using_` exclusively. Sets both callbacks if connected.
     RETSTATUS Connect();
     void Disconnect();
 
-    /// Sets the callback that counts, or with `on` false none.
+    /// Sets the counting callback, or none if `on` is false.
     static void SetScanCallback(void* const& handle, bool on, bool withContext = true);
     static void SetStatusCallback(void* const& handle, bool on, bool withContext = true);
 

@@ -11,7 +11,7 @@
 
 namespace Korvex3Sync::tests::soak {
 
-/// Ends the program when one of the watched threads makes no progress for the limit: prints the
+/// Ends the program if one of the watched threads makes no progress within the limit. Prints the
 /// stacks of all threads first.
 class Watchdog {
 public:

@@ -116,7 +116,7 @@ const Calls kFirstPhase{"zr3DSetVideoTrigleMode(B1, 5)", "zr3DOpenOrCloseStrobeF
                         "zr3DSetVideoTrigleMode(B1, 4)"};
 
 TEST_F(ColorSnapshot, TakesTwoImagesTheSecondWithItsOwnExposureAndStrobe) {
-    m_images.push_back(nullptr);  // what stands there stays
+    m_images.push_back(nullptr);  // existing entries stay
     EXPECT_EQ(Snap(), STATUS_SUCCESS);
     EXPECT_THAT(Values(), ElementsAre(0, 1, 2));
     EXPECT_EQ(m_width, 1280) << "whatever the camera's size";
@@ -231,7 +231,7 @@ TEST_F(ColorSnapshot, AnImageThatAFailureLeftBehindIsFreedWhenAnotherTakesItsPla
     EXPECT_THAT(Values(), ElementsAre(4, 5));
 }
 
-/// The stop comes inside the write of the trigger mode, or from another thread beside the wait.
+/// The stop comes during the write of the trigger mode, or from another thread during the wait.
 TEST_F(ColorSnapshot, AStopEndsItsWaitAtOnceWithItsFailure) {
     for (const bool besideTheWait : {false, true}) {
         for (const int framesBefore : {0, 1, 2}) {

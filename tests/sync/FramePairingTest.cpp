@@ -190,7 +190,7 @@ TEST_F(Pairing, DroppingTakesTheSmallestKeyColourFirst) {
     EXPECT_TRUE(m_ledger.delivered.empty());
 }
 
-/// The rules in their plainest form: at most one mono set waits.
+/// The rules in their simplest form: at most one mono set waits.
 TEST_F(Pairing, TenThousandRandomSequencesFollowThePlainRules) {
     const unsigned seed = support::Seed();
     SCOPED_TRACE("seed " + std::to_string(seed));

@@ -133,7 +133,7 @@ TEST(HeadFileText, EveryKeyIsExplainedOnShortLines) {
     for (const std::string& line : lines) {
         if (!IsProse(line) && line.find(" = ") != std::string::npos) {
             const std::string key = line.substr(line.starts_with('#') ? 1 : 0, line.find(" = "));
-            // A key of a fault is explained where it stands first.
+            // A key of a fault is explained where it appears first.
             if (std::find(seen.begin(), seen.end(), key) == seen.end()) {
                 EXPECT_TRUE(explained) << line;
             }

@@ -118,7 +118,7 @@ TEST_F(RequestTest, ManyThreadsMeetTheSameHead) {
     }
 }
 
-/// The environment counts once in a process: each of these runs in a process of its own.
+/// A process reads the environment once, so each of these tests runs in its own process.
 class RequestByEnvironmentTest : public testing::Test {
 protected:
     RequestByEnvironmentTest() { GTEST_FLAG_SET(death_test_style, "threadsafe"); }

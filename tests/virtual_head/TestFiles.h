@@ -7,7 +7,7 @@
 
 namespace Korvex3Sync::tests {
 
-/// A folder of its own that goes with the object.
+/// A temporary folder. The destructor removes it.
 class TemporaryFolder {
 public:
     TemporaryFolder();

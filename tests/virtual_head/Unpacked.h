@@ -6,7 +6,8 @@
 
 namespace Korvex3Sync::tests {
 
-/// A packed frame taken apart by the description of its layout, independently of how it is written.
+/// Unpacks a packed frame from the description of its layout, independently of the code that packs
+/// it.
 struct Unpacked {
     bool marker = false;
     std::uint8_t key = 0;
