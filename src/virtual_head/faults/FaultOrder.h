@@ -55,8 +55,8 @@ struct FaultOrder {
     /// BoardVanish, BoardMute, CameraVanish, Hang: the fault ends after this time; 0: it does not
     /// end by itself. Nominal time.
     std::chrono::milliseconds lasting{0};
-    /// BoardMute: the board stays mute for this many further opens and answers after the next one;
-    /// 0: opens do not end it.
+    /// BoardMute: the board stays mute during this many further opens, and answers from the
+    /// following open on; 0: opens do not end it.
     int opens = 0;
     /// Delay: the number of triggers. At least 1.
     int byTriggers = 1;
