@@ -9,8 +9,8 @@
 
 namespace Korvex3Sync::korvexctl {
 
-/// How a command ends on Ctrl-C, SIGTERM or SIGHUP: while it lives, the first one is remembered,
-/// and the second ends the process at once with exit code 130. The newest one in a process has the
+/// Handles Ctrl-C, SIGTERM and SIGHUP for a command while it exists: remembers the first signal;
+/// the second ends the process at once with exit code 130. The newest object in a process gets the
 /// signals (os::InterruptWatch).
 class Interrupt {
 public:
@@ -18,12 +18,12 @@ public:
     /// "interrupted; TEXT; press Ctrl-C again to quit now" on standard error. There is no message
     /// for an empty text.
     ///
-    /// Throws CommandError(Interrupted) when the one around it has met a signal already: its
-    /// command is not to begin.
+    /// Throws CommandError(Interrupted) if the enclosing object has already received a signal, so
+    /// that the command does not begin.
     explicit Interrupt(std::function<std::string()> stop);
 
     bool Came() const { return m_came; }
-    /// Throws CommandError(Interrupted) when one came.
+    /// Throws CommandError(Interrupted) if a signal came.
     void ThrowIfCame(const std::string& message = "interrupted") const;
     /// Runs a command; after an interrupt its outcome is Interrupted, however it ended.
     Outcome OutcomeOf(const std::function<Outcome()>& run) const;
@@ -33,7 +33,7 @@ private:
     const os::InterruptWatch m_watch;
 };
 
-/// The interrupt of commands that have none of their own: once it came, EndIfInterrupted throws.
+/// The interrupt handling for commands without their own: after a signal, EndIfInterrupted throws.
 /// One at a time.
 class EndingOnInterrupt {
 public:
@@ -50,9 +50,9 @@ private:
     const Interrupt m_interrupt;
 };
 
-/// Whether a signal came to the EndingOnInterrupt that lives.
+/// Whether the existing EndingOnInterrupt has received a signal.
 bool InterruptCame();
-/// Throws CommandError(Interrupted) when one did.
+/// Throws CommandError(Interrupted) if it has.
 void EndIfInterrupted();
 
 }  // namespace Korvex3Sync::korvexctl
