@@ -23,6 +23,7 @@ namespace Korvex3Sync::tests {
 namespace {
 
 using korvexctl::ExitCode;
+using ::testing::AllOf;
 using ::testing::HasSubstr;
 
 constexpr const char* kEnded = "korvexctl: interrupted\n";
@@ -79,9 +80,7 @@ TEST_P(KorvexctlInterruptAnywhere, DoesNothingMoreAndDisconnectsAndTellsIt) {
             EXPECT_TRUE(head->GetFaults().WaitForHang(call, std::chrono::minutes(1)));
             before = BoardChanges(*head);
             std::raise(number);
-            EXPECT_TRUE(support::WaitUntil([this] {
-                return ReadText(m_errorFile).find("korvexctl: interrupted; ") != std::string::npos;
-            }));
+            EXPECT_TRUE(errorIntoFile.WaitForMessage());
             head->GetFaults().ReleaseHangs(call);
         });
         code = Run(hanging.words);
@@ -89,7 +88,7 @@ TEST_P(KorvexctlInterruptAnywhere, DoesNothingMoreAndDisconnectsAndTellsIt) {
     }
     const std::string error = ReadText(m_errorFile);
     EXPECT_EQ(code, static_cast<int>(ExitCode::Interrupted)) << error;
-    EXPECT_THAT(error, HasSubstr(hanging.end));
+    EXPECT_THAT(error, AllOf(HasSubstr("korvexctl: interrupted; "), HasSubstr(hanging.end)));
     if (hanging.words.front() != "reconnect") {
         // The library takes a reconnection to its end.
         EXPECT_EQ(BoardChanges(*head), before);
@@ -194,14 +193,12 @@ TEST_F(ScanOverHead, PicturesThatAreStillWrittenAfterAnInterruptAreTold) {
         if (first) {
             first = false;
             std::raise(SIGINT);
-            EXPECT_TRUE(support::WaitUntil([&errorFile] {
-                return ReadText(errorFile).find(
-                           "korvexctl: interrupted; writing the pictures of ") != std::string::npos;
-            }));
+            EXPECT_TRUE(errorIntoFile.WaitForMessage());
         }
         korvexctl::StoreWhole(file, bytes);
     });
     EXPECT_EQ(outcome.code, ExitCode::Interrupted);
+    EXPECT_THAT(ReadText(errorFile), HasSubstr("korvexctl: interrupted; writing the pictures of "));
     EXPECT_TRUE(std::filesystem::exists(m_options.folder / "set_000_left.png"));
 }
 

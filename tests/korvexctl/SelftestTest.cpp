@@ -178,15 +178,13 @@ TEST_P(KorvexctlHealthInterrupt, IsAnsweredAtOnceAndCleansUp) {
     std::thread person([&] {
         EXPECT_TRUE(head->GetFaults().WaitForHang("GetExposureTime", std::chrono::minutes(1)));
         std::raise(SIGINT);
-        EXPECT_TRUE(support::WaitUntil([&errorFile] {
-            return ReadText(errorFile).find(
-                       "korvexctl: interrupted; stopping after the current step") !=
-                   std::string::npos;
-        }));
+        EXPECT_TRUE(errorIntoFile.WaitForMessage());
         head->GetFaults().ReleaseHangs("GetExposureTime");
     });
     const CommandResult result = RunHere({GetParam()});
     person.join();
+    EXPECT_THAT(ReadText(errorFile),
+                HasSubstr("korvexctl: interrupted; stopping after the current step"));
     EXPECT_EQ(result.code, ExitCode::Interrupted);
     EXPECT_THAT(head->GetJournal().Texts({"zr3DExitHidDev"}), Not(IsEmpty()));
 }

@@ -155,10 +155,6 @@ TEST_P(KorvexctlSnapInterrupt, PutsTheHeadBackAndWritesNothing) {
     EXPECT_TRUE(head->GetFaults().Hang("SnapShot"));
     const auto errorFile = m_folder.Path() / "error";
     const ErrorIntoFile errorIntoFile(errorFile);
-    const auto said = [&errorFile] {
-        return ReadText(errorFile).find("korvexctl: interrupted; trigger and strobe") !=
-               std::string::npos;
-    };
     std::size_t before = 0;
     // No image comes until the interruption was noticed.
     std::thread person([&] {
@@ -168,13 +164,14 @@ TEST_P(KorvexctlSnapInterrupt, PutsTheHeadBackAndWritesNothing) {
         }));
         before = head->GetJournal().Texts({"zr3DOpenOrCloseStrobeFlicker"}).size();
         std::raise(GetParam());
-        EXPECT_TRUE(support::WaitUntil(said));
+        EXPECT_TRUE(errorIntoFile.WaitForMessage());
         head->GetFaults().ReleaseHangs("SnapShot");
     });
     const CommandResult result = RunHere({"snap", "--route", "1", "--out", m_out.string()});
     person.join();
     EXPECT_EQ(result.code, ExitCode::Interrupted);
     EXPECT_EQ(result.message, "interrupted: no image was written");
+    EXPECT_THAT(ReadText(errorFile), HasSubstr("korvexctl: interrupted; trigger and strobe"));
     EXPECT_THAT(FileNames(m_out), IsEmpty());
     const auto strobes = head->GetJournal().Texts({"zr3DOpenOrCloseStrobeFlicker"});
     EXPECT_GT(strobes.size(), before);
@@ -197,14 +194,12 @@ TEST_P(KorvexctlSnapInterrupt, WhileImagesAreWrittenTellsHowMany) {
     const korvexctl::Outcome outcome =
         korvexctl::RunSnap(choice, output, [&](const auto& file, const auto& bytes) {
             std::raise(GetParam());
-            EXPECT_TRUE(support::WaitUntil([&errorFile] {
-                return ReadText(errorFile).find("korvexctl: interrupted; finishing the file") !=
-                       std::string::npos;
-            }));
+            EXPECT_TRUE(errorIntoFile.WaitForMessage());
             korvexctl::StoreWhole(file, bytes);
         });
     EXPECT_EQ(outcome.code, ExitCode::Interrupted);
     EXPECT_EQ(outcome.message, "interrupted: 1 of 2 images written");
+    EXPECT_THAT(ReadText(errorFile), HasSubstr("korvexctl: interrupted; finishing the file"));
     ExpectColourImages({"snap_0.png"});
     EXPECT_EQ(outcome.figures["images"][0]["file"], (m_out / "snap_0.png").string());
     EXPECT_EQ(outcome.figures["images"][1]["file"], nullptr);
@@ -213,11 +208,12 @@ TEST_P(KorvexctlSnapInterrupt, WhileImagesAreWrittenTellsHowMany) {
 TEST_P(KorvexctlSnapInterrupt, ASecondTimeEndsAtOnce) {
     const auto snap = StartSnap();
     snap->Signal(GetParam());
-    ASSERT_TRUE(snap->WaitForError("press Ctrl-C again to quit now"));
+    ASSERT_TRUE(snap->WaitForError("\n"));
     // A terminal that goes may tell it twice; a person has to ask for this end.
     snap->Signal(GetParam() == SIGHUP ? SIGTERM : GetParam());
     const ChildResult result = snap->Wait();
     EXPECT_EQ(result.exitCode, static_cast<int>(ExitCode::Interrupted));
+    EXPECT_THAT(result.error, HasSubstr("press Ctrl-C again to quit now"));
     EXPECT_FALSE(Called("zr3DExitHidDev")) << "it did not disconnect first";
     EXPECT_THAT(FileNames(m_out), IsEmpty());
 }
