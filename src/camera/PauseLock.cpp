@@ -2,44 +2,23 @@
 
 namespace Korvex3Sync {
 
-void PauseLock::Take() {
-    if (m_depth > 0 && m_owner == std::this_thread::get_id()) {
-        ++m_depth;
-        return;
-    }
-    const std::uint64_t ticket = m_nextTicket++;
-    while (m_depth > 0 || m_served != ticket) {
-        m_changed.Wait(m_mutex);
-    }
-    m_owner = std::this_thread::get_id();
-    m_depth = 1;
-}
-
-void PauseLock::GiveBack() {
-    if (--m_depth == 0) {
-        m_owner = {};
-        ++m_served;
-        m_changed.NotifyAll();
-    }
-}
-
 void PauseLock::Enter() {
     os::MutexGuard lock(m_mutex);
-    Take();
+    m_hold.Take(m_mutex);
 }
 
 void PauseLock::EnterOrJoinPause() {
     os::MutexGuard lock(m_mutex);
     if (m_pauseHold) {
-        ++m_depth;
+        m_hold.Join();
     } else {
-        Take();
+        m_hold.Take(m_mutex);
     }
 }
 
 void PauseLock::Leave() {
     os::MutexGuard lock(m_mutex);
-    GiveBack();
+    m_hold.GiveBack();
 }
 
 void PauseLock::BeginPause() {
@@ -47,7 +26,7 @@ void PauseLock::BeginPause() {
     if (m_pauseHold) {
         return;
     }
-    Take();
+    m_hold.Take(m_mutex);
     m_pauseHold = true;
 }
 
@@ -55,7 +34,7 @@ void PauseLock::EndPause() {
     os::MutexGuard lock(m_mutex);
     if (m_pauseHold) {
         m_pauseHold = false;
-        GiveBack();
+        m_hold.GiveBack();
     }
 }
 

@@ -1,10 +1,7 @@
 #pragma once
 
-#include <cstdint>
-#include <thread>
-
-#include "platform/os/Condition.h"
 #include "platform/os/CriticalSection.h"
+#include "platform/os/FairHold.h"
 
 namespace Korvex3Sync {
 
@@ -31,16 +28,9 @@ public:
     bool Paused() const;
 
 private:
-    void Take() KORVEX_REQUIRES(m_mutex);
-    void GiveBack() KORVEX_REQUIRES(m_mutex);
-
     mutable os::Mutex m_mutex;
-    os::Condition m_changed;
-    std::thread::id m_owner KORVEX_GUARDED_BY(m_mutex);
-    int m_depth KORVEX_GUARDED_BY(m_mutex) = 0;
+    os::FairHold m_hold KORVEX_GUARDED_BY(m_mutex);
     bool m_pauseHold KORVEX_GUARDED_BY(m_mutex) = false;
-    std::uint64_t m_nextTicket KORVEX_GUARDED_BY(m_mutex) = 0;
-    std::uint64_t m_served KORVEX_GUARDED_BY(m_mutex) = 0;
 };
 
 /// Keeps the grab thread out for a scope, with its own hold or together with a pause.

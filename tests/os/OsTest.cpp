@@ -1,15 +1,28 @@
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <pthread.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include <atomic>
 #include <cstdlib>
+#include <memory>
+#include <string>
+#include <system_error>
 #include <thread>
+#include <vector>
 
+#include "platform/os/Cancellation.h"
 #include "platform/os/Clock.h"
 #include "platform/os/Condition.h"
 #include "platform/os/CriticalSection.h"
 #include "platform/os/Event.h"
+#include "platform/os/FairCriticalSection.h"
+#include "platform/os/File.h"
 #include "platform/os/Thread.h"
 #include "platform/os/TimeScale.h"
+#include "support/BlockingCall.h"
+#include "virtual_head/TestFiles.h"
 
 namespace Korvex3Sync::tests {
 namespace {
@@ -59,6 +72,65 @@ TEST(CriticalSection, KeepsThreadsApart) {
     add();
     other.join();
     EXPECT_EQ(count, 20000);
+}
+
+// The compiler's analysis knows no re-entrance.
+void EnterAgain(FairCriticalSection& section) KORVEX_NO_THREAD_SAFETY_ANALYSIS {
+    section.Enter();
+}
+void LeaveOnce(FairCriticalSection& section) KORVEX_NO_THREAD_SAFETY_ANALYSIS {
+    section.Leave();
+}
+
+TEST(FairCriticalSection, IsReentrantAndFreeOnceItWasLeftAsOften) {
+    FairCriticalSection section;
+    EnterAgain(section);
+    EnterAgain(section);
+    LeaveOnce(section);
+    os::Event entered;
+    std::thread other([&] {
+        const FairCriticalSectionGuard inside(section);
+        entered.Set();
+    });
+    EXPECT_EQ(entered.Wait(50ms), WaitResult::TimedOut) << "one level is left";
+    LeaveOnce(section);
+    other.join();
+}
+
+TEST(FairCriticalSection, KeepsThreadsApart) {
+    FairCriticalSection section;
+    int inside = 0;
+    int entries = 0;
+    const auto work = [&] {
+        for (int i = 0; i < 1000; ++i) {
+            const FairCriticalSectionGuard guard(section);
+            EXPECT_EQ(++inside, 1);
+            ++entries;
+            --inside;
+        }
+    };
+    std::thread other(work);
+    work();
+    other.join();
+    EXPECT_EQ(entries, 2000);
+}
+
+TEST(FairCriticalSection, IsGivenInTheOrderOfAsking) {
+    constexpr int kThreads = 5;
+    FairCriticalSection section;
+    std::vector<int> order;
+    std::vector<std::unique_ptr<support::BlockingCall>> calls;
+    EnterAgain(section);
+    for (int number = 0; number < kThreads; ++number) {
+        calls.push_back(std::make_unique<support::BlockingCall>([&section, &order, number] {
+            const FairCriticalSectionGuard inside(section);
+            order.push_back(number);
+        }));
+        EXPECT_TRUE(calls.back()->WaitUntilBlocked()) << number;
+    }
+    LeaveOnce(section);
+    calls.clear();
+    EXPECT_EQ(order, (std::vector<int>{0, 1, 2, 3, 4}));
 }
 
 TEST(Event, StaysSetUntilReset) {
@@ -202,6 +274,81 @@ TEST(Thread, CanBeStartedAgainAfterAJoin) {
         EXPECT_FALSE(thread.Started());
     }
     EXPECT_EQ(runs, 2);
+}
+
+TEST(Thread, CannotBeCancelled) {
+    Event begin;
+    std::atomic<bool> through{false};
+    std::atomic<pthread_t> self{};
+    Event ready;
+    os::Thread thread;
+    ASSERT_TRUE(thread.Start([&] {
+        self = pthread_self();
+        ready.Set();
+        begin.Wait();
+        pthread_testcancel();
+        through = true;
+    }));
+    ready.Wait();
+    EXPECT_EQ(pthread_cancel(self), 0);
+    begin.Set();
+    thread.Join();
+    EXPECT_TRUE(through);
+}
+
+TEST(CancellationOff, PutsACancellationOffUntilItsEnd) {
+    std::atomic<bool> inside{false};
+    std::atomic<bool> after{false};
+    std::thread thread([&] {
+        pthread_cancel(pthread_self());
+        {
+            const CancellationOff outer;
+            { const CancellationOff inner; }
+            pthread_testcancel();
+            inside = true;
+        }
+        pthread_testcancel();
+        after = true;
+    });
+    thread.join();
+    EXPECT_TRUE(inside);
+    EXPECT_FALSE(after);
+}
+
+TEST(ReadWithoutWaiting, GivesTheFirstBytes) {
+    const TemporaryFolder folder;
+    const auto file = folder.Path() / "file";
+    const std::string text(200000, 'x');
+    WriteText(file, text + "end");
+    std::error_code error;
+    EXPECT_EQ(ReadWithoutWaiting(file, 300000, error), text + "end");
+    EXPECT_EQ(ReadWithoutWaiting(file, 200001, error), text + "e");
+    EXPECT_EQ(ReadWithoutWaiting(file, 0, error), "");
+    EXPECT_FALSE(error);
+}
+
+TEST(ReadWithoutWaiting, SaysWhatIsWrong) {
+    const TemporaryFolder folder;
+    std::error_code error;
+    ReadWithoutWaiting(folder.Path() / "none", 10, error);
+    EXPECT_EQ(error, std::errc::no_such_file_or_directory);
+    ReadWithoutWaiting(folder.Path(), 10, error);
+    EXPECT_EQ(error, std::errc::is_a_directory);
+}
+
+TEST(ReadWithoutWaiting, NeverWaitsForAWriter) {
+    const TemporaryFolder folder;
+    const auto fifo = folder.Path() / "fifo";
+    ASSERT_EQ(::mkfifo(fifo.c_str(), 0600), 0);
+    std::error_code error;
+    EXPECT_EQ(ReadWithoutWaiting(fifo, 10, error), "");
+    EXPECT_FALSE(error) << "nobody has it open";
+    const File writer(::open(fifo.c_str(), O_RDWR | O_CLOEXEC));
+    ReadWithoutWaiting(fifo, 10, error);
+    EXPECT_EQ(error, std::errc::resource_unavailable_try_again);
+    EXPECT_FALSE(writer.Write("abc"));
+    ReadWithoutWaiting(fifo, 10, error);
+    EXPECT_EQ(error, std::errc::resource_unavailable_try_again) << "more could come";
 }
 
 }  // namespace

@@ -4,6 +4,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <array>
 #include <cerrno>
 #include <charconv>
 #include <optional>
@@ -22,6 +24,7 @@ constexpr mode_t kUsualMode = 0666;  // minus the umask
 constexpr mode_t kUserOnlyMode = 0600;
 constexpr mode_t kLogFileMode = 0644;
 constexpr mode_t kPermissions = 0777;
+constexpr std::size_t kReadAtOnce = 65536;
 constexpr auto kSameOwner = static_cast<uid_t>(-1);
 
 std::error_code LastError() {
@@ -82,6 +85,26 @@ std::error_code File::Sync() const noexcept {
 std::error_code File::Close() noexcept {
     const int descriptor = std::exchange(m_descriptor, -1);
     return ErrorUnless(descriptor < 0 || ::close(descriptor) == 0);
+}
+
+std::string ReadWithoutWaiting(const fs::path& path, std::size_t most, std::error_code& error) {
+    const File file =
+        Opened(::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC), error);
+    std::string bytes;
+    std::array<char, kReadAtOnce> part{};
+    while (!error && bytes.size() < most) {
+        const ssize_t count =
+            ::read(file.Descriptor(), part.data(), std::min(part.size(), most - bytes.size()));
+        if (count < 0 && errno == EINTR) {
+            continue;
+        }
+        error = ErrorUnless(count >= 0);
+        if (count <= 0) {
+            break;
+        }
+        bytes.append(part.data(), static_cast<std::size_t>(count));
+    }
+    return bytes;
 }
 
 File CreateNewFile(const fs::path& path, FileAccess access, std::error_code& error) {

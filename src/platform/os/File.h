@@ -1,6 +1,7 @@
 #pragma once
 
 #include <filesystem>
+#include <string>
 #include <string_view>
 #include <system_error>
 
@@ -31,6 +32,11 @@ public:
 private:
     int m_descriptor = -1;
 };
+
+/// The first `most` bytes of a file, fewer where it is shorter. Does not wait: a FIFO without a
+/// writer and a file of the system that has nothing to give now fail or are empty.
+std::string ReadWithoutWaiting(const std::filesystem::path& path, std::size_t most,
+                               std::error_code& error);
 
 /// Who may use a file that is created.
 enum class FileAccess {

@@ -8,6 +8,10 @@
 /// library never initialises glog; that is up to the application.
 #define KORVEX_LOG(source) ::google::LogMessage(source, __LINE__).stream()
 
+/// The same as an ERROR record.
+#define KORVEX_LOG_ERROR(source) \
+    ::google::LogMessage(source, __LINE__, ::google::GLOG_ERROR).stream()
+
 /// An INFO record "tmpBuf=" followed by a text in printf format, truncated to 1,023 characters.
 #define KORVEX_LOG_FORMATTED(source, ...)                         \
     do {                                                          \

@@ -5,6 +5,8 @@
 #include <thread>
 #include <utility>
 
+#include "platform/os/Cancellation.h"
+
 namespace Korvex3Sync::os {
 
 struct Thread::Impl {
@@ -23,7 +25,10 @@ bool Thread::Start(std::function<void()> procedure) {
     }
     try {
         auto impl = std::make_unique<Impl>();
-        impl->thread = std::thread(std::move(procedure));
+        impl->thread = std::thread([run = std::move(procedure)] {
+            const CancellationOff cancellation;
+            run();
+        });
         m_impl = std::move(impl);
         return true;
     } catch (const std::system_error&) {

@@ -5,7 +5,8 @@
 
 namespace Korvex3Sync::os {
 
-/// A thread with one owner. The owner tells it to end, then joins it; the destructor joins.
+/// A thread with one owner. The owner tells it to end, then joins it; the destructor joins. It
+/// cannot be cancelled (`pthread_cancel`).
 class Thread {
 public:
     Thread();
