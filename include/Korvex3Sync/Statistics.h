@@ -18,7 +18,7 @@ namespace Korvex3Sync {
 ///                + setsDropped + setsPending
 ///
 /// for the triggers up to the last one whose mono frame has arrived. The equation holds for a head
-/// with one camera, as long as no more than 255 triggers in a row are missing. A frame that was
+/// with one camera, as long as no more than 246 triggers in a row are missing. A frame that was
 /// lost in the grab thread, or that could not be split into images, counts there and again as a
 /// missing key.
 ///
@@ -57,10 +57,12 @@ struct ScanStatistics {
 
     /// Colour frames whose mono frame never arrived, or was no longer waiting.
     std::uint64_t colorWithoutMono = 0;
-    /// Sets delivered without colour in a trigger mode that gives colour. The mode when the mono
-    /// frame arrived counts. Sets whose colour frame a snapshot took are not included.
+    /// Sets delivered without colour although their mono frame was taken in a trigger mode that
+    /// gives colour. Frames that waited in the camera since a mode without colour are not included,
+    /// nor are sets whose colour frame a snapshot took.
     std::uint64_t monoWithoutColor = 0;
-    /// Mono frames with the same key as the one before. Each is delivered as an extra set.
+    /// Mono frames with a key that was passed already, up to 8 triggers back: repeated frames, and
+    /// late frames, which counted as missing before. Each is delivered as an extra set.
     std::uint64_t repeatedKeys = 0;
     /// Sets dropped because too many were waiting, or because there was no memory to keep another
     /// one.

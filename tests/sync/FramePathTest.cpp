@@ -2,13 +2,17 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
+#include <chrono>
 #include <string>
 #include <thread>
 #include <vector>
 
 #include "platform/os/Event.h"
+#include "support/Accounted.h"
 #include "support/Golden.h"
 #include "support/PackedFrames.h"
+#include "support/WaitUntil.h"
 
 namespace Korvex3Sync::tests {
 namespace {
@@ -20,6 +24,7 @@ constexpr std::size_t kPixels = 32;
 /// Board modes of the trigger.
 constexpr int kLaserLines = 2;
 constexpr int kLaserLinesColor = 3;
+constexpr int kOff = 5;
 
 /// A frame path that is given frames without cameras. Its sets are noted as text: the last pixel of
 /// each image, then the size.
@@ -161,11 +166,47 @@ TEST_F(FramePathTest, AColourFrameIsExpectedOnlyWhereTheModeGivesOne) {
     Mono(0);
     Mono(1);
     EXPECT_EQ(Statistics().monoWithoutColor, 0u);
+    WriteMode(kOff);
     WriteMode(kLaserLinesColor);
-    Mono(2);
-    Mono(3);
+    Mono(0);
+    Mono(1);
     EXPECT_EQ(m_sets.size(), 3u);
     EXPECT_EQ(Statistics().monoWithoutColor, 1u);
+}
+
+TEST_F(FramePathTest, FramesThatWaitedSinceAModeWithoutColourMissNone) {
+    WriteMode(kLaserLines);
+    Mono(0);
+    WriteMode(kLaserLinesColor);  // while the trigger runs
+    Mono(1);
+    Mono(2);
+    Mono(3);
+    Color(3);
+    Mono(4);
+    EXPECT_EQ(Statistics().monoWithoutColor, 0u);
+    Mono(5);
+    EXPECT_EQ(Statistics().monoWithoutColor, 1u) << "the colour frame of key 4";
+    WriteMode(kOff);
+    WriteMode(kLaserLines);
+    WriteMode(kOff);
+    WriteMode(kLaserLinesColor);
+    Mono(6);
+    Mono(7);
+    Mono(0);  // the first one of the latest start
+    EXPECT_EQ(Statistics().monoWithoutColor, 2u) << "key 5, which came before the stop";
+    Mono(1);
+    EXPECT_EQ(Statistics().monoWithoutColor, 3u);
+    EXPECT_EQ(Statistics().missingKeys, 0u);
+}
+
+TEST_F(FramePathTest, ALateFrameLeavesTheSumOfTheTriggersExact) {
+    WriteMode(kLaserLines);
+    for (const unsigned char key : {0, 1, 3, 2, 4}) {
+        Mono(key);
+    }
+    EXPECT_EQ(support::AccountedTriggers(Statistics()), 5u);
+    EXPECT_EQ(Statistics().missingKeys, 1u);
+    EXPECT_EQ(Statistics().repeatedKeys, 1u);
 }
 
 TEST_F(FramePathTest, StatisticsCanBeReadWhileACallbackRuns) {
@@ -187,6 +228,35 @@ TEST_F(FramePathTest, StatisticsCanBeReadWhileACallbackRuns) {
     stuck.leave.Set();
     grab.join();
     EXPECT_EQ(Statistics().setsDelivered, 1u);
+}
+
+/// Callbacks that had begun when another thread asked for the frame lock, and when it had it.
+TEST_F(FramePathTest, ASetterWaitsForFewCallbacksAlthoughFramesComeBackToBack) {
+    constexpr int kRounds = 50;
+    static std::atomic<int> begun;
+    begun = 0;
+    const auto slow = [](const void* const&, std::vector<unsigned char*>&, const int&, const int&,
+                         std::vector<int>&) {
+        ++begun;
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    };
+    m_path.SetScanCallBackFunction(slow, nullptr);
+    std::atomic<bool> end{false};
+    std::thread grab([&] {
+        for (unsigned char key = 0; !end; ++key) {
+            Mono(key);
+        }
+    });
+    EXPECT_TRUE(support::WaitUntil([] { return begun > 1; }));
+    int waitedFor = 0;
+    for (int round = 0; round < kRounds && waitedFor < 100 * kRounds; ++round) {
+        const int before = begun;
+        m_path.SetScanCallBackFunction(slow, nullptr);
+        waitedFor += begun - before;
+    }
+    end = true;
+    grab.join();
+    EXPECT_LT(waitedFor, 5 * kRounds) << "one or two each, but for a machine that is busy";
 }
 
 }  // namespace

@@ -119,5 +119,37 @@ TEST_F(Starts, WhileTheModeChangesNoColourIsExpected) {
     EXPECT_TRUE(GivesColor()) << "refused";
 }
 
+TEST_F(Starts, ChangesOfTheColourAreCountedOnceTheyAreAccepted) {
+    const auto changes = [this] { return m_starts.Current().changes; };
+    Write(kMono);
+    Write(kMonoPattern);
+    EXPECT_EQ(changes(), 0u);
+    m_starts.Writing(kColor);
+    EXPECT_EQ(changes(), 0u);
+    m_starts.Written(true);
+    EXPECT_EQ(changes(), 1u);
+    Write(kColorPattern);
+    Write(kOff);
+    Write(kSingle);
+    Write(kMono, false);
+    EXPECT_EQ(changes(), 1u);
+    Write(kMono);
+    EXPECT_EQ(changes(), 2u);
+}
+
+TEST_F(Starts, AStartHasTheChangesBehindItThatCameWithItOrBefore) {
+    const auto behind = [this] { return m_starts.Current().changesAtStart; };
+    Write(kColor);
+    EXPECT_EQ(behind(), 1u);
+    Write(kMono);
+    EXPECT_EQ(behind(), 1u) << "the trigger runs on";
+    Write(kOff);
+    Write(kMono);
+    EXPECT_EQ(behind(), 2u);
+    Write(kColor);
+    m_starts.StartAnew();
+    EXPECT_EQ(behind(), 3u);
+}
+
 }  // namespace
 }  // namespace Korvex3Sync::tests

@@ -21,7 +21,7 @@ constexpr std::size_t kMonoImages = 2;
 
 FramePath::~FramePath() {
     // Waits until nobody holds the section before its data is destroyed.
-    os::CriticalSectionGuard frame(m_csFrame);
+    os::FairCriticalSectionGuard frame(m_csFrame);
 }
 
 void FramePath::SetRoutes(std::vector<Route> routes) {
@@ -29,7 +29,7 @@ void FramePath::SetRoutes(std::vector<Route> routes) {
     for (const Route& route : routes) {
         slots = std::max(slots, route.slot + 1);
     }
-    m_keys.assign(slots, {});
+    m_cameras.assign(slots, {});
     m_routes = std::move(routes);
 }
 
@@ -54,7 +54,7 @@ const FramePath::Route* FramePath::FindRoute(int cameraId) {
 }
 
 Routed FramePath::HandleFrame(int cameraId, const unsigned char* raw, int width) {
-    os::CriticalSectionGuard frame(m_csFrame);
+    os::FairCriticalSectionGuard frame(m_csFrame);
     const Route* const route = FindRoute(cameraId);
     if (route == nullptr) {
         return Routed::Paired;
@@ -66,10 +66,13 @@ Routed FramePath::HandleFrame(int cameraId, const unsigned char* raw, int width)
     }
     m_decoded.key = raw[hardware::kKeyByte];
     m_decoded.width = width;
+    CameraFrames& camera = m_cameras[route->slot];
+    const TriggerStarts::Run run = m_triggerStarts.Current();
     if (m_decoded.images.size() == kMonoImages) {
-        const TriggerStarts::Run run = m_triggerStarts.Current();
-        m_decoded.colorExpected = run.givesColor;
-        m_scanCounters.MonoArrived(m_keys[route->slot].Take(m_decoded.key, run));
+        m_scanCounters.MonoArrived(camera.keys.Take(m_decoded.key, run));
+        m_decoded.colorExpected = camera.color.TakeMono(run, camera.keys.OfLatestRun());
+    } else if (camera.keys.Last() == m_decoded.key) {
+        camera.color.TakeColor(run);
     }
     const Routed routed = RouteFrame(m_decoded, m_pairing, m_colorCatch, *this);
     if (routed == Routed::Caught) {
@@ -100,7 +103,8 @@ void FramePath::Deliver(const std::vector<Image>& images, int width, int height,
         m_scanCounters.SetDelivered(took(), images.size() > kMonoImages, colorMissing);
     } catch (...) {
         m_scanCounters.SetThrown(took());
-        LOG(ERROR) << "a scan callback threw, or there was no memory to call it; its set is lost";
+        KORVEX_LOG_ERROR(kLog)
+            << "a scan callback threw, or there was no memory to call it; its set is lost";
     }
 }
 
@@ -113,7 +117,7 @@ void FramePath::Lose(PairingLoss loss) {
 }
 
 RETSTATUS FramePath::SetScanCallBackFunction(ScanCallBackFunction callback, void* context) {
-    os::CriticalSectionGuard frame(m_csFrame);
+    os::FairCriticalSectionGuard frame(m_csFrame);
     m_pScanCallBack = callback;
     m_pScanContext = context;
     return STATUS_SUCCESS;

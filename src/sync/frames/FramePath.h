@@ -9,8 +9,9 @@
 #include "Korvex3Sync/Types.h"
 #include "camera/GrabCounters.h"
 #include "camera/images/ImagePool.h"
-#include "platform/os/CriticalSection.h"
+#include "platform/os/FairCriticalSection.h"
 #include "sync/frames/ColorCatch.h"
+#include "sync/frames/ColorExpectation.h"
 #include "sync/frames/FramePairing.h"
 #include "sync/frames/FrameRouting.h"
 #include "sync/frames/KeyTracker.h"
@@ -64,6 +65,12 @@ public:
     RETSTATUS GetScanStatistics(ScanStatistics& statistics) const;
 
 private:
+    /// What the frames of one camera have told so far.
+    struct CameraFrames {
+        KeyTracker keys;
+        ColorExpectation color;
+    };
+
     Routed HandleFrame(int cameraId, const unsigned char* raw, int width);
     /// Null for an unknown camera or one without packed frames; then counts the frame as unrouted.
     const Route* FindRoute(int cameraId) KORVEX_REQUIRES(m_csFrame);
@@ -74,10 +81,10 @@ private:
     void Lose(PairingLoss loss) override;
 
     const void* const m_owner;
-    os::CriticalSection m_csFrame;
+    os::FairCriticalSection m_csFrame;
     ImagePool m_imagePool;  // declared before the members that hold its images
     std::vector<Route> m_routes KORVEX_GUARDED_BY(m_csFrame);
-    std::vector<KeyTracker> m_keys KORVEX_GUARDED_BY(m_csFrame);  // by slot
+    std::vector<CameraFrames> m_cameras KORVEX_GUARDED_BY(m_csFrame);  // by slot
     FramePairing m_pairing KORVEX_GUARDED_BY(m_csFrame);
     DecodedFrame m_decoded KORVEX_GUARDED_BY(m_csFrame);  // kept for its capacity
     std::vector<unsigned char*> m_callbackImages KORVEX_GUARDED_BY(m_csFrame);

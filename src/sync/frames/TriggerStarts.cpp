@@ -20,11 +20,11 @@ void TriggerStarts::Writing(int mode) {
     os::MutexGuard lock(m_mutex);
     m_asked = mode;
     m_colorBefore = m_run.givesColor;
-    if (StateOf(mode) != State::Running) {
+    const bool running = StateOf(mode) == State::Running;
+    m_starting = running && m_state != State::Running && m_state != State::Anew;
+    m_run.starts += m_starting ? 1 : 0;
+    if (!running) {
         return;
-    }
-    if (m_state != State::Running && m_state != State::Anew) {
-        ++m_run.starts;
     }
     // During a change of the mode, colour is only expected if both modes give it.
     m_run.givesColor = m_run.givesColor && hardware::AddsColor(mode);
@@ -41,6 +41,8 @@ void TriggerStarts::Written(bool accepted) {
     // After a stop, the frames still in the cameras belong to the previous mode.
     if (m_state == State::Running) {
         m_run.givesColor = hardware::AddsColor(m_asked);
+        m_run.changes += m_run.givesColor != m_colorBefore ? 1 : 0;
+        m_run.changesAtStart = m_starting ? m_run.changes : m_run.changesAtStart;
     }
 }
 
@@ -52,6 +54,7 @@ void TriggerStarts::ForgetState() {
 void TriggerStarts::StartAnew() {
     os::MutexGuard lock(m_mutex);
     m_run.anew = ++m_run.starts;
+    m_run.changesAtStart = m_run.changes;
     m_state = State::Anew;
 }
 

@@ -12,9 +12,11 @@ namespace Korvex3Sync {
 class TriggerStarts {
 public:
     struct Run {
-        std::uint64_t starts = 0;  // incremented by each start
-        std::uint64_t anew = 0;    // the start before which nothing counts
-        bool givesColor = false;   // each mono frame is followed by a colour frame
+        std::uint64_t starts = 0;          // incremented by each start
+        std::uint64_t anew = 0;            // the start before which nothing counts
+        bool givesColor = false;           // each mono frame is followed by a colour frame
+        std::uint64_t changes = 0;         // incremented by each change of givesColor
+        std::uint64_t changesAtStart = 0;  // `changes` at the latest start
     };
 
     /// This mode is about to be written to the board. A start counts from here on, because its
@@ -40,6 +42,7 @@ private:
     Run m_run KORVEX_GUARDED_BY(m_mutex);
     State m_state KORVEX_GUARDED_BY(m_mutex) = State::Unknown;
     int m_asked KORVEX_GUARDED_BY(m_mutex) = 0;
+    bool m_starting KORVEX_GUARDED_BY(m_mutex) = false;  // the write is a start
     bool m_colorBefore KORVEX_GUARDED_BY(m_mutex) = false;
 };
 
