@@ -170,6 +170,16 @@ TEST(ProfileFile, RefusalsNameFileAndLine) {
     EXPECT_EQ(RefusalOf(file), file.string() + ":2: project: 7 is not in 0 to 2");
 }
 
+TEST(ProfileFile, AKeyOfManyPartsIsRefusedWithoutACrash) {
+    std::string key = "a";
+    for (int part = 1; part < 40000; ++part) {
+        key += ".a";
+    }
+    const auto result = ParseProfile(key + " = 1");
+    ASSERT_TRUE(std::holds_alternative<ProfileError>(result));
+    EXPECT_EQ(std::get<ProfileError>(result).message, "a key has more than 8 dotted parts");
+}
+
 TEST(ProfileFile, FilesThatCannotBeReadAreRefused) {
     const TemporaryFolder folder;
     EXPECT_THAT(RefusalOf(folder.Path() / "none.toml"), HasSubstr("No such file"));

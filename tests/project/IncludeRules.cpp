@@ -26,6 +26,7 @@ const std::string kHeaders = "src/platform/include/";
 const std::string kBoardHeader = "src/platform/include/zr3DHandiDLPdev.h";
 const std::string kBoardFacts = "src/platform/include/BoardFacts.h";
 const std::string kFrameLayout = "src/platform/include/PackedFrameLayout.h";
+const std::string kToml = "src/toml/";
 const std::string kHead = "src/virtual_head/";
 const std::string kHeadRequest = "src/virtual_head/Request.h";
 const std::string kKorvexctl = "programs/korvexctl/";
@@ -45,16 +46,17 @@ const std::vector<Arrows> kArrows{
     {"src/camera/", {kPublic, "src/platform/include/zr3DCamera.h", kBoardFacts, kFrameLayout, kOs}},
     {kHeaders, {}},
     {kOs, {}},
+    {kToml, {}},
     // Report format and command codes: shared by the board's two ends, so free of both.
     {"src/platform/board/protocol/", {kHeaders, kOs}},
     {"src/platform/board/", {kHeaders, kOs, kHead}},
     {"src/platform/cameras/", {kHeaders, kOs, kHead}},
     {"src/platform/usbtree/", {kHeaders, kOs, kHead}},
-    {kHead, {"src/platform/board/protocol/", kHeaders, kOs}},
+    {kHead, {"src/platform/board/protocol/", kHeaders, kToml, kOs}},
     {kCli, {kOs}},
     {kFiles, {kCli, kOs}},
     {kProgramHead, {kCli, kFiles, kPublic, kHeadRequest, kBoardFacts, kFrameLayout, kOs}},
-    {kSettings, {kCli, kProgramHead, kPublic, kOs}},
+    {kSettings, {kCli, kProgramHead, kPublic, kToml, kOs}},
     {kPictures, {kCli, kFiles, kOs}},
     {kScan, {kCli, kFiles, kProgramHead, kSettings, kPictures, kPublic, kOs}},
     {kKorvexctl + "health/",

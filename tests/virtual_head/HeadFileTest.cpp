@@ -267,11 +267,24 @@ TEST_F(HeadFileTest, MissingFileFolderAndUnreadableFileAreRefused) {
 TEST_F(HeadFileTest, FileThatCannotBeAHeadFileIsTooLarge) {
     WriteText(m_file, std::string((1U << 20U) + 1, '#'));
     ExpectRefused(m_file, "is too large");
+    // A file of the system says that it is empty, and gives megabytes.
+    ExpectRefused("/proc/kallsyms", "is too large");
 }
 
 TEST_F(HeadFileTest, DeeplyNestedFileIsRefusedWithoutACrash) {
     const auto read = Read("a = " + std::string(200000, '['));
     EXPECT_TRUE(std::holds_alternative<HeadFileError>(read));
+}
+
+TEST_F(HeadFileTest, KeyOfManyPartsIsRefusedWithoutACrash) {
+    std::string key = "\na";
+    for (int part = 1; part < 40000; ++part) {
+        key += ".a";
+    }
+    const auto read = Read(key + " = 1");
+    ASSERT_TRUE(std::holds_alternative<HeadFileError>(read));
+    EXPECT_THAT(std::get<HeadFileError>(read).message,
+                EndsWith(":2: a key has more than 8 dotted parts"));
 }
 
 }  // namespace

@@ -1,10 +1,6 @@
 #include "korvexctl/settings/ProfileFile.h"
 
-#include <toml++/toml.h>
-
 #include <algorithm>
-#include <cerrno>
-#include <fstream>
 #include <map>
 #include <optional>
 #include <sstream>
@@ -12,6 +8,8 @@
 #include <utility>
 
 #include "korvexctl/cli/ExitCodes.h"
+#include "platform/os/File.h"
+#include "toml/ParseToml.h"
 
 namespace Korvex3Sync::korvexctl {
 
@@ -197,14 +195,10 @@ std::string ReadText(const std::filesystem::path& file) {
         // Opening a FIFO would wait for a writer.
         Refuse(file.string(), "is not a regular file");
     }
-    errno = 0;
-    std::ifstream stream(file, std::ios::binary);
-    std::string text(kLargestFile + 1, '\0');
-    if (!stream.read(text.data(), static_cast<std::streamsize>(text.size())) && !stream.eof()) {
-        Refuse(file.string(),
-               errno != 0 ? std::generic_category().message(errno) : "cannot be read");
+    const std::string text = os::ReadWithoutWaiting(file, kLargestFile + 1, error);
+    if (error) {
+        Refuse(file.string(), error.message());
     }
-    text.resize(static_cast<std::size_t>(stream.gcount()));
     if (text.size() > kLargestFile) {
         Refuse(file.string(), "larger than 1 MiB, so it is not a profile");
     }
@@ -214,13 +208,12 @@ std::string ReadText(const std::filesystem::path& file) {
 }  // namespace
 
 std::variant<Profile, ProfileError> ParseProfile(std::string_view text) {
-    ProfileReader reader;
-    try {
-        reader.Read(toml::parse(text));
-    } catch (const toml::parse_error& error) {
-        return ProfileError{static_cast<int>(error.source().begin.line),
-                            OneLine(std::string(error.description()))};
+    const auto parsed = ParseToml(text);
+    if (const auto* wrong = std::get_if<TomlError>(&parsed)) {
+        return ProfileError{wrong->line, OneLine(wrong->what)};
     }
+    ProfileReader reader;
+    reader.Read(std::get<toml::table>(parsed));
     std::variant<Profile, ProfileError> result = reader.Result();
     if (auto* error = std::get_if<ProfileError>(&result)) {
         error->message = OneLine(error->message);

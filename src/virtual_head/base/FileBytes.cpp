@@ -1,8 +1,8 @@
 #include "virtual_head/base/FileBytes.h"
 
-#include <fstream>
-#include <iterator>
 #include <system_error>
+
+#include "platform/os/File.h"
 
 namespace Korvex3Sync::virtual_head {
 
@@ -23,18 +23,15 @@ std::variant<std::string, const char*> ReadFileBytes(const std::filesystem::path
     if (std::filesystem::file_size(file, error) > most || error) {
         return error ? "cannot be examined" : "is too large";
     }
-    std::ifstream stream(file, std::ios::binary);
-    // The stream buffer reports a read error of the system only with an exception.
-    stream.exceptions(std::ios::badbit);
-    try {
-        if (stream) {
-            std::string bytes{std::istreambuf_iterator<char>(stream), {}};
-            return bytes;
-        }
-    } catch (const std::ios_base::failure&) {
+    // The size of a file of the system, as in /proc, says nothing.
+    std::string bytes = os::ReadWithoutWaiting(file, most + 1, error);
+    if (error) {
         return "cannot be read";
     }
-    return "cannot be read";
+    if (bytes.size() > most) {
+        return "is too large";
+    }
+    return bytes;
 }
 
 }  // namespace Korvex3Sync::virtual_head

@@ -1,7 +1,5 @@
 #include "virtual_head/config/HeadFile.h"
 
-#include <toml++/toml.h>
-
 #include <algorithm>
 #include <map>
 #include <optional>
@@ -9,6 +7,7 @@
 #include <utility>
 #include <vector>
 
+#include "toml/ParseToml.h"
 #include "virtual_head/base/FileBytes.h"
 #include "virtual_head/config/FaultKeys.h"
 #include "virtual_head/config/HeadRules.h"
@@ -143,14 +142,15 @@ std::variant<HeadDescription, HeadFileError> ParseHeadFile(std::string_view text
                                                            const std::filesystem::path& file) {
     try {
         Reader reader(file.parent_path());
-        reader.Read(toml::parse(text, file.string()));
+        const auto parsed = ParseToml(text);
+        if (const auto* wrong = std::get_if<TomlError>(&parsed)) {
+            return Refuse(file, wrong->line, wrong->what);
+        }
+        reader.Read(std::get<toml::table>(parsed));
         if (auto finding = reader.FirstFinding()) {
             return Refuse(file, finding->first, std::move(finding->second));
         }
         return std::move(reader.Description());
-    } catch (const toml::parse_error& error) {
-        return Refuse(file, static_cast<int>(error.source().begin.line),
-                      std::string(error.description()));
     } catch (const std::exception& error) {
         return Refuse(file, 0, error.what());
     }
@@ -174,7 +174,7 @@ HeadFileError RefuseReplay(const std::filesystem::path& file, const std::string&
         // The file was valid a moment ago; now only the line is needed.
         const auto bytes = ReadFileBytes(file, kLargestFile);
         if (const auto* text = std::get_if<std::string>(&bytes)) {
-            line = LineOfReplay(toml::parse(*text));
+            line = LineOfReplay(std::get<toml::table>(ParseToml(*text)));
         }
     } catch (const std::exception&) {
         line = 0;
