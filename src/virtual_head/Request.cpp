@@ -1,5 +1,6 @@
 #include "virtual_head/Request.h"
 
+#include <atomic>
 #include <cstdlib>
 #include <exception>
 #include <utility>
@@ -7,6 +8,7 @@
 
 #include "platform/os/CriticalSection.h"
 #include "platform/os/Print.h"
+#include "platform/os/Process.h"
 #include "virtual_head/VirtualHead.h"
 #include "virtual_head/config/HeadFile.h"
 #include "virtual_head/config/HeadRules.h"
@@ -30,10 +32,18 @@ Requests& TheRequests() {
     return *requests;
 }
 
-/// Ends the clock of the last head in an orderly way at the end of the process.
+/// The process that made the present head; 0 without one.
+std::atomic<long> g_maker{0};
+
+/// Ends the clock of the last head in an orderly way at the end of the process. A forked child does
+/// nothing: the clock does not run there, and threads that are not there may hold locks.
 struct WithdrawAtExit {
     WithdrawAtExit() = default;
-    ~WithdrawAtExit() { WithdrawVirtualHead(); }
+    ~WithdrawAtExit() {
+        if (g_maker == os::CurrentProcess()) {
+            WithdrawVirtualHead();
+        }
+    }
     WithdrawAtExit(const WithdrawAtExit&) = delete;
     WithdrawAtExit& operator=(const WithdrawAtExit&) = delete;
 };
@@ -85,6 +95,7 @@ void Replace(std::shared_ptr<VirtualHead> head) {
         os::MutexGuard lock(requests.mutex);
         requests.decided = true;
         requests.head.swap(head);
+        g_maker = requests.head ? os::CurrentProcess() : 0;
     }
     if (head) {
         head->GetFaults().ReleaseHangs();
@@ -100,6 +111,7 @@ bool Decide(Requests& requests, std::string& error) KORVEX_REQUIRES(requests.mut
         return true;
     }
     requests.head = MakeHead(std::string(request), error);
+    g_maker = requests.head ? os::CurrentProcess() : 0;
     if (!requests.head) {
         error = std::string(kVariable) + ": " + error;
     }

@@ -197,6 +197,19 @@ TEST(SlowCall, BeyondTheLimitFailsAndNotTheNext) {
     EXPECT_TRUE(zr3DProject(board.handle, PROJECTTYPE{1}));
 }
 
+TEST(SlowCall, HoldsUpNoClosing) {
+    const os::ScopedTimeScale fast{0.1};
+    const RequestedHead head;
+    OpenedBoard board;
+    // Ten minutes each, longer than a test may take.
+    ASSERT_TRUE(head->GetFaults().Slow("zr3DProject", 100min, 1));
+    ASSERT_TRUE(head->GetFaults().Slow("zr3DExitHidDev", 100min, 1));
+    EXPECT_FALSE(zr3DProject(board.handle, PROJECTTYPE{2}));
+    EXPECT_FALSE(zr3DExitHidDev(board.handle)) << "the reply limit passed";
+    EXPECT_EQ(board.handle, nullptr);
+    EXPECT_THAT(head->GetJournal().Texts(), Contains("zr3DProject(2) = true"));
+}
+
 TEST(LateBoard, HoldsUpNoClosing) {
     const os::ScopedTimeScale fast{0.1};
     const RequestedHead head;

@@ -259,5 +259,18 @@ TEST_F(ConnectedHead, ABoardThatHangsDelaysACallButNeverKeepsIt) {
     EXPECT_EQ(Project(m_handle, PROJECT_PATTERN_1), STATUS_SUCCESS);
 }
 
+TEST_F(ConnectedHead, ASlowBoardHoldsUpADisconnectForItsReplyLimitsOnly) {
+    Request(SmallHead());
+    ASSERT_EQ(Connect(), STATUS_SUCCESS);
+    // Longer than a test may take.
+    for (const char* const call : {"zr3DEnableHeartbeat", "zr3DProject", "zr3DExitHidDev"}) {
+        ASSERT_TRUE(Head().GetFaults().Slow(call, std::chrono::minutes(60), 1));
+    }
+    bool on = true;
+    EXPECT_EQ(EnableHeartbeat(m_handle, on), STATUS_FAILED);
+    EXPECT_EQ(DisConnectDevice(m_handle), STATUS_SUCCESS);
+    Head().GetFaults().Clear();
+}
+
 }  // namespace
 }  // namespace Korvex3Sync::tests

@@ -40,8 +40,8 @@ public:
     /// deadline. Give and WaitIdle wait up to 10 s longer for a task that no fault holds: it only
     /// lacks processor time, which is not a failure of the head.
     bool WaitIdle(Deadline deadline);
-    /// Wakes the callers of Give, ends a hang of the running task and waits for the thread. Blocks
-    /// as long as a fault slows the task. Further calls do nothing.
+    /// Wakes the callers of Give, ends a hang or slowness of the running task and waits for the
+    /// thread. Further calls do nothing.
     void End();
 
 private:

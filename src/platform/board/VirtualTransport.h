@@ -35,7 +35,7 @@ public:
 
     bool Send(const Report& report, Deadline deadline) override;
     std::optional<ReceivedBytes> Receive(Deadline deadline) override;
-    /// Blocks for at most the reply limit, or as long as a fault slows the running command.
+    /// Blocks for at most the reply limit. A command that hangs or is slowed continues at once.
     bool Close() override;
     bool Closed() const override;
 

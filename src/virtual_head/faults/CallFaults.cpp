@@ -10,6 +10,7 @@
 namespace Korvex3Sync::virtual_head {
 namespace {
 
+using namespace std::chrono_literals;
 using namespace std::string_view_literals;
 
 // The calls that are not commands of the board's protocol.
@@ -116,19 +117,24 @@ bool CallFaults::WaitForHang(const std::string& call, std::chrono::milliseconds 
 void CallFaults::HangNow(Orders& orders) {
     ++orders.hanging;
     m_changed.NotifyAll();
+    WaitForRelease(orders,
+                   orders.lasting.count() > 0 ? std::optional(orders.lasting) : std::nullopt);
+    --orders.hanging;
+}
+
+void CallFaults::WaitForRelease(const Orders& orders,
+                                std::optional<std::chrono::milliseconds> limit) {
     const std::uint64_t all = m_releases;
     const std::uint64_t own = orders.releases;
-    const auto end = std::chrono::steady_clock::now() + os::Scaled(orders.lasting);
-    const bool ends = orders.lasting.count() > 0;
-    bool hangs = true;
-    while (hangs && m_releases == all && orders.releases == own) {
-        if (ends) {
-            hangs = m_changed.WaitUntil(m_mutex, end);
+    const auto end = std::chrono::steady_clock::now() + os::Scaled(limit.value_or(0ms));
+    bool waits = true;
+    while (waits && m_releases == all && orders.releases == own) {
+        if (limit) {
+            waits = m_changed.WaitUntil(m_mutex, end);
         } else {
             m_changed.Wait(m_mutex);
         }
     }
-    --orders.hanging;
 }
 
 std::vector<std::string> CallFaults::Unused() const {
@@ -177,11 +183,7 @@ bool CallFaults::Meet(const std::string& call) {
     if (orders.slow > 0) {
         --orders.slow;
         ++orders.slowed;
-        const std::chrono::milliseconds extra = orders.extra;
-        {
-            os::MutexRelease unlocked(m_mutex);
-            os::SleepFor(extra);
-        }
+        WaitForRelease(orders, orders.extra);
         --orders.slowed;
     }
     return fails;

@@ -3,6 +3,7 @@
 #include <chrono>
 #include <cstdint>
 #include <map>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -46,6 +47,9 @@ private:
         std::uint64_t releases = 0;
     };
 
+    /// Blocks until waits of this call are released, at most for this nominal time.
+    void WaitForRelease(const Orders& orders, std::optional<std::chrono::milliseconds> limit)
+        KORVEX_REQUIRES(m_mutex);
     /// Blocks until the hang ends.
     void HangNow(Orders& orders) KORVEX_REQUIRES(m_mutex);
 

@@ -50,10 +50,11 @@ public:
     bool Slow(const std::string& call, std::chrono::milliseconds extra, int times);
     /// The next call blocks until ReleaseHangs, and then fails.
     bool Hang(const std::string& call);
-    /// Ends all current hangs. A hang that no call has reached yet stays ordered.
+    /// Ends all current hangs, and lets calls that are being slowed continue at once. A hang that
+    /// no call has reached yet stays ordered.
     void ReleaseHangs();
-    /// Ends the hangs of one function only. Closing a board while a call on it hangs does this, for
-    /// all handles of that board.
+    /// Does this for one function only. Closing a board does it for the call that the board is in,
+    /// for all handles of that board.
     void ReleaseHangs(const std::string& call);
     /// Waits until a call of this function hangs. False after the limit, which is real time.
     bool WaitForHang(const std::string& call, std::chrono::milliseconds limit);
