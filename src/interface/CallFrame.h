@@ -7,6 +7,7 @@
 #include "Korvex3Sync/Status.h"
 #include "interface/LiveConnections.h"
 #include "interface/Mode.h"
+#include "platform/os/Cancellation.h"
 #include "platform/os/Log.h"
 
 namespace Korvex3Sync {
@@ -16,6 +17,8 @@ inline constexpr char kInterfaceLog[] = "KorvexSyncControl";
 // The frame of every exported call. `name` is the name of the export, for its entry record. The
 // operation is called with the arguments of the export, unchanged. No exception crosses the
 // interface: an operation that throws (std::bad_alloc) gives 0.
+// A thread that is cancelled in an export ends after it, because the unwinding would end the
+// process at NoThrow and at destructors.
 
 /// Logs "<name> enter".
 void LogEnter(const char* name);
@@ -142,6 +145,7 @@ RETSTATUS Dispatch(const AlwaysDirect<Direct>& target, void* handle, Args&&... a
 /// The frame of every export with a handle.
 template <class Target, class... Args>
 RETSTATUS ExportCall(const Target& target, const char* name, void* handle, Args&&... args) {
+    const os::CancellationOff cancellation;
     LogEnter(name);
     if (handle == nullptr) {
         return STATUS_NOT_CONNECTED;

@@ -43,34 +43,38 @@ RETSTATUS SwitchOnDeviceService(bool on) {
 RETSTATUS ConnectDevice(const char* const& deviceType, const char* const& projectorId,
                         const std::vector<char*>& cameraNames, const std::vector<int>& cameraParamA,
                         const std::vector<int>& cameraParamB, void*& handle) {
+    const os::CancellationOff cancellation;
     LogEnter("ConnectDevice");
     if (ServiceMode()) {
         return ServiceCall(NoClientOperation{});
     }
-    return NoThrow([&] {
-        auto connection = std::make_unique<Connection>();
-        void* const address = HandleOf(*connection);
-        const RETSTATUS status = NoThrow([&] {
-            const RETSTATUS connected = connection->manager.Connect(
-                deviceType, projectorId, cameraNames, cameraParamA, cameraParamB);
-            if (connected == STATUS_SUCCESS) {
-                AddConnection(connection);
-            }
-            return connected;
-        });
-        if (status == STATUS_SUCCESS) {
-            handle = address;
-            KORVEX_LOG(kInterfaceLog) << "Success Connnect Device hSync=" << handle;
-        } else {
-            KORVEX_LOG(kInterfaceLog) << "Connect Device Failed!";
+    std::unique_ptr<Connection> connection;
+    void* address = nullptr;
+    const RETSTATUS status = NoThrow([&] {
+        connection = std::make_unique<Connection>();
+        address = HandleOf(*connection);
+        const RETSTATUS connected = connection->manager.Connect(
+            deviceType, projectorId, cameraNames, cameraParamA, cameraParamB);
+        if (connected == STATUS_SUCCESS) {
+            AddConnection(connection);
+        }
+        return connected;
+    });
+    if (status == STATUS_SUCCESS) {
+        handle = address;
+        KORVEX_LOG(kInterfaceLog) << "Success Connnect Device hSync=" << handle;
+    } else {
+        KORVEX_LOG(kInterfaceLog) << "Connect Device Failed!";
+        if (connection != nullptr) {
             EndTemporary(std::move(connection));
         }
-        KORVEX_LOG(kInterfaceLog) << "ConnectDevice leave";
-        return status;
-    });
+    }
+    KORVEX_LOG(kInterfaceLog) << "ConnectDevice leave";
+    return status;
 }
 
 RETSTATUS DisConnectDevice(void*& handle) {
+    const os::CancellationOff cancellation;
     LogDisconnect(handle);
     if (handle == nullptr) {
         return STATUS_NOT_CONNECTED;
@@ -100,6 +104,7 @@ RETSTATUS ReconnectDevice(void* const& handle) {
 }
 
 RETSTATUS ReconnectDevice(void* const& handle, const bool& first, const bool& second) {
+    const os::CancellationOff cancellation;
     LogEnter("ReconnectDevice");
     if (handle != nullptr) {
         return DirectCall(&BoardSession::ResetBoard, handle, first, second);
@@ -113,6 +118,7 @@ RETSTATUS ReconnectDevice(void* const& handle, const bool& first, const bool& se
 }
 
 RETSTATUS GetFirewareVersion(const char* projectorId, std::string& version) {
+    const os::CancellationOff cancellation;
     if (projectorId == nullptr) {
         return STATUS_PARAMETER;
     }
@@ -128,6 +134,7 @@ RETSTATUS GetFirewareVersion(const char* projectorId, std::string& version) {
 
 RETSTATUS GetFirewareVersion(void* handle, const char* deviceType, const char* projectorId,
                              std::string& version) {
+    const os::CancellationOff cancellation;
     LogEnter("GetFirewareVersion");
     if (handle == nullptr && deviceType == nullptr) {
         return STATUS_NOT_CONNECTED;

@@ -13,6 +13,7 @@ constexpr char kVersion[] = "1.2.0.1";
 RETSTATUS GetCamerasInformation(const char* const& cameraType, std::vector<char*>& serials,
                                 std::vector<int>& widths, std::vector<int>& heights,
                                 std::vector<bool>& isColor, int& cameraCount) {
+    const os::CancellationOff cancellation;
     KORVEX_LOG(kInterfaceLog) << "zr3DHandiSync version: " << kVersion;
     if (ServiceMode()) {
         return ServiceCall(NoClientOperation{});
@@ -27,6 +28,7 @@ RETSTATUS GetCamerasInformation(const char* const& cameraType, std::vector<char*
 }
 
 RETSTATUS GetCameraCount(const char* const& cameraType, int& count) {
+    const os::CancellationOff cancellation;
     LogEnter("GetCameraCount");
     if (ServiceMode()) {
         return ServiceCall(NoClientOperation{});
@@ -39,6 +41,7 @@ RETSTATUS GetCameraCount(const char* const& cameraType, int& count) {
 }
 
 RETSTATUS IsConnectedOnU3(const char*, bool& onU3) {
+    const os::CancellationOff cancellation;
     LogEnter("IsConnectedOnU3");
     return NoThrow([&] { return FindBoardUsbSpeed(onU3) ? STATUS_SUCCESS : STATUS_FAILED; });
 }

@@ -83,7 +83,8 @@ int IManagerSync::ReConnectDevice() {
         const DeviceGuard device(m_csDevice);
         opened = m_board.ReOpen();
         if (opened == STATUS_SUCCESS) {
-            PrintAndLog("Init Projector First time success");
+            KORVEX_LOG(kLog) << "Init Projector First time success";
+            os::Print("Init Projector First time success\n");
             unsigned char first = 0;
             unsigned char second = 0;
             if (m_board.QueryCurrentStatus(first, second) == STATUS_SUCCESS) {

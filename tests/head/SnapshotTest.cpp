@@ -1,10 +1,12 @@
 #include <gmock/gmock.h>
 
 #include <algorithm>
+#include <future>
 #include <thread>
 
 #include "head/HeadSession.h"
 #include "platform/os/TimeScale.h"
+#include "support/WaitUntil.h"
 
 namespace Korvex3Sync::tests {
 namespace {
@@ -123,6 +125,21 @@ TEST_F(SnapshotOfHead, WithoutColourFramesGivesUpAndLeavesTheTriggerOn) {
     EXPECT_EQ(m_width, 0);
     EXPECT_EQ(Head().Board().State().triggerMode, 4);
     EXPECT_EQ(Head().Board().State().strobeState, 3);
+}
+
+TEST_F(SnapshotOfHead, WithoutColourFramesEndsAtOnceWhenTheConnectionIsClosed) {
+    Open(false);
+    const os::ScopedTimeScale slow(10);  // a frame is waited for a thousand seconds
+    auto snapshot = std::async(std::launch::async, [this, handle = m_handle] {
+        double exposure = 8.5;
+        int gain = 3;
+        return SnapColorImage(handle, m_images, m_width, m_height, 1, exposure, gain,
+                              CONTROL_ROUTE_2);
+    });
+    ASSERT_TRUE(support::WaitUntil([this] { return Head().Board().State().triggerMode == 4; }));
+    EXPECT_EQ(DisConnectDevice(m_handle), STATUS_SUCCESS);
+    EXPECT_EQ(snapshot.get(), STATUS_FAILED);
+    EXPECT_TRUE(m_images.empty());
 }
 
 TEST_F(SnapshotOfHead, WithClosedCamerasGivesUp) {

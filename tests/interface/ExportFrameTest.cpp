@@ -1,5 +1,11 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <pthread.h>
+
+#include <functional>
+#include <string>
+#include <thread>
+#include <vector>
 
 #include "interface/Connected.h"
 #include "interface/EveryExport.h"
@@ -77,8 +83,62 @@ TEST_P(ExportFrame, InServiceModeWithoutAClientOnlyTheAlwaysDirectReachesTheDevi
     EXPECT_EQ(Recorder::Get().Calls() != calls, GetParam().kind == Kind::AlwaysDirect);
 }
 
+/// What became of a thread that was cancelled before it made a call.
+struct Cancelled {
+    bool returned = false;
+    bool wentOn = false;
+};
+
+template <class Call>
+Cancelled CallCancelled(Call call) {
+    Cancelled cancelled;
+    std::thread thread([&] {
+        pthread_cancel(pthread_self());
+        call();
+        cancelled.returned = true;
+        pthread_testcancel();
+        cancelled.wentOn = true;
+    });
+    thread.join();
+    return cancelled;
+}
+
+TEST_P(ExportFrame, AThreadThatIsCancelledInsideEndsAfterwards) {
+    ASSERT_EQ(Connect(), STATUS_SUCCESS);
+    const Cancelled cancelled = CallCancelled([this] { GetParam().call(m_handle); });
+    EXPECT_TRUE(cancelled.returned);
+    EXPECT_FALSE(cancelled.wentOn);
+}
+
 INSTANTIATE_TEST_SUITE_P(All, ExportFrame, testing::ValuesIn(EveryExport()),
                          [](const auto& row) { return std::string(row.param.name); });
+
+TEST_F(Connected, AThreadThatIsCancelledInAnExportOfItsOwnFrameEndsAfterwards) {
+    int count = 0;
+    bool onU3 = false;
+    std::string version;
+    std::vector<char*> serials;
+    std::vector<int> sizes;
+    std::vector<bool> isColor;
+    const std::vector<std::function<void()>> calls{
+        [&] { Connect(); },
+        [&] { DisConnectDevice(m_handle); },
+        [&] { ReconnectDevice(nullptr, false, false); },
+        [&] { GetFirewareVersion("", version); },
+        [&] { GetFirewareVersion(nullptr, "any", "", version); },
+        [&] { GetCamerasInformation("KV", serials, sizes, sizes, isColor, count); },
+        [&] { GetCameraCount("KV", count); },
+        [&] { IsConnectedOnU3("", onU3); },
+    };
+    for (std::size_t number = 0; number < calls.size(); ++number) {
+        const Cancelled cancelled = CallCancelled(calls[number]);
+        EXPECT_TRUE(cancelled.returned) << number;
+        EXPECT_FALSE(cancelled.wentOn) << number;
+    }
+    for (const char* serial : serials) {
+        delete[] serial;
+    }
+}
 
 TEST_F(Connected, RetiredGettersTouchNothing) {
     int gain = 77;

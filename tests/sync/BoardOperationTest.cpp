@@ -234,11 +234,27 @@ TEST_F(BoardOperations, AFreshSessionRemembersTheInitialState) {
     EXPECT_EQ(settings.irLaserWorkTime, 1000);
 }
 
-TEST_F(BoardOperations, AHandleThatAFailedOpenLeftIsNoBoard) {
+TEST_F(BoardOperations, WhatAFailedOpenLeftIsTheBoardUntilItIsClosed) {
     Recorder::Get().LeaveHandlesOnFailure();
     Recorder::Get().FailAlways("zr3DInitHidDev");
     EXPECT_EQ(m_board.InitProjector(""), STATUS_PROJECTOR);
-    EXPECT_EQ(m_board.Project(PROJECT_PATTERN_1), STATUS_NOT_CONNECTED);
+    EXPECT_EQ(m_board.Project(PROJECT_PATTERN_1), STATUS_SUCCESS);
+    EXPECT_EQ(Last(), "zr3DProject(B1, 1)");
+    EXPECT_EQ(m_board.ReOpen(), STATUS_PROJECTOR);
+    EXPECT_EQ(Recorder::Get().Count("zr3DExitHidDev(B1)"), 1u) << "closed, not forgotten";
+    m_board.ExitProjector();
+    EXPECT_EQ(Recorder::Get().Handles(), 0u);
+}
+
+TEST_F(BoardOperations, WhatAFailedOpenForOneCallLeftIsClosedAtOnce) {
+    Recorder::Get().LeaveHandlesOnFailure();
+    Recorder::Get().FailAlways("zr3DInitHidDev");
+    EXPECT_EQ(m_board.ResetBoard(false, true), STATUS_PROJECTOR);
+    std::string version;
+    EXPECT_EQ(m_board.GetFirewareVersion("A", version), STATUS_PROJECTOR);
+    EXPECT_EQ(Recorder::Get().Count("zr3DExitHidDev"), 2u);
+    EXPECT_EQ(Recorder::Get().Handles(), 0u);
+    EXPECT_EQ(Recorder::Get().Count("zr3DResetDevice"), 0u);
 }
 
 TEST_F(BoardOperations, TriggerModesAreTranslated) {

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "platform/os/TimeScale.h"
@@ -90,6 +91,33 @@ TEST_F(CameraSetAlone, AResetStateLeavesTheGrabThreadsRunning) {
     m_head.cameras.ResetState();
     EXPECT_EQ(Recorder::Get().Calls().back(), "ResetCameraState(C1)");
     EXPECT_TRUE(Snaps());
+}
+
+TEST_F(CameraSetAlone, WhatMeetsAClosingPassesOverTheCamerasThatAreGone) {
+    Recorder::Get().Attach({{"AAA"}, {"BBB"}});
+    SerialList serials{"AAA", "BBB"};
+    ASSERT_EQ(m_head.cameras.OpenCameras(serials.Pointers(), {8, 8}, {4, 4}), 0);
+    m_head.cameras.SetCameraExposureAndGain(1, 8.5, 3);
+    bool met = false;
+    Recorder::Get().OnCall("UnlockOthers", [&] {
+        if (Recorder::Get().Count("ReleaseCamera(C1)") == 0 || std::exchange(met, true)) {
+            return;  // the first one is not gone yet
+        }
+        // As a status callback does on its thread.
+        m_head.cameras.ResetState();
+        m_head.cameras.PauseAndRecreate();
+        m_head.cameras.ReOpen();
+        m_head.cameras.Resume();
+        EXPECT_EQ(m_head.cameras.ReleaseCamera(), STATUS_SUCCESS);
+        double exposure = 0.0;
+        int gain = 0;
+        EXPECT_EQ(m_head.cameras.GetCameraExposureAndGain(0, exposure, gain), STATUS_SUCCESS);
+    });
+    m_head.cameras.Close();
+    EXPECT_TRUE(met);
+    EXPECT_EQ(Recorder::Get().Count("ResetCameraState"), 1u) << "the one that is still there";
+    EXPECT_EQ(Recorder::Get().Handles(), 0u);
+    EXPECT_EQ(Count(), 0);
 }
 
 }  // namespace

@@ -94,6 +94,16 @@ TEST_F(Connection, ABoardThatDoesNotOpenIsStatusOne) {
     EXPECT_EQ(Recorder::Get().Count("CreateCamera"), 0u);
 }
 
+TEST_F(Connection, WhatABoardThatDoesNotOpenLeftIsClosedWithTheManager) {
+    Recorder::Get().LeaveHandlesOnFailure();
+    Recorder::Get().FailAlways("zr3DInitHidDev");
+    auto manager = std::make_unique<IManagerSync>();
+    EXPECT_EQ(ConnectRecorded(*manager), STATUS_PROJECTOR);
+    manager.reset();
+    EXPECT_EQ(Recorder::Get().Calls(), (Calls{"zr3DInitHidDev(null, 3267, 5752, BOARD)",
+                                              "zr3DProject(B1, 0)", "zr3DExitHidDev(B1)"}));
+}
+
 TEST_F(Connection, ThirdCameraThatDoesNotOpenClosesTheFirstTwoAndDestroysAll) {
     Recorder::Get().Attach({{"A"}, {"B"}, {"C"}});
     Recorder::Get().FailNth("OpenCamera", 3);

@@ -1,11 +1,13 @@
 #include <gtest/gtest.h>
 
+#include <array>
 #include <atomic>
 #include <condition_variable>
 #include <memory>
 #include <mutex>
 #include <stdexcept>
 #include <utility>
+#include <vector>
 
 #include "platform/os/Event.h"
 #include "platform/os/TimeScale.h"
@@ -238,6 +240,24 @@ TEST_F(StatusThread, StaysAwayFromTheBoardUntilTheLastOneUnparksIt) {
         << "one may have been under way";
     EXPECT_TRUE(m_poller.Unpark());
     EXPECT_TRUE(WaitForPolls(2));
+}
+
+TEST_F(StatusThread, OfTwoFirstCallsAtTheSameTimeOneStartsTheThread) {
+    Open();
+    std::array<RETSTATUS, 2> results{};
+    std::vector<std::unique_ptr<support::BlockingCall>> callers;
+    m_device.Enter();
+    for (RETSTATUS& result : results) {
+        callers.push_back(
+            std::make_unique<support::BlockingCall>([this, &result] { result = Report(); }));
+        EXPECT_TRUE(callers.back()->WaitUntilBlocked());
+    }
+    m_device.Leave();
+    callers.clear();
+    EXPECT_EQ(results, (std::array{STATUS_SUCCESS, STATUS_SUCCESS}));
+    EXPECT_TRUE(m_reports.WaitFor(2)) << "the thread runs";
+    EXPECT_EQ(Recorder::Get().Count("zr3DEnableHeartbeat(B1, 1)"), 2u);
+    Set(nullptr, nullptr);
 }
 
 TEST_F(StatusThread, ToldToEndWhileItWaitsForTheBoardLeavesItAlone) {

@@ -59,8 +59,8 @@ RETSTATUS BoardSession::InitProjector(const char* pcbSerial) {
     void* handle = m_hDevice;
     const bool opened =
         board::zr3DInitHidDev(handle, kVendorId.data(), kProductId.data(), pcbSerial);
-    // A failed open may leave any value in `handle`.
-    m_hDevice = opened ? handle : nullptr;
+    // A failed open may leave something to close.
+    m_hDevice = handle;
     return opened ? STATUS_SUCCESS : STATUS_PROJECTOR;
 }
 

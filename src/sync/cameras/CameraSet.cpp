@@ -33,19 +33,24 @@ CameraSet::CameraSet(os::CriticalSection& device, PhysicalCameraThreadListener& 
                      FramePath& frames)
     : m_csDevice(device), m_listener(listener), m_frames(frames) {}
 
+template <class Action>
+void CameraSet::ForEachCamera(Action action) {
+    for (const auto& camera : m_cameras) {
+        if (camera != nullptr) {
+            action(*camera);
+        }
+    }
+}
+
 void CameraSet::PauseAndRecreate() {
     const DeviceGuard device(m_csDevice);
     PauseAndRelease("ReInitializeCamera success");
-    for (auto& camera : m_cameras) {
-        camera->InializeCamera(kSerialOfLastOpen);
-    }
+    ForEachCamera([](CPhysicalCameraThread& camera) { camera.InializeCamera(kSerialOfLastOpen); });
 }
 
 void CameraSet::Resume() {
     const DeviceGuard device(m_csDevice);
-    for (auto& camera : m_cameras) {
-        camera->ResumeThread();
-    }
+    ForEachCamera([](CPhysicalCameraThread& camera) { camera.ResumeThread(); });
 }
 
 RETSTATUS CameraSet::ReleaseCamera() {
@@ -55,40 +60,40 @@ RETSTATUS CameraSet::ReleaseCamera() {
 }
 
 void CameraSet::PauseAndRelease(const char* record) {
-    for (auto& camera : m_cameras) {
-        camera->PauseThread();
-        camera->ReleaseCamera();
+    ForEachCamera([record](CPhysicalCameraThread& camera) {
+        camera.PauseThread();
+        camera.ReleaseCamera();
         KORVEX_LOG(kLog) << record;
         os::Print("ReInitializeCamera success\n");  // both callers print this text
-    }
+    });
 }
 
 void CameraSet::ReOpen() {
     const DeviceGuard device(m_csDevice);
     const std::vector<OrderSetting> orders = OrdersToRestore(m_remembered);
-    for (auto& camera : m_cameras) {
-        camera->PauseThread();
-        if (!camera->ReOpenCamera()) {
+    ForEachCamera([this, &orders](CPhysicalCameraThread& camera) {
+        camera.PauseThread();
+        if (!camera.ReOpenCamera()) {
             KORVEX_LOG(kLog) << "ReOpenCamera failed";
-            continue;
+            return;
         }
-        os::Print("ReOpenCamera success\n");
         KORVEX_LOG(kLog) << "ReOpenCamera success";
-        camera->StartCamera();
+        os::Print("ReOpenCamera success\n");
+        camera.StartCamera();
         for (const OrderSetting& setting : orders) {
             SetCameraExposureAndGain(setting.order, setting.exposure, setting.gain);
         }
-        camera->ResumeThread();
-    }
+        camera.ResumeThread();
+    });
 }
 
 void CameraSet::ResetState() {
     // Keeps out a reconnection, whose pause this would end and which replaces the cameras.
     const DeviceGuard device(m_csDevice);
-    for (auto& camera : m_cameras) {
-        const Paused paused(*camera);
-        camera->ResetCameraState();
-    }
+    ForEachCamera([](CPhysicalCameraThread& camera) {
+        const Paused paused(camera);
+        camera.ResetCameraState();
+    });
 }
 
 void CameraSet::Close() {

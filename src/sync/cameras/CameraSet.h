@@ -87,6 +87,10 @@ private:
     /// `record` is logged for each camera.
     void PauseAndRelease(const char* record) KORVEX_REQUIRES(m_csDevice);
 
+    /// Passes over the cameras that Close has already destroyed. A status callback can run beside
+    /// it. Allocates nothing.
+    template <class Action>
+    void ForEachCamera(Action action) KORVEX_REQUIRES(m_csDevice);
     /// Null without cameras.
     CPhysicalCameraThread* FirstCamera() const KORVEX_REQUIRES(m_csDevice);
     /// The number of channel codes: one for each entry of the serial list.

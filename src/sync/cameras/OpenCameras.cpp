@@ -166,8 +166,8 @@ void CameraSet::StartGrabbing() {
         m_frameEvents.emplace_back();
         camera->SetScanCallBackFunction(&FramePath::OnFrame, &m_frames);
         if (!camera->StartThread()) {
-            LOG(ERROR) << "a grab thread did not start: camera " << m_frameEvents.size() << " of "
-                       << m_cameras.size() << " gives no frames";
+            KORVEX_LOG_ERROR(kLog) << "a grab thread did not start: camera " << m_frameEvents.size()
+                                   << " of " << m_cameras.size() << " gives no frames";
         }
     }
 }

@@ -2,9 +2,10 @@
 
 #ifdef KORVEX_CHECKS
 
-#include <glog/logging.h>
-
 #include <utility>
+
+#include "platform/os/Log.h"
+#include "sync/connection/ManagerLog.h"
 
 namespace Korvex3Sync {
 namespace {
@@ -22,8 +23,9 @@ InScanCallback::~InScanCallback() {
 
 void CheckNotInScanCallback(const void* connection) {
     if (t_connection == connection) {
-        LOG(ERROR) << "an operation was called in a scan callback of the same handle: it can wait "
-                      "for a reconnection that waits for this callback";
+        KORVEX_LOG_ERROR(kManagerSyncLog)
+            << "an operation was called in a scan callback of the same handle: it can wait "
+               "for a reconnection that waits for this callback";
     }
 }
 

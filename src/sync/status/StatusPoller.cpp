@@ -31,37 +31,48 @@ StatusPoller::~StatusPoller() {
 RETSTATUS StatusPoller::SetStatusCallBackFunction(StatusCallBackFunction callback, void* context) {
     KORVEX_LOG(kLog) << "pCallBack=" << reinterpret_cast<const void*>(callback)
                      << " m_bContinueStatusThread=" << m_bContinueStatusThread;
-    const auto store = [&] {
-        os::CriticalSectionGuard status(m_csStatus);
-        m_pStatusContext = context;
-        m_nStatusSkipCount = kSkippedPolls;
-        return std::exchange(m_pStatusCallBack, callback);
-    };
-    if (m_bContinueStatusThread) {
-        store();
-        if (callback == nullptr || context == nullptr) {
-            KORVEX_LOG(kLog) << "SetStatusCallBackFunction close heart beat.";
-            m_board.EnableHeartbeat(false);
-        } else {
-            KORVEX_LOG(kLog) << "SetStatusCallBackFunction EnableHeartbeat 1.";
-            m_board.EnableHeartbeat(true);
-        }
-        return STATUS_SUCCESS;
-    }
-    {
-        const DeviceGuard device(m_csDevice);
-        const StatusCallBackFunction previous = store();
-        m_bContinueStatusThread = true;
-        if (!m_hStatusThread.Start([this] { StatusThreadFun(); })) {
-            m_bContinueStatusThread = false;
-            os::CriticalSectionGuard status(m_csStatus);
-            m_pStatusCallBack = previous;
+    switch (m_bContinueStatusThread ? Start::WasRunning : StartWith(callback, context)) {
+        case Start::Failed:
             return STATUS_FAILED;
-        }
-        KORVEX_LOG(kLog) << "SetStatusCallBackFunction EnableHeartbeat.";
+        case Start::Done:
+            m_board.EnableHeartbeat(true);
+            return STATUS_SUCCESS;
+        case Start::WasRunning:
+            break;
     }
-    m_board.EnableHeartbeat(true);
+    Store(callback, context);
+    if (callback == nullptr || context == nullptr) {
+        KORVEX_LOG(kLog) << "SetStatusCallBackFunction close heart beat.";
+        m_board.EnableHeartbeat(false);
+    } else {
+        KORVEX_LOG(kLog) << "SetStatusCallBackFunction EnableHeartbeat 1.";
+        m_board.EnableHeartbeat(true);
+    }
     return STATUS_SUCCESS;
+}
+
+StatusCallBackFunction StatusPoller::Store(StatusCallBackFunction callback, void* context) {
+    os::CriticalSectionGuard status(m_csStatus);
+    m_pStatusContext = context;
+    m_nStatusSkipCount = kSkippedPolls;
+    return std::exchange(m_pStatusCallBack, callback);
+}
+
+StatusPoller::Start StatusPoller::StartWith(StatusCallBackFunction callback, void* context) {
+    const DeviceGuard device(m_csDevice);
+    if (m_bContinueStatusThread) {
+        return Start::WasRunning;  // of two first calls at the same time this is the second
+    }
+    const StatusCallBackFunction previous = Store(callback, context);
+    m_bContinueStatusThread = true;
+    if (!m_hStatusThread.Start([this] { StatusThreadFun(); })) {
+        m_bContinueStatusThread = false;
+        os::CriticalSectionGuard status(m_csStatus);
+        m_pStatusCallBack = previous;
+        return Start::Failed;
+    }
+    KORVEX_LOG(kLog) << "SetStatusCallBackFunction EnableHeartbeat.";
+    return Start::Done;
 }
 
 void StatusPoller::Stop() {
@@ -134,7 +145,7 @@ void StatusPoller::PollStatus() {
     try {
         m_pStatusCallBack(context, second, first);
     } catch (...) {
-        LOG(ERROR) << "a status callback threw";
+        KORVEX_LOG_ERROR(kLog) << "a status callback threw";
     }
 }
 

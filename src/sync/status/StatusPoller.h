@@ -22,7 +22,7 @@ public:
     StatusPoller& operator=(const StatusPoller&) = delete;
 
     /// Starts the status thread in the first call and switches the heartbeat on or off: 7, or 0 if
-    /// the thread does not start. The first call must not run at the same time as another one.
+    /// the thread does not start. Any thread, also for the first call.
     RETSTATUS SetStatusCallBackFunction(StatusCallBackFunction callback, void* context);
     /// Ends the status thread; waits for a running callback. For the end of the connection.
     void Stop();
@@ -33,6 +33,12 @@ public:
     bool Unpark();
 
 private:
+    enum class Start { Done, WasRunning, Failed };
+
+    /// Starts the status thread with this callback, unless it runs already.
+    Start StartWith(StatusCallBackFunction callback, void* context);
+    /// Sets the callback and gives the one before.
+    StatusCallBackFunction Store(StatusCallBackFunction callback, void* context);
     unsigned StatusThreadFun();
     void PollStatus() KORVEX_REQUIRES(m_csDevice);
 
