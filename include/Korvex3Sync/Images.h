@@ -30,8 +30,8 @@ KORVEX3SYNC_API RETSTATUS SetScanCallBackFunction(void* const& handle,
 ///
 /// Returns 7, even if the board refuses the heartbeat; 6 for a handle that is not a live
 /// connection; 0 if the thread cannot be started. Any thread, including a status callback, but not
-/// from a scan callback. The first call on a handle must not run at the same time as another one.
-/// Blocks while a status callback runs, for operations of other threads and for the board's answer.
+/// from a scan callback. Blocks while a status callback runs, for operations of other threads and
+/// for the board's answer.
 KORVEX3SYNC_API RETSTATUS SetStatusCallBackFunction(void* const& handle,
                                                     StatusCallBackFunction callback, void* context);
 
