@@ -194,16 +194,32 @@ TEST_F(ReplayTest, BrokenColorImageIsRefusedOnlyByAHeadWithColor) {
     EXPECT_TRUE(Make());
 }
 
-TEST_F(ReplayTest, MoreThanTwoHundredPairsAreRefused) {
-    m_description.width = 16;
-    m_description.height = 16;
-    for (int i = 0; i < 200; ++i) {
-        WriteGrey(File("left" + std::to_string(i) + ".png"), RandomImage(16, 16, 1));
-        WriteGrey(File("right" + std::to_string(i) + ".png"), RandomImage(16, 16, 2));
-    }
+TEST_F(ReplayTest, MorePairsThanMemoryShouldHoldAreRefusedBeforeTheyAreRead) {
+    m_description.width = 2000;
+    m_description.height = 2000;
+    const auto add = [this](int from, int to) {
+        for (int i = from; i < to; ++i) {
+            WriteGrey(File("left" + std::to_string(i) + ".png"), RandomImage(16, 16, 1));
+            WriteGrey(File("right" + std::to_string(i) + ".png"), RandomImage(16, 16, 2));
+        }
+    };
+    add(0, 268);
+    WriteText(File("left100.png"), "none");
+    EXPECT_THAT(Error(), HasSubstr("left100.png")) << "268 pairs of 8 MB have room in 2 GiB";
+    add(268, 269);
+    EXPECT_EQ(Error(), m_folder.Path().string() +
+                           ": the folder has 269 pairs, which take 2052 MB of memory, more than "
+                           "2048; remove some of them");
+}
+
+TEST_F(ReplayTest, ATextThatExpandsFarBeyondTheImageIsRefused) {
+    WritePair("01", 1);
+    const TestImage image = RandomImage(kWidth, kHeight, 1);
+    WriteGrey(File("left01.png"), image, std::string(std::size_t{1} << 20U, 'x'));
     EXPECT_TRUE(Make());
-    WritePair("200", 1);
-    EXPECT_EQ(Error(), m_folder.Path().string() + ": the folder has 201 pairs, more than 200");
+    WriteGrey(File("left01.png"), image, std::string(std::size_t{5} << 20U, 'x'));
+    EXPECT_LT(std::filesystem::file_size(File("left01.png")), 50'000U);
+    EXPECT_THAT(Error(), HasSubstr("left01.png: is not a readable PNG image: "));
 }
 
 }  // namespace

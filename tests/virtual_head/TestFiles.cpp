@@ -2,6 +2,7 @@
 
 #include <spng.h>
 
+#include <cstring>
 #include <fstream>
 #include <memory>
 #include <random>
@@ -42,7 +43,7 @@ TestImage RandomImage(int width, int height, unsigned seed) {
 }
 
 void WritePng(const std::filesystem::path& file, int width, int height, PngKind kind,
-              const std::vector<std::uint8_t>& pixels) {
+              const std::vector<std::uint8_t>& pixels, std::string text) {
     spng_ihdr header{};
     header.width = static_cast<std::uint32_t>(width);
     header.height = static_cast<std::uint32_t>(height);
@@ -53,6 +54,14 @@ void WritePng(const std::filesystem::path& file, int width, int height, PngKind 
                                                                  spng_ctx_free);
     int result = spng_set_option(context.get(), SPNG_ENCODE_TO_BUFFER, 1);
     result = result != 0 ? result : spng_set_ihdr(context.get(), &header);
+    spng_text beside{};
+    if (result == 0 && !text.empty()) {
+        std::strncpy(beside.keyword, "text", sizeof(beside.keyword) - 1);
+        beside.type = SPNG_ZTXT;
+        beside.text = text.data();
+        beside.length = text.size();
+        result = spng_set_text(context.get(), &beside, 1);
+    }
     result = result != 0 ? result
                          : spng_encode_image(context.get(), pixels.data(), pixels.size(),
                                              SPNG_FMT_PNG, SPNG_ENCODE_FINALIZE);
@@ -65,8 +74,8 @@ void WritePng(const std::filesystem::path& file, int width, int height, PngKind 
     WriteText(file, std::string(static_cast<const char*>(bytes.get()), size));
 }
 
-void WriteGrey(const std::filesystem::path& file, const TestImage& image) {
-    WritePng(file, image.width, image.height, PngKind::Grey8, image.pixels);
+void WriteGrey(const std::filesystem::path& file, const TestImage& image, const std::string& text) {
+    WritePng(file, image.width, image.height, PngKind::Grey8, image.pixels, text);
 }
 
 }  // namespace Korvex3Sync::tests

@@ -32,9 +32,11 @@ struct TestImage {
 TestImage RandomImage(int width, int height, unsigned seed);
 
 enum class PngKind { Grey8, Grey16, Rgb8 };
-/// Writes a PNG file of the given kind; `pixels` are its bytes row by row.
+/// Writes a PNG file of the given kind; `pixels` are its bytes row by row. With a text, it has that
+/// beside the image, compressed.
 void WritePng(const std::filesystem::path& file, int width, int height, PngKind kind,
-              const std::vector<std::uint8_t>& pixels);
-void WriteGrey(const std::filesystem::path& file, const TestImage& image);
+              const std::vector<std::uint8_t>& pixels, std::string text = "");
+void WriteGrey(const std::filesystem::path& file, const TestImage& image,
+               const std::string& text = "");
 
 }  // namespace Korvex3Sync::tests

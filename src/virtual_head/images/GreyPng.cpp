@@ -10,6 +10,9 @@ namespace Korvex3Sync::virtual_head {
 namespace {
 
 constexpr std::uintmax_t kLargestFile = 64U << 20U;
+// Texts and profiles beside the image expand to what their writer likes.
+constexpr std::size_t kLargestChunk = 4U << 20U;
+constexpr std::size_t kLargestChunks = 16U << 20U;
 
 struct FreeContext {
     void operator()(spng_ctx* context) const { spng_ctx_free(context); }
@@ -47,7 +50,10 @@ std::variant<GreyImage, std::string> ReadGreyPng(const std::filesystem::path& fi
         return refuse("no memory to read it");
     }
     spng_ihdr header{};
-    int result = spng_set_png_buffer(context.get(), bytes.data(), bytes.size());
+    int result = spng_set_chunk_limits(context.get(), kLargestChunk, kLargestChunks);
+    if (result == 0) {
+        result = spng_set_png_buffer(context.get(), bytes.data(), bytes.size());
+    }
     if (result == 0) {
         result = spng_get_ihdr(context.get(), &header);
     }

@@ -34,8 +34,8 @@ KORVEX_VIRTUAL_HEAD_API std::shared_ptr<ImageSource> MakeScene(const HeadDescrip
 /// trigger number n shows pair n modulo the number of pairs. An image smaller than the sensor is
 /// centred on black and never scaled. Its corner is on an even row and column, so that a mosaic
 /// keeps its colours. A larger image, a missing partner, an unreadable file, an empty folder or
-/// more than 200 pairs is an error (one line of text). All pairs are read now and stay in memory: 2
-/// x width x height bytes each, and half as much again with a colour image.
+/// more than 2 GiB of pairs is an error (one line of text). All pairs are read now and stay in
+/// memory: 2 x width x height bytes each, and half as much again with a colour image.
 KORVEX_VIRTUAL_HEAD_API std::variant<std::shared_ptr<ImageSource>, std::string> MakeReplay(
     const HeadDescription& description);
 

@@ -16,7 +16,7 @@ namespace {
 using std::filesystem::path;
 using Pixels = std::vector<std::uint8_t>;
 
-constexpr std::size_t kMostPairs = 200;
+constexpr std::size_t kMostBytes = std::size_t{2} << 30U;  // of all pairs in memory
 
 /// A pair, packed. The mosaic is empty if the left image serves as the mosaic.
 struct Pair {
@@ -104,11 +104,20 @@ std::variant<Listing, std::string> ListPairs(const path& folder) {
     if (listing.left.empty()) {
         return folder.string() + ": the folder has no pair leftNN.png and rightNN.png";
     }
-    if (listing.left.size() > kMostPairs) {
-        return folder.string() + ": the folder has " + std::to_string(listing.left.size()) +
-               " pairs, more than " + std::to_string(kMostPairs);
-    }
     return listing;
+}
+
+/// What is wrong with the size of a replay; empty when nothing is.
+std::string TooLarge(const path& folder, const Listing& listing, std::size_t pixels, bool color) {
+    const std::size_t images = 2 * listing.left.size() + (color ? listing.color.size() : 0);
+    if (images <= kMostBytes / pixels) {
+        return {};
+    }
+    constexpr std::size_t kMegabyte = std::size_t{1} << 20U;
+    return folder.string() + ": the folder has " + std::to_string(listing.left.size()) +
+           " pairs, which take " + std::to_string(images * pixels / kMegabyte) +
+           " MB of memory, more than " + std::to_string(kMostBytes / kMegabyte) +
+           "; remove some of them";
 }
 
 /// Reads an image into a black one of the sensor's size.
@@ -142,6 +151,9 @@ std::variant<std::shared_ptr<ImageSource>, std::string> MakeReplay(
     const auto& listing = std::get<Listing>(listed);
     const auto pixels =
         static_cast<std::size_t>(description.width) * static_cast<std::size_t>(description.height);
+    if (std::string wrong = TooLarge(folder, listing, pixels, description.color); !wrong.empty()) {
+        return wrong;
+    }
     std::vector<Pair> pairs;
     for (const std::string& name : listing.left) {
         std::string error;
