@@ -61,6 +61,10 @@ extern "C" int fsync(int descriptor) {
     return Call([=] { return "fsync " + NameOf(descriptor); }, SYS_fsync, descriptor);
 }
 
+extern "C" int syncfs(int descriptor) noexcept {
+    return Call([=] { return "syncfs " + NameOf(descriptor); }, SYS_syncfs, descriptor);
+}
+
 extern "C" int fchown(int descriptor, uid_t owner, gid_t group) noexcept {
     return Call(
         [=] {

@@ -184,7 +184,7 @@ TEST(KorvexctlInterruptWatch, AHandlerThatComesAfterItsEndTellsNoOther) {
 TEST_F(ScanOverHead, PicturesThatAreStillWrittenAfterAnInterruptAreTold) {
     const TemporaryFolder folder;
     m_options.folder = folder.Path() / "scan";
-    m_options.sets = 1'000'000;
+    m_options.end.sets = 1'000'000;
     m_options.keep = 1;
     const auto errorFile = folder.Path() / "error";
     const ErrorIntoFile errorIntoFile(errorFile);

@@ -56,8 +56,8 @@ TEST_F(Numbers, AScanWithALeadingZeroTakesSoManySets) {
         RunHere({"scan", "--sets", "010", "--period", "020", "--laser-duty", "050"});
     ASSERT_EQ(result.code, ExitCode::Done) << result.message;
     EXPECT_EQ(result.figures["sets"]["asked"], 10);
-    EXPECT_EQ(result.figures["settings"]["period_ms"], 20);
-    EXPECT_EQ(result.figures["settings"]["laser_duty_percent"], 50);
+    EXPECT_EQ(result.figures["settings"]["given"],
+              (nlohmann::json{{"laser-line-duty", 50}, {"trigger-period", 20}}));
 }
 
 TEST_F(Numbers, ASnapWithLeadingZerosHasTheseValues) {

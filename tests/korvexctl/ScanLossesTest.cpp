@@ -53,6 +53,10 @@ TEST(ScanLosses, EachPlaceWithALossHasALineAndTheOthersNone) {
               "       1  torn or incomplete frames, refused by the camera library\n"
               "      12  triggers without a set\n"
               "       7  sets not kept because writing was too slow\n");
+    EXPECT_EQ(losses.Text(),
+              "lost: 1 torn or incomplete frames, refused by the camera library; 12 triggers "
+              "without a set; 7 sets not kept because writing was too slow");
+    EXPECT_EQ(losses.Sum(), 19U) << "a refused frame is a missing trigger too";
 }
 
 TEST(ScanLosses, EveryLossOfTheLibraryIsNamed) {
@@ -90,7 +94,7 @@ TEST(ScanLosses, WhatTheLibraryDoesNotTellIsNull) {
     EXPECT_EQ(Printed({}), "the library does not report losses\n");
 }
 
-TEST(ScanReport, OnePictureIsOne) {
+TEST(ScanReport, OneFileIsOne) {
     korvexctl::ScanReport report;
     report.options.folder = "scan";
     report.files = {"set_000_left.png"};
@@ -100,11 +104,11 @@ TEST(ScanReport, OnePictureIsOne) {
         korvexctl::Output output(standardOutput, false);
         Print(report, output);
     }
-    EXPECT_THAT(::testing::internal::GetCapturedStdout(), HasSubstr("wrote 1 picture to scan\n"));
+    EXPECT_THAT(::testing::internal::GetCapturedStdout(), HasSubstr("wrote 1 file to scan\n"));
 }
 
 TEST_F(ScanOverHead, TheFiguresTellLossesAndCallbackTimes) {
-    m_options.light.periodMs = 30;
+    GivePeriod(30);
     const auto outcome = Scan();
     ASSERT_EQ(outcome.code, korvexctl::ExitCode::Done) << outcome.message;
     const nlohmann::json& figures = *outcome.figures;
@@ -118,7 +122,7 @@ TEST_F(ScanOverHead, TheFiguresTellLossesAndCallbackTimes) {
 
 TEST_F(ScanOverHead, MissingColourIsThatOfTheSetsThatCame) {
     ASSERT_TRUE(m_head->GetFaults().Order({virtual_head::FaultKind::LoseColor, "", 1'000'000}));
-    m_options.sets = 7;
+    m_options.end.sets = 7;
     const auto outcome = Scan();
     m_head->GetFaults().Clear();
     ASSERT_EQ(outcome.code, korvexctl::ExitCode::Done) << outcome.message;
@@ -127,13 +131,11 @@ TEST_F(ScanOverHead, MissingColourIsThatOfTheSetsThatCame) {
 }
 
 TEST(ScanLosses, AHeadWithoutColourMissesNone) {
-    virtual_head::HeadDescription description;
-    description.width = 64;
-    description.height = 48;
+    virtual_head::HeadDescription description = SmallHeadDescription();
     description.color = false;
     const RequestedHead head(description);
     korvexctl::ScanOptions options;
-    options.sets = 5;
+    options.end.sets = 5;
     options.timeoutSeconds = 30;
     korvexctl::StandardOutput standardOutput(false);
     korvexctl::Output output(standardOutput, true);
@@ -145,7 +147,7 @@ TEST(ScanLosses, AHeadWithoutColourMissesNone) {
 
 TEST_F(ScanOverHead, AFrameThatTheCameraLibraryFailsToGiveIsCounted) {
     ASSERT_TRUE(m_head->GetFaults().Fail("SnapShot", 4));
-    m_options.light.periodMs = 30;
+    GivePeriod(30);
     const auto outcome = Scan();
     ASSERT_EQ(outcome.code, korvexctl::ExitCode::Done) << outcome.message;
     EXPECT_GE(outcome.figures["losses"]["failed_snaps"].get<int>(), 4);

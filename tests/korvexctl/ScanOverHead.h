@@ -3,10 +3,14 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <Korvex3Sync/Types.h>
+
 #include <chrono>
 #include <string>
+#include <utility>
 #include <vector>
 
+#include "korvexctl/CommandOverHead.h"
 #include "korvexctl/files/StandardOutput.h"
 #include "korvexctl/scan/Scan.h"
 #include "platform/os/Clock.h"
@@ -18,20 +22,13 @@ namespace Korvex3Sync::tests {
 class ScanOverHead : public ::testing::Test {
 protected:
     ScanOverHead() {
-        m_options.sets = 5;
+        m_options.end.sets = 5;
         // For scans that succeed, however slow the machine is.
         m_options.timeoutSeconds = 30;
     }
 
-    static virtual_head::HeadDescription SmallHead() {
-        virtual_head::HeadDescription description;
-        description.width = 64;
-        description.height = 48;
-        return description;
-    }
-
     /// Pictures go through `store`; with `json` nothing is printed.
-    korvexctl::Outcome Scan(const korvexctl::StoreFile& store = korvexctl::StoreWhole,
+    korvexctl::Outcome Scan(const korvexctl::StoreFile& store = korvexctl::StoreUnsynced,
                             bool json = true) {
         korvexctl::StandardOutput standardOutput(false);
         korvexctl::Output output(standardOutput, json);
@@ -44,6 +41,13 @@ protected:
             return outcome;
         }
     }
+
+    /// What the command line says about a setting.
+    void Give(const std::string& setting, korvexctl::SettingValue value) {
+        m_options.commandLine.push_back({&korvexctl::RequireSetting(setting), std::move(value)});
+    }
+    void GivePeriod(int milliseconds) { Give("trigger-period", {double(milliseconds)}); }
+    void GiveMode(CAMERA_TRIGGER_MODE mode) { Give("trigger-mode", {double(mode)}); }
 
     /// Loses every frame. Orders more faults than a test can use up.
     void LoseEveryFrame() {
@@ -73,7 +77,7 @@ protected:
         EXPECT_THAT(Commands({"zr3DExitHidDev"}).back(), ::testing::StartsWith("zr3DExitHidDev"));
     }
 
-    RequestedHead m_head{SmallHead()};
+    RequestedHead m_head{SmallHeadDescription()};
     korvexctl::ScanOptions m_options;
 };
 

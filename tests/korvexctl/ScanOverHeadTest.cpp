@@ -25,31 +25,34 @@ using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 using ::testing::StartsWith;
 
-TEST_F(ScanOverHead, SetsLightThenTriggerAndSwitchesBothOff) {
-    m_options.light.periodMs = 20;
-    m_options.light.laserDutyPercent = 40;
-    m_options.light.irLevel = 3;
-    EXPECT_EQ(Scan().code, ExitCode::Done);
+TEST_F(ScanOverHead, SendsValuesThenLightThenTriggerAndSwitchesBothOff) {
+    GivePeriod(20);
+    Give("laser-line-duty", {40});
+    Give("blue-laser", {3, 1});
+    Give("ir-laser-level", {3});
+    Give("ir-laser", {1});
+    const Outcome outcome = Scan();
+    EXPECT_EQ(outcome.code, ExitCode::Done) << outcome.message;
     EXPECT_THAT(Commands({"zr3DSetVideoTriggerPeriod", "zr3DSetDutioRatio", "zr3DSetLaserEnable",
                           "zr3DSetIRLaserLevel", "zr3DSetIRLaserEnable", "zr3DSetVideoTrigleMode"}),
-                ElementsAre("zr3DSetVideoTriggerPeriod(20) = true",
-                            AllOf(StartsWith("zr3DSetDutioRatio("), HasSubstr("40) = true")),
-                            "zr3DSetLaserEnable(1, 1) = true", "zr3DSetIRLaserLevel(3) = true",
-                            "zr3DSetIRLaserEnable(1) = true", "zr3DSetVideoTrigleMode(6) = true",
-                            "zr3DSetVideoTrigleMode(5) = true", "zr3DSetLaserEnable(0, 1) = true",
-                            "zr3DSetIRLaserEnable(0) = true"));
+                ElementsAre(AllOf(StartsWith("zr3DSetDutioRatio("), HasSubstr("40) = true")),
+                            "zr3DSetIRLaserLevel(3) = true", "zr3DSetVideoTriggerPeriod(20) = true",
+                            "zr3DSetLaserEnable(1, 3) = true", "zr3DSetIRLaserEnable(1) = true",
+                            "zr3DSetVideoTrigleMode(6) = true", "zr3DSetVideoTrigleMode(5) = true",
+                            "zr3DSetLaserEnable(0, 3) = true", "zr3DSetIRLaserEnable(0) = true"));
     ExpectHeadLeftDark();
 }
 
 TEST_F(ScanOverHead, PatternModesProjectInsteadOfTheLaserLines) {
-    m_options.light.mode = TRIGGER_PATTERN_COLOR;
-    m_options.light.brightnessPercent = 35;
+    GiveMode(TRIGGER_PATTERN_COLOR);
+    Give("projector-brightness", {35});
+    Give("project", {2});
     EXPECT_EQ(Scan().code, ExitCode::Done);
     EXPECT_THAT(Commands({"zr3DSetProjectorBrightness"}),
                 ElementsAre("zr3DSetProjectorBrightness(35) = true"));
     const auto shown = Commands({"zr3DProject"});
     ASSERT_GE(shown.size(), 2U);
-    EXPECT_EQ(shown.front(), "zr3DProject(1) = true");
+    EXPECT_EQ(shown.front(), "zr3DProject(2) = true");
     EXPECT_EQ(shown.back(), "zr3DProject(0) = true");
     for (const std::string& laser : Commands({"zr3DSetLaserEnable"})) {
         EXPECT_THAT(laser, StartsWith("zr3DSetLaserEnable(0"));
@@ -70,10 +73,10 @@ TEST_F(ScanOverHead, NoSetInTimeEndsTheScan) {
 
 TEST_F(ScanOverHead, TheTimeoutDoesNotCountTheTriggersThatASetWaitsFor) {
     // Without colour the first set is complete at the second trigger.
-    m_options.light.mode = TRIGGER_LASER_LINES;
-    m_options.light.periodMs = 600;
+    GiveMode(TRIGGER_LASER_LINES);
+    GivePeriod(600);
     m_options.timeoutSeconds = 0.5;
-    m_options.sets = 1;
+    m_options.end.sets = 1;
     EXPECT_EQ(Scan().code, ExitCode::Done);
 }
 
@@ -102,7 +105,7 @@ TEST_F(ScanOverHead, ARefusedSettingIsNamedAndNothingIsTriggered) {
 }
 
 TEST_F(ScanOverHead, ALightThatIsRefusedSwitchesTheOthersOff) {
-    m_options.light.irLevel = 3;
+    Give("ir-laser", {1});
     ASSERT_TRUE(m_head->GetFaults().Fail("zr3DSetIRLaserEnable", 1));
     EXPECT_EQ(Scan().code, ExitCode::DeviceRefused);
     EXPECT_THAT(Commands({"zr3DSetLaserEnable"}),
@@ -126,7 +129,7 @@ TEST_F(ScanOverHead, AScanThatARefusalEndsTellsWhatIsLeftOn) {
 }
 
 TEST_F(ScanOverHead, AnInterruptedScanOfAMuteBoardTellsWhatIsLeftOn) {
-    m_options.sets = 1'000'000;
+    m_options.end.sets = 1'000'000;
     std::thread person([this] {
         WaitForTriggers(5);
         EXPECT_TRUE(m_head->GetFaults().Order({virtual_head::FaultKind::BoardMute}));
@@ -180,6 +183,7 @@ protected:
 };
 
 TEST_F(ScanOverEarlierOne, KeepsItWhenTheHeadRefusesToBegin) {
+    GivePeriod(20);
     for (const char* call :
          {"zr3DSetVideoTriggerPeriod", "zr3DSetLaserEnable", "zr3DSetVideoTrigleMode"}) {
         ASSERT_TRUE(m_head->GetFaults().Fail(call, 1));
@@ -202,7 +206,7 @@ TEST_F(ScanOverEarlierOne, RemovesItBeforeTheFirstPictureIsWritten) {
     bool first = true;
     const Outcome outcome = Scan([&](const std::filesystem::path& file, const auto& bytes) {
         if (std::exchange(first, false)) {
-            EXPECT_THAT(FileNames(m_folder.Path()), IsEmpty());
+            EXPECT_THAT(FileNames(m_folder.Path()), ::testing::Each(StartsWith(".sets.csv.")));
         }
         korvexctl::StoreWhole(file, bytes);
     });
@@ -229,7 +233,7 @@ TEST_F(ScanOverEarlierOne, AFolderThatCannotBeLookedIntoIsToldBeforeTheScan) {
 }
 
 TEST_F(ScanOverHead, AnInterruptLeavesTheHeadDark) {
-    m_options.sets = 1'000'000;
+    m_options.end.sets = 1'000'000;
     std::thread person([this] {
         WaitForTriggers(5);
         std::raise(SIGINT);

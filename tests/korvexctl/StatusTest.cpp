@@ -108,6 +108,18 @@ TEST(KorvexctlStatus, AMuteBoardIsOneLineAndTheCodeOfOne) {
     head->GetFaults().Clear();
 }
 
+TEST(KorvexctlStatus, ABoardThatIsPluggedInAgainIsReconnectedWithItsSettings) {
+    const TemporaryFolder folder;
+    const auto head = WriteSmallHead(folder.Path(),
+                                     "[[fault]]\nwhat = \"board-vanish\"\nat_ms = 2500\n"
+                                     "for_ms = 1000\n");
+    ChildProcess status(KorvexctlCommand({"--virtual=" + head.string(), "status"}), WithoutHead());
+    ASSERT_TRUE(status.WaitForOutput("the board does not answer (255 255)  losses unknown\n"));
+    EXPECT_TRUE(status.WaitForOutputMatching("losses unknown\n[0-9T:.-]+Z  status 1 0  "));
+    status.Signal(SIGINT);
+    EXPECT_EQ(status.Wait().exitCode, 0);
+}
+
 TEST(KorvexctlStatus, AHeadWithoutColourMissesNone) {
     const TemporaryFolder folder;
     const auto head = WriteSmallHead(folder.Path(), "color = false\n");
@@ -136,7 +148,7 @@ TEST(StatusReport, ALineSaysWhatChanged) {
     };
     EXPECT_EQ(line({3, 2}, nullptr), "1970-01-02T00:00:00.007Z  status 3 2  losses unknown");
     EXPECT_EQ(line({255, 255}, {{"missing_keys", 0}}),
-              "1970-01-02T00:00:00.007Z  the board does not answer (255 255)  nothing lost");
+              "1970-01-02T00:00:00.007Z  the board does not answer (255 255)  losses unknown");
     EXPECT_THAT(
         line({1, 0}, {{"missing_keys", 4}, {"sets_dropped", 2}}),
         EndsWith("lost: 4 triggers without a set; 2 sets dropped because too many were waiting"));

@@ -92,8 +92,9 @@ TEST(KorvexctlUsage, HelpOfScanNamesTheUnitOfEachOption) {
     for (const char* line :
          {"--period MS", "--laser-duty PERCENT", "--brightness PERCENT", "--projector-duty PERCENT",
           "--strobe-duty PERCENT", "--timeout S", "--sets N", "--keep K", "--out DIR",
-          "--mode MODE", "in milliseconds, 1 to 10000 (default 10)",
-          "seconds, 0.1 to 3600 (default 5)", "a number without unit"}) {
+          "--mode MODE", "--exposure MS", "--gain STEPS", "--profile FILE",
+          "in milliseconds, 1 to 10000 (default: as it is on the head)",
+          "seconds, 0.1 to 86400 (default 5, with --reconnect 60)", "a number without unit"}) {
         EXPECT_THAT(help, HasSubstr(line));
     }
 }

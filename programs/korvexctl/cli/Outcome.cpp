@@ -3,7 +3,7 @@
 #include <exception>
 #include <nlohmann/json.hpp>
 
-#include "platform/os/Print.h"
+#include "korvexctl/cli/ProgressBar.h"
 
 namespace Korvex3Sync::korvexctl {
 
@@ -50,7 +50,7 @@ std::string JsonLine(const nlohmann::json& document) {
 }
 
 void Say(const std::string& message) {
-    os::PrintError("korvexctl: %s\n", message.c_str());
+    PrintErrorLine("korvexctl: " + message);
 }
 
 std::string Outcome::Document() const {

@@ -1,9 +1,13 @@
 #pragma once
 
+#include <optional>
+#include <string>
+
 namespace Korvex3Sync::korvexctl {
 
-/// A bar on the terminal's error output; does nothing when it is switched off. The destructor
-/// clears it. One thread.
+/// A line on the terminal's error output that is written again and again: a bar where the share
+/// done is known, and a text. Does nothing when it is switched off. The destructor clears it, and
+/// so does Say before each message. One thread; one bar at a time.
 class ProgressBar {
 public:
     explicit ProgressBar(bool on) : m_on(on) {}
@@ -11,11 +15,15 @@ public:
     ProgressBar(const ProgressBar&) = delete;
     ProgressBar& operator=(const ProgressBar&) = delete;
 
-    void Show(int done, int all);
+    /// `done` is 0 to 1.
+    void Show(std::optional<double> done, const std::string& text) const;
 
 private:
     const bool m_on;
-    bool m_shown = false;
 };
+
+/// Prints a line on standard error, in the place of a bar that is there; the bar comes back with
+/// its next Show. Any thread.
+void PrintErrorLine(const std::string& line);
 
 }  // namespace Korvex3Sync::korvexctl

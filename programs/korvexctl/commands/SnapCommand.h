@@ -3,9 +3,9 @@
 #include <filesystem>
 
 #include "korvexctl/files/Output.h"
+#include "korvexctl/files/WriteFile.h"
 #include "korvexctl/head/HeadChoice.h"
 #include "korvexctl/pictures/PictureWriter.h"
-#include "korvexctl/scan/Scan.h"
 #include "korvexctl/scan/Snapshot.h"
 
 namespace Korvex3Sync::korvexctl {

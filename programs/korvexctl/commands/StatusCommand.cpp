@@ -11,6 +11,7 @@
 #include "korvexctl/head/LeftOn.h"
 #include "korvexctl/head/ModeOption.h"
 #include "korvexctl/head/StatusWatch.h"
+#include "korvexctl/scan/HeadRecovery.h"
 #include "korvexctl/scan/ScanLosses.h"
 #include "korvexctl/scan/Trigger.h"
 
@@ -30,6 +31,24 @@ struct Asked {
 // The sets are only counted. The context must not be null.
 void TakeImageSet(const void* const&, std::vector<unsigned char*>&, const int&, const int&,
                   std::vector<int>&) {}
+
+/// When a board that does not answer is reconnected: after it was silent for a while, since it may
+/// come back by itself, and again and again.
+class RecoverySchedule {
+public:
+    bool IsDue(const BoardStatus& status) {
+        constexpr int kSilentPolls = 10;  // two seconds
+        m_silentPolls = status.Answers() ? 0 : m_silentPolls + 1;
+        if (m_silentPolls < kSilentPolls) {
+            return false;
+        }
+        m_silentPolls = 0;
+        return true;
+    }
+
+private:
+    int m_silentPolls = 0;
+};
 
 /// The losses that the library counts, by place; null when it does not report them.
 nlohmann::json AskLosses(const ConnectedHead& head, std::optional<CAMERA_TRIGGER_MODE> mode) {
@@ -66,6 +85,7 @@ Outcome WatchStatus(const Asked& asked, LeftOn& leftOn, Output& output) {
     if (!BoardAnswers(head.session)) {
         show(std::chrono::system_clock::now(), BoardStatus::NoAnswer());
     }
+    HeadRecovery recovery(head.session, head.cameras.size(), watch);
     std::optional<Trigger> trigger;
     if (asked.mode) {
         RequireAnswer(head.session);
@@ -78,8 +98,12 @@ Outcome WatchStatus(const Asked& asked, LeftOn& leftOn, Output& output) {
               std::chrono::duration_cast<std::chrono::steady_clock::duration>(
                   std::chrono::duration<double>(*asked.seconds));
     }
+    RecoverySchedule schedule;
     while (const auto poll = watch.Next(end)) {
         show(poll->time, poll->status);
+        if (schedule.IsDue(poll->status)) {
+            recovery.Try();
+        }
     }
     trigger.reset();
     Outcome outcome;
@@ -100,7 +124,10 @@ RunCommand AddStatus(CLI::App& command) {
                     "Stop after this many seconds", " (default: at Ctrl-C)");
     AddModeOption(command, asked->mode,
                   "Switch the trigger on while watching, so that losses can occur: ");
-    command.footer("With --json prints one object per line, for each change.");
+    command.footer(
+        "With --json prints one object per line, for each change. A board that does not answer "
+        "for\n"
+        "two seconds is reconnected, again and again, and gets its settings back.");
     return [asked](Output& output) {
         return TellingLeftOn([&](LeftOn& leftOn) { return WatchStatus(*asked, leftOn, output); });
     };

@@ -1,10 +1,9 @@
 #include "korvexctl/commands/StatusReport.h"
 
 #include <algorithm>
-#include <iomanip>
 #include <nlohmann/json.hpp>
-#include <sstream>
 
+#include "korvexctl/cli/TimeText.h"
 #include "korvexctl/scan/LossPlaces.h"
 
 namespace Korvex3Sync::korvexctl {
@@ -18,7 +17,8 @@ std::string Words(const std::string& key) {
     return place == places.end() ? key : place->words;
 }
 
-std::string LossesText(const nlohmann::json& losses) {
+/// A head that is away loses what nobody can count.
+std::string LossesText(const nlohmann::json& losses, bool answers) {
     if (losses.is_null()) {
         return "losses unknown";
     }
@@ -28,30 +28,20 @@ std::string LossesText(const nlohmann::json& losses) {
             text += (text.empty() ? "lost: " : "; ") + count.dump() + " " + Words(place);
         }
     }
-    return text.empty() ? "nothing lost" : text;
+    if (text.empty()) {
+        return answers ? "nothing lost" : "losses unknown";
+    }
+    return text;
 }
 
 }  // namespace
-
-std::string TimeText(std::chrono::system_clock::time_point time) {
-    const auto days = std::chrono::floor<std::chrono::days>(time);
-    const std::chrono::year_month_day date(days);
-    const std::chrono::hh_mm_ss clock(std::chrono::floor<std::chrono::milliseconds>(time - days));
-    std::ostringstream text;
-    text << std::setfill('0') << std::setw(4) << static_cast<int>(date.year()) << '-'
-         << std::setw(2) << static_cast<unsigned>(date.month()) << '-' << std::setw(2)
-         << static_cast<unsigned>(date.day()) << 'T' << std::setw(2) << clock.hours().count() << ':'
-         << std::setw(2) << clock.minutes().count() << ':' << std::setw(2)
-         << clock.seconds().count() << '.' << std::setw(3) << clock.subseconds().count() << 'Z';
-    return text.str();
-}
 
 std::string StatusLine(std::chrono::system_clock::time_point time, const HeadState& state) {
     const BoardStatus& board = state.board;
     const std::string bytes = std::to_string(board.a) + " " + std::to_string(board.b);
     return TimeText(time) + "  " +
            (board.Answers() ? "status " + bytes : "the board does not answer (" + bytes + ")") +
-           "  " + LossesText(*state.losses);
+           "  " + LossesText(*state.losses, board.Answers());
 }
 
 nlohmann::json StatusRecord(std::chrono::system_clock::time_point time, const HeadState& state) {

@@ -19,9 +19,6 @@ struct HeadState {
     bool operator==(const HeadState&) const = default;
 };
 
-/// "2026-11-21T09:04:51.120Z"
-std::string TimeText(std::chrono::system_clock::time_point time);
-
 /// For a person: time, status bytes, and losses by place.
 std::string StatusLine(std::chrono::system_clock::time_point time, const HeadState& state);
 

@@ -37,7 +37,7 @@ Finding Dark(const LeftOn& leftOn, Finding finding) {
 Finding TestScan(Examined& examined, CAMERA_TRIGGER_MODE mode, const SelftestOptions& asked) {
     TrialOptions options;
     options.light.mode = mode;
-    options.light.periodMs = asked.periodMs;
+    options.periodMs = asked.periodMs;
     options.sets = asked.sets;
     const TrialResult trial = RunTrial(*examined.head, options, examined.leftOn);
     const ImageSetCheck::Counts& counts = trial.counts;

@@ -1,5 +1,7 @@
 #include "korvexctl/health/TrialScan.h"
 
+#include <Korvex3Sync/Light.h>
+
 #include <algorithm>
 #include <nlohmann/json.hpp>
 
@@ -36,6 +38,7 @@ std::optional<ScanStatistics> Between(const std::optional<ScanStatistics>& befor
 }  // namespace
 
 TrialResult RunTrial(const ConnectedHead& head, const TrialOptions& options, LeftOn& leftOn) {
+    Require(SetVideoTriggerPeriod(head.Handle(), options.periodMs), "set the trigger period");
     const Illumination light(head.session, options.light, leftOn);
     const std::optional<ScanStatistics> before = AskStatistics(head.session);
     const Camera& camera = head.cameras.front();
@@ -46,7 +49,7 @@ TrialResult RunTrial(const ConnectedHead& head, const TrialOptions& options, Lef
                               check.Context(), leftOn);
         check.WaitFor(options.sets, options.limit);
         trigger.Off();
-        const std::chrono::milliseconds period(options.light.periodMs);
+        const std::chrono::milliseconds period(options.periodMs);
         result.counts =
             check.WaitForQuiet(std::max(kShortestQuiet, kQuietPeriods * period), kLongestLate);
         const bool color = GivesColor(head.cameras, options.light.mode);

@@ -9,7 +9,7 @@
 #include <Korvex3Sync/Statistics.h>
 
 #include "korvexctl/health/ImageSetCheck.h"
-#include "korvexctl/scan/ScanOptions.h"
+#include "korvexctl/scan/ScanSettings.h"
 
 namespace Korvex3Sync::korvexctl {
 
@@ -18,7 +18,8 @@ class LeftOn;
 
 /// A short scan for a check.
 struct TrialOptions {
-    LightOptions light;
+    ScanLight light;
+    int periodMs = 10;  // from trigger to trigger
     int sets = 20;
     std::chrono::milliseconds limit{5000};  // for all sets; waits no longer
 };
@@ -37,9 +38,9 @@ struct TrialResult {
     nlohmann::json ToJson() const;
 };
 
-/// Sets light and trigger, takes sets, switches both off again, notes in `leftOn` what the board
-/// refused, and waits for sets that are still on the way. Throws CommandError(DeviceRefused) when
-/// the head refuses a setting. Blocks up to the limit, two seconds for the late ones, and the
+/// Sets period, light and trigger, takes sets, switches both off again, notes in `leftOn` what the
+/// board refused, and waits for sets that are still on the way. Throws CommandError(DeviceRefused)
+/// when the head refuses a setting. Blocks up to the limit, two seconds for the late ones, and the
 /// board's answers.
 TrialResult RunTrial(const ConnectedHead& head, const TrialOptions& options, LeftOn& leftOn);
 

@@ -1,18 +1,36 @@
 #pragma once
 
-#include <vector>
+#include <optional>
 
 namespace Korvex3Sync::korvexctl {
 
-/// A set of the scan to keep, and why.
-struct ChosenImageSet {
-    int number = 0;         // in the scan, from 0
-    bool pictures = false;  // as PNG files
-    bool sheet = false;     // as a row of the contact sheet
+/// How many sets a contact sheet shows at most.
+inline constexpr int kSheetRows = 8;
+
+/// Where a scan ends by itself. Without either it runs until it is told to stop.
+struct ScanEnd {
+    std::optional<int> sets;
+    std::optional<double> seconds;
 };
 
-/// Chooses `keep` sets for pictures and `rows` for the contact sheet, each evenly spread over a
-/// scan of `sets` and none more than once; in the order of their numbers.
-std::vector<ChosenImageSet> ChooseImageSets(int sets, int keep, int rows);
+/// Which sets of a scan get pictures: `keep` of them, evenly spread over its sets, or over its time
+/// where that ends it; the first ones of a scan without an end. A set that could not be kept is
+/// made up for by a later one.
+class ImageSetChoice {
+public:
+    ImageSetChoice(int keep, ScanEnd end);
+
+    int Keep() const { return m_keep; }
+    /// How many pictures are due with the set of this number, from 0, that arrives so many seconds
+    /// after the first one.
+    int Due(int number, double seconds) const;
+    /// Whether the contact sheet shows the kept set of this index: up to kSheetRows of them, evenly
+    /// spread.
+    bool OnSheet(int index) const;
+
+private:
+    ScanEnd m_end;
+    int m_keep;
+};
 
 }  // namespace Korvex3Sync::korvexctl

@@ -12,7 +12,7 @@ inline constexpr int kLetterHeight = 7;
 inline constexpr int kLetterStep = 6;
 
 /// Writes into a picture, its upper left corner at (x, y), each dot of a letter `scale` pixels
-/// wide. Digits, letters (as capitals), full stop and hyphen; anything else is a gap. What would be
+/// wide. Digits, letters (as capitals) and .,:;/- are drawn; anything else is a gap. What would be
 /// outside the picture is left out.
 void DrawText(Picture& picture, int x, int y, std::string_view text, int scale,
               std::uint8_t brightness);

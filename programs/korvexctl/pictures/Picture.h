@@ -21,7 +21,13 @@ Picture Demosaic(const std::uint8_t* mosaic, int width, int height);
 /// are at least 1 and not above the picture's own.
 Picture ScaleDown(const Picture& picture, int width, int height);
 
+/// How much time encoding takes to make a file small.
+enum class Encoding {
+    Small,  ///< for pictures that people look at
+    Fast,   ///< nothing is compressed
+};
+
 /// The picture as a PNG file. Throws std::runtime_error when it cannot be encoded.
-std::vector<unsigned char> EncodePng(const Picture& picture);
+std::vector<unsigned char> EncodePng(const Picture& picture, Encoding encoding = Encoding::Small);
 
 }  // namespace Korvex3Sync::korvexctl

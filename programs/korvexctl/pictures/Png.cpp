@@ -31,7 +31,7 @@ void Check(int result) {
 
 }  // namespace
 
-std::vector<unsigned char> EncodePng(const Picture& picture) {
+std::vector<unsigned char> EncodePng(const Picture& picture, Encoding encoding) {
     const std::unique_ptr<spng_ctx, FreeContext> context(spng_ctx_new(SPNG_CTX_ENCODER));
     if (!context) {
         throw std::runtime_error("cannot encode a picture: no memory");
@@ -43,7 +43,12 @@ std::vector<unsigned char> EncodePng(const Picture& picture) {
     header.color_type =
         picture.channels == 1 ? SPNG_COLOR_TYPE_GRAYSCALE : SPNG_COLOR_TYPE_TRUECOLOR;
     Check(spng_set_option(context.get(), SPNG_ENCODE_TO_BUFFER, 1));
-    Check(spng_set_option(context.get(), SPNG_IMG_COMPRESSION_LEVEL, kCompressionLevel));
+    if (encoding == Encoding::Small) {
+        Check(spng_set_option(context.get(), SPNG_IMG_COMPRESSION_LEVEL, kCompressionLevel));
+    } else {
+        Check(spng_set_option(context.get(), SPNG_IMG_COMPRESSION_LEVEL, 0));
+        Check(spng_set_option(context.get(), SPNG_FILTER_CHOICE, SPNG_DISABLE_FILTERING));
+    }
     Check(spng_set_ihdr(context.get(), &header));
     Check(spng_encode_image(context.get(), picture.bytes.data(), picture.bytes.size(), SPNG_FMT_PNG,
                             SPNG_ENCODE_FINALIZE));

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <charconv>
 #include <cstdio>
+#include <optional>
 #include <string_view>
 #include <system_error>
 #include <utility>
@@ -17,6 +18,15 @@ namespace fs = std::filesystem;
 
 constexpr std::string_view kPicturePrefix = "set_";
 
+/// The number that a name has after its beginning; empty when it has none.
+std::optional<int> NumberAfter(const std::string& name, std::string_view beginning) {
+    int number = -1;
+    if (name.starts_with(beginning)) {
+        std::from_chars(name.data() + beginning.size(), name.data() + name.size(), number);
+    }
+    return number >= 0 ? std::optional(number) : std::nullopt;
+}
+
 }  // namespace
 
 std::string PictureFile(int number, const char* image) {
@@ -25,18 +35,22 @@ std::string PictureFile(int number, const char* image) {
     return std::string(kPicturePrefix) + name.data();
 }
 
+std::string RecordingFile(int number, const char* image) {
+    std::array<char, 64> name{};
+    std::snprintf(name.data(), name.size(), "%s_%06d.png", image, number);
+    return name.data();
+}
+
 bool IsScanFile(const std::string& name) {
-    if (name == kFiguresFile || name == kContactSheetFile) {
-        return true;
-    }
-    if (!name.starts_with(kPicturePrefix)) {
-        return false;
-    }
-    int number = 0;
-    std::from_chars(name.data() + kPicturePrefix.size(), name.data() + name.size(), number);
-    return number >= 0 &&
-           std::any_of(kImageNames.begin(), kImageNames.end(),
-                       [&](const char* image) { return name == PictureFile(number, image); });
+    constexpr std::array kOnce{kFiguresFile, kContactSheetFile, kSetsFile, kRunFile, kReplayFile};
+    const auto isPicture = [&name](const char* image) {
+        const auto picture = NumberAfter(name, kPicturePrefix);
+        const auto recorded = NumberAfter(name, std::string(image) + '_');
+        return (picture && name == PictureFile(*picture, image)) ||
+               (recorded && name == RecordingFile(*recorded, image));
+    };
+    return std::find(kOnce.begin(), kOnce.end(), name) != kOnce.end() ||
+           std::any_of(kImageNames.begin(), kImageNames.end(), isPicture);
 }
 
 EarlierScan::EarlierScan(const fs::path& folder) {

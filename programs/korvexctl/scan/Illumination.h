@@ -1,18 +1,19 @@
 #pragma once
 
-#include "korvexctl/scan/ScanOptions.h"
+#include "korvexctl/scan/ScanSettings.h"
 
 namespace Korvex3Sync::korvexctl {
 
 class LeftOn;
 class Session;
 
-/// The light of a scan: set by the constructor, lasers and projection switched off by the
-/// destructor, which notes in `leftOn` what the board refused of it. Both must live longer.
+/// The light of a scan: switched on by the constructor, lasers and projection switched off by the
+/// destructor, which notes in `leftOn` what the board refused of it. Both must live longer. How
+/// bright it is, and what the strobe does, stays as it is on the head.
 class Illumination {
 public:
     /// Throws CommandError(DeviceRefused) with the operation that the board refused.
-    Illumination(const Session& session, const LightOptions& light, LeftOn& leftOn);
+    Illumination(const Session& session, const ScanLight& light, LeftOn& leftOn);
     ~Illumination();
     Illumination(const Illumination&) = delete;
     Illumination& operator=(const Illumination&) = delete;
@@ -22,7 +23,7 @@ private:
     void SwitchOff() const;
 
     const Session& m_session;
-    const LightOptions m_light;
+    const ScanLight m_light;
     LeftOn& m_leftOn;
 };
 

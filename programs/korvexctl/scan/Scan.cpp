@@ -1,25 +1,17 @@
 #include "korvexctl/scan/Scan.h"
 
-#include <algorithm>
-#include <chrono>
-#include <cmath>
-#include <functional>
 #include <nlohmann/json.hpp>
 #include <optional>
 #include <span>
 
 #include "korvexctl/cli/Interrupt.h"
-#include "korvexctl/cli/ProgressBar.h"
-#include "korvexctl/files/WriteFile.h"
-#include "korvexctl/head/Head.h"
+#include "korvexctl/head/Boards.h"
+#include "korvexctl/head/ConnectedHead.h"
 #include "korvexctl/head/LeftOn.h"
-#include "korvexctl/head/Session.h"
-#include "korvexctl/head/StatusWatch.h"
 #include "korvexctl/pictures/PictureWriter.h"
-#include "korvexctl/pictures/ScanFiles.h"
 #include "korvexctl/scan/Illumination.h"
-#include "korvexctl/scan/ScanRecorder.h"
-#include "korvexctl/scan/ScanReport.h"
+#include "korvexctl/scan/ScanFolder.h"
+#include "korvexctl/scan/ScanRun.h"
 #include "korvexctl/scan/Trigger.h"
 
 namespace Korvex3Sync::korvexctl {
@@ -28,60 +20,75 @@ namespace {
 
 using std::chrono::milliseconds;
 
-constexpr milliseconds kProgressStep{100};
-
-/// How long to wait for a set. A mono set waits in the library for the next trigger, so two trigger
-/// periods are always added.
-milliseconds Patience(const ScanOptions& options) {
-    return milliseconds(std::llround(options.timeoutSeconds * 1000)) +
-           milliseconds(2 * options.light.periodMs);
+/// The command line's values for every camera order, without those of orders that the head lacks.
+ScanSettings SettingsFor(const ScanOptions& options, std::size_t cameras) {
+    for (const Assignment& assignment : options.profile) {
+        RequireCamera(*assignment.setting, cameras);
+    }
+    std::vector<Assignment> given = options.commandLine;
+    std::erase_if(given, [cameras](const Assignment& assignment) {
+        return assignment.setting->cameraOrder >= static_cast<int>(cameras);
+    });
+    return CombineSettings(options.profile, given);
 }
 
-/// Waits for the end of the scan. False when no set arrived for too long.
-bool WaitForImageSets(ScanRecorder& recorder, const ScanOptions& options, const Output& output) {
-    ProgressBar bar(output.ShowsProgress());
-    const auto start = ScanRecorder::Clock::now();
-    while (true) {
-        const ScanRecorder::Counts counts = recorder.Wait(kProgressStep);
-        bar.Show(counts.delivered, options.sets);
-        if (counts.stopped || counts.delivered == options.sets) {
-            return true;
+/// The board that was asked for, or the only one; empty when more than one can be meant.
+std::string BoardSerial(const HeadChoice& choice) {
+    if (!choice.board.empty()) {
+        return choice.board;
+    }
+    const std::vector<Board> boards = FindBoards();
+    return boards.size() == 1 ? boards.front().serial : "";
+}
+
+/// Has the library remember all settings: what it never saw it would restore with values of its
+/// own.
+void MakeRemembered(void* const& handle, const SettingsInUse& settings) {
+    std::vector<Assignment> found;
+    for (const Reading& reading : settings.readings) {
+        const auto& fields = reading.setting->fields;
+        bool valid = reading.Known();
+        for (std::size_t i = 0; valid && i < fields.size(); ++i) {
+            valid = !CheckValue(fields[i], reading.value.at(i));
         }
-        const auto last = std::max(start, counts.last);
-        if (ScanRecorder::Clock::now() - last > Patience(options)) {
-            return false;
+        if (valid) {
+            found.push_back({reading.setting, reading.value});
         }
     }
+    Apply(handle, found);
 }
 
 /// Connects, sets the light, scans and disconnects. `outcome` says whether light and trigger are
 /// off.
-bool Scan(const HeadChoice& choice, ScanReport& report, ScanRecorder& recorder,
-          const std::function<void(const KeptImageSet&)>& onKept, LeftOn& leftOn, Outcome& outcome,
-          Output& output) {
-    const ScanOptions& options = report.options;
+void ScanConnected(const HeadChoice& choice, ScanReport& report, ScanRecorder& recorder,
+                   const std::function<void(const KeptImageSet&)>& onKept, ScanNotes& notes,
+                   LeftOn& leftOn, Outcome& outcome, Output& output) {
     report.cameras = FindCameras(choice.cameraType);
+    report.boardSerial = BoardSerial(choice);
     report.head = AskHead(choice.board);
     StatusWatch boardWatch;
-    const Session session(choice.cameraType, choice.board, report.cameras);
-    RequireAnswer(session);
+    const ConnectedHead head(choice, report.cameras);
     Print(report.cameras, output);
     Print(report.head, output);
-    recorder.Prepare(report.cameras.front().width, report.cameras.front().height, onKept);
-    boardWatch.Watch(session);
-    bool inTime = false;
-    {
-        const Illumination illumination(session, options.light, leftOn);
-        const Trigger trigger(session, options.light.mode, ScanRecorder::OnImageSet,
-                              recorder.Context(), leftOn);
-        inTime = WaitForImageSets(recorder, options, output);
-        report.losses.library = AskStatistics(session);
-        report.boardLost = boardWatch.Lost();
+    report.settings = ApplyAndRead(head.Handle(), head.cameras.size(),
+                                   SettingsFor(report.options, head.cameras.size()));
+    Print(report.settings, output);
+    if (report.options.reconnect) {
+        MakeRemembered(head.Handle(), report.settings);
     }
-    const bool answers = !leftOn.Any() || BoardAnswers(session);
+    recorder.Prepare(report.cameras.front().width, report.cameras.front().height, onKept);
+    boardWatch.Watch(head.session);
+    const ScanLight& light = report.settings.asked.light;
+    {
+        ScanRun run(head, boardWatch, recorder, report, notes, output.ShowsProgress());
+        const Illumination illumination(head.session, light, leftOn);
+        const Trigger trigger(head.session, light.mode, ScanRecorder::OnImageSet,
+                              recorder.Context(), leftOn);
+        run.Wait();
+    }
+    const bool answers = !leftOn.Any() || BoardAnswers(head.session);
     report.boardLost = report.boardLost || !answers;
     leftOn.Judge(answers, outcome);
-    return inTime;
 }
 
 /// What an interrupted scan still does when so many sets wait to be written.
@@ -91,88 +98,98 @@ std::string StoppingText(std::size_t waiting) {
                               (waiting == 1 ? " set" : " sets");
 }
 
-std::string MissingMessage(const ScanReport& report) {
-    return "no set arrived within the timeout: " + std::to_string(report.counts.delivered) +
-           " of " + std::to_string(report.options.sets) + " sets arrived" +
-           (report.boardLost ? "; the board does not answer" : "");
+/// "20 of 30 sets arrived"
+std::string ArrivedText(const ScanReport& report) {
+    const auto& asked = report.options.end.sets;
+    return std::to_string(report.counts.delivered) +
+           (asked ? " of " + std::to_string(*asked) : "") + " sets arrived";
+}
+
+/// How the scan ended, where light and trigger are no reason for another code.
+void Judge(const ScanReport& report, Outcome& outcome) {
+    const ScanEnd& end = report.options.end;
+    const bool endless = !end.sets && !end.seconds;
+    const int delivered = report.counts.delivered;
+    if (report.interrupted && !(endless && delivered > 0)) {
+        outcome.code = ExitCode::Interrupted;
+        outcome.message = "interrupted: " + ArrivedText(report);
+    } else if (report.endedBy == EndedBy::Timeout || delivered == 0) {
+        outcome.code = ExitCode::SetsMissing;
+        outcome.message = "no set arrived within the timeout: " + ArrivedText(report) +
+                          (report.boardLost ? "; the board does not answer" : "");
+    } else if (outcome.code == ExitCode::Done && report.losses.notKept > 0) {
+        outcome.code = ExitCode::NotWritable;
+        outcome.message = std::to_string(report.losses.notKept) + " of " +
+                          std::to_string(report.options.keep) +
+                          " sets could not be kept because writing was too slow; use a smaller "
+                          "--keep, a longer --period or more --buffers";
+    }
 }
 
 Outcome ScanAndWrite(const HeadChoice& choice, const ScanOptions& options, LeftOn& leftOn,
                      Output& output, const StoreFile& store) {
     const bool writes = !options.folder.empty();
-    std::optional<EarlierScan> earlier;
+    std::optional<ScanFolder> folder;
     if (writes) {
-        PrepareFolder(options.folder);
-        earlier.emplace(options.folder);
+        folder.emplace(options.folder, store);
     }
-
-    ScanRecorder recorder(options.sets,
-                          writes ? ChooseImageSets(options.sets, options.keep, kSheetRows)
-                                 : std::vector<ChosenImageSet>(),
-                          options.buffers);
+    ScanPlan plan;
+    plan.sets = options.end.sets.value_or(plan.sets);
+    plan.choice = ImageSetChoice(writes ? options.keep : 0, options.end);
+    plan.recording = options.recording;
+    plan.buffers = options.Buffers();
+    ScanRecorder recorder(plan);
     const Interrupt interrupt([&recorder] {
         recorder.Stop();
         return StoppingText(recorder.Waiting());
     });
-    // The files of an earlier scan give way only to images of this one.
-    const StoreFile storeNew = [&](const std::filesystem::path& file,
-                                   std::span<const unsigned char> bytes) {
-        earlier->Remove();
-        store(file, bytes);
-    };
-    PictureWriter writer(options.folder, storeNew,
-                         {[&recorder](const KeptImageSet& set) { recorder.GiveBack(set); },
-                          [&recorder] { recorder.Stop(); }});
+    PictureWriter writer(
+        options.folder,
+        [&folder](const std::filesystem::path& file, std::span<const unsigned char> bytes) {
+            folder->Store(file, bytes);
+        },
+        {[&recorder](const KeptImageSet& set) { recorder.GiveBack(set); },
+         [&recorder] { recorder.Stop(); }});
 
     ScanReport report;
     report.options = options;
+    report.start = std::chrono::system_clock::now();
     Outcome outcome;
-    bool inTime = false;
+    ScanNotes notes;
+    notes.table = folder ? &folder->Table() : nullptr;
     try {
-        inTime = Scan(
+        ScanConnected(
             choice, report, recorder, [&writer](const KeptImageSet& set) { writer.Add(set); },
-            leftOn, outcome, output);
+            notes, leftOn, outcome, output);
     } catch (const CommandError& error) {
         interrupt.ThrowIfCame(std::string("interrupted: ") + error.what());
         throw;
     }
-    writer.Finish();
-    report.files = writer.Files();
     report.counts = recorder.Wait(milliseconds(0));
-    report.losses.CountColor(GivesColor(report.cameras, options.light.mode)
+    report.losses.CountColor(GivesColor(report.cameras, report.settings.asked.light.mode)
                                  ? report.counts.delivered - report.counts.withColor
                                  : 0);
     report.losses.notKept = static_cast<std::uint64_t>(report.counts.notKept);
+    report.losses.notRecorded = static_cast<std::uint64_t>(report.counts.notRecorded);
     report.interrupted = interrupt.Came();
-
-    if (report.interrupted) {
-        outcome.code = ExitCode::Interrupted;
-        outcome.message = "interrupted: " + std::to_string(report.counts.delivered) + " of " +
-                          std::to_string(options.sets) + " sets arrived";
-    } else if (!inTime) {
-        outcome.code = ExitCode::SetsMissing;
-        outcome.message = MissingMessage(report);
-    }
-    outcome.figures->update(ToJson(report));
+    writer.Finish(Headline(report));
+    report.pictures = writer.Pictures();
+    report.recorded = writer.Recorded();
+    Judge(report, outcome);
     try {
-        writer.ThrowFailure();
-        if (writes && report.counts.delivered > 0) {
-            earlier->Remove();  // when no picture of it was kept
-            WriteFile(options.folder / kFiguresFile, leftOn.Told(outcome).Document());
+        if (folder) {
+            folder->Finish(report, writer, notes, outcome, leftOn);
         }
     } catch (const CommandError& error) {
         outcome.code = error.Code();
         outcome.message = error.what();
     }
+    outcome.figures->update(ToJson(report));
     Print(report, output);
     return outcome;
 }
 
 }  // namespace
-
-void StoreWhole(const std::filesystem::path& file, std::span<const unsigned char> bytes) {
-    WriteFile(file, bytes);
-}
 
 Outcome RunScan(const HeadChoice& choice, const ScanOptions& options, Output& output,
                 const StoreFile& store) {

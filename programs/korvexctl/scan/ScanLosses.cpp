@@ -1,9 +1,9 @@
 #include "korvexctl/scan/ScanLosses.h"
 
+#include <array>
 #include <iomanip>
 #include <nlohmann/json.hpp>
 #include <sstream>
-#include <vector>
 
 #include "korvexctl/files/Output.h"
 #include "korvexctl/head/Session.h"
@@ -15,30 +15,37 @@ namespace {
 
 // A camera that waits for the next trigger fails a snap now and then: no loss by itself.
 constexpr const char* kFailedSnapsKey = "failed_snaps";
-constexpr const char* kNotKeptKey = "not_kept_disk";
-constexpr const char* kNotKeptWords = "sets not kept because writing was too slow";
 
-std::string Row(std::uint64_t count, const char* words) {
+/// A place that belongs to this program.
+struct OwnPlace {
+    const char* key;
+    const char* words;
+    std::uint64_t ScanLosses::*count;
+};
+
+constexpr std::array kOwnPlaces{
+    OwnPlace{"while_away", "triggers while the head was away, by its period",
+             &ScanLosses::whileAway},
+    OwnPlace{"not_arrived", "sets that were still expected and did not arrive",
+             &ScanLosses::notArrived},
+    OwnPlace{"not_kept_disk", "sets not kept because writing was too slow", &ScanLosses::notKept},
+    OwnPlace{"not_recorded_disk", "sets not recorded because writing was too slow",
+             &ScanLosses::notRecorded},
+};
+
+std::string Row(const LossCount& place) {
     constexpr int kCountWidth = 8;
     std::ostringstream row;
-    row << std::setw(kCountWidth) << count << "  " << words;
+    row << std::setw(kCountWidth) << place.count << "  " << place.words;
     return row.str();
 }
 
-std::vector<std::string> Rows(const ScanLosses& losses) {
-    std::vector<std::string> rows;
-    if (losses.library) {
-        for (const LossPlace& place : LossPlaces()) {
-            const std::uint64_t count = *losses.library.*place.count;
-            if (count > 0) {
-                rows.push_back(Row(count, place.words));
-            }
-        }
+/// What is said instead of a list of losses.
+std::string WithoutLoss(const ScanLosses& losses) {
+    if (!losses.library) {
+        return "the library does not report losses";
     }
-    if (losses.notKept > 0) {
-        rows.push_back(Row(losses.notKept, kNotKeptWords));
-    }
-    return rows;
+    return losses.library->framesAccepted == 0 ? "no camera delivered a frame" : "nothing lost";
 }
 
 std::string Duration(std::uint64_t microseconds) {
@@ -50,22 +57,6 @@ std::string Duration(std::uint64_t microseconds) {
     text << std::fixed << std::setprecision(2)
          << static_cast<double>(microseconds) / double{kMicrosecondsPerMillisecond} << " ms";
     return text.str();
-}
-
-void PrintPlaces(const ScanLosses& losses, Output& output) {
-    const std::vector<std::string> rows = Rows(losses);
-    if (!rows.empty()) {
-        output.Line("lost:");
-        for (const std::string& row : rows) {
-            output.Line(row);
-        }
-    } else if (!losses.library) {
-        output.Line("the library does not report losses");
-    } else if (losses.library->framesAccepted == 0) {
-        output.Line("no camera delivered a frame");
-    } else {
-        output.Line("nothing lost");
-    }
 }
 
 }  // namespace
@@ -91,20 +82,51 @@ void ScanLosses::CountColor(int missing) {
     }
 }
 
-void AddToJson(const ScanLosses& losses, nlohmann::json& figures) {
-    nlohmann::json& places = figures["losses"];
-    if (losses.library) {
-        places = LossesToJson(*losses.library);
-        places[kFailedSnapsKey] = losses.library->failedSnaps;
-    } else {
-        places[kFailedSnapsKey] = nullptr;
+std::vector<LossCount> ScanLosses::Places() const {
+    std::vector<LossCount> places;
+    if (library) {
         for (const LossPlace& place : LossPlaces()) {
-            places[place.key] = nullptr;
+            places.push_back({place.key, place.words, *library.*place.count});
         }
     }
-    places[kNotKeptKey] = losses.notKept;
+    for (const OwnPlace& place : kOwnPlaces) {
+        places.push_back({place.key, place.words, this->*place.count});
+    }
+    return places;
+}
+
+std::uint64_t ScanLosses::Sum() const {
+    std::uint64_t sum = notKept + notRecorded + whileAway + notArrived;
+    if (library) {
+        sum += library->missingKeys + library->monoWithoutColor + library->setsDropped +
+               library->setsWithoutCallback;
+    }
+    return sum;
+}
+
+std::string ScanLosses::Text() const {
+    std::string text;
+    for (const LossCount& place : Places()) {
+        if (place.count > 0) {
+            text +=
+                (text.empty() ? "lost: " : "; ") + std::to_string(place.count) + " " + place.words;
+        }
+    }
+    return text.empty() ? WithoutLoss(*this) : text;
+}
+
+void AddToJson(const ScanLosses& losses, nlohmann::json& figures) {
+    nlohmann::json& places = figures["losses"];
+    places[kFailedSnapsKey] = nullptr;
+    for (const LossPlace& place : LossPlaces()) {
+        places[place.key] = nullptr;
+    }
+    for (const LossCount& place : losses.Places()) {
+        places[place.key] = place.count;
+    }
     figures["callback_us"] = nullptr;
     if (losses.library) {
+        places[kFailedSnapsKey] = losses.library->failedSnaps;
         figures["callback_us"] = {{"p50", losses.library->callbackP50Us},
                                   {"p99", losses.library->callbackP99Us},
                                   {"longest", losses.library->callbackLongestUs}};
@@ -112,7 +134,12 @@ void AddToJson(const ScanLosses& losses, nlohmann::json& figures) {
 }
 
 void Print(const ScanLosses& losses, Output& output) {
-    PrintPlaces(losses, output);
+    std::vector<LossCount> places = losses.Places();
+    std::erase_if(places, [](const LossCount& place) { return place.count == 0; });
+    output.Line(places.empty() ? WithoutLoss(losses) : "lost:");
+    for (const LossCount& place : places) {
+        output.Line(Row(place));
+    }
     if (losses.library && losses.library->setsDelivered > 0) {
         output.Line("callback " + Duration(losses.library->callbackP50Us) + " (median), " +
                     Duration(losses.library->callbackP99Us) + " (99 %), " +

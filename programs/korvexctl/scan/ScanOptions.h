@@ -1,38 +1,38 @@
 #pragma once
 
-#include <Korvex3Sync/Types.h>
-
+#include <algorithm>
 #include <filesystem>
-#include <nlohmann/json_fwd.hpp>
-#include <string>
+#include <optional>
+#include <vector>
+
+#include "korvexctl/pictures/ImageSetChoice.h"
+#include "korvexctl/settings/SettingsAccess.h"
 
 namespace Korvex3Sync::korvexctl {
 
-/// What the head is set to before a scan.
-struct LightOptions {
-    CAMERA_TRIGGER_MODE mode = TRIGGER_LASER_LINES_COLOR;
-    int periodMs = 10;
-    int laserMode = 1;
-    int laserDutyPercent = 100;
-    int brightnessPercent = 60;
-    int projectorDutyPercent = 100;
-    int strobeDutyPercent = 100;
-    int irLevel = 0;  // 0: the infrared laser stays off
-};
-
 struct ScanOptions {
-    int sets = 100;
+    ScanEnd end;
     int keep = 5;
-    int buffers = 32;  // sets that may wait to be written
-    double timeoutSeconds = 5;
-    std::filesystem::path folder;  // empty: nothing is written
-    LightOptions light;
+    std::optional<int> buffers;  // sets that may wait to be written
+    bool recording = false;      // every set is written for a replay
+    bool reconnect = false;      // goes on after the head was away
+    std::optional<double> timeoutSeconds;
+    std::filesystem::path folder;         // empty: nothing is written
+    std::vector<Assignment> profile;      // of the profile
+    std::vector<Assignment> commandLine;  // of the command line, for every camera order
+
+    /// As many as sets are kept, as far as memory is likely to allow.
+    int Buffers() const {
+        constexpr int kFewest = 32;
+        constexpr int kMost = 256;
+        return buffers.value_or(std::clamp(keep, kFewest, kMost));
+    }
+    /// How long to wait for a set. A head that is plugged in again takes its time.
+    double TimeoutSeconds() const {
+        constexpr double kConnected = 5;
+        constexpr double kReconnecting = 60;
+        return timeoutSeconds.value_or(reconnect ? kReconnecting : kConnected);
+    }
 };
-
-/// The word for a trigger mode that the command line takes ("laser-color").
-std::string ModeName(CAMERA_TRIGGER_MODE mode);
-
-/// The settings with their units, as scan.json shows them.
-nlohmann::json ToJson(const LightOptions& light);
 
 }  // namespace Korvex3Sync::korvexctl

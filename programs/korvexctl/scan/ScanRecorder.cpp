@@ -5,10 +5,20 @@
 
 namespace Korvex3Sync::korvexctl {
 
-ScanRecorder::ScanRecorder(int sets, std::vector<ChosenImageSet> chosen, int buffers)
-    : m_sets(sets),
-      m_chosen(std::move(chosen)),
-      m_buffers(std::min(m_chosen.size(), static_cast<std::size_t>(buffers))) {
+namespace {
+
+constexpr int kKeys = 256;
+// Minutes of sets between two fetches, so that the grab thread allocates nothing.
+constexpr std::size_t kRecords = 16'384;
+
+std::size_t BufferCount(const ScanPlan& plan) {
+    return static_cast<std::size_t>(plan.recording ? plan.buffers
+                                                   : std::min(plan.choice.Keep(), plan.buffers));
+}
+
+}  // namespace
+
+ScanRecorder::ScanRecorder(const ScanPlan& plan) : m_plan(plan), m_buffers(BufferCount(plan)) {
     m_free.reserve(m_buffers.size());
     for (KeptImageSet& buffer : m_buffers) {
         m_free.push_back(&buffer);
@@ -27,6 +37,8 @@ void ScanRecorder::Prepare(int width, int height, std::function<void(const KeptI
             image.assign(static_cast<std::size_t>(width) * static_cast<std::size_t>(height), 0);
         }
     }
+    const os::MutexGuard guard(m_mutex);
+    m_records.reserve(kRecords);
 }
 
 void ScanRecorder::GiveBack(const KeptImageSet& set) {
@@ -49,6 +61,7 @@ void ScanRecorder::Take(const std::vector<unsigned char*>& images, int width, in
     const Clock::time_point arrival = Clock::now();
     const bool whole = IsWhole(images) && width == m_width && height == m_height;
     KeptImageSet* buffer = nullptr;
+    SetRecord record;
     {
         const os::MutexGuard guard(m_mutex);
         if (Over()) {
@@ -62,40 +75,72 @@ void ScanRecorder::Take(const std::vector<unsigned char*>& images, int width, in
         if (m_counts.delivered == 0) {
             m_counts.first = arrival;
         }
-        buffer = BufferForNext();
+        record.number = m_counts.delivered;
+        record.key = static_cast<int>(KeyOf(images, width, height));
+        record.color = images.size() > kMonoImages;
+        record.seconds = m_counts.Time().count();
+        record.lostBefore = LostBefore(record.key);
+        buffer = BufferFor(record);
     }
     if (buffer != nullptr) {
-        buffer->color = images.size() > kMonoImages;
         for (std::size_t i = 0; i < images.size(); ++i) {
             std::copy_n(images[i], buffer->images[i].size(), buffer->images[i].begin());
         }
-        buffer->key = static_cast<int>(KeyOf(images, width, height));
         m_onKept(*buffer);
     }
     const os::MutexGuard guard(m_mutex);
     ++m_counts.delivered;
-    if (images.size() > kMonoImages) {
-        ++m_counts.withColor;
-    }
+    m_counts.withColor += record.color ? 1 : 0;
+    record.callbackUs = std::chrono::duration<double, std::micro>(Clock::now() - arrival).count();
+    m_records.push_back(record);
     if (Over()) {
         m_changed.NotifyAll();
     }
 }
 
-KeptImageSet* ScanRecorder::BufferForNext() {
-    if (m_nextChosen == m_chosen.size() || m_chosen[m_nextChosen].number != m_counts.delivered) {
+KeptImageSet* ScanRecorder::BufferFor(SetRecord& record) {
+    const int due = m_plan.choice.Due(record.number, record.seconds);
+    const bool pictures = m_kept < due;
+    if (!pictures && !m_plan.recording) {
         return nullptr;
     }
-    const ChosenImageSet& chosen = m_chosen[m_nextChosen++];
     if (m_free.empty()) {
-        ++m_counts.notKept;
+        m_counts.notKept = due - m_kept;
+        m_counts.notRecorded += m_plan.recording ? 1 : 0;
         return nullptr;
     }
     KeptImageSet* const buffer = m_free.back();
     m_free.pop_back();
-    buffer->chosen = chosen;
-    buffer->seconds = m_counts.Time().count();
+    buffer->purpose = {pictures, pictures && m_plan.choice.OnSheet(m_kept), m_plan.recording};
+    buffer->number = record.number;
+    buffer->key = record.key;
+    buffer->color = record.color;
+    buffer->seconds = record.seconds;
+    buffer->lost = m_lost;
+    record.kept = pictures;
+    record.recorded = m_plan.recording;
+    m_kept += pictures ? 1 : 0;
+    m_counts.notKept = due - m_kept;
     return buffer;
+}
+
+int ScanRecorder::LostBefore(int key) {
+    const bool anew = m_newKeys || std::exchange(m_keyUnknown, false);
+    const int step = (key - m_nextKey + kKeys) % kKeys;
+    // A step of more than half the keys is a step back: a frame that came late, or twice.
+    if (step >= kKeys / 2 && !anew) {
+        return 0;
+    }
+    const int lost = anew ? 0 : step;
+    m_nextKey = (key + 1) % kKeys;
+    m_lost += lost;
+    return lost;
+}
+
+void ScanRecorder::ExpectNewKeys(bool expected) {
+    const os::MutexGuard guard(m_mutex);
+    m_newKeys = expected;
+    m_keyUnknown = !expected;
 }
 
 void ScanRecorder::Stop() {
@@ -110,6 +155,14 @@ ScanRecorder::Counts ScanRecorder::Wait(std::chrono::milliseconds limit) {
     while (!Over() && m_changed.WaitUntil(m_mutex, end)) {
     }
     return m_counts;
+}
+
+std::vector<SetRecord> ScanRecorder::FetchRecords() {
+    std::vector<SetRecord> records;
+    records.reserve(kRecords);
+    const os::MutexGuard guard(m_mutex);
+    records.swap(m_records);
+    return records;
 }
 
 }  // namespace Korvex3Sync::korvexctl

@@ -3,21 +3,31 @@
 #include <chrono>
 #include <cstdint>
 #include <functional>
+#include <limits>
 #include <optional>
 #include <vector>
 
 #include "korvexctl/pictures/ImageSet.h"
 #include "korvexctl/pictures/ImageSetChoice.h"
 #include "korvexctl/pictures/KeptImageSet.h"
+#include "korvexctl/scan/SetRecord.h"
 #include "platform/os/Condition.h"
 #include "platform/os/CriticalSection.h"
 
 namespace Korvex3Sync::korvexctl {
 
-/// Counts the sets of a scan and copies the chosen ones into a bounded number of buffers. The
-/// writer gives each buffer back; a chosen set without a free buffer is counted and not kept, so
-/// that slow writing never blocks the scan. Take runs on a grab thread and only counts and copies
-/// into existing buffers; everything else runs on the program's own threads. Thread-safe.
+/// What a scan takes and keeps.
+struct ScanPlan {
+    int sets = std::numeric_limits<int>::max();
+    ImageSetChoice choice{0, {}};
+    bool recording = false;  // every set is kept for a replay
+    int buffers = 1;         // sets that may wait to be written
+};
+
+/// Counts the sets of a scan, notes each, and copies those to keep into a bounded number of
+/// buffers. The writer gives each buffer back; a set without a free buffer is not kept, so that
+/// slow writing never blocks the scan. Take runs on a grab thread and only counts and copies into
+/// existing buffers; everything else runs on the program's own threads. Thread-safe.
 class ScanRecorder {
 public:
     using Clock = std::chrono::steady_clock;
@@ -25,8 +35,9 @@ public:
     struct Counts {
         int delivered = 0;
         int withColor = 0;
-        int odd = 0;      ///< sets without two mono images, or of another size; not delivered
-        int notKept = 0;  ///< chosen sets without a free buffer; they count as delivered
+        int odd = 0;          ///< sets without two mono images, or of another size; not delivered
+        int notKept = 0;      ///< pictures that are due and found no free buffer so far
+        int notRecorded = 0;  ///< sets without a free buffer, of those to record
         Clock::time_point first{};
         Clock::time_point last{};
         bool stopped = false;
@@ -37,8 +48,7 @@ public:
         std::optional<double> Rate() const { return ImageSetsPerSecond(delivered, Time()); }
     };
 
-    /// `chosen` is in the order of the numbers. At most `buffers` sets are held at a time.
-    ScanRecorder(int sets, std::vector<ChosenImageSet> chosen, int buffers);
+    explicit ScanRecorder(const ScanPlan& plan);
     ScanRecorder(const ScanRecorder&) = delete;
     ScanRecorder& operator=(const ScanRecorder&) = delete;
 
@@ -61,26 +71,37 @@ public:
     void Stop();
     /// Waits until the scan is over (all sets, or stopped), at most for the limit.
     Counts Wait(std::chrono::milliseconds limit);
+    /// The notes of the sets since the last call, in order.
+    std::vector<SetRecord> FetchRecords();
+
+    /// From true to the first set after false the head may start its keys anew: no gap in them
+    /// counts as a loss.
+    void ExpectNewKeys(bool expected);
 
 private:
     void Take(const std::vector<unsigned char*>& images, int width, int height);
     bool Over() const KORVEX_REQUIRES(m_mutex) {
-        return m_counts.stopped || m_counts.delivered == m_sets;
+        return m_counts.stopped || m_counts.delivered == m_plan.sets;
     }
-    /// A buffer for the set that arrives now, or null when it is not chosen or none is free.
-    KeptImageSet* BufferForNext() KORVEX_REQUIRES(m_mutex);
+    /// A buffer for the set that arrives now, or null when it is not to be kept or none is free.
+    KeptImageSet* BufferFor(SetRecord& record) KORVEX_REQUIRES(m_mutex);
+    int LostBefore(int key) KORVEX_REQUIRES(m_mutex);
 
     ScanRecorder* m_self = this;
-    const int m_sets;
-    const std::vector<ChosenImageSet> m_chosen;
+    const ScanPlan m_plan;
     std::function<void(const KeptImageSet&)> m_onKept;
     int m_width = 0;
     int m_height = 0;
     std::vector<KeptImageSet> m_buffers;
     os::Mutex m_mutex;
     os::Condition m_changed;
-    std::size_t m_nextChosen KORVEX_GUARDED_BY(m_mutex) = 0;
+    int m_kept KORVEX_GUARDED_BY(m_mutex) = 0;
+    int m_lost KORVEX_GUARDED_BY(m_mutex) = 0;
+    int m_nextKey KORVEX_GUARDED_BY(m_mutex) = 0;
+    bool m_newKeys KORVEX_GUARDED_BY(m_mutex) = false;
+    bool m_keyUnknown KORVEX_GUARDED_BY(m_mutex) = false;
     std::vector<KeptImageSet*> m_free KORVEX_GUARDED_BY(m_mutex);
+    std::vector<SetRecord> m_records KORVEX_GUARDED_BY(m_mutex);
     Counts m_counts KORVEX_GUARDED_BY(m_mutex);
 };
 

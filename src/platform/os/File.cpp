@@ -1,6 +1,7 @@
 #include "platform/os/File.h"
 
 #include <fcntl.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -38,6 +39,18 @@ std::error_code ErrorUnless(bool done) {
 File Opened(int descriptor, std::error_code& error) {
     error = ErrorUnless(descriptor >= 0);
     return File(descriptor);
+}
+
+File OpenFolder(const fs::path& folder, std::error_code& error) {
+    return Opened(::open(folder.empty() ? "." : folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC),
+                  error);
+}
+
+/// No error where the user or the file system allows no wait for the disk.
+std::error_code IgnoreUnable(const std::error_code& error) {
+    const bool unable = error == std::errc::permission_denied ||
+                        error == std::errc::invalid_argument || error == std::errc::not_supported;
+    return unable ? std::error_code{} : error;
 }
 
 /// The number of this process's open descriptor that a path names, such as /dev/fd/3.
@@ -175,14 +188,28 @@ std::error_code RenameToNew(const fs::path& from, const fs::path& to) noexcept {
 
 std::error_code SyncFolder(const fs::path& folder) noexcept {
     std::error_code error;
-    const File opened = Opened(
-        ::open(folder.empty() ? "." : folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC), error);
+    const File opened = OpenFolder(folder, error);
     if (!error) {
         error = opened.Sync();
     }
-    const bool unable = error == std::errc::permission_denied ||
-                        error == std::errc::invalid_argument || error == std::errc::not_supported;
-    return unable ? std::error_code{} : error;
+    return IgnoreUnable(error);
+}
+
+std::error_code SyncFileSystem(const fs::path& folder) noexcept {
+    std::error_code error;
+    const File opened = OpenFolder(folder, error);
+    if (!error) {
+        error = ErrorUnless(::syncfs(opened.Descriptor()) == 0);
+    }
+    return IgnoreUnable(error);
+}
+
+File LockFolder(const fs::path& folder, std::error_code& error) {
+    File opened = OpenFolder(folder, error);
+    if (!error) {
+        error = ErrorUnless(::flock(opened.Descriptor(), LOCK_EX | LOCK_NB) == 0);
+    }
+    return error ? File() : std::move(opened);
 }
 
 bool MeansNoRoom(const std::error_code& error) {

@@ -74,6 +74,14 @@ std::error_code RenameToNew(const std::filesystem::path& from,
 /// the user or the file system does not allow this.
 std::error_code SyncFolder(const std::filesystem::path& folder) noexcept;
 
+/// Returns when the disk has everything that was written to the file system of this folder.
+/// Succeeds where the system allows no such wait.
+std::error_code SyncFileSystem(const std::filesystem::path& folder) noexcept;
+
+/// Locks a folder for this process until the file is closed; leaves nothing in it. Fails with
+/// errc::resource_unavailable_try_again when another one has the lock, in this process too.
+File LockFolder(const std::filesystem::path& folder, std::error_code& error);
+
 /// Whether an error of a write means that there is no space: full disk, quota or file size limit
 /// exceeded.
 bool MeansNoRoom(const std::error_code& error);
