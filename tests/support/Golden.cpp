@@ -136,6 +136,7 @@ void Output::Name(const void* address, const std::string& name) {
 
 void Output::send(google::LogSeverity severity, const char*, const char* baseFilename, int,
                   const google::LogMessageTime&, const char* message, std::size_t length) {
+    const std::lock_guard lock(m_mutex);
     if ((std::this_thread::get_id() == m_thread) != (m_of == Of::kThisThread)) {
         return;
     }
@@ -145,7 +146,6 @@ void Output::send(google::LogSeverity severity, const char*, const char* baseFil
     std::fflush(stdout);
     const auto printed = static_cast<std::size_t>(::lseek(STDOUT_FILENO, 0, SEEK_CUR));
     const std::string text = std::string(baseFilename) + ": " + std::string(message, length);
-    const std::lock_guard lock(m_mutex);
     m_records.push_back({printed, level + Quoted(text)});
 }
 
@@ -154,6 +154,8 @@ std::vector<std::string> Output::End() {
         return {};
     }
     google::RemoveLogSink(this);
+    // The sanitizer for threads does not see the lock that glog calls its sinks with.
+    const std::lock_guard lock(m_mutex);
     const std::string printed = testing::internal::GetCapturedStdout();
     Lines lines;
     std::size_t shown = 0;
