@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <csignal>
+#include <sstream>
 #include <thread>
 
 #include "korvexctl/ErrorIntoFile.h"
@@ -108,12 +109,20 @@ TEST_F(ScanOverUnplugged, ReconnectsCountsWhatWasMissedAndGoesOn) {
                        "exposure.0", "7.5"})
                   .code,
               ExitCode::Done);
-    m_options.end.sets = 100;
+    const TemporaryFolder folder;
+    m_options.folder = folder.Path();
+    m_options.end.sets = 300;
     m_options.reconnect = true;
-    const Outcome outcome = ScanAndUnplug(40, std::chrono::milliseconds(1500));
+    const Outcome outcome = ScanAndUnplug(200, std::chrono::milliseconds(1500));
     ASSERT_EQ(outcome.code, ExitCode::Done) << outcome.message;
     const nlohmann::json& figures = *outcome.figures;
-    EXPECT_EQ(figures["sets"]["delivered"], 100);
+    EXPECT_EQ(figures["sets"]["delivered"], 300);
+    std::istringstream sets(ReadText(folder.Path() / "sets.csv"));
+    for (std::string line; std::getline(sets, line);) {
+        EXPECT_THAT(line, ::testing::AnyOf(::testing::HasSubstr("lost_before"),
+                                           ::testing::ContainsRegex(",[01],0,[0-9.]+,[01],0$")))
+            << "no set counts keys that start anew";
+    }
     ASSERT_EQ(figures["outages"].size(), 1U) << figures["outages"];
     const nlohmann::json& outage = figures["outages"][0];
     EXPECT_GE(outage["seconds"].get<double>(), 1.4);
