@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <string>
 
 #include "korvexctl/commands/Commands.h"
@@ -9,6 +10,7 @@ namespace Korvex3Sync::korvexctl {
 /// The result of parsing the command line.
 struct CommandLine {
     std::string virtualHead;  // as for RequestVirtualHead; empty: not requested
+    bool usesHead = true;     // whether the command works with a head
     std::string logFile;      // empty: none
     bool verbose = false;
     bool json = false;
@@ -23,7 +25,11 @@ struct CommandLineResult {
     bool badUsage = false;
 };
 
-/// Reads the command line. Throws for no input.
-CommandLineResult ReadCommandLine(int count, const char* const* arguments);
+/// The columns of a help that goes to no terminal.
+inline constexpr std::size_t kUsualWidth = 80;
+
+/// Reads the command line; the help is laid out for so many columns. Throws for no input.
+CommandLineResult ReadCommandLine(int count, const char* const* arguments,
+                                  std::size_t width = kUsualWidth);
 
 }  // namespace Korvex3Sync::korvexctl

@@ -10,29 +10,33 @@
 #include "korvexctl/files/StandardOutput.h"
 #include "platform/os/InterruptWatch.h"
 #include "platform/os/Print.h"
+#include "platform/os/StandardOutput.h"
 #include "virtual_head/Request.h"
 
 namespace Korvex3Sync::korvexctl {
 
 namespace {
 
+void RequestHead(const std::string& asked) {
+    std::string error;
+    const bool made = asked.empty() ? virtual_head::RequestHeadOfEnvironment(error)
+                                    : virtual_head::RequestVirtualHead(asked, error);
+    if (!made) {
+        throw CommandError(ExitCode::HeadRefused, error);
+    }
+}
+
 Outcome RunAsked(const CommandLine& line, Output& output) {
-    if (!line.virtualHead.empty()) {
-        std::string error;
-        if (!virtual_head::RequestVirtualHead(line.virtualHead, error)) {
-            throw CommandError(ExitCode::HeadRefused, error);
-        }
+    if (line.usesHead) {
+        RequestHead(line.virtualHead);
     }
     const EndingOnInterrupt ending;
     return ending.OutcomeOf([&] { return line.run(output); });
 }
 
 Outcome RunLogged(const CommandLine& line, StandardOutput& standardOutput, Output& output) {
-    const bool logFile = !line.logFile.empty();
-    if (logFile) {
-        standardOutput.LogTo(line.logFile);
-    }
-    const Logging logging("korvexctl", standardOutput, line.verbose, logFile);
+    standardOutput.ShowPrints(line.logFile);
+    const Logging logging("korvexctl", standardOutput, line.verbose, !line.logFile.empty());
     return RunAsked(line, output);
 }
 
@@ -60,8 +64,11 @@ Outcome Run(const CommandLineResult& asked) {
 int RunProgram(int count, const char* const* arguments) noexcept {
     try {
         os::TurnWriteSignalsIntoErrors();
-        const Outcome outcome = OutcomeOf([&] { return Run(ReadCommandLine(count, arguments)); });
-        if (outcome.code != ExitCode::Done) {
+        const Outcome outcome = OutcomeOf([&] {
+            return Run(
+                ReadCommandLine(count, arguments, os::TerminalColumns().value_or(kUsualWidth)));
+        });
+        if (outcome.code != ExitCode::Done && !outcome.message.empty()) {
             Say(outcome.message);
         }
         return static_cast<int>(outcome.code);

@@ -22,6 +22,7 @@ using korvexctl::Outcome;
 using ::testing::AllOf;
 using ::testing::HasSubstr;
 using ::testing::IsSupersetOf;
+using ::testing::Not;
 using ::testing::UnorderedElementsAre;
 
 // More than a machine under load can fill.
@@ -134,8 +135,11 @@ TEST_F(KorvexctlDoctor, WithoutAHeadNothingThatNeedsOneIsChecked) {
     EXPECT_EQ(outcome.code, ExitCode::NotHealthy);
     EXPECT_EQ(outcome.figures["simulated"], false);
     EXPECT_EQ(outcome.figures["can_scan"], false);
-    EXPECT_THAT(With(outcome, "FAULT"), UnorderedElementsAre("board", "cameras"));
-    EXPECT_THAT(With(outcome, "ok"), UnorderedElementsAre("head"));
+    EXPECT_EQ(outcome.message, "cannot scan: head");
+    EXPECT_THAT(With(outcome, "FAULT"), UnorderedElementsAre("head"));
+    EXPECT_EQ(With(outcome, "not checked").size(), outcome.figures["checks"].size() - 1);
+    EXPECT_THAT(Check(outcome, "head")["finding"], HasSubstr("no driver for a real head"));
+    EXPECT_THAT(Check(outcome, "head")["advice"], HasSubstr("use --virtual"));
     EXPECT_EQ(Check(outcome, "firmware")["finding"], "no board");
 }
 
@@ -225,6 +229,19 @@ TEST_F(KorvexctlDoctor, ARefusedSettingFailsTheTrialOnly) {
     const Outcome outcome = Examine();
     EXPECT_THAT(With(outcome, "FAULT"), UnorderedElementsAre("trial scan"));
     EXPECT_THAT(Check(outcome, "trial scan")["finding"], HasSubstr("laser lines"));
+}
+
+TEST(KorvexctlDoctorProgram, WithoutAHeadOneCauseGivesOneMessage) {
+    const ChildResult result = RunKorvexctl({"doctor"});
+    EXPECT_EQ(result.exitCode, 13);
+    // No log line beside it.
+    EXPECT_EQ(result.error, "korvexctl: cannot scan: head\n");
+    EXPECT_THAT(result.output, AllOf(HasSubstr("FAULT        head"), Not(HasSubstr("cable"))));
+}
+
+TEST_F(KorvexctlDoctor, TheBoardIsNamedWithItsSerial) {
+    const RequestedHead head(PatientHead());
+    EXPECT_EQ(Check(Examine(), "board")["finding"], "found, serial VH3267-0001; it is simulated");
 }
 
 TEST_F(KorvexctlDoctor, TheProgramPrintsOnePageAndItsVerdict) {

@@ -145,10 +145,13 @@ TEST(KorvexctlDocument, OtherPagesTellTheRangesOfTheSettings) {
                 HasSubstr("an exposure above " + longest + " ms"));
 }
 
+/// Columns for every line of a help.
+constexpr std::size_t kUnbroken = 10'000;
+
 std::string HelpOf(std::vector<const char*> words) {
     words.insert(words.begin(), "korvexctl");
     words.push_back("--help");
-    return korvexctl::ReadCommandLine(static_cast<int>(words.size()), words.data()).text;
+    return korvexctl::ReadCommandLine(static_cast<int>(words.size()), words.data(), kUnbroken).text;
 }
 
 TEST(KorvexctlDocument, TellsTheNumbersOfTheHelp) {

@@ -1,6 +1,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include "korvexctl/CommandOverHead.h"
 #include "korvexctl/Korvexctl.h"
 #include "korvexctl/files/StandardOutput.h"
@@ -15,6 +17,8 @@ namespace {
 using ::testing::AllOf;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
+using ::testing::Not;
+using ::testing::StartsWith;
 
 constexpr int kNoCamera = 3;
 
@@ -57,11 +61,34 @@ TEST(KorvexctlList, TheEnvironmentAsksForAHeadToo) {
     EXPECT_THAT(result.output, HasSubstr("64 x 48"));
 }
 
+TEST(KorvexctlList, ARefusedHeadFileOfTheEnvironmentIsRefused) {
+    const TemporaryFolder folder;
+    const std::string file = WriteSmallHead(folder.Path(), "widht = 64\n").string();
+    ChildOptions options;
+    options.environment = {{"KORVEX_VIRTUAL_HEAD", file}};
+    const ChildResult result = RunChild(KorvexctlCommand({"list"}), options);
+    EXPECT_EQ(result.exitCode, 8);
+    EXPECT_THAT(result.error, StartsWith("korvexctl: KORVEX_VIRTUAL_HEAD: " + file + ":4: "));
+    EXPECT_EQ(std::count(result.error.begin(), result.error.end(), '\n'), 1) << result.error;
+    // What writes a better one does not need it.
+    EXPECT_EQ(RunChild(KorvexctlCommand({"virtual", "new", "--force", file}), options).exitCode, 0);
+    EXPECT_EQ(RunChild(KorvexctlCommand({"list"}), options).exitCode, 0);
+}
+
+TEST(KorvexctlList, ARequestGoesBeforeTheEnvironment) {
+    ChildOptions options;
+    options.environment = {{"KORVEX_VIRTUAL_HEAD", "/no/such/head.toml"}};
+    EXPECT_EQ(RunChild(KorvexctlCommand({"list", "--virtual"}), options).exitCode, 0);
+}
+
 TEST(KorvexctlList, WithoutAHeadNothingIsSimulated) {
     const ChildResult result = RunKorvexctl({"list"});
     EXPECT_EQ(result.exitCode, kNoCamera);
     EXPECT_THAT(result.output, IsEmpty());
-    EXPECT_THAT(result.error, HasSubstr("korvexctl: no camera found"));
+    EXPECT_EQ(
+        result.error,
+        "korvexctl: no camera found (type KV00): the platform libraries of this build have no "
+        "driver for a real head; use --virtual for a simulated head\n");
 }
 
 TEST(KorvexctlList, AnUnknownTypeFindsNoCamera) {
@@ -165,6 +192,53 @@ TEST(KorvexctlOutput, VerboseShowsTheLibraryOnStandardErrorOnly) {
     // Once as a log line, once printed.
     EXPECT_THAT(result.error, HasSubstr("GetAllSpecifyTypeCameraInformation tmpRealCount=2"));
     EXPECT_THAT(result.error, HasSubstr("Camera 0 gain range 0 - 16"));
+}
+
+TEST(KorvexctlOutput, AReaderThatWantsNoMoreEndsItWithoutAWord) {
+    // A pipe whose reader has ended.
+    std::vector<std::string> command{"bash", "-c", "exec 3> >(:); wait $!; \"$@\" >&3", "bash"};
+    for (const std::string& word : KorvexctlCommand({"--virtual", "list"})) {
+        command.push_back(word);
+    }
+    const ChildResult result = RunChild(command, WithoutHead());
+    EXPECT_EQ(result.exitCode, 6);
+    EXPECT_THAT(result.error, IsEmpty());
+}
+
+/// A name with an escape sequence, and how it is shown.
+constexpr const char* kWicked = "KV\033[31m\x7f\xC2\x9B";
+constexpr const char* kShown = "KV\\x1B[31m\\x7F\\xC2\\x9B";
+
+TEST(KorvexctlOutput, EscapeSequencesAreShownAsText) {
+    const TemporaryFolder folder;
+    const ChildResult error = RunKorvexctl({"set", kWicked, "1"});
+    EXPECT_THAT(error.error, HasSubstr(std::string("unknown setting \"") + kShown + '"'));
+    const ChildResult line =
+        RunKorvexctl({"--virtual", "profile", "save", (folder.Path() / kWicked).string()});
+    EXPECT_THAT(line.output, HasSubstr(std::string("/") + kShown + ": "));
+}
+
+TEST(KorvexctlOutput, AlsoThoseThatTheLibraryLogsAndPrints) {
+    const TemporaryFolder folder;
+    const auto log = folder.Path() / "log";
+    const std::string printed = RunKorvexctl({"-v", "list", "--type", "\033]0;x"}).error;
+    EXPECT_THAT(printed,
+                AllOf(HasSubstr("Create Camera Failed: \\x1B]\n"), Not(HasSubstr("\033"))));
+    const ChildResult result =
+        RunKorvexctl({"-v", "--log", log.string(), "--virtual", "info", "--board", "\033[2J"});
+    for (const std::string& text : {result.error, ReadText(log)}) {
+        EXPECT_THAT(text, AllOf(HasSubstr("pcbSerial=\\x1B[2J\n"),
+                                HasSubstr("\nCamera 0 gain range"), Not(HasSubstr("\033"))));
+    }
+}
+
+TEST(KorvexctlOutput, ADocumentHasNothingButPlainCharacters) {
+    const ChildResult result = RunKorvexctl({"--json", "set", std::string(kWicked) + "\xE9", "1"});
+    EXPECT_TRUE(std::all_of(result.output.begin(), result.output.end(), [](char c) {
+        return c == '\n' || (c >= ' ' && c <= '~');
+    })) << result.output;
+    EXPECT_THAT(ParseJson(result.output)["error"]["message"].get<std::string>(),
+                HasSubstr("KV\033[31m\x7f\xC2\x9B\xEF\xBF\xBD"));
 }
 
 TEST(KorvexctlOutput, TheLogFileKeepsWhatTheLibraryLogsAndPrints) {

@@ -148,7 +148,7 @@ INSTANTIATE_TEST_SUITE_P(
         BadProfile{"gain.0 = 1\n\"gain.0\" = 1\n", 2, "gain.0 is given twice"},
         BadProfile{"trigger-period = 5\ntrigger-period = 6\n", 2, "trigger-period"},
         BadProfile{"trigger-period = 5\nproject = 7\nx = 1\n", 2, "project: 7"},
-        BadProfile{"\"a\\nb\" = 1\n", 1, "unknown setting \"a b\""},
+        BadProfile{"\"a\\nb\" = 1\n", 1, "unknown setting \"a\\x0Ab\""},
         BadProfile{"trigger-period = \n", 1, ""}, BadProfile{"= \xff\xfe\n", 1, ""}),
     [](const auto& row) { return support::CaseName(row.param.text); });
 

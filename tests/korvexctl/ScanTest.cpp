@@ -167,6 +167,10 @@ TEST_F(KorvexctlScan, EveryModeDeliversItsSets) {
 }
 
 TEST_F(KorvexctlScan, ATerminalShowsProgressAndAFileDoesNot) {
+    ASSERT_EQ(
+        RunChild({"script", "--quiet", "--return", "--command", "true", "/dev/null"}).exitCode, 0)
+        << "script cannot make a pseudo terminal here (is /dev/pts mounted?), so no progress bar "
+           "can be shown";
     const std::string scan =
         "'" KORVEX_KORVEXCTL "' '--virtual=" + m_head.string() + "' scan --sets 20";
     const ChildResult onTerminal =

@@ -1,7 +1,11 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <sstream>
+
 #include "korvexctl/CommandOverHead.h"
+#include "korvexctl/ErrorIntoFile.h"
+#include "virtual_head/TestFiles.h"
 
 namespace Korvex3Sync::tests {
 
@@ -204,9 +208,62 @@ TEST_F(SettingsOverHead, TheHalfThatIsNotGivenStays) {
 TEST_F(SettingsOverHead, AGainThatTheCameraRefusesIsFoundWhenItIsReadBack) {
     const CommandResult result = RunHere({"set", "exposure.0", "5", "gain.0", "40"});
     EXPECT_EQ(result.code, ExitCode::DeviceRefused);
-    EXPECT_EQ(result.message, "gain.0 was set to 40 and reads back as 0");
+    EXPECT_EQ(result.message,
+              "gain.0 was set to 40 and reads back as 0 (the camera takes no gain above 16)");
+    // Looking for the limit changed nothing.
+    EXPECT_EQ(RunHere({"get", "exposure.0", "gain.0"}).output, "exposure.0 5 ms\ngain.0 0\n");
     EXPECT_EQ(result.figures["settings"]["gain.0"]["set"], 40);
     EXPECT_EQ(result.figures["settings"]["gain.0"]["value"], 0);
+}
+
+TEST(KorvexctlSettings, AGainBelowThoseOfTheCameraIsExplained) {
+    virtual_head::HeadDescription description = SmallHeadDescription();
+    description.gainLow = 5;
+    const RequestedHead head(description);
+    ASSERT_EQ(RunHere({"set", "exposure.0", "5", "gain.0", "9"}).code, ExitCode::Done);
+    EXPECT_EQ(RunHere({"set", "gain.0", "2"}).message,
+              "gain.0 was set to 2 and reads back as 9 (the camera takes no gain below 5)");
+}
+
+/// What a command itself says on standard error.
+std::string WarningOf(const std::vector<std::string>& words, CommandResult& result) {
+    const TemporaryFolder folder;
+    const auto file = folder.Path() / "error";
+    {
+        const ErrorIntoFile errorIntoFile(file);
+        result = RunHere(words);
+    }
+    std::istringstream lines(ReadText(file));
+    std::string said;
+    for (std::string line; std::getline(lines, line);) {
+        said += line.starts_with("korvexctl: ") ? line + '\n' : "";
+    }
+    return said;
+}
+
+TEST_F(SettingsOverHead, LightAndTriggerThatStayOnAreWarnedOf) {
+    CommandResult result;
+    EXPECT_EQ(WarningOf({"set", "blue-laser", "1", "on", "trigger-mode", "laser"}, result),
+              "korvexctl: WARNING: on after this command: laser lines, trigger; look away from the "
+              "head. Switch off with: korvexctl set trigger-mode off blue-laser 1 off\n");
+    EXPECT_EQ(result.code, ExitCode::Done);
+    EXPECT_EQ(result.figures["left_on"], nlohmann::json::array({"laser lines", "trigger"}));
+    EXPECT_EQ(WarningOf({"set", "trigger-mode", "off", "blue-laser", "1", "off"}, result), "");
+    EXPECT_EQ(result.figures["left_on"], nlohmann::json::array());
+    EXPECT_THAT(WarningOf({"set", "ir-laser", "on"}, result), HasSubstr("infrared laser"));
+    EXPECT_EQ(WarningOf({"set", "trigger-mode", "single-color", "project", "1"}, result), "")
+        << "one frame, and disconnecting ends the projection";
+}
+
+TEST_F(SettingsOverHead, AlsoWhenALaterSettingIsRefusedAndOnlyOfThoseThatWereSent) {
+    ASSERT_TRUE(m_head->GetFaults().Fail("zr3DSetDistanceIndicateState", 1));
+    CommandResult result;
+    EXPECT_THAT(
+        WarningOf({"set", "blue-laser", "2", "on", "distance", "1", "trigger-mode", "laser"},
+                  result),
+        HasSubstr("on after this command: laser lines; "));
+    EXPECT_EQ(result.code, ExitCode::DeviceRefused);
+    EXPECT_EQ(result.figures["left_on"], nlohmann::json::array({"laser lines"}));
 }
 
 TEST_F(SettingsOverHead, AnExposureThatOnlySelectsACameraIsExplained) {

@@ -9,7 +9,6 @@
 #include <set>
 
 #include "korvexctl/cli/ExitCodes.h"
-#include "korvexctl/cli/NearNames.h"
 #include "korvexctl/commands/SetCommand.h"
 
 namespace Korvex3Sync::tests {
@@ -21,7 +20,6 @@ using korvexctl::CheckValue;
 using korvexctl::Field;
 using korvexctl::FieldKind;
 using korvexctl::FindSetting;
-using korvexctl::NearNames;
 using korvexctl::ReadAssignments;
 using korvexctl::ReadValueText;
 using korvexctl::Setting;
@@ -125,20 +123,6 @@ TEST(Settings, AShortExposureWithoutGainOnlySelects) {
     EXPECT_FALSE(OnlySelects(0, 0.1, 1));
     EXPECT_FALSE(OnlySelects(1, 0.1, 0));
     EXPECT_THAT(FindSetting("exposure.0")->help, HasSubstr("with gain 0 no less than 0.4"));
-}
-
-TEST(Settings, NamesThatComeNearAreSuggested) {
-    const std::vector<std::string> names{"laser-line-duty", "ir-laser-duty", "project", "gain.0"};
-    EXPECT_THAT(NearNames("laser-line-dutty", names), ElementsAre("laser-line-duty"));
-    EXPECT_THAT(NearNames("laser-duty", names), ElementsAre("ir-laser-duty", "laser-line-duty"));
-    EXPECT_THAT(NearNames("gain", names), ElementsAre("gain.0"));
-    EXPECT_THAT(NearNames("agin.0", names), ElementsAre("gain.0"));
-    EXPECT_THAT(NearNames("ab", {"ba"}), IsEmpty());
-    EXPECT_THAT(NearNames("abc", {"bac"}), ElementsAre("bac"));
-    EXPECT_THAT(NearNames("zebra", names), IsEmpty());
-    EXPECT_THAT(NearNames("-1", names), IsEmpty());
-    EXPECT_THAT(NearNames("", names), IsEmpty());
-    EXPECT_THAT(NearNames(std::string(10'000, 'a'), names), IsEmpty());
 }
 
 std::string RefusalOf(const std::vector<std::string>& words) {

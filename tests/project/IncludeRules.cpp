@@ -22,6 +22,7 @@ struct Arrows {
 
 const std::string kPublic = "include/Korvex3Sync/";
 const std::string kOs = "src/platform/os/";
+const std::string kText = "src/platform/text/";
 const std::string kHeaders = "src/platform/include/";
 const std::string kBoardHeader = "src/platform/include/zr3DHandiDLPdev.h";
 const std::string kBoardFacts = "src/platform/include/BoardFacts.h";
@@ -46,17 +47,18 @@ const std::vector<Arrows> kArrows{
     {"src/camera/", {kPublic, "src/platform/include/zr3DCamera.h", kBoardFacts, kFrameLayout, kOs}},
     {kHeaders, {}},
     {kOs, {}},
+    {kText, {}},
     {kToml, {}},
     // Report format and command codes: shared by the board's two ends, so free of both.
     {"src/platform/board/protocol/", {kHeaders, kOs}},
     {"src/platform/board/", {kHeaders, kOs, kHead}},
     {"src/platform/cameras/", {kHeaders, kOs, kHead}},
     {"src/platform/usbtree/", {kHeaders, kOs, kHead}},
-    {kHead, {"src/platform/board/protocol/", kHeaders, kToml, kOs}},
-    {kCli, {kOs}},
-    {kFiles, {kCli, kOs}},
-    {kProgramHead, {kCli, kFiles, kPublic, kHeadRequest, kBoardFacts, kFrameLayout, kOs}},
-    {kSettings, {kCli, kProgramHead, kPublic, kToml, kOs}},
+    {kHead, {"src/platform/board/protocol/", kHeaders, kToml, kOs, kText}},
+    {kCli, {kOs, kText}},
+    {kFiles, {kCli, kOs, kText}},
+    {kProgramHead, {kCli, kFiles, kPublic, kHeadRequest, kBoardFacts, kFrameLayout, kOs, kText}},
+    {kSettings, {kCli, kProgramHead, kPublic, kToml, kOs, kText}},
     {kPictures, {kCli, kFiles, kOs}},
     {kScan, {kCli, kFiles, kProgramHead, kSettings, kPictures, kPublic, kOs}},
     {kKorvexctl + "health/",
@@ -64,8 +66,8 @@ const std::vector<Arrows> kArrows{
       kFrameLayout, kOs}},
     {kKorvexctl + "commands/",
      {kCli, kFiles, kProgramHead, kSettings, kPictures, kScan, kKorvexctl + "health/", kPublic,
-      kHeadRequest, kOs}},
-    {kKorvexctl, {kPublic, kHeadRequest, kOs}},
+      kHeadRequest, kOs, kText}},
+    {kKorvexctl, {kPublic, kHeadRequest, kOs, kText}},
     {"examples/", {kPublic}},
     {"tests/", {"include/", "src/", "programs/", "tests/"}},
     {"bench/", {"include/", "src/", "programs/", "tests/"}},

@@ -234,6 +234,7 @@ std::set<std::string> Meant(const std::string& words) {
          {"src/platform/include/zr3DHandiDLPdev.h", "src/platform/include/USBTREE.h"}},
         {"the camera header", {"src/platform/include/zr3DCamera.h"}},
         {"platform/os", {"src/platform/os/"}},
+        {"platform/text", {"src/platform/text/"}},
         {"virtual_head", {"src/virtual_head/"}},
         {"virtual_head/Request.h", {"src/virtual_head/Request.h"}},
         {"board/protocol", {"src/platform/board/protocol/"}},

@@ -136,12 +136,13 @@ TEST_F(FaultKeysTest, NoFaultsAndTheFirstSeedAreTheDefault) {
 TEST_F(FaultKeysTest, UnknownNamesNameTheirLine) {
     const std::string at = "at_ms = 1\n";
     EXPECT_EQ(WrongFault(at + "what = \"lose-mon\"\n", 3),
-              "[[fault]] what: there is no fault \"lose-mon\"");
+              "[[fault]] what: there is no fault \"lose-mon\"; did you mean lose-mono");
     EXPECT_EQ(WrongFault(at + "what = \"fail\"\ncall = \"Snap\"\n", 4),
-              "[[fault]] call: no platform function is called \"Snap\"");
+              "[[fault]] call: no platform function is called \"Snap\"; did you mean SnapShot");
     EXPECT_EQ(WrongFault("what = \"lose-mono\"\nat_trigge = 1\n", 3),
-              "unknown key \"at_trigge\" in [[fault]]");
-    EXPECT_EQ(Wrong("[faults]\nsede = 1\n", 2), "unknown key \"sede\" in [faults]");
+              "unknown key \"at_trigge\" in [[fault]]; did you mean at_trigger");
+    EXPECT_EQ(Wrong("[faults]\nsede = 1\n", 2),
+              "unknown key \"sede\" in [faults]; did you mean seed");
 }
 
 TEST_F(FaultKeysTest, WhatAKindHasNoUseForNamesItsLine) {

@@ -162,11 +162,12 @@ TEST_F(HeadFileTest, LimitsThemselvesAreAllowed) {
 
 TEST_F(HeadFileTest, UnknownKeyNamesItsLine) {
     EXPECT_EQ(Wrong("[camera]\nwidth = 640\nheigth = 480\n", 3),
-              "unknown key \"heigth\" in [camera]");
+              "unknown key \"heigth\" in [camera]; did you mean height");
 }
 
 TEST_F(HeadFileTest, UnknownTableNamesItsLine) {
-    EXPECT_EQ(Wrong("\n[cameras]\nwidth = 640\n", 2), "unknown key \"cameras\"");
+    EXPECT_EQ(Wrong("\n[cameras]\nwidth = 640\n", 2),
+              "unknown key \"cameras\"; did you mean camera");
 }
 
 TEST_F(HeadFileTest, KeyOutsideATableIsUnknown) {
@@ -245,6 +246,8 @@ TEST_F(HeadFileTest, UserMemoryErrorsNameTheirLine) {
     EXPECT_THAT(Wrong(page + "page = 1\nbytes = \"1\"\n", 3), HasSubstr("array of numbers"));
     EXPECT_THAT(Wrong(page + "page = 1\ntext = 1\n", 3), HasSubstr("a text is expected"));
     EXPECT_THAT(Wrong(page + "page = 1\nname = 1\n", 3), HasSubstr("unknown key \"name\""));
+    EXPECT_THAT(Wrong(page + "page = 1\ntxet = 1\n", 3), HasSubstr("; did you mean text"));
+    EXPECT_THAT(Wrong("[board]\nuser_memroy = 1\n", 2), HasSubstr("; did you mean user_memory"));
     EXPECT_THAT(Wrong(page + "page = 1\n", 1), HasSubstr("missing key"));
     EXPECT_THAT(Wrong(page + "text = \"a\"\n", 1), HasSubstr("missing key"));
     EXPECT_THAT(Wrong(page + "page = 1\nbytes = []\ntext = \"a\"\n", 4), HasSubstr("exclude"));

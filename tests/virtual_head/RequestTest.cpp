@@ -167,6 +167,19 @@ TEST_F(RequestByEnvironmentTest, RefusedHeadFileIsToldOnceAndNoHeadExists) {
         ExitedWithCode(0), "^KORVEX_VIRTUAL_HEAD: /none/head.toml: no such file\nleft\n$");
 }
 
+TEST_F(RequestByEnvironmentTest, RefusedHeadFileIsToldToWhoAsksFirst) {
+    EXPECT_EXIT(
+        {
+            setenv(kVariable, "/none/head.toml", 1);
+            std::string error;
+            const bool made = RequestHeadOfEnvironment(error);
+            std::cerr << error << std::endl;
+            // It was decided: there is no head, and nothing more to say.
+            Leave(!made && RequestHeadOfEnvironment(error) && !RequestedVirtualHead());
+        },
+        ExitedWithCode(0), "^KORVEX_VIRTUAL_HEAD: /none/head.toml: no such file\nleft\n$");
+}
+
 TEST_F(RequestByEnvironmentTest, RequestMadeBeforeGoesFirst) {
     EXPECT_EXIT(
         {

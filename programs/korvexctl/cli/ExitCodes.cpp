@@ -3,14 +3,12 @@
 #include <array>
 #include <iomanip>
 #include <sstream>
-#include <string_view>
-#include <utility>
 
 namespace Korvex3Sync::korvexctl {
 
 namespace {
 
-using Row = std::pair<ExitCode, std::string_view>;
+using Row = ExitCodeMeaning;
 
 constexpr std::array kTable{
     Row{ExitCode::Done, "success; scan: all requested sets arrived"},
@@ -21,7 +19,7 @@ constexpr std::array kTable{
     Row{ExitCode::SetsMissing, "scan: no set arrived within the timeout"},
     Row{ExitCode::NotWritable, "cannot write the output"},
     Row{ExitCode::DiskFull, "the disk is full"},
-    Row{ExitCode::HeadRefused, "the head file of --virtual is invalid"},
+    Row{ExitCode::HeadRefused, "the head file of --virtual or KORVEX_VIRTUAL_HEAD is invalid"},
     Row{ExitCode::DeviceRefused,
         "the head refused an operation, or a setting reads back differently"},
     Row{ExitCode::ProfileRefused, "a profile cannot be read or is invalid; nothing was sent"},
@@ -35,6 +33,10 @@ constexpr std::array kTable{
 };
 
 }  // namespace
+
+std::span<const ExitCodeMeaning> ExitCodeMeanings() {
+    return kTable;
+}
 
 std::string ExitCodeTable() {
     std::ostringstream text;

@@ -1,7 +1,9 @@
 #pragma once
 
+#include <span>
 #include <stdexcept>
 #include <string>
+#include <string_view>
 
 namespace Korvex3Sync::korvexctl {
 
@@ -25,6 +27,13 @@ enum class ExitCode : int {
     SelftestFailed = 15,
     Interrupted = 130
 };
+
+struct ExitCodeMeaning {
+    ExitCode code;
+    std::string_view meaning;
+};
+/// All of them, in the order of their numbers.
+std::span<const ExitCodeMeaning> ExitCodeMeanings();
 
 /// The table of exit codes as text, one line each, for the help.
 std::string ExitCodeTable();

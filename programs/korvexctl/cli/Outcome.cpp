@@ -4,6 +4,7 @@
 #include <nlohmann/json.hpp>
 
 #include "korvexctl/cli/ProgressBar.h"
+#include "platform/text/Printable.h"
 
 namespace Korvex3Sync::korvexctl {
 
@@ -13,7 +14,8 @@ constexpr int kIndent = 2;
 constexpr int kOneLine = -1;
 
 std::string Dump(const nlohmann::json& document, int indent) {
-    return document.dump(indent, ' ', false, nlohmann::json::error_handler_t::replace) + '\n';
+    constexpr bool kAsciiOnly = true;
+    return document.dump(indent, ' ', kAsciiOnly, nlohmann::json::error_handler_t::replace) + '\n';
 }
 
 /// The figures as an object, with "error" when the command failed.
@@ -50,7 +52,7 @@ std::string JsonLine(const nlohmann::json& document) {
 }
 
 void Say(const std::string& message) {
-    PrintErrorLine("korvexctl: " + message);
+    PrintErrorLine("korvexctl: " + text::Printable(message));
 }
 
 std::string Outcome::Document() const {

@@ -26,11 +26,12 @@ struct Outcome {
 /// Runs something that gives an outcome; an exception becomes the outcome.
 Outcome OutcomeOf(const std::function<Outcome()>& run);
 
-/// The document on one line, with a newline. Bytes that are not UTF-8 are replaced, because a
-/// camera may return any bytes as its serial.
+/// The document on one line, with its line end, in ASCII: every other character is escaped, so that
+/// none reaches a terminal. Bytes that are not UTF-8 are replaced: a camera may return any bytes as
+/// its serial.
 std::string JsonLine(const nlohmann::json& document);
 
-/// Writes "korvexctl: MESSAGE" as a line to standard error. Any thread.
+/// Writes "korvexctl: MESSAGE" as a line to standard error, control characters escaped. Any thread.
 void Say(const std::string& message);
 
 }  // namespace Korvex3Sync::korvexctl

@@ -25,7 +25,8 @@ constexpr std::array kCommands{
     Command{"doctor", "Check whether this machine and this head can scan, and what to do if not",
             AddDoctor},
     Command{"selftest", "Test everything that a head can do, step by step", AddSelftest},
-    Command{"virtual", "Write a description of a virtual head", AddVirtual},
+    Command{"virtual", "Write a description of a virtual head", AddVirtual, false},
+    Command{"help", "Show the help of a command", AddHelp, false},
 };
 
 }  // namespace

@@ -22,6 +22,8 @@ struct Command {
     /// Adds the command's options to `command` and returns what runs it. The options belong to the
     /// returned function, and are filled in before it is called.
     RunCommand (*add)(CLI::App& command);
+    /// Whether it works with a head: without one, a refused head file does not matter.
+    bool usesHead = true;
 };
 
 /// All commands, in the order of the help.
@@ -47,5 +49,6 @@ RunCommand AddUsb(CLI::App& command);
 RunCommand AddDoctor(CLI::App& command);
 RunCommand AddSelftest(CLI::App& command);
 RunCommand AddVirtual(CLI::App& command);
+RunCommand AddHelp(CLI::App& command);
 
 }  // namespace Korvex3Sync::korvexctl

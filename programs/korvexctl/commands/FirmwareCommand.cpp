@@ -5,6 +5,7 @@
 #include <nlohmann/json.hpp>
 
 #include "korvexctl/commands/Commands.h"
+#include "korvexctl/head/Drivers.h"
 #include "korvexctl/head/HeadChoice.h"
 #include "korvexctl/head/Session.h"
 
@@ -21,7 +22,8 @@ Outcome RunFirmware(const std::string& board, Output& output) {
     if (status != STATUS_SUCCESS) {
         outcome.code = ExitCode::NotConnected;
         outcome.message = "cannot read the firmware version" +
-                          (board.empty() ? "" : " of board " + board) + ": " + StatusText(status);
+                          (board.empty() ? "" : " of board " + board) + ": " + StatusText(status) +
+                          WhyNoDevice("");
         return outcome;
     }
     outcome.figures["firmware"] = version;

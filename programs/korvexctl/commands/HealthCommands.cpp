@@ -73,7 +73,7 @@ RunCommand AddDoctor(CLI::App& command) {
     AddHeadOptions(command, *head, true);
     command.footer(
         "Runs a short scan with the laser lines on: look away from the head. Restores the "
-        "settings\n"
+        "settings "
         "that the head reports; light and trigger are off afterwards.");
     return [head](Output& output) { return RunDoctor(*head, output); };
 }
@@ -84,8 +84,8 @@ RunCommand AddSelftest(CLI::App& command) {
     command.add_flag("--write-user-memory", options->writeUserMemory,
                      "Also write the last page of the user memory, and restore it");
     command.footer(
-        "Sets everything that the head has, with lasers, projector and strobe on at times: look\n"
-        "away from the head. Restores the settings that the head reports; light and trigger are\n"
+        "Sets everything that the head has, with lasers, projector and strobe on at times: look "
+        "away from the head. Restores the settings that the head reports; light and trigger are "
         "off afterwards. A step that exceeds its time limit fails and ends the test.");
     return [options](Output& output) { return RunSelftest(*options, output); };
 }

@@ -7,6 +7,7 @@
 
 #include "korvexctl/commands/Commands.h"
 #include "korvexctl/head/ConnectedHead.h"
+#include "korvexctl/head/Drivers.h"
 #include "korvexctl/head/Head.h"
 
 namespace Korvex3Sync::korvexctl {
@@ -32,7 +33,8 @@ Outcome RunReset(const Asked& asked, Output& output) {
     if (status != STATUS_SUCCESS) {
         const bool answers = status != STATUS_PROJECTOR && AskHead(asked.head.board).firmware;
         outcome.code = answers ? ExitCode::DeviceRefused : ExitCode::NotConnected;
-        outcome.message = "reset the " + what + ": " + StatusText(status);
+        outcome.message =
+            "reset the " + what + ": " + StatusText(status) + (answers ? "" : WhyNoDevice(""));
         return outcome;
     }
     outcome.figures["reset"] = asked.device ? "device" : "fpga";

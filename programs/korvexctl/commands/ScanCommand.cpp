@@ -202,7 +202,7 @@ RunCommand AddScan(CLI::App& command) {
     AddLightOptions(command, *asked);
     command.footer(
         "Switches light and trigger of its mode on, and off at the end. All other settings stay "
-        "as\n"
+        "as "
         "they are on the head, unless the command line or the profile gives them.");
     return [asked](Output& output) { return RunAsked(*asked, output); };
 }

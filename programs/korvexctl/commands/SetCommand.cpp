@@ -21,6 +21,31 @@ struct Asked {
     throw CommandError(ExitCode::Usage, what + " (see --help)");
 }
 
+/// What the sent values leave on after the command: named in the document, and in a warning that
+/// says how to switch it off.
+class StayingOn {
+public:
+    void Note(const Assignment& assignment) {
+        const Setting& setting = *assignment.setting;
+        if (setting.staysOn && setting.staysOn(assignment.value)) {
+            m_names.emplace_back(setting.leavesOn);
+            // The last one first: the trigger before the light that it fires.
+            m_off = ' ' + SwitchOffText(setting, assignment.value) + m_off;
+        }
+    }
+    void Tell(Outcome& outcome) const {
+        outcome.figures["left_on"] = m_names;
+        if (!m_names.empty()) {
+            Say("WARNING: on after this command: " + CLI::detail::join(m_names, ", ") +
+                "; look away from the head. Switch off with: korvexctl set" + m_off);
+        }
+    }
+
+private:
+    std::vector<std::string> m_names;
+    std::string m_off;
+};
+
 }  // namespace
 
 std::vector<Assignment> ReadAssignments(std::span<const std::string> words) {
@@ -63,8 +88,9 @@ Outcome SetSettings(const HeadChoice& choice, std::span<const Assignment> assign
     const ConnectedHead head(choice, std::move(cameras));
     Outcome outcome;
     nlohmann::json& figures = outcome.figures["settings"] = nlohmann::json::object();
+    StayingOn stayingOn;
     try {
-        Apply(head.Handle(), assignments);
+        Apply(head.Handle(), assignments, [&](const Assignment& sent) { stayingOn.Note(sent); });
         VerifyApplied(
             head.Handle(), assignments, [&](const Assignment& assignment, const Reading& reading) {
                 const Setting& setting = *assignment.setting;
@@ -81,6 +107,7 @@ Outcome SetSettings(const HeadChoice& choice, std::span<const Assignment> assign
         outcome.code = error.Code();
         outcome.message = error.what();
     }
+    stayingOn.Tell(outcome);
     return outcome;
 }
 

@@ -154,8 +154,8 @@ RunCommand AddSnapCommand(CLI::App& command, bool infrared) {
         ->check(NotEmpty());
     command.footer(
         "Waits up to 100 s for each image. Afterwards the trigger is off, the strobe is in state "
-        "1,\n"
-        "and exposure and gain are restored if the camera reports them. Ctrl-C waits for this too\n"
+        "1, "
+        "and exposure and gain are restored if the camera reports them. Ctrl-C waits for this too "
         "and writes no further image; a second Ctrl-C quits at once.");
     return [asked](Output& output) { return RunSnap(*asked, output); };
 }

@@ -4,6 +4,7 @@
 #include <nlohmann/json.hpp>
 
 #include "korvexctl/commands/Commands.h"
+#include "korvexctl/head/Drivers.h"
 #include "korvexctl/head/Session.h"
 
 namespace Korvex3Sync::korvexctl {
@@ -16,7 +17,8 @@ Outcome RunUsb(Output& output) {
     bool onU3 = false;
     if (IsConnectedOnU3("", onU3) != STATUS_SUCCESS) {
         outcome.code = ExitCode::NotConnected;
-        outcome.message = "no board found on USB; is the head switched on and plugged in?";
+        outcome.message =
+            "no board found on USB" + WhyNoDevice("; is the head switched on and plugged in?");
         return outcome;
     }
     outcome.figures["usb3"] = onU3;

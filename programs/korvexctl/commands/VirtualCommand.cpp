@@ -26,11 +26,9 @@ struct NewHeadFile {
 
 Outcome PrintNew(Output& output) {
     Outcome outcome;
-    std::string text = virtual_head::HeadFileText();
+    const std::string text = virtual_head::HeadFileText();
     outcome.figures["text"] = text;
-    // Line adds the line end.
-    text.pop_back();
-    output.Line(text);
+    output.Lines(text);
     return outcome;
 }
 

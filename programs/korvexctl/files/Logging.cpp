@@ -5,21 +5,31 @@
 #include <string>
 
 #include "korvexctl/files/StandardOutput.h"
+#include "platform/os/Print.h"
+#include "platform/text/Printable.h"
 
 namespace Korvex3Sync::korvexctl {
 
-class Logging::FileSink : public google::LogSink {
+/// Takes the records instead of glog, which would show what a device says as it is.
+class Logging::Sink : public google::LogSink {
 public:
-    explicit FileSink(const StandardOutput& output) : m_output(output) {}
+    Sink(const StandardOutput& output, google::LogSeverity shown)
+        : m_output(output), m_shown(shown) {}
 
     void send(google::LogSeverity severity, const char* /*fullName*/, const char* fileName,
               int line, const google::LogMessageTime& time, const char* message,
               std::size_t length) override {
-        m_output.WriteLog(ToString(severity, fileName, line, time, message, length) + '\n');
+        const std::string record =
+            text::Printable(ToString(severity, fileName, line, time, message, length));
+        if (severity >= m_shown) {
+            os::PrintError("%s\n", record.c_str());
+        }
+        m_output.WriteLog(record);
     }
 
 private:
     const StandardOutput& m_output;
+    const google::LogSeverity m_shown;
 };
 
 Logging::Logging(const char* program, const StandardOutput& output, bool verbose, bool logFile) {
@@ -27,18 +37,15 @@ Logging::Logging(const char* program, const StandardOutput& output, bool verbose
     for (int severity = google::GLOG_INFO; severity < google::NUM_SEVERITIES; ++severity) {
         google::SetLogDestination(severity, "");
     }
-    FLAGS_stderrthreshold = verbose ? google::GLOG_INFO : google::GLOG_WARNING;
-    FLAGS_minloglevel = verbose || logFile ? google::GLOG_INFO : google::GLOG_WARNING;
-    if (logFile) {
-        m_sink = std::make_unique<FileSink>(output);
-        google::AddLogSink(m_sink.get());
-    }
+    const google::LogSeverity shown = verbose ? google::GLOG_INFO : google::GLOG_ERROR;
+    FLAGS_stderrthreshold = google::NUM_SEVERITIES;
+    FLAGS_minloglevel = logFile ? google::GLOG_INFO : shown;
+    m_sink = std::make_unique<Sink>(output, shown);
+    google::AddLogSink(m_sink.get());
 }
 
 Logging::~Logging() {
-    if (m_sink) {
-        google::RemoveLogSink(m_sink.get());
-    }
+    google::RemoveLogSink(m_sink.get());
     google::ShutdownGoogleLogging();
 }
 

@@ -1,15 +1,24 @@
 #include "korvexctl/files/Output.h"
 
 #include <nlohmann/json.hpp>
+#include <sstream>
 #include <string>
 
 #include "korvexctl/files/StandardOutput.h"
+#include "platform/text/Printable.h"
 
 namespace Korvex3Sync::korvexctl {
 
-void Output::Line(std::string_view text) {
+void Output::Line(std::string_view line) {
     if (!m_json) {
-        m_standardOutput.Write(std::string(text) + '\n');
+        m_standardOutput.Write(text::Printable(line) + '\n');
+    }
+}
+
+void Output::Lines(const std::string& text) {
+    std::istringstream lines(text);
+    for (std::string line; std::getline(lines, line);) {
+        Line(line);
     }
 }
 

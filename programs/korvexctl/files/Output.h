@@ -1,6 +1,7 @@
 #pragma once
 
 #include <nlohmann/json_fwd.hpp>
+#include <string>
 #include <string_view>
 
 #include "korvexctl/cli/Outcome.h"
@@ -16,8 +17,11 @@ public:
     /// `progress`: there is someone who wants to see how far the command is.
     Output(StandardOutput& standardOutput, bool json, bool progress = false)
         : m_standardOutput(standardOutput), m_json(json), m_progress(progress) {}
-    /// Writes one line at once. Throws CommandError when it cannot be written.
-    void Line(std::string_view text);
+    /// Writes one line at once, control characters escaped: it may contain what a device says.
+    /// Throws CommandError when it cannot be written.
+    void Line(std::string_view line);
+    /// Writes each line of a text as Line does.
+    void Lines(const std::string& text);
     bool ShowsProgress() const { return m_progress; }
     /// For a command that runs on and on: from now on --json gives one object a line instead of one
     /// document, each by Record, and the outcome only when the command failed.

@@ -3,22 +3,33 @@
 #include "korvexctl/cli/Outcome.h"
 #include "korvexctl/files/FileError.h"
 #include "korvexctl/files/Place.h"
+#include "platform/os/Print.h"
+#include "platform/text/Printable.h"
 
 namespace Korvex3Sync::korvexctl {
 
-StandardOutput::StandardOutput(bool verbose)
-    : m_real(verbose ? os::RealStandardOutput::Prints::ToStandardError
-                     : os::RealStandardOutput::Prints::Discarded) {}
-
 StandardOutput::~StandardOutput() {
-    // Only now does an error show that prints of the library did not reach the log.
-    const std::error_code error = m_real.FlushPrints();
-    if (error && m_log) {
-        WarnOfLog(error);
-    }
+    // While the log is still open.
+    m_real.EndPrints();
 }
 
-void StandardOutput::LogTo(const std::string& file) {
+void StandardOutput::ShowPrints(const std::string& logFile) {
+    if (!logFile.empty()) {
+        OpenLog(logFile);
+    }
+    if (!m_verbose && !m_log) {
+        return;
+    }
+    m_real.PassPrints([this](std::string_view line) {
+        const std::string shown = text::Printable(line);
+        if (m_verbose) {
+            os::PrintError("%s\n", shown.c_str());
+        }
+        WriteLog(shown);
+    });
+}
+
+void StandardOutput::OpenLog(const std::string& file) {
     const std::string what = "cannot open the log file " + file;
     const Place place = FindPlace(file, what);
     if (place.kind == Place::Kind::Stream) {
@@ -29,19 +40,26 @@ void StandardOutput::LogTo(const std::string& file) {
         RequireWritten(error, what);
     }
     m_logFile = file;
-    m_real.SendPrintsTo(m_log);
 }
 
 void StandardOutput::Write(std::string_view text) {
-    RequireWritten(m_real.Write(text), "cannot write to standard output");
+    const std::error_code error = m_real.Write(text);
+    if (error == std::errc::broken_pipe) {
+        throw CommandError(ExitCode::NotWritable, "");
+    }
+    RequireWritten(error, "cannot write to standard output");
 }
 
-void StandardOutput::WriteLog(std::string_view text) const noexcept {
+void StandardOutput::WriteLog(std::string_view line) const noexcept {
     if (!m_log) {
         return;
     }
-    if (const std::error_code error = m_log.Write(text)) {
-        WarnOfLog(error);
+    try {
+        if (const std::error_code error = m_log.Write(std::string(line) + '\n')) {
+            WarnOfLog(error);
+        }
+    } catch (...) {
+        WarnOfLog(std::make_error_code(std::errc::not_enough_memory));
     }
 }
 

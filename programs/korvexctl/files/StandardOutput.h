@@ -9,27 +9,32 @@
 namespace Korvex3Sync::korvexctl {
 
 /// Takes standard output out of the library's reach: while it lives, what the library prints is
-/// discarded, or goes to standard error (`verbose`), or into the log file; only Write reaches the
-/// real standard output. One per process, made before the library is called.
+/// discarded; only Write reaches the real standard output. One per process, made before the library
+/// is called.
 class StandardOutput {
 public:
-    explicit StandardOutput(bool verbose);
+    /// `verbose`: what the library prints shall be seen.
+    explicit StandardOutput(bool verbose) : m_verbose(verbose) {}
     ~StandardOutput();
     StandardOutput(const StandardOutput&) = delete;
     StandardOutput& operator=(const StandardOutput&) = delete;
 
-    /// Appends what the library prints to this file (or FIFO, or device) from now on. To be called
-    /// at most once. Throws CommandError when it cannot be opened.
-    void LogTo(const std::string& file);
-    /// Writes the whole text. Throws CommandError (NotWritable, DiskFull).
+    /// What the library prints from now on goes to standard error if verbose, and is appended to
+    /// this file (or FIFO, or device) unless the name is empty; control characters are escaped. To
+    /// be called at most once. Throws CommandError when the file cannot be opened.
+    void ShowPrints(const std::string& logFile);
+    /// Writes the whole text. Throws CommandError (NotWritable, DiskFull); without a message when
+    /// the reader of a pipe has gone, because it wants no more.
     void Write(std::string_view text);
-    /// Appends to the log file; nothing without one. Never throws: a log that cannot be written
-    /// costs no scan, only a warning, once. Any thread.
-    void WriteLog(std::string_view text) const noexcept;
+    /// Appends a line to the log file; nothing without one. Never throws: a log that cannot be
+    /// written costs no scan, only a warning, once. Any thread.
+    void WriteLog(std::string_view line) const noexcept;
 
 private:
+    void OpenLog(const std::string& file);
     void WarnOfLog(const std::error_code& error) const noexcept;
 
+    const bool m_verbose;
     os::RealStandardOutput m_real;
     os::File m_log;
     std::string m_logFile;

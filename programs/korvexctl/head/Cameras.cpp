@@ -8,9 +8,9 @@
 
 #include "korvexctl/cli/ExitCodes.h"
 #include "korvexctl/files/Output.h"
+#include "korvexctl/head/Drivers.h"
 #include "korvexctl/head/Session.h"
 #include "korvexctl/head/TriggerModes.h"
-#include "virtual_head/Request.h"
 
 namespace Korvex3Sync::korvexctl {
 
@@ -41,10 +41,7 @@ bool GivesColor(const std::vector<Camera>& cameras, CAMERA_TRIGGER_MODE mode) {
 }
 
 std::string NoCameraMessage(const std::string& type) {
-    const std::string text = "no camera found (type " + type + ")";
-    return virtual_head::RequestedVirtualHead() != nullptr
-               ? text + "; the simulated head has none"
-               : text + "; use --virtual for a simulated head";
+    return "no camera found (type " + type + ")" + WhyNoDevice("; the simulated head has none");
 }
 
 nlohmann::json ToJson(const std::vector<Camera>& cameras) {

@@ -4,8 +4,8 @@
 #include <string>
 #include <vector>
 
-#include "korvexctl/cli/NearNames.h"
 #include "korvexctl/head/TriggerModes.h"
+#include "platform/text/NearNames.h"
 
 namespace Korvex3Sync::korvexctl {
 
@@ -28,7 +28,7 @@ void AddModeOption(CLI::App& command, Mode& mode, const std::string& help,
                 return std::string();
             }
         }
-        return "\"" + text + "\" is not one of " + list + DidYouMean(text, names);
+        return "\"" + text + "\" is not one of " + list + text::DidYouMean(text, names);
     };
     command.add_option("--mode", mode, help + list + more)
         ->type_name("MODE")

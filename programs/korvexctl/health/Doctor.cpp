@@ -12,6 +12,8 @@
 #include <sstream>
 
 #include "korvexctl/UdevRule.h"
+#include "korvexctl/head/Boards.h"
+#include "korvexctl/head/Drivers.h"
 #include "korvexctl/health/Examined.h"
 #include "korvexctl/health/TrialScan.h"
 #include "platform/include/BoardFacts.h"
@@ -29,6 +31,7 @@ constexpr const char* kHeadCheck = "head";
 constexpr const char* kPlugIn =
     "switch the head on, plug it in, and try its cable and another port";
 constexpr const char* kNoBoard = "no board";
+constexpr const char* kNoHead = "no head";
 constexpr const char* kUsb3Advice =
     "use a USB 3 port of the computer itself (often blue, or marked SS) and the cable of the head "
     "or another USB 3 cable, without hubs; then plug the head in again";
@@ -44,44 +47,60 @@ struct Patient : Examined {
     explicit Patient(const DoctorOptions& options_) : Examined(options_.head), options(options_) {}
 
     bool Board() const { return onUsb3.has_value() || !plugged.empty(); }
+    bool NoHead() const { return !simulated && !there; }
 
     const DoctorOptions options;
     bool simulated = false;
+    bool there = false;                  // a part of a real head is
+    int attached = 0;                    // cameras, by their number
     std::optional<bool> onUsb3;          // nothing: the library finds no board
     std::vector<os::UsbDevice> plugged;  // as the system sees them
 };
 
+/// Looks for the head, and sees whether there is anything to check.
 Finding CheckHead(Patient& patient) {
     patient.simulated = virtual_head::RequestedVirtualHead() != nullptr;
     const Figures figures(nlohmann::json{{"simulated", patient.simulated}});
-    if (patient.simulated) {
-        return {Verdict::Ok, "SIMULATED: nothing below is about a real head", "", figures};
-    }
-    return {Verdict::Ok, "real devices; nothing is simulated", "", figures};
-}
-
-Finding CheckBoard(Patient& patient) {
     bool onUsb3 = false;
     if (IsConnectedOnU3("", onUsb3) == STATUS_SUCCESS) {
         patient.onUsb3 = onUsb3;
     }
     if (patient.simulated) {
-        return patient.onUsb3 ? Finding{Verdict::Ok, "found; it is simulated"}
-                              : Finding{Verdict::Fault, "not found on USB", kPlugIn};
+        return {Verdict::Ok, "SIMULATED: nothing below is about a real head", "", figures};
     }
     patient.plugged = os::FindUsbDevices(patient.options.machine, hardware::kBoardVendor,
                                          hardware::kBoardProduct);
+    GetCameraCount(patient.choice.cameraType.c_str(), patient.attached);
+    if (!patient.Board() && patient.attached == 0) {
+        return {Verdict::Fault, std::string("none found: ") + kNoDriver, kNoDriverAdvice, figures};
+    }
+    patient.there = true;
+    return {Verdict::Ok, "real devices; nothing is simulated", "", figures};
+}
+
+Finding CheckBoard(const Patient& patient) {
+    if (patient.NoHead()) {
+        return {Verdict::NotRun, kNoHead};
+    }
+    const std::string serials = SerialsText(FindBoards(patient.options.machine));
+    const std::string found = "found" + (serials.empty() ? "" : ", serial " + serials);
+    if (patient.simulated) {
+        return patient.onUsb3 ? Finding{Verdict::Ok, found + "; it is simulated"}
+                              : Finding{Verdict::Fault, "not found on USB", kPlugIn};
+    }
     std::string where;
     for (const os::UsbDevice& board : patient.plugged) {
         where += (where.empty() ? "" : "; ") + board.Where();
     }
     if (patient.onUsb3) {
-        return {Verdict::Ok, "found" + (where.empty() ? "" : " at " + where)};
+        return {Verdict::Ok, found + (where.empty() ? "" : ", at " + where)};
     }
     if (!where.empty()) {
-        return {Verdict::Fault,
-                "the system lists it at " + where + ", but the library does not find it",
-                "see \"permissions\", and the log (-v)"};
+        return {
+            Verdict::Fault,
+            "the system lists it at " + where + ", but the library does not find it: " + kNoDriver,
+            "see \"permissions\"; a real head needs platform libraries with its drivers in "
+            "place of ours (docs/architecture.md)"};
     }
     return {Verdict::Fault, "not found on USB", kPlugIn};
 }
@@ -149,9 +168,12 @@ std::string Described(const std::vector<Camera>& cameras) {
 }
 
 Finding CheckCameras(Patient& patient) {
+    if (patient.NoHead()) {
+        return {Verdict::NotRun, kNoHead};
+    }
     patient.cameras = FindCameras(patient.choice.cameraType);
     const Figures figures(ToJson(patient.cameras));
-    int attached = 0;
+    int& attached = patient.attached;
     GetCameraCount(patient.choice.cameraType.c_str(), attached);
     if (patient.cameras.empty()) {
         return {Verdict::Fault,

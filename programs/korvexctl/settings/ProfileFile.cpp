@@ -9,6 +9,7 @@
 
 #include "korvexctl/cli/ExitCodes.h"
 #include "platform/os/File.h"
+#include "platform/text/Printable.h"
 #include "toml/ParseToml.h"
 
 namespace Korvex3Sync::korvexctl {
@@ -176,12 +177,6 @@ std::string TomlValue(const Setting& setting, const SettingValue& value) {
     return text + " }";
 }
 
-std::string OneLine(std::string text) {
-    std::replace_if(
-        text.begin(), text.end(), [](unsigned char c) { return c < ' ' || c == 0x7F; }, ' ');
-    return text;
-}
-
 [[noreturn]] void Refuse(const std::string& where, const std::string& what) {
     throw CommandError(ExitCode::ProfileRefused, where + ": " + what);
 }
@@ -210,13 +205,13 @@ std::string ReadText(const std::filesystem::path& file) {
 std::variant<Profile, ProfileError> ParseProfile(std::string_view text) {
     const auto parsed = ParseToml(text);
     if (const auto* wrong = std::get_if<TomlError>(&parsed)) {
-        return ProfileError{wrong->line, OneLine(wrong->what)};
+        return ProfileError{wrong->line, text::Printable(wrong->what)};
     }
     ProfileReader reader;
     reader.Read(std::get<toml::table>(parsed));
     std::variant<Profile, ProfileError> result = reader.Result();
     if (auto* error = std::get_if<ProfileError>(&result)) {
-        error->message = OneLine(error->message);
+        error->message = text::Printable(error->message);
     }
     return result;
 }

@@ -6,7 +6,7 @@
 #include <nlohmann/json.hpp>
 
 #include "korvexctl/cli/Decimal.h"
-#include "korvexctl/cli/NearNames.h"
+#include "platform/text/NearNames.h"
 
 namespace Korvex3Sync::korvexctl {
 
@@ -95,7 +95,7 @@ std::string NearWords(const Field& field, std::string_view text) {
     for (const Word& word : field.words) {
         words.emplace_back(word.text);
     }
-    return DidYouMean(text, words);
+    return text::DidYouMean(text, words);
 }
 
 /// The number or word that the text means, whatever the range.

@@ -10,8 +10,8 @@
 #include <sstream>
 
 #include "korvexctl/cli/ExitCodes.h"
-#include "korvexctl/cli/NearNames.h"
 #include "korvexctl/head/TriggerModes.h"
+#include "platform/text/NearNames.h"
 
 namespace Korvex3Sync::korvexctl {
 
@@ -78,6 +78,13 @@ using Write = RETSTATUS (*)(void* const& handle, const SettingValue& value);
 /// A setting without unit that cannot be read.
 Setting Told(const char* name, std::vector<Field> fields, const char* help, Write write) {
     return {name, help, "", std::move(fields), {}, write};
+}
+
+/// A setting with values that stay on after disconnecting.
+Setting LeavingOn(const char* what, bool (*staysOn)(const SettingValue& value), Setting setting) {
+    setting.leavesOn = what;
+    setting.staysOn = staysOn;
+    return setting;
 }
 
 Setting StrobeDuty() {
@@ -152,16 +159,20 @@ std::vector<Setting> BoardSettings() {
                                                      static_cast<CONTROLROUTE>(Whole(value, 0)),
                                                      static_cast<STROBE_STATE>(Whole(value, 1)));
              }),
-        Told("blue-laser", {{"mode", FieldKind::Whole, 0, 3}, {"enable", FieldKind::Switch}},
-             "work mode of the laser lines, and whether they are on",
-             [](void* const& handle, const SettingValue& value) {
-                 return EnableBlueLaser(handle, static_cast<LASERWORKMODE>(Whole(value, 0)),
-                                        On(value, 1));
-             }),
-        Told("ir-laser", {{"", FieldKind::Switch}}, "the infrared laser",
-             [](void* const& handle, const SettingValue& value) {
-                 return EnableIRLaser(handle, On(value));
-             }),
+        LeavingOn(
+            "laser lines", [](const SettingValue& value) { return On(value, 1); },
+            Told("blue-laser", {{"mode", FieldKind::Whole, 0, 3}, {"enable", FieldKind::Switch}},
+                 "work mode of the laser lines, and whether they are on",
+                 [](void* const& handle, const SettingValue& value) {
+                     return EnableBlueLaser(handle, static_cast<LASERWORKMODE>(Whole(value, 0)),
+                                            On(value, 1));
+                 })),
+        LeavingOn(
+            "infrared laser", [](const SettingValue& value) { return On(value); },
+            Told("ir-laser", {{"", FieldKind::Switch}}, "the infrared laser",
+                 [](void* const& handle, const SettingValue& value) {
+                     return EnableIRLaser(handle, On(value));
+                 })),
         Told("project", {{"", FieldKind::Whole, 0, 2}},
              "what the projector shows: 0 nothing, 1 and 2 its patterns; disconnecting sets 0",
              [](void* const& handle, const SettingValue& value) {
@@ -229,12 +240,16 @@ std::vector<Setting> MakeSettings() {
     all.push_back(Number("trigger-period", "ms", 1, kLongestPeriodMs,
                          "time from trigger to trigger", GetVideoTriggerPeriod,
                          SetVideoTriggerPeriod));
-    all.push_back(
+    all.push_back(LeavingOn(
+        "trigger",
+        [](const SettingValue& value) {
+            return Whole(value) != kTriggerOff && Whole(value) != TRIGGER_SINGLE_COLOR;
+        },
         Told("trigger-mode", {{"", FieldKind::Word, 0, 0, kTriggerWords}},
              "what each trigger gives", [](void* const& handle, const SettingValue& value) {
                  return EnableVideoTrigger(handle, static_cast<CAMERA_TRIGGER_MODE>(Whole(value)),
                                            Whole(value) != kTriggerOff);
-             }));
+             })));
     return all;
 }
 
@@ -268,11 +283,28 @@ const Setting& RequireSetting(std::string_view name) {
 }
 
 std::string UnknownSetting(std::string_view name) {
+    // Of each kind of camera setting only the order that is meant: not every head has all of them.
+    const std::string order = name.empty() ? "" : std::string(1, name.back());
+    const bool has = order.find_first_of("0123") != std::string::npos;
     std::vector<std::string> names;
     for (const Setting& setting : AllSettings()) {
-        names.push_back(setting.name);
+        if (setting.cameraOrder < 0 || setting.name.ends_with(has ? order : "0")) {
+            names.push_back(setting.name);
+        }
     }
-    return "unknown setting \"" + std::string(name) + "\"" + DidYouMean(name, names);
+    return "unknown setting \"" + std::string(name) + "\"" + text::DidYouMean(name, names);
+}
+
+std::string SwitchOffText(const Setting& setting, const SettingValue& value) {
+    SettingValue off = value;
+    for (std::size_t i = 0; i < off.size(); ++i) {
+        if (setting.fields[i].kind == FieldKind::Switch) {
+            off[i] = 0;
+        } else if (setting.fields[i].kind == FieldKind::Word) {
+            off[i] = kTriggerOff;
+        }
+    }
+    return setting.name + ' ' + ValueText(setting.fields, off);
 }
 
 std::string RangeText(const Setting& setting, Notation notation) {

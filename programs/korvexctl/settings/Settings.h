@@ -28,6 +28,10 @@ struct Setting {
     std::function<RETSTATUS(void* const& handle, const SettingValue& value)> write;
     CameraPart part = CameraPart::None;
     int cameraOrder = -1;  // 0 to 3 for a camera's exposure and gain
+    /// What it can leave on when the head is disconnected; "" for nothing.
+    const char* leavesOn = "";
+    /// Whether this value does. Empty when nothing can stay on.
+    std::function<bool(const SettingValue& value)> staysOn{};
 };
 
 /// Exposures and gains are addressed by camera order, 0 to 3.
@@ -40,6 +44,9 @@ bool OnlySelects(int cameraOrder, double exposureMs, double gain);
 /// All settings, in the order of a profile: lights first, then the trigger that fires them. They
 /// live as long as the program.
 std::span<const Setting> AllSettings();
+
+/// The value that switches off what a setting leaves on, as set takes it: "blue-laser 1 off".
+std::string SwitchOffText(const Setting& setting, const SettingValue& value);
 
 /// Null for an unknown name.
 const Setting* FindSetting(std::string_view name);

@@ -2,6 +2,7 @@
 
 #include <Korvex3Sync/Cameras.h>
 
+#include <cstdlib>
 #include <nlohmann/json.hpp>
 #include <set>
 
@@ -45,18 +46,47 @@ double PairValue(void* const& handle, std::span<const Assignment> assignments, C
     return reading.value.at(0);
 }
 
+/// Whether a camera takes this gain: sets it and reads it back.
+bool TakesGain(void* const& handle, int order, double exposure, int gain) {
+    double exposureNow = 0;
+    int gainNow = -1;
+    return SetCameraExposureAndGain(handle, order, exposure, gain) == STATUS_SUCCESS &&
+           GetCameraExposureAndGain(handle, order, exposureNow, gainNow) == STATUS_SUCCESS &&
+           gainNow == gain;
+}
+
+/// The gain next to the refused one that a camera takes; it tells its range nowhere. The camera has
+/// `taken` before and after it. Takes six questions at most.
+std::string GainLimit(void* const& handle, int order, double exposure, int taken, int refused) {
+    int last = taken;
+    int next = refused;
+    while (std::abs(next - last) > 1) {
+        const int middle = (last + next) / 2;
+        (TakesGain(handle, order, exposure, middle) ? last : next) = middle;
+    }
+    TakesGain(handle, order, exposure, taken);
+    return std::string(" (the camera takes no gain ") + (refused > taken ? "above " : "below ") +
+           std::to_string(last) + ")";
+}
+
 /// Why a camera did not accept a value, as the end of a message; "" when unknown.
 std::string WhyNotTaken(void* const& handle, std::span<const Assignment> assignments,
-                        const Setting& setting) {
+                        const Setting& setting, const Reading& readBack) {
     if (setting.part == CameraPart::None) {
         return "";
     }
     const int order = setting.cameraOrder;
     const Reading exposure = PairReading(handle, assignments, CameraPart::Exposure, order);
     const Reading gain = PairReading(handle, assignments, CameraPart::Gain, order);
-    if (!exposure.Known() || !gain.Known() ||
-        !OnlySelects(order, exposure.value.at(0), gain.value.at(0))) {
+    if (!exposure.Known() || !gain.Known()) {
         return "";
+    }
+    if (!OnlySelects(order, exposure.value.at(0), gain.value.at(0))) {
+        return setting.part == CameraPart::Gain && readBack.Known()
+                   ? GainLimit(handle, order, exposure.value.at(0),
+                               static_cast<int>(readBack.value.at(0)),
+                               static_cast<int>(gain.value.at(0)))
+                   : "";
     }
     return " (with gain 0, an " + exposure.setting->name +
            " of 0.1 to 0.3 ms only selects a camera; give at least 0.4, or a gain)";
@@ -102,10 +132,12 @@ void RequireCamera(const Setting& setting, std::size_t cameras) {
     }
 }
 
-void Apply(void* const& handle, std::span<const Assignment> assignments) {
+void Apply(void* const& handle, std::span<const Assignment> assignments,
+           const std::function<void(const Assignment&)>& onSend) {
     std::set<int> camerasSet;
     for (const Assignment& assignment : assignments) {
         const Setting& setting = *assignment.setting;
+        onSend(assignment);
         if (setting.part == CameraPart::None) {
             Require(setting.write(handle, assignment.value), "set " + setting.name);
         } else if (camerasSet.insert(setting.cameraOrder).second) {
@@ -131,7 +163,7 @@ void VerifyApplied(void* const& handle, std::span<const Assignment> assignments,
                             : !reading.NotReadable()) {
             wrong += (wrong.empty() ? "" : "; ") + setting.name + " was set to " + asked +
                      " and reads back as " + reading.Text() +
-                     WhyNotTaken(handle, assignments, setting);
+                     WhyNotTaken(handle, assignments, setting, reading);
         }
     }
     if (!wrong.empty()) {

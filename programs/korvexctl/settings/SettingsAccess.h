@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <nlohmann/json_fwd.hpp>
 #include <span>
 #include <string>
@@ -44,8 +45,11 @@ void RequireCamera(const Setting& setting, std::size_t cameras);
 
 /// Sends the values to a connected head, in order; exposure and gain of one camera together, at the
 /// place of the first. A half that is not given is read from the head first and keeps its value.
-/// Stops at the first setting that the head refuses, with CommandError(DeviceRefused).
-void Apply(void* const& handle, std::span<const Assignment> assignments);
+/// Stops at the first setting that the head refuses, with CommandError(DeviceRefused). `onSend` is
+/// called for each before it is sent.
+void Apply(
+    void* const& handle, std::span<const Assignment> assignments,
+    const std::function<void(const Assignment&)>& onSend = [](const Assignment&) {});
 
 /// Reads the readable settings back. After all are read, throws CommandError(DeviceRefused) when
 /// one has a different value or cannot be read. `onReading` is called for each.

@@ -4,6 +4,9 @@
 #include <array>
 #include <limits>
 #include <string_view>
+#include <vector>
+
+#include "platform/text/NearNames.h"
 
 namespace Korvex3Sync::virtual_head {
 namespace {
@@ -38,19 +41,26 @@ Wrong ReadNumber(const toml::key& key, const toml::node& value, std::int64_t low
 }
 
 Wrong CheckKeys(const toml::table& values) {
+    std::vector<std::string> known(kOtherKeys.begin(), kOtherKeys.end());
+    for (const FaultNumber& number : FaultNumbers()) {
+        known.emplace_back(number.key);
+    }
     for (const auto& [key, value] : values) {
-        const std::string_view name = key.str();
-        const auto numbers = FaultNumbers();
-        const bool known =
-            std::find(kOtherKeys.begin(), kOtherKeys.end(), name) != kOtherKeys.end() ||
-            std::any_of(numbers.begin(), numbers.end(),
-                        [name](const auto& number) { return name == number.key; });
-        if (!known) {
-            return WrongFault{LineOf(key.source()),
-                              "unknown key \"" + std::string(name) + "\" in [[fault]]"};
+        const std::string name(key.str());
+        if (std::find(known.begin(), known.end(), name) == known.end()) {
+            return WrongFault{LineOf(key.source()), "unknown key \"" + name + "\" in [[fault]]" +
+                                                        text::DidYouMean(name, known)};
         }
     }
     return std::nullopt;
+}
+
+std::vector<std::string> KindNames() {
+    std::vector<std::string> names;
+    for (const FaultKind kind : FaultKinds()) {
+        names.emplace_back(Name(kind));
+    }
+    return names;
 }
 
 Wrong ReadKind(const toml::table& values, FaultKind& kind) {
@@ -64,7 +74,8 @@ Wrong ReadKind(const toml::table& values, FaultKind& kind) {
     }
     const auto named = FaultKindNamed(*name);
     if (!named) {
-        return WrongAt(what->source(), "what: there is no fault \"" + *name + "\"");
+        return WrongAt(what->source(), "what: there is no fault \"" + *name + "\"" +
+                                           text::DidYouMean(*name, KindNames()));
     }
     kind = *named;
     return std::nullopt;
@@ -203,8 +214,9 @@ std::optional<WrongFault> ReadFaultSeed(const toml::node& table, HeadDescription
     }
     for (const auto& [key, value] : *values) {
         if (key != "seed") {
-            return WrongFault{LineOf(key.source()),
-                              "unknown key \"" + std::string(key.str()) + "\" in [faults]"};
+            return WrongFault{LineOf(key.source()), "unknown key \"" + std::string(key.str()) +
+                                                        "\" in [faults]" +
+                                                        text::DidYouMean(key.str(), {"seed"})};
         }
         const auto seed = value.value_exact<std::int64_t>();
         if (!seed || *seed < 0) {

@@ -7,6 +7,8 @@
 #include <utility>
 #include <vector>
 
+#include "platform/text/NearNames.h"
+#include "platform/text/Printable.h"
 #include "toml/ParseToml.h"
 #include "virtual_head/base/FileBytes.h"
 #include "virtual_head/config/FaultKeys.h"
@@ -18,6 +20,8 @@ namespace Korvex3Sync::virtual_head {
 namespace {
 
 constexpr std::uintmax_t kLargestFile = 1U << 20U;
+constexpr const char* kBoard = "board";
+constexpr const char* kUserMemory = "user_memory";
 constexpr const char* kReplay = "replay";
 constexpr const char* kReplayFolder = "folder";
 
@@ -38,6 +42,29 @@ int LineOfReplay(const toml::table& root) {
     return 0;
 }
 
+std::vector<std::string> TableNames() {
+    std::vector<std::string> names{"fault", "faults"};
+    for (const KeyRule& rule : KeyRules()) {
+        if (names.back() != rule.table) {
+            names.emplace_back(rule.table);
+        }
+    }
+    return names;
+}
+
+std::vector<std::string> KeysOf(const std::string& table) {
+    std::vector<std::string> keys;
+    for (const KeyRule& rule : KeyRules()) {
+        if (rule.table == table) {
+            keys.emplace_back(rule.key);
+        }
+    }
+    if (table == kBoard) {
+        keys.emplace_back(kUserMemory);
+    }
+    return keys;
+}
+
 /// Copies the values of a parsed file to a description and collects what is wrong.
 class Reader {
 public:
@@ -51,7 +78,8 @@ public:
                 continue;
             }
             if (key != "camera" && key != "board" && key != kReplay && key != "scene") {
-                Find(line, "unknown key \"" + std::string(key.str()) + "\"");
+                Find(line, "unknown key \"" + std::string(key.str()) + "\"" +
+                               text::DidYouMean(key.str(), TableNames()));
             } else if (table == nullptr) {
                 Find(line, "\"" + std::string(key.str()) + "\" is not a table");
             } else {
@@ -100,14 +128,15 @@ private:
             const std::pair<std::string, std::string> where{table, key.str()};
             m_lines[where] = LineOf(key);
             if (!ReadKey(where, value)) {
-                Find(LineOf(key), "unknown key \"" + where.second + "\" in [" + where.first + "]");
+                Find(LineOf(key), "unknown key \"" + where.second + "\" in [" + where.first + "]" +
+                                      text::DidYouMean(where.second, KeysOf(where.first)));
             }
         }
     }
 
     /// False if the table has no such key.
     bool ReadKey(const std::pair<std::string, std::string>& where, const toml::node& value) {
-        if (where == std::pair<std::string, std::string>{"board", "user_memory"}) {
+        if (where == std::pair<std::string, std::string>{kBoard, kUserMemory}) {
             if (auto wrong = ReadUserMemory(value, m_description.userMemory)) {
                 Find(wrong->line, std::move(wrong->what));
             }
@@ -129,11 +158,9 @@ private:
     std::vector<std::pair<int, std::string>> m_findings;
 };
 
-HeadFileError Refuse(const std::filesystem::path& file, int line, std::string what) {
-    std::replace_if(
-        what.begin(), what.end(), [](unsigned char c) { return c < ' ' || c == 0x7F; }, ' ');
+HeadFileError Refuse(const std::filesystem::path& file, int line, const std::string& what) {
     const std::string place = line > 0 ? ":" + std::to_string(line) : "";
-    return {file, line, file.string() + place + ": " + what};
+    return {file, line, text::Printable(file.string() + place + ": " + what)};
 }
 
 }  // namespace
@@ -148,7 +175,7 @@ std::variant<HeadDescription, HeadFileError> ParseHeadFile(std::string_view text
         }
         reader.Read(std::get<toml::table>(parsed));
         if (auto finding = reader.FirstFinding()) {
-            return Refuse(file, finding->first, std::move(finding->second));
+            return Refuse(file, finding->first, finding->second);
         }
         return std::move(reader.Description());
     } catch (const std::exception& error) {

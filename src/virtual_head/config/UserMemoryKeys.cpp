@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "platform/board/protocol/Commands.h"
+#include "platform/text/NearNames.h"
 
 namespace Korvex3Sync::virtual_head {
 namespace {
@@ -44,7 +45,8 @@ std::optional<WrongPage> ReadValue(const toml::key& key, const toml::node& value
     }
     if (key != "text" && key != "bytes") {
         return WrongPage{static_cast<int>(key.source().begin.line),
-                         "unknown key \"" + std::string(key.str()) + "\" in [[board.user_memory]]"};
+                         "unknown key \"" + std::string(key.str()) + "\" in [[board.user_memory]]" +
+                             text::DidYouMean(key.str(), {"page", "text", "bytes"})};
     }
     if (page.content) {
         return Wrong(value, "text and bytes exclude each other");

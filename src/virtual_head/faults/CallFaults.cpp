@@ -48,11 +48,17 @@ void Describe(const char* kind, const std::string& call, int left,
 
 }  // namespace
 
+std::vector<std::string> CallFaults::Names() {
+    std::vector<std::string> names(kOtherCalls.begin(), kOtherCalls.end());
+    for (const auto& command : board::AllCommands()) {
+        names.emplace_back(command.function);
+    }
+    return names;
+}
+
 bool CallFaults::Known(const std::string& call) {
-    const auto commands = board::AllCommands();
-    return std::any_of(commands.begin(), commands.end(),
-                       [&call](const auto& command) { return command.function == call; }) ||
-           std::find(kOtherCalls.begin(), kOtherCalls.end(), call) != kOtherCalls.end();
+    const std::vector<std::string> names = Names();
+    return std::find(names.begin(), names.end(), call) != names.end();
 }
 
 bool CallFaults::Fail(const std::string& call, int times) {

@@ -33,6 +33,8 @@ public:
     bool Meet(const std::string& call);
     /// Whether this call is being slowed or hangs now.
     bool Holds(const std::string& call) const;
+    /// The platform functions that can meet faults.
+    static std::vector<std::string> Names();
     static bool Known(const std::string& call);
 
 private:

@@ -6,6 +6,7 @@
 #include <locale>
 #include <sstream>
 
+#include "platform/text/NearNames.h"
 #include "virtual_head/faults/CallFaults.h"
 
 namespace Korvex3Sync::virtual_head {
@@ -167,7 +168,8 @@ std::optional<std::string> CheckCall(const FaultOrder& order) {
         return "missing key \"call\"";
     }
     if (!CallFaults::Known(order.call)) {
-        return "call: no platform function is called \"" + order.call + "\"";
+        return "call: no platform function is called \"" + order.call + "\"" +
+               text::DidYouMean(order.call, CallFaults::Names());
     }
     return std::nullopt;
 }

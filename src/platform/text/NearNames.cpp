@@ -1,11 +1,11 @@
-#include "korvexctl/cli/NearNames.h"
+#include "platform/text/NearNames.h"
 
 #include <algorithm>
 #include <cctype>
 #include <numeric>
 #include <utility>
 
-namespace Korvex3Sync::korvexctl {
+namespace Korvex3Sync::text {
 
 namespace {
 
@@ -79,4 +79,4 @@ std::string DidYouMean(std::string_view typed, const std::vector<std::string>& n
     return text;
 }
 
-}  // namespace Korvex3Sync::korvexctl
+}  // namespace Korvex3Sync::text
