@@ -37,6 +37,13 @@ if(CMAKE_HOST_SYSTEM_NAME STREQUAL "Linux"
     fail("the udev rule was not installed")
 endif()
 
+foreach(file bin/korvexctl share/man/man1/korvexctl.1
+        share/bash-completion/completions/korvexctl)
+    if(NOT EXISTS ${prefix}/${file})
+        fail("${file} was not installed")
+    endif()
+endforeach()
+
 if(WAY STREQUAL "cmake")
     run(${CMAKE_COMMAND} -S ${WORK_DIR}/source -B ${WORK_DIR}/build -G ${GENERATOR}
         -DCMAKE_CXX_COMPILER=${CXX} -DCMAKE_CXX_FLAGS=${FLAGS} -DCMAKE_PREFIX_PATH=${prefix}
