@@ -69,6 +69,7 @@ std::string WithoutRoff(std::string text) {
 TEST(KorvexctlManPage, HasCommandsOptionsSettingsAndExitCodes) {
     const std::string page = RunKorvexctl({"help", "--man"}).output;
     EXPECT_THAT(page, HasSubstr(".TH KORVEXCTL 1 "));
+    EXPECT_THAT(page, HasSubstr(".B \\-\\-log FILE\n")) << "hyphens as they are typed";
     const std::string text = WithoutRoff(page);
     for (const char* usage : {"scan [OPTIONS]", "profile load [OPTIONS] FILE",
                               "user-info write [OPTIONS] PAGE DATA", "snap-ir [OPTIONS]"}) {
