@@ -4,7 +4,6 @@ option(KORVEX_CHECKS "Check rules of use at run time (development and test build
 option(KORVEX_THREAD_SAFETY "Treat clang's thread-safety findings as errors" OFF)
 option(KORVEX_FUZZ "Build the fuzz targets (clang only)" OFF)
 option(KORVEX_COVERAGE "Count the lines that run (g++)" OFF)
-option(KORVEX_PRECOMPILE "Precompile the headers that take most of the compile time" OFF)
 option(KORVEX_STATIC_TESTS "Build the tests that only read files" ON)
 set(KORVEX_SANITIZE "" CACHE STRING "Sanitizers, as for -fsanitize= (for example address,undefined)")
 
@@ -48,11 +47,6 @@ if(KORVEX_FUZZ)
     # All code that a fuzz target reaches needs coverage feedback.
     target_compile_options(korvex_options INTERFACE -fsanitize=fuzzer-no-link)
 endif()
-if(KORVEX_PRECOMPILE AND CMAKE_CXX_COMPILER_ID MATCHES "Clang")
-    # The compiler cache compares precompiled headers, so they must not contain a timestamp.
-    target_compile_options(korvex_options INTERFACE "SHELL:-Xclang -fno-pch-timestamp")
-endif()
-
 # korvex_count_lines(TARGET): counts the lines of a library that tests run.
 function(korvex_count_lines target)
     if(KORVEX_COVERAGE)

@@ -1,5 +1,6 @@
 #include <chrono>
 
+#include "camera/CameraLog.h"
 #include "camera/ColorMode.h"
 #include "camera/PhysicalCameraThread.h"
 #include "platform/os/Clock.h"
@@ -8,8 +9,6 @@
 
 namespace Korvex3Sync {
 namespace {
-
-constexpr auto& kLog = kPhysicalCameraThreadLog;
 
 /// How long the loop leaves the camera to a caller that needs it.
 constexpr std::chrono::milliseconds kYieldTime{10};
@@ -43,7 +42,7 @@ void CPhysicalCameraThread::GrabLoop() {
             m_stopped.Wait(kSnapLimit);
         }
     }
-    KORVEX_LOG(kLog) << "CPhysicalCameraThread::ThreadFun exit";
+    KORVEX_LOG(kPhysicalCameraThreadLog) << "CPhysicalCameraThread::ThreadFun exit";
 }
 
 void CPhysicalCameraThread::SnapOnce(zr3DCamera::ZR_IMG_FORMAT mode) {
@@ -59,8 +58,9 @@ void CPhysicalCameraThread::SnapOnce(zr3DCamera::ZR_IMG_FORMAT mode) {
     if (result != 0 && m_image != nullptr) {
         // Without a camera, m_image is still the buffer of the last accepted frame.
         m_counters->refusedFrames += m_camera != nullptr ? 1 : 0;
-        KORVEX_LOG(kLog) << "Camera " << m_cameraID << " Snap Failed and data not null. "
-                         << "ret=" << result;
+        KORVEX_LOG(kPhysicalCameraThreadLog)
+            << "Camera " << m_cameraID << " Snap Failed and data not null. "
+            << "ret=" << result;
     }
     m_image = nullptr;
     os::Print("Camera %d Snap Failed\n", m_cameraID);
@@ -71,7 +71,7 @@ void CPhysicalCameraThread::Dispatch(int width, int height, int channels) {
                           channels >= 1 && channels <= kMostChannels;
     if (!accepted) {
         ++m_counters->rejectedGeometry;
-        KORVEX_LOG(kLog) << "Snap image data failed, wrong image data!";
+        KORVEX_LOG(kPhysicalCameraThreadLog) << "Snap image data failed, wrong image data!";
         return;
     }
     ++m_counters->framesAccepted;

@@ -1,3 +1,4 @@
+#include "camera/CameraLog.h"
 #include "camera/PhysicalCameraThread.h"
 #include "platform/os/Log.h"
 

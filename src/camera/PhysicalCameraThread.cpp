@@ -1,45 +1,42 @@
 #include "camera/PhysicalCameraThread.h"
 
+#include "camera/CameraLog.h"
 #include "platform/os/Log.h"
 #include "platform/os/Print.h"
 
 namespace Korvex3Sync {
-namespace {
-
-constexpr auto& kLog = kPhysicalCameraThreadLog;
-
-}  // namespace
+namespace {}  // namespace
 
 CPhysicalCameraThread::CPhysicalCameraThread(PhysicalCameraThreadListener* listener)
     : m_listener(listener) {}
 
 CPhysicalCameraThread::~CPhysicalCameraThread() {
-    KORVEX_LOG(kLog) << "~CPhysicalCameraThread 0";
+    KORVEX_LOG(kPhysicalCameraThreadLog) << "~CPhysicalCameraThread 0";
     CloseCamera();
     DestroyInstance();
-    KORVEX_LOG(kLog) << "~CPhysicalCameraThread 1";
+    KORVEX_LOG(kPhysicalCameraThreadLog) << "~CPhysicalCameraThread 1";
     {
         // Waits until nobody holds the locks before they are destroyed.
         PauseLockGuard pause(m_csPause);
         os::CriticalSectionGuard snap(m_csSnap);
     }
-    KORVEX_LOG(kLog) << "~CPhysicalCameraThread 2";
+    KORVEX_LOG(kPhysicalCameraThreadLog) << "~CPhysicalCameraThread 2";
 }
 
 bool CPhysicalCameraThread::InializeCamera(const char* const& devId) {
     int result = -1;
     if (devId != nullptr) {
-        KORVEX_LOG(kLog) << "InializeCamera devId=" << devId;
+        KORVEX_LOG(kPhysicalCameraThreadLog) << "InializeCamera devId=" << devId;
         const PauseJoinGuard pause(m_csPause);
         result = zr3DCamera::CreateCamera(m_camera, devId);
     } else {
-        KORVEX_LOG(kLog) << "InializeCamera ";
+        KORVEX_LOG(kPhysicalCameraThreadLog) << "InializeCamera ";
         if (m_serial.size() >= 3) {
             const PauseJoinGuard pause(m_csPause);
             result = zr3DCamera::CreateCamera(m_camera, m_serial.c_str());
         }
     }
-    KORVEX_LOG(kLog) << "InializeCamera retValue=" << result;
+    KORVEX_LOG(kPhysicalCameraThreadLog) << "InializeCamera retValue=" << result;
     return result == 0;
 }
 
@@ -52,15 +49,15 @@ void CPhysicalCameraThread::DestroyInstance() {
 }
 
 bool CPhysicalCameraThread::ReleaseCamera() {
-    KORVEX_LOG(kLog) << "ReleaseCamera 0";
+    KORVEX_LOG(kPhysicalCameraThreadLog) << "ReleaseCamera 0";
     DestroyInstance();
-    KORVEX_LOG(kLog) << "ReleaseCamera 1";
+    KORVEX_LOG(kPhysicalCameraThreadLog) << "ReleaseCamera 1";
     return true;
 }
 
 bool CPhysicalCameraThread::OpenCamera(const char* const& serial, const int& width,
                                        const int& height) {
-    KORVEX_LOG(kLog) << "OpenCamera";
+    KORVEX_LOG(kPhysicalCameraThreadLog) << "OpenCamera";
     if (m_bRun) {
         StopThread();
     }
@@ -68,7 +65,7 @@ bool CPhysicalCameraThread::OpenCamera(const char* const& serial, const int& wid
         CloseCamera();
     }
     if (zr3DCamera::OpenCamera(Camera(), serial, width, height) != 0) {
-        KORVEX_LOG(kLog) << "OpenCamera failed";
+        KORVEX_LOG(kPhysicalCameraThreadLog) << "OpenCamera failed";
         return false;
     }
     zr3DCamera::ZR_IMG_FORMAT mode{};
@@ -77,7 +74,7 @@ bool CPhysicalCameraThread::OpenCamera(const char* const& serial, const int& wid
     m_serial = serial != nullptr ? serial : "";
     m_width = width;
     m_height = height;
-    KORVEX_LOG(kLog) << "OpenCamera m_bOpen=" << m_bOpen;
+    KORVEX_LOG(kPhysicalCameraThreadLog) << "OpenCamera m_bOpen=" << m_bOpen;
     return m_bOpen;
 }
 
@@ -85,30 +82,32 @@ bool CPhysicalCameraThread::ReOpenCamera() {
     if (Camera() == nullptr) {
         return false;
     }
-    KORVEX_LOG(kLog) << "ReOpenCamera m_camera=" << Camera();
+    KORVEX_LOG(kPhysicalCameraThreadLog) << "ReOpenCamera m_camera=" << Camera();
     zr3DCamera::CloseCamera(Camera());
     const int opened = zr3DCamera::OpenCamera(Camera(), m_serial.c_str(), m_width, m_height);
-    KORVEX_LOG(kLog) << "ReOpenCamera nRet=" << opened;
+    KORVEX_LOG(kPhysicalCameraThreadLog) << "ReOpenCamera nRet=" << opened;
     if (opened != 0) {
         return false;
     }
     int deviceType = 0;
     const bool known = zr3DCamera::GetDeviceType(Camera(), deviceType);
-    KORVEX_LOG(kLog) << "ReOpenCamera ret= " << known << "deviceType= " << deviceType;
+    KORVEX_LOG(kPhysicalCameraThreadLog)
+        << "ReOpenCamera ret= " << known << "deviceType= " << deviceType;
     if (!known || deviceType <= 0) {
-        KORVEX_LOG(kLog) << "ReOpenCamera failed";
+        KORVEX_LOG(kPhysicalCameraThreadLog) << "ReOpenCamera failed";
         return false;
     }
     return true;
 }
 
 bool CPhysicalCameraThread::CloseCamera() {
-    KORVEX_LOG(kLog) << "Call Function CPhysicalCameraThread::CloseCamera() CloseCamera 0";
+    KORVEX_LOG(kPhysicalCameraThreadLog)
+        << "Call Function CPhysicalCameraThread::CloseCamera() CloseCamera 0";
     StopThread();
     if (Camera() != nullptr && m_bOpen) {
         zr3DCamera::CloseCamera(Camera());
     }
-    KORVEX_LOG(kLog) << "CloseCamera 1";
+    KORVEX_LOG(kPhysicalCameraThreadLog) << "CloseCamera 1";
     m_bOpen = false;
     PauseLockGuard pause(m_csPause);
     m_image = nullptr;
@@ -118,9 +117,9 @@ bool CPhysicalCameraThread::CloseCamera() {
 }
 
 bool CPhysicalCameraThread::StartCamera() {
-    KORVEX_LOG(kLog) << "StartCamera ";
+    KORVEX_LOG(kPhysicalCameraThreadLog) << "StartCamera ";
     const bool started = zr3DCamera::StartCamera(Camera(), 0.0) == 0;
-    KORVEX_LOG(kLog) << (started ? "StartCamera ok" : "StartCamera failed");
+    KORVEX_LOG(kPhysicalCameraThreadLog) << (started ? "StartCamera ok" : "StartCamera failed");
     return started;
 }
 
@@ -129,21 +128,21 @@ void CPhysicalCameraThread::SetCameraID(int id) {
         return;
     }
     m_cameraID = id;
-    KORVEX_LOG(kLog) << "SetCameraID m_cameraID=" << m_cameraID;
+    KORVEX_LOG(kPhysicalCameraThreadLog) << "SetCameraID m_cameraID=" << m_cameraID;
 }
 
 void CPhysicalCameraThread::SetScanCallBackFunction(CameraFrameCallback callback, void* context) {
     if (m_cameraID < 0) {
         return;
     }
-    KORVEX_LOG(kLog) << "SetScanCallBackFunction 0";
+    KORVEX_LOG(kPhysicalCameraThreadLog) << "SetScanCallBackFunction 0";
     os::Print("Before Set ScanCallBackFunction\n");
     {
         PauseLockGuard pause(m_csPause);
         m_callback = callback;
         m_callbackContext = context;
     }
-    KORVEX_LOG(kLog) << "SetScanCallBackFunction 1";
+    KORVEX_LOG(kPhysicalCameraThreadLog) << "SetScanCallBackFunction 1";
     os::Print("After Set ScanCallBackFunction\n");
 }
 

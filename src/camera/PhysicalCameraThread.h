@@ -122,8 +122,6 @@ private:
     [[maybe_unused]] PhysicalCameraThreadListener* const m_listener;
 };
 
-inline constexpr char kPhysicalCameraThreadLog[] = "camera/PhysicalCameraThread";
-
 class CPhysicalCameraThread::Yield {
 public:
     explicit Yield(CPhysicalCameraThread& camera) : m_yield(camera.m_bYield) { m_yield = true; }

@@ -1,15 +1,12 @@
+#include "camera/CameraLog.h"
 #include "camera/PhysicalCameraThread.h"
 #include "platform/os/Log.h"
 
 namespace Korvex3Sync {
-namespace {
-
-constexpr auto& kLog = kPhysicalCameraThreadLog;
-
-}  // namespace
+namespace {}  // namespace
 
 bool CPhysicalCameraThread::StartThread() {
-    KORVEX_LOG(kLog) << "StartThread m_bOpen=" << m_bOpen;
+    KORVEX_LOG(kPhysicalCameraThreadLog) << "StartThread m_bOpen=" << m_bOpen;
     if (!m_bOpen) {
         return false;
     }
@@ -23,47 +20,47 @@ bool CPhysicalCameraThread::StartThread() {
 }
 
 bool CPhysicalCameraThread::StopThread() {
-    KORVEX_LOG(kLog) << "StopThread m_hThread=" << m_hThread.Handle();
+    KORVEX_LOG(kPhysicalCameraThreadLog) << "StopThread m_hThread=" << m_hThread.Handle();
     if (m_hThread.Started()) {
         m_bYield = true;
         m_bRun = false;
         m_stopped.Set();
-        KORVEX_LOG(kLog) << "WaitForSingleObject ";
+        KORVEX_LOG(kPhysicalCameraThreadLog) << "WaitForSingleObject ";
         m_hThread.Join();
-        KORVEX_LOG(kLog) << "WaitForSingleObject return";
+        KORVEX_LOG(kPhysicalCameraThreadLog) << "WaitForSingleObject return";
         m_bYield = false;
         zr3DCamera::UnlockOthers(Camera());
     }
-    KORVEX_LOG(kLog) << "StopThread end";
+    KORVEX_LOG(kPhysicalCameraThreadLog) << "StopThread end";
     return true;
 }
 
 void CPhysicalCameraThread::PauseThread() {
-    KORVEX_LOG(kLog) << "PauseThread m_hThread=" << m_hThread.Handle()
-                     << "m_bPaused=" << m_csPause.Paused();
+    KORVEX_LOG(kPhysicalCameraThreadLog)
+        << "PauseThread m_hThread=" << m_hThread.Handle() << "m_bPaused=" << m_csPause.Paused();
     if (m_hThread.Started() && !m_csPause.Paused()) {
         Yield yield(*this);
         m_csPause.BeginPause();
     }
-    KORVEX_LOG(kLog) << "PauseThread end";
+    KORVEX_LOG(kPhysicalCameraThreadLog) << "PauseThread end";
 }
 
 void CPhysicalCameraThread::ResumeThread() {
-    KORVEX_LOG(kLog) << "ResumeThread m_hThread=" << m_hThread.Handle()
-                     << "m_bPaused=" << m_csPause.Paused();
+    KORVEX_LOG(kPhysicalCameraThreadLog)
+        << "ResumeThread m_hThread=" << m_hThread.Handle() << "m_bPaused=" << m_csPause.Paused();
     if (m_hThread.Started() && m_csPause.Paused()) {
         Yield yield(*this);
         m_csPause.EndPause();
     }
-    KORVEX_LOG(kLog) << "ResumeThread end";
+    KORVEX_LOG(kPhysicalCameraThreadLog) << "ResumeThread end";
 }
 
 void CPhysicalCameraThread::ResetStatusToInitialize() {
-    KORVEX_LOG(kLog) << "ResetStatusToInitialize 0";
+    KORVEX_LOG(kPhysicalCameraThreadLog) << "ResetStatusToInitialize 0";
     m_csPause.EndPause();
-    KORVEX_LOG(kLog) << "ResetStatusToInitialize 1";
+    KORVEX_LOG(kPhysicalCameraThreadLog) << "ResetStatusToInitialize 1";
     m_csSnap.LeaveIfOwner();
-    KORVEX_LOG(kLog) << "ResetStatusToInitialize 2";
+    KORVEX_LOG(kPhysicalCameraThreadLog) << "ResetStatusToInitialize 2";
 }
 
 }  // namespace Korvex3Sync

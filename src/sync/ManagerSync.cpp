@@ -8,8 +8,6 @@
 namespace Korvex3Sync {
 namespace {
 
-constexpr auto& kLog = kManagerSyncLog;
-
 const char* Printable(const char* text) {
     return text != nullptr ? text : "(null)";
 }
@@ -63,8 +61,8 @@ RETSTATUS IManagerSync::Connect(const char* deviceName, const char* pcbSerial,
     switch (OpenCameras(camSerials, widths, heights)) {
         case 0: {
             m_haveColorCamera = true;
-            KORVEX_LOG(kLog) << "m_haveColorCamera=" << m_haveColorCamera
-                             << "cameraNames.size()=" << camSerials.size();
+            KORVEX_LOG(kManagerSyncLog) << "m_haveColorCamera=" << m_haveColorCamera
+                                        << "cameraNames.size()=" << camSerials.size();
             unsigned char first = 0;
             unsigned char second = 0;
             m_board.QueryCurrentStatus(first, second);

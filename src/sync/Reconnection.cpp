@@ -9,8 +9,6 @@
 namespace Korvex3Sync {
 namespace {
 
-constexpr auto& kLog = kManagerSyncLog;
-
 /// Results of a reconnection.
 constexpr int kReconnected = 0;
 constexpr int kBoardNotOpened = 1;
@@ -23,7 +21,7 @@ constexpr std::chrono::milliseconds kHeartbeatTime{100};
 /// Prints and logs the same text.
 void PrintAndLog(const char* text) {
     os::Print("%s\n", text);
-    KORVEX_LOG(kLog) << text;
+    KORVEX_LOG(kManagerSyncLog) << text;
 }
 
 }  // namespace
@@ -53,7 +51,7 @@ int IManagerSync::ReConnectDeviceEx() {
 
 int IManagerSync::ReConnectOrRestart() {
     int result = ReConnectDevice();
-    KORVEX_LOG(kLog) << "ReConnectDeviceEx ret=" << result;
+    KORVEX_LOG(kManagerSyncLog) << "ReConnectDeviceEx ret=" << result;
     if (result == kBoardNotOpened) {
         return result;
     }
@@ -63,12 +61,12 @@ int IManagerSync::ReConnectOrRestart() {
             PrintAndLog("Send Restart Report Command to Device");
             if (WaitUnlessStopped(kRestartTime)) {
                 result = ReConnectDevice();
-                KORVEX_LOG(kLog) << "ReConnectDevice ret=" << result;
+                KORVEX_LOG(kManagerSyncLog) << "ReConnectDevice ret=" << result;
                 os::Print("End Reconnect Device Second time, ret = %d\n", result);
             }
         }
     }
-    KORVEX_LOG(kLog) << "ReConnectDeviceEx ret=" << result;
+    KORVEX_LOG(kManagerSyncLog) << "ReConnectDeviceEx ret=" << result;
     if (result == kReconnected) {
         m_board.SwitchHeartbeatOn();
         WaitUnlessStopped(kHeartbeatTime);
@@ -83,12 +81,12 @@ int IManagerSync::ReConnectDevice() {
         const DeviceGuard device(m_csDevice);
         opened = m_board.ReOpen();
         if (opened == STATUS_SUCCESS) {
-            KORVEX_LOG(kLog) << "Init Projector First time success";
+            KORVEX_LOG(kManagerSyncLog) << "Init Projector First time success";
             os::Print("Init Projector First time success\n");
             unsigned char first = 0;
             unsigned char second = 0;
             if (m_board.QueryCurrentStatus(first, second) == STATUS_SUCCESS) {
-                KORVEX_LOG(kLog) << "QueryCurrentStatus success.";
+                KORVEX_LOG(kManagerSyncLog) << "QueryCurrentStatus success.";
                 os::Print("QueryCurrentStatus success\n");
                 m_frames.Starts().StartAnew();  // triggers meanwhile are not losses
                 m_cameraSet.ReOpen();
@@ -101,7 +99,7 @@ int IManagerSync::ReConnectDevice() {
         PrintAndLog("Init Projector First time failed");
         return kBoardNotOpened;
     }
-    KORVEX_LOG(kLog) << "QueryCurrentStatus failed.";
+    KORVEX_LOG(kManagerSyncLog) << "QueryCurrentStatus failed.";
     return kBoardSilent;
 }
 

@@ -13,6 +13,7 @@
 #include "platform/os/TimeScale.h"
 #include "recorder/Recorder.h"
 #include "support/CaseName.h"
+#include "support/Deadline.h"
 #include "support/Golden.h"
 #include "support/WaitUntil.h"
 
@@ -23,8 +24,6 @@ using recorder::Recorder;
 using support::MatchesGolden;
 using support::Output;
 using Calls = std::vector<std::string>;
-
-constexpr std::chrono::seconds kDeadline{30};
 
 /// Frames that a camera's callback received.
 class Frames {

@@ -1,13 +1,10 @@
 #include "head/HeadSession.h"
 
+#include "support/Deadline.h"
 #include "virtual_head/Request.h"
 
 namespace Korvex3Sync::tests {
-namespace {
-
-constexpr std::chrono::seconds kDeadline{60};
-
-}  // namespace
+namespace {}  // namespace
 
 void SetCollector::Receive(const void* const& context, std::vector<unsigned char*>& images,
                            const int& width, const int& height, std::vector<int>& imageInfo) {

@@ -6,6 +6,7 @@
 #include "head/HeadSession.h"
 #include "platform/os/Event.h"
 #include "support/Accounted.h"
+#include "support/Deadline.h"
 #include "support/WaitUntil.h"
 
 namespace Korvex3Sync::tests {
@@ -13,8 +14,6 @@ namespace {
 
 using support::AccountedTriggers;
 using support::WaitUntil;
-
-constexpr std::chrono::milliseconds kDeadline{60000};
 
 /// Compares the counts of the connection with those of the head.
 class Losses : public HeadSession {

@@ -8,6 +8,7 @@
 
 #include "interface/Connected.h"
 #include "platform/os/TimeScale.h"
+#include "support/Deadline.h"
 
 namespace Korvex3Sync::tests {
 namespace {
@@ -15,7 +16,6 @@ namespace {
 using recorder::Recorder;
 
 constexpr std::chrono::milliseconds kLongEnough{100};  // for a call that nothing stops
-constexpr std::chrono::seconds kDeadline{30};
 
 /// Operations of one handle that meet each other on different threads.
 class Overlap : public Connected {

@@ -9,12 +9,6 @@ namespace {
 
 using Calls = std::vector<std::string>;
 
-constexpr RETSTATUS k0 = STATUS_FAILED;
-constexpr RETSTATUS k1 = STATUS_PROJECTOR;
-constexpr RETSTATUS k5 = STATUS_NOT_SUPPORTED;
-constexpr RETSTATUS k6 = STATUS_NOT_CONNECTED;
-constexpr RETSTATUS k7 = STATUS_SUCCESS;
-
 std::function<RETSTATUS(void* const&)> CallOf(const std::string& name) {
     for (const Export& one : EveryExport()) {
         if (one.name == name) {

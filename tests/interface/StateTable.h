@@ -8,6 +8,14 @@
 
 namespace Korvex3Sync::tests {
 
+// Short names, which keep the rows of a table readable.
+inline constexpr RETSTATUS k0 = STATUS_FAILED;
+inline constexpr RETSTATUS k1 = STATUS_PROJECTOR;
+inline constexpr RETSTATUS k2 = STATUS_CAMERA;
+inline constexpr RETSTATUS k5 = STATUS_NOT_SUPPORTED;
+inline constexpr RETSTATUS k6 = STATUS_NOT_CONNECTED;
+inline constexpr RETSTATUS k7 = STATUS_SUCCESS;
+
 /// The result in a state, and the calls into the platform libraries.
 struct Cell {
     RETSTATUS status;

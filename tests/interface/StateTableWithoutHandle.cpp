@@ -8,12 +8,6 @@ namespace {
 
 using Calls = std::vector<std::string>;
 
-constexpr RETSTATUS k0 = STATUS_FAILED;
-constexpr RETSTATUS k1 = STATUS_PROJECTOR;
-constexpr RETSTATUS k2 = STATUS_CAMERA;
-constexpr RETSTATUS k5 = STATUS_NOT_SUPPORTED;
-constexpr RETSTATUS k7 = STATUS_SUCCESS;
-
 /// Two cameras listed by instances of their own; those of a connection came before them.
 Calls Listed(const std::string& first, const std::string& second) {
     Calls calls{"CreateCamera(KV00)", "GetDeviceTotal(" + first + ")", "CreateCamera(KV00)"};
@@ -33,7 +27,7 @@ Calls Listed(const std::string& first, const std::string& second) {
 const std::string kOpened = "zr3DInitHidDev(null, 3267, 5752, OTHER)";
 
 /// A second head is connected, and disconnected again.
-Calls Connected(const std::string& board, const std::string& camera) {
+Calls SecondHeadConnected(const std::string& board, const std::string& camera) {
     return {kOpened,
             "CreateCamera(KV00R1)",
             "GetDeviceTotal(" + camera + ")",
@@ -136,12 +130,12 @@ std::vector<Row> RowsWithoutHandle() {
          found},
         {"ConnectDevice",
          [](void* const&) { return ConnectAnother(); },
-         {k7, Connected("B2", "C2")},
+         {k7, SecondHeadConnected("B2", "C2")},
          {k1, {kOpened}},
-         {k7, Connected("B2", "C2")},  // its first status may fail
-         {k7, Connected("B2", "C2")},
+         {k7, SecondHeadConnected("B2", "C2")},  // its first status may fail
+         {k7, SecondHeadConnected("B2", "C2")},
          {k2, {kOpened, "CreateCamera(KV00R1)", "zr3DExitHidDev(B2)"}},
-         {k7, Connected("B1", "C1")}},
+         {k7, SecondHeadConnected("B1", "C1")}},
         {"GetFirewareVersion without a handle",
          [](void* const&) {
              std::string text;

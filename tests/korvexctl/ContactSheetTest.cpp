@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <string>
 
+#include "korvexctl/PixelAt.h"
 #include "korvexctl/pictures/Lettering.h"
 #include "korvexctl/pictures/TextLines.h"
 
@@ -21,11 +22,6 @@ using korvexctl::ScaleDown;
 Picture Plain(int width, int height, int channels, std::uint8_t value) {
     const auto size = static_cast<std::size_t>(width * height * channels);
     return {width, height, channels, std::vector<std::uint8_t>(size, value)};
-}
-
-std::vector<int> PixelAt(const Picture& picture, int x, int y) {
-    const auto first = static_cast<std::size_t>((y * picture.width + x) * 3);
-    return {picture.bytes[first], picture.bytes[first + 1], picture.bytes[first + 2]};
 }
 
 TEST(ScaleDown, APixelIsTheMeanOfThoseItStandsFor) {

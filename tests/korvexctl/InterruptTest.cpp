@@ -109,7 +109,7 @@ const Hanging kHangingCommands[] = {
     {{"user-info", "read", "3"}, "zr3DInitHidDev", kFailed},
 };
 
-std::string NameOf(const testing::TestParamInfo<std::tuple<Hanging, int>>& row) {
+std::string NameOfHanging(const testing::TestParamInfo<std::tuple<Hanging, int>>& row) {
     const auto& [hanging, signal] = row.param;
     return support::CaseName(hanging.words) + "_in_" + hanging.call + '_' +
            support::SignalName(signal);
@@ -118,11 +118,11 @@ std::string NameOf(const testing::TestParamInfo<std::tuple<Hanging, int>>& row) 
 INSTANTIATE_TEST_SUITE_P(Signals, KorvexctlInterruptAnywhere,
                          ::testing::Combine(::testing::Values(kHangingCommands[0]),
                                             ::testing::Values(SIGINT, SIGHUP)),
-                         NameOf);
+                         NameOfHanging);
 INSTANTIATE_TEST_SUITE_P(Commands, KorvexctlInterruptAnywhere,
                          ::testing::Combine(::testing::ValuesIn(kHangingCommands),
                                             ::testing::Values(SIGTERM)),
-                         NameOf);
+                         NameOfHanging);
 
 /// Counts its interrupts.
 class CountingInterrupt : public korvexctl::Interrupt {

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "korvexctl/Korvexctl.h"
+#include "korvexctl/PixelAt.h"
 
 namespace Korvex3Sync::tests {
 
@@ -25,11 +26,6 @@ std::vector<std::uint8_t> MosaicOf(int width, int height, std::uint8_t red, std:
         }
     }
     return mosaic;
-}
-
-std::vector<int> PixelAt(const Picture& picture, int x, int y) {
-    const auto first = static_cast<std::size_t>((y * picture.width + x) * 3);
-    return {picture.bytes[first], picture.bytes[first + 1], picture.bytes[first + 2]};
 }
 
 TEST(Demosaic, AColorIsTheSameEverywhereAlsoAtTheEdges) {

@@ -13,7 +13,7 @@ using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 
-constexpr int kUsage = 2;
+constexpr int kUsageError = 2;
 constexpr int kNotWritable = 6;
 constexpr int kDiskFull = 7;
 
@@ -114,9 +114,9 @@ TEST_F(KorvexctlVirtualNew, AFolderThatIsNotThereIsTold) {
 }
 
 TEST_F(KorvexctlVirtualNew, NeedsToBeToldWhatAndWhere) {
-    EXPECT_EQ(RunKorvexctl({"virtual"}).exitCode, kUsage);
-    EXPECT_EQ(RunKorvexctl({"virtual", "new"}).exitCode, kUsage);
-    EXPECT_EQ(New({"-", "more"}).exitCode, kUsage);
+    EXPECT_EQ(RunKorvexctl({"virtual"}).exitCode, kUsageError);
+    EXPECT_EQ(RunKorvexctl({"virtual", "new"}).exitCode, kUsageError);
+    EXPECT_EQ(New({"-", "more"}).exitCode, kUsageError);
 }
 
 }  // namespace

@@ -5,6 +5,7 @@
 #include "no_memory/FailingAllocation.h"
 #include "recorder/Recorder.h"
 #include "support/Accounted.h"
+#include "support/FramePixels.h"
 #include "support/PackedFrames.h"
 #include "sync/Head.h"
 
@@ -12,8 +13,6 @@ namespace Korvex3Sync::tests {
 namespace {
 
 using recorder::Recorder;
-
-constexpr std::size_t kPixels = 32;
 
 /// A scan of a recorded head whose grab thread runs out of memory.
 class ScanWithoutMemory : public testing::Test {

@@ -4,6 +4,7 @@
 #include "camera/images/SplitPackedFrame.h"
 #include "no_memory/FailingAllocation.h"
 #include "support/Accounted.h"
+#include "support/FramePixels.h"
 #include "support/PackedFrames.h"
 #include "sync/frames/FramePairing.h"
 #include "sync/frames/FramePath.h"
@@ -13,7 +14,6 @@ namespace {
 
 constexpr int kWidth = 8;
 constexpr int kHeight = 4;
-constexpr std::size_t kPixels = 32;
 
 TEST(ImagePoolWithoutMemory, GivesNothingAndLendsNothing) {
     int failures = 0;

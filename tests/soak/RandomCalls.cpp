@@ -27,7 +27,7 @@ struct Call {
 constexpr std::chrono::milliseconds kLongestRest{2};
 constexpr int kUserPage = 256;
 /// One call in this many stops the stream for a while.
-constexpr int kSeldom = 120;
+constexpr int kSeldomCall = 120;
 
 int Number(Dice& dice) {
     static const std::vector<int> odd{-1, 0, 101, 255, 256, 70000, -2147483647 - 1, 2147483647};
@@ -278,7 +278,7 @@ void RandomCalls::Run(const std::atomic<bool>& stop, Watchdog::Watched& watched)
     const std::vector<Call> seldom = SeldomCalls();
     for (std::uint64_t step = 0; !stop; ++step) {
         Dice dice(m_seed, Thrower::Caller, step);
-        const Call& call = dice.OneOf(dice.Once(kSeldom) ? seldom : ordinary);
+        const Call& call = dice.OneOf(dice.Once(kSeldomCall) ? seldom : ordinary);
         {
             const std::shared_lock lock(m_head.using_);
             watched.Doing(call.name);

@@ -18,7 +18,7 @@ namespace {
 
 constexpr std::size_t kWarmingUp = 3;
 /// A thread that was joined may stand in the list of the system a little longer.
-constexpr std::chrono::seconds kDeadline{20};
+constexpr std::chrono::seconds kSettleDeadline{20};
 /// What queues and tables that grow to their bound late may take: runs of a quarter of a minute
 /// were seen to grow by 29 KB at most. Some forty lost image sets (6 KiB of three images) are past
 /// it.
@@ -56,7 +56,7 @@ std::string ResourceWatch::Look() {
         m_first.bytes = std::max(m_first.bytes, m_last.bytes);
         return "";
     }
-    const auto deadline = std::chrono::steady_clock::now() + kDeadline;
+    const auto deadline = std::chrono::steady_clock::now() + kSettleDeadline;
     while (m_last.threads > m_first.threads && std::chrono::steady_clock::now() < deadline) {
         std::this_thread::sleep_for(std::chrono::milliseconds(1));
         m_last = Resources::Now();

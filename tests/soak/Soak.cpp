@@ -206,7 +206,7 @@ private:
         ++m_calmScans;
     }
 
-    /// Waits until no camera has a frame waiting and the grab thread has looked at all that it
+    /// Waits until the camera has no frame waiting and the grab thread has done with all that it
     /// took: from then on every key is of the next run.
     void DrainFrames(const virtual_head::HeadCounts& connected) {
         Doing("drains the cameras in calm");
@@ -221,6 +221,16 @@ private:
                            counts.mono.fetched + counts.color.fetched;
             },
             "frames stayed in a camera in calm");
+        // A frame counts as accepted before the pairing has it; the thread's next snap comes after.
+        ScanStatistics drained;
+        GetScanStatistics(m_head.handle, drained);
+        WaitUntil(
+            [&] {
+                ScanStatistics now;
+                GetScanStatistics(m_head.handle, now);
+                return now.failedSnaps > drained.failedSnaps;
+            },
+            "no snap followed the last frame in calm");
     }
 
     /// Every trigger of a scan without faults is one that the library knows of.

@@ -12,7 +12,7 @@ std::string Named(const std::string& operation, const std::string& section) {
     return operation + " [" + section + "]";
 }
 
-std::vector<std::string> Lines(const std::filesystem::path& path) {
+std::vector<std::string> LinesOf(const std::filesystem::path& path) {
     std::vector<std::string> lines;
     std::ifstream file(path);
     for (std::string line; std::getline(file, line);) {
@@ -38,13 +38,13 @@ void NoteGoldenUsed(const std::string& operation, const std::string& section) {
 
 std::vector<std::string> UnusedGolden(const std::filesystem::path& folder,
                                       const std::filesystem::path& used) {
-    const std::vector<std::string> notes = Lines(used);
+    const std::vector<std::string> notes = LinesOf(used);
     std::set<std::string> unseen(notes.begin(), notes.end());
     std::vector<std::string> unused;
     for (const auto& entry : std::filesystem::directory_iterator(folder)) {
         const std::string operation = entry.path().stem().string();
         bool empty = true;
-        for (const std::string& line : Lines(entry.path())) {
+        for (const std::string& line : LinesOf(entry.path())) {
             if (const auto section = GoldenSection(line)) {
                 empty = false;
                 if (unseen.erase(Named(operation, *section)) == 0) {

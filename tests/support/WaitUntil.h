@@ -3,12 +3,14 @@
 #include <chrono>
 #include <thread>
 
+#include "support/Deadline.h"
+
 namespace Korvex3Sync::tests::support {
 
-/// Waits until the condition holds; false if it does not within a minute of real time.
+/// Waits until the condition holds; false if it does not before the deadline.
 template <class Condition>
 bool WaitUntil(Condition condition) {
-    const auto end = std::chrono::steady_clock::now() + std::chrono::minutes(1);
+    const auto end = std::chrono::steady_clock::now() + kDeadline;
     while (!condition()) {
         if (std::chrono::steady_clock::now() > end) {
             return false;

@@ -11,6 +11,7 @@
 #include "platform/os/Clock.h"
 #include "platform/os/TimeScale.h"
 #include "recorder/SingleColor.h"
+#include "support/FramePixels.h"
 #include "support/Golden.h"
 #include "support/PackedFrames.h"
 #include "sync/Head.h"
@@ -22,7 +23,6 @@ using recorder::Recorder;
 using testing::ElementsAre;
 using Calls = std::vector<std::string>;
 
-constexpr std::size_t kPixels = 32;
 constexpr unsigned char kKey = 9;
 
 /// A manager whose board gives a colour frame for each single trigger: the first of value 1, the

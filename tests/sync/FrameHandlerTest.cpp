@@ -12,6 +12,8 @@
 
 #include "platform/os/Event.h"
 #include "support/BlockingCall.h"
+#include "support/Deadline.h"
+#include "support/FramePixels.h"
 #include "support/Golden.h"
 #include "support/PackedFrames.h"
 #include "sync/Head.h"
@@ -22,9 +24,6 @@ namespace {
 using recorder::Recorder;
 using support::MatchesGolden;
 using support::Output;
-
-constexpr std::chrono::seconds kDeadline{30};
-constexpr std::size_t kPixels = 32;
 
 /// Image sets that a scan callback received.
 class Sets {

@@ -9,6 +9,8 @@
 #include "platform/os/TimeScale.h"
 #include "recorder/Recorder.h"
 #include "support/Accounted.h"
+#include "support/Deadline.h"
+#include "support/FramePixels.h"
 #include "support/PackedFrames.h"
 #include "sync/Head.h"
 
@@ -16,9 +18,6 @@ namespace Korvex3Sync::tests {
 namespace {
 
 using recorder::Recorder;
-
-constexpr std::chrono::milliseconds kDeadline{30000};
-constexpr std::size_t kPixels = 32;
 
 /// Frames of a recorded camera, and where they went by the manager's account.
 class FrameLosses : public testing::Test {

@@ -12,6 +12,7 @@
 #include "platform/os/Event.h"
 #include "platform/os/TimeScale.h"
 #include "support/BlockingCall.h"
+#include "support/Deadline.h"
 #include "support/Golden.h"
 #include "sync/Head.h"
 
@@ -22,8 +23,6 @@ using recorder::Recorder;
 using support::MatchesGolden;
 using support::Output;
 using Pairs = std::vector<std::pair<int, int>>;
-
-constexpr std::chrono::seconds kDeadline{30};
 
 /// What a status callback was told, and how many polls there had been at the first call.
 class Reports {

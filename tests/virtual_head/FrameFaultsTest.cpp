@@ -14,7 +14,7 @@ using namespace std::chrono_literals;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-constexpr auto kGenerous = 60000ms;
+constexpr auto kFaultWait = 60000ms;
 constexpr int kOff = 5;
 constexpr int kSingle = 4;  // one colour exposure for each writing of the mode, at once
 constexpr int kMono = 1;
@@ -45,7 +45,7 @@ protected:
     }
 
     Exposure ExpectNext(std::uint64_t trigger, bool color) {
-        const auto exposure = m_queue->Pop(std::chrono::steady_clock::now() + kGenerous);
+        const auto exposure = m_queue->Pop(std::chrono::steady_clock::now() + kFaultWait);
         if (!exposure) {
             ADD_FAILURE() << "nothing came";
             return {};

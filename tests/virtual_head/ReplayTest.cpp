@@ -17,7 +17,7 @@ using Pixels = std::vector<std::uint8_t>;
 
 constexpr int kWidth = 64;
 constexpr int kHeight = 32;
-constexpr std::size_t kPixels = std::size_t{kWidth} * kHeight;
+constexpr std::size_t kPicturePixels = std::size_t{kWidth} * kHeight;
 
 class ReplayTest : public testing::Test {
 protected:
@@ -58,9 +58,9 @@ protected:
         exposure.trigger = trigger;
         exposure.key = static_cast<std::uint8_t>(trigger & 0xFFU);
         exposure.color = color;
-        Pixels packed(2 * kPixels, 0xEE);
+        Pixels packed(2 * kPicturePixels, 0xEE);
         source.WritePacked(exposure, packed.data());
-        return Unpack(packed.data(), kPixels);
+        return Unpack(packed.data(), kPicturePixels);
     }
 
     static Pixels WithKey(Pixels image, std::uint64_t trigger) {
@@ -108,7 +108,7 @@ TEST_F(ReplayTest, SmallerImageIsCentredOnBlackAtAnEvenCorner) {
     WriteGrey(File("left1.png"), left);
     WriteGrey(File("right1.png"), right);
     const auto place = [](const TestImage& image, int column, int row) {
-        Pixels pixels(kPixels, 0);
+        Pixels pixels(kPicturePixels, 0);
         for (int y = 0; y < image.height; ++y) {
             for (int x = 0; x < image.width; ++x) {
                 pixels[static_cast<std::size_t>((row + y) * kWidth + column + x)] =

@@ -12,7 +12,7 @@ using namespace virtual_head;
 
 constexpr double kBlack = 2;  // what a sensor gives in the dark
 
-HeadDescription Small() {
+HeadDescription SmallScene() {
     HeadDescription description;
     description.width = 160;
     description.height = 128;
@@ -113,7 +113,7 @@ std::vector<Knob> Knobs() {
 class SceneKnobs : public testing::TestWithParam<Knob> {};
 
 TEST_P(SceneKnobs, EachStepIsBrighterInEveryImage) {
-    const SceneFrames frames(Small());
+    const SceneFrames frames(SmallScene());
     Exposure exposure = GetParam().exposure;
     double left = 0;
     double right = 0;
@@ -143,7 +143,7 @@ protected:
         return Right(exposure) == kBlack && (exposure.color || Left(exposure) == kBlack);
     }
 
-    const SceneFrames m_frames{Small()};
+    const SceneFrames m_frames{SmallScene()};
 };
 
 TEST_F(SceneLight, WithoutLightItIsDark) {

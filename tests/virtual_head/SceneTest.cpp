@@ -81,7 +81,7 @@ INSTANTIATE_TEST_SUITE_P(
         return std::to_string(size.param.width) + "x" + std::to_string(size.param.height);
     });
 
-HeadDescription Small() {
+HeadDescription SmallHead() {
     HeadDescription description;
     description.width = 160;
     description.height = 128;
@@ -89,7 +89,7 @@ HeadDescription Small() {
 }
 
 TEST(Scene, PreparingTwiceChangesNothing) {
-    const SceneFrames frames(Small());
+    const SceneFrames frames(SmallHead());
     EXPECT_TRUE(frames.Source().Prepare());
     const auto before = frames.Frame(Exposure{});
     EXPECT_TRUE(frames.Source().Prepare());
@@ -97,7 +97,7 @@ TEST(Scene, PreparingTwiceChangesNothing) {
 }
 
 TEST(Scene, EveryThreadGetsTheFrameOfItsOwnLight) {
-    const SceneFrames frames(Small());
+    const SceneFrames frames(SmallHead());
     Exposure dark;
     dark.light.strobeState = 4;
     const Exposure lit;
@@ -119,7 +119,7 @@ TEST(Scene, EveryThreadGetsTheFrameOfItsOwnLight) {
 }
 
 TEST(Scene, ColoursStandInTheirPlacesOfTheMosaic) {
-    HeadDescription description = Small();
+    HeadDescription description = SmallHead();
     description.width = 640;
     description.height = 512;
     Exposure exposure;
@@ -135,7 +135,7 @@ TEST(Scene, ColoursStandInTheirPlacesOfTheMosaic) {
 }
 
 TEST(Scene, ASingleLineIsOneOfAllLines) {
-    const SceneFrames frames(Small());
+    const SceneFrames frames(SmallHead());
     Exposure exposure;
     exposure.light.triggerMode = 1;
     exposure.light.laserEnable = true;

@@ -12,12 +12,12 @@ namespace Korvex3Sync::korvexctl {
 
 namespace {
 
-struct Asked {
+struct GetArguments {
     HeadChoice head;
     std::vector<std::string> names;
 };
 
-Outcome RunGet(const Asked& asked, Output& output) {
+Outcome RunGet(const GetArguments& asked, Output& output) {
     std::vector<const Setting*> settings;
     for (const std::string& name : asked.names) {
         settings.push_back(&RequireSetting(name));
@@ -55,7 +55,7 @@ void ShowSettings(void* const& handle, std::span<const Setting* const> settings,
 }
 
 RunCommand AddGet(CLI::App& command) {
-    const auto asked = std::make_shared<Asked>();
+    const auto asked = std::make_shared<GetArguments>();
     AddHeadOptions(command, asked->head, true);
     command.add_option("name", asked->names, "The settings to show (default: all)")
         ->type_name("NAME");

@@ -14,7 +14,7 @@ namespace Korvex3Sync::korvexctl {
 
 namespace {
 
-struct Asked {
+struct ProfileArguments {
     HeadChoice head;
     std::filesystem::path file;
 };
@@ -31,7 +31,7 @@ std::vector<Reading> ReadAll(const ConnectedHead& head) {
     return readings;
 }
 
-Outcome SaveProfile(const Asked& asked, Output& output) {
+Outcome SaveProfile(const ProfileArguments& asked, Output& output) {
     RequireWritable(asked.file);
     // Disconnected before the file is written, because writing to a FIFO may block.
     const std::vector<Reading> readings = ReadAll(ConnectedHead(asked.head));
@@ -53,14 +53,14 @@ Outcome SaveProfile(const Asked& asked, Output& output) {
     return outcome;
 }
 
-Outcome LoadProfile(const Asked& asked, Output& output) {
+Outcome LoadProfile(const ProfileArguments& asked, Output& output) {
     const Profile profile = ReadProfileFile(asked.file);
     Outcome outcome = SetSettings(asked.head, profile.settings, output);
     outcome.figures["file"] = asked.file.string();
     return outcome;
 }
 
-Outcome DiffProfile(const Asked& asked, Output& output) {
+Outcome DiffProfile(const ProfileArguments& asked, Output& output) {
     const Profile profile = ReadProfileFile(asked.file);
     const ConnectedHead head(asked.head);
     for (const Assignment& assignment : profile.settings) {
@@ -101,7 +101,7 @@ Outcome DiffProfile(const Asked& asked, Output& output) {
 }  // namespace
 
 RunCommand AddProfile(CLI::App& command) {
-    using Run = Outcome (*)(const Asked&, Output&);
+    using Run = Outcome (*)(const ProfileArguments&, Output&);
     struct Action {
         const char* name;
         const char* help;
@@ -112,7 +112,7 @@ RunCommand AddProfile(CLI::App& command) {
         Action{"load", "Check FILE, then send its settings to the head", LoadProfile},
         Action{"diff", "Show where FILE and the head differ", DiffProfile}};
 
-    const auto asked = std::make_shared<Asked>();
+    const auto asked = std::make_shared<ProfileArguments>();
     const auto chosen = std::make_shared<Run>(nullptr);
     command.require_subcommand(1);
     command.footer(SettingsTable(Notation::Profile));

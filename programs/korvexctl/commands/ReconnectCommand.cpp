@@ -16,17 +16,17 @@ namespace Korvex3Sync::korvexctl {
 namespace {
 
 // A board answers its first poll within a second.
-constexpr double kShortestTimeoutSeconds = 3;
-constexpr double kLongestTimeoutSeconds = 600;
+constexpr double kShortestReconnectSeconds = 3;
+constexpr double kLongestReconnectSeconds = 600;
 
-struct Asked {
+struct ReconnectArguments {
     HeadChoice head;
     double timeoutSeconds = 30;
 };
 
 using Clock = std::chrono::steady_clock;
 
-Outcome Reconnect(const Asked& asked, StatusWatch& watch, const Interrupt& interrupt,
+Outcome Reconnect(const ReconnectArguments& asked, StatusWatch& watch, const Interrupt& interrupt,
                   Output& output) {
     const ConnectedHead head(asked.head, MuteBoard::Taken);
     watch.Watch(head.session);
@@ -57,7 +57,7 @@ Outcome Reconnect(const Asked& asked, StatusWatch& watch, const Interrupt& inter
     return outcome;
 }
 
-Outcome RunReconnect(const Asked& asked, Output& output) {
+Outcome RunReconnect(const ReconnectArguments& asked, Output& output) {
     StatusWatch watch;
     const Interrupt interrupt([&watch] {
         watch.Stop();
@@ -69,10 +69,10 @@ Outcome RunReconnect(const Asked& asked, Output& output) {
 }  // namespace
 
 RunCommand AddReconnect(CLI::App& command) {
-    const auto asked = std::make_shared<Asked>();
+    const auto asked = std::make_shared<ReconnectArguments>();
     AddHeadOptions(command, asked->head, true);
-    AddNumber(command, "--timeout", asked->timeoutSeconds, "S", kShortestTimeoutSeconds,
-              kLongestTimeoutSeconds,
+    AddNumber(command, "--timeout", asked->timeoutSeconds, "S", kShortestReconnectSeconds,
+              kLongestReconnectSeconds,
               "Give up when the board has not answered this many seconds after the devices were "
               "reopened; reopening takes up to ten seconds more");
     return [asked](Output& output) { return RunReconnect(*asked, output); };

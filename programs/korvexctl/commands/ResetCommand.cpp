@@ -14,13 +14,13 @@ namespace Korvex3Sync::korvexctl {
 
 namespace {
 
-struct Asked {
+struct ResetArguments {
     HeadChoice head;
     bool fpga = false;
     bool device = false;
 };
 
-Outcome RunReset(const Asked& asked, Output& output) {
+Outcome RunReset(const ResetArguments& asked, Output& output) {
     // A particular board needs a connection; any board does not.
     std::optional<ConnectedHead> head;
     if (!asked.head.board.empty()) {
@@ -45,7 +45,7 @@ Outcome RunReset(const Asked& asked, Output& output) {
 }  // namespace
 
 RunCommand AddReset(CLI::App& command) {
-    const auto asked = std::make_shared<Asked>();
+    const auto asked = std::make_shared<ResetArguments>();
     AddHeadOptions(command, asked->head, true);
     CLI::Option_group& what = *command.add_option_group("What to reset");
     what.add_flag("--fpga", asked->fpga, "Reset the FPGA only, which switches the trigger off");

@@ -12,7 +12,7 @@ namespace Korvex3Sync::korvexctl {
 
 namespace {
 
-struct Asked {
+struct SetArguments {
     HeadChoice head;
     std::vector<std::string> words;
 };
@@ -112,7 +112,7 @@ Outcome SetSettings(const HeadChoice& choice, std::span<const Assignment> assign
 }
 
 RunCommand AddSet(CLI::App& command) {
-    const auto asked = std::make_shared<Asked>();
+    const auto asked = std::make_shared<SetArguments>();
     AddHeadOptions(command, asked->head, true);
     command
         .add_option("words", asked->words,
@@ -126,7 +126,7 @@ RunCommand AddSet(CLI::App& command) {
 }
 
 RunCommand AddDistance(CLI::App& command) {
-    const auto asked = std::make_shared<Asked>();
+    const auto asked = std::make_shared<SetArguments>();
     AddHeadOptions(command, asked->head, true);
     asked->words.resize(1);
     command

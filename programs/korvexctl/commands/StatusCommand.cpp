@@ -19,10 +19,10 @@ namespace Korvex3Sync::korvexctl {
 
 namespace {
 
-constexpr double kShortestSeconds = 0.1;
-constexpr double kLongestSeconds = 1e7;
+constexpr double kShortestWatchSeconds = 0.1;
+constexpr double kLongestWatchSeconds = 1e7;
 
-struct Asked {
+struct StatusArguments {
     HeadChoice head;
     std::optional<double> seconds;  // without: until Ctrl-C
     std::optional<CAMERA_TRIGGER_MODE> mode;
@@ -62,7 +62,7 @@ nlohmann::json AskLosses(const ConnectedHead& head, std::optional<CAMERA_TRIGGER
     return LossesToJson(*statistics);
 }
 
-Outcome WatchStatus(const Asked& asked, LeftOn& leftOn, Output& output) {
+Outcome WatchStatus(const StatusArguments& asked, LeftOn& leftOn, Output& output) {
     output.UseRecords();
     StatusWatch watch;
     // Ctrl-C is the ordinary end of this command.
@@ -118,10 +118,10 @@ Outcome WatchStatus(const Asked& asked, LeftOn& leftOn, Output& output) {
 }  // namespace
 
 RunCommand AddStatus(CLI::App& command) {
-    const auto asked = std::make_shared<Asked>();
+    const auto asked = std::make_shared<StatusArguments>();
     AddHeadOptions(command, asked->head, true);
-    AddNumberOption(command, "--seconds", asked->seconds, "S", kShortestSeconds, kLongestSeconds,
-                    "Stop after this many seconds", " (default: at Ctrl-C)");
+    AddNumberOption(command, "--seconds", asked->seconds, "S", kShortestWatchSeconds,
+                    kLongestWatchSeconds, "Stop after this many seconds", " (default: at Ctrl-C)");
     AddModeOption(command, asked->mode,
                   "Switch the trigger on while watching, so that losses can occur: ");
     command.footer(

@@ -12,7 +12,7 @@ namespace Korvex3Sync::korvexctl {
 
 namespace {
 
-struct Asked {
+struct UserInfoArguments {
     HeadChoice head;
     int page = 0;
     bool hex = false;
@@ -20,7 +20,7 @@ struct Asked {
     bool write = false;
 };
 
-Outcome Show(const Asked& asked, const std::string& page, Output& output) {
+Outcome Show(const UserInfoArguments& asked, const std::string& page, Output& output) {
     const std::optional<std::string> text = PageText(page);
     const std::string_view data = WithoutPadding(page);
     const std::string shown = text && !asked.hex ? *text : ToHex(data);
@@ -34,7 +34,7 @@ Outcome Show(const Asked& asked, const std::string& page, Output& output) {
 }
 
 /// The bytes to write; throws CommandError(Usage) for those that no page takes.
-std::string DataOf(const Asked& asked) {
+std::string DataOf(const UserInfoArguments& asked) {
     const std::optional<std::string> bytes =
         asked.hex ? FromHex(asked.data) : std::optional(asked.data);
     if (!bytes) {
@@ -49,7 +49,7 @@ std::string DataOf(const Asked& asked) {
     return *bytes;
 }
 
-Outcome WriteUserInfo(const Asked& asked, Output& output) {
+Outcome WriteUserInfo(const UserInfoArguments& asked, Output& output) {
     const std::string data = DataOf(asked);
     const ConnectedHead head(asked.head);
     WriteUserMemory(head.Handle(), asked.page, data);
@@ -63,7 +63,7 @@ Outcome WriteUserInfo(const Asked& asked, Output& output) {
     return outcome;
 }
 
-Outcome RunUserInfo(const Asked& asked, Output& output) {
+Outcome RunUserInfo(const UserInfoArguments& asked, Output& output) {
     if (asked.write) {
         return WriteUserInfo(asked, output);
     }
@@ -71,7 +71,7 @@ Outcome RunUserInfo(const Asked& asked, Output& output) {
     return Show(asked, ReadUserMemory(head.Handle(), asked.page), output);
 }
 
-void AddCommonOptions(CLI::App& command, Asked& asked) {
+void AddCommonOptions(CLI::App& command, UserInfoArguments& asked) {
     AddHeadOptions(command, asked.head, true);
     AddNumberOption(command, "page", asked.page, "PAGE", 0, kUserMemoryPages - 1,
                     "Page of the user memory", "")
@@ -81,7 +81,7 @@ void AddCommonOptions(CLI::App& command, Asked& asked) {
 }  // namespace
 
 RunCommand AddUserInfo(CLI::App& command) {
-    const auto asked = std::make_shared<Asked>();
+    const auto asked = std::make_shared<UserInfoArguments>();
     command.require_subcommand(1);
     command.footer("The user memory has 16 pages (0 to 15) of 256 bytes.");
     CLI::App& read = *command.add_subcommand("read", "Show one page");

@@ -11,7 +11,7 @@ namespace Korvex3Sync::korvexctl {
 
 namespace {
 
-constexpr std::chrono::seconds kLimit{15};
+constexpr std::chrono::seconds kConnectionStepLimit{15};
 constexpr std::chrono::seconds kConnectLimit{30};
 constexpr std::chrono::seconds kPollLimit{5};
 
@@ -114,15 +114,15 @@ Finding TestStatus(Examined& examined) {
 
 std::vector<Step> ConnectionSteps(const std::shared_ptr<Examined>& examined) {
     return {{"discovery", kConnectLimit, [examined] { return TestDiscovery(*examined); }},
-            {"USB", kLimit, TestUsb},
-            {"firmware", kLimit, [examined] { return TestFirmware(*examined); }},
+            {"USB", kConnectionStepLimit, TestUsb},
+            {"firmware", kConnectionStepLimit, [examined] { return TestFirmware(*examined); }},
             {"connect", kConnectLimit, [examined] { return Connect(*examined); }},
             HeadStep(examined, "read settings", kConnectLimit, KeepSettings),
-            HeadStep(examined, "camera information", kLimit, TestCameraInformation)};
+            HeadStep(examined, "camera information", kConnectionStepLimit, TestCameraInformation)};
 }
 
 Step StatusStep(const std::shared_ptr<Examined>& examined) {
-    return HeadStep(examined, "status", kLimit, TestStatus);
+    return HeadStep(examined, "status", kConnectionStepLimit, TestStatus);
 }
 
 }  // namespace Korvex3Sync::korvexctl

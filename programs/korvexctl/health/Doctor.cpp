@@ -25,7 +25,7 @@ namespace {
 
 constexpr std::chrono::seconds kShortLimit{10};
 constexpr std::chrono::seconds kLongLimit{30};
-constexpr std::chrono::seconds kPollLimit{5};
+constexpr std::chrono::seconds kFirstPollLimit{5};
 
 constexpr const char* kHeadCheck = "head";
 constexpr const char* kPlugIn =
@@ -227,7 +227,7 @@ Finding CheckAnswer(Patient& patient) {
     }
     // Watching the status switches the heartbeat on and detects a lost board.
     patient.watch.Watch(patient.head->session);
-    patient.answers = patient.WaitForAnswer(kPollLimit);
+    patient.answers = patient.WaitForAnswer(kFirstPollLimit);
     if (!patient.answers) {
         return {Verdict::Fault, "the board answers a query, but not its status poll", kRestart};
     }

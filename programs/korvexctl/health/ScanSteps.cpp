@@ -14,9 +14,9 @@ namespace Korvex3Sync::korvexctl {
 
 namespace {
 
-constexpr std::chrono::seconds kLimit{20};
+constexpr std::chrono::seconds kScanStepLimit{20};
 constexpr std::chrono::seconds kReconnectLimit{60};
-constexpr std::chrono::seconds kPollLimit{20};
+constexpr std::chrono::seconds kReconnectedPollLimit{20};
 constexpr std::chrono::seconds kSnapshotLimit{30};
 
 constexpr double kSnapshotExposureMs = 5;
@@ -85,7 +85,7 @@ Finding TestReconnect(Examined& examined) {
     Require(SetVideoTriggerPeriod(handle, kPeriodMs), "set the trigger period");
     Require(ReconnectDevice(handle), "reconnect");
     examined.watch.Forget();
-    if (!examined.WaitForAnswer(kPollLimit)) {
+    if (!examined.WaitForAnswer(kReconnectedPollLimit)) {
         return {Verdict::Fault, "reconnected, but the board does not answer its status poll"};
     }
     int period = 0;
@@ -125,7 +125,7 @@ std::vector<Step> ScanSteps(const std::shared_ptr<Examined>& examined,
     std::vector<Step> steps;
     steps.reserve(kTriggerModes.size());
     for (const TriggerMode& known : kTriggerModes) {
-        steps.push_back(HeadStep(examined, std::string("scan ") + known.name, kLimit,
+        steps.push_back(HeadStep(examined, std::string("scan ") + known.name, kScanStepLimit,
                                  [mode = known.mode, options](Examined& head) {
                                      return Dark(head.leftOn, TestScan(head, mode, options));
                                  }));
@@ -135,9 +135,9 @@ std::vector<Step> ScanSteps(const std::shared_ptr<Examined>& examined,
 
 std::vector<Step> ReconnectSteps(const std::shared_ptr<Examined>& examined,
                                  const SelftestOptions& options) {
-    return {HeadStep(examined, "reset of nothing", kLimit, TestNoReset),
+    return {HeadStep(examined, "reset of nothing", kScanStepLimit, TestNoReset),
             HeadStep(examined, "reconnect", kReconnectLimit, TestReconnect),
-            HeadStep(examined, "scan after reconnect", kLimit, [options](Examined& head) {
+            HeadStep(examined, "scan after reconnect", kScanStepLimit, [options](Examined& head) {
                 return Dark(head.leftOn, TestScan(head, TRIGGER_LASER_LINES_COLOR, options));
             })};
 }

@@ -9,7 +9,7 @@ namespace Korvex3Sync::korvexctl {
 
 namespace {
 
-constexpr std::chrono::seconds kLimit{30};
+constexpr std::chrono::seconds kUserMemoryStepLimit{30};
 
 Finding TestReading(const Examined& examined) {
     for (int page = 0; page < kUserMemoryPages; ++page) {
@@ -53,14 +53,14 @@ Finding TestWriting(const Examined& examined) {
 }  // namespace
 
 std::vector<Step> UserMemorySteps(const std::shared_ptr<Examined>& examined, bool write) {
-    return {
-        HeadStep(examined, "user memory read", kLimit, TestReading),
-        HeadStep(examined, "user memory write", kLimit, [write](const Examined& head) -> Finding {
-            if (!write) {
-                return {Verdict::NotRun, "only with --write-user-memory"};
-            }
-            return TestWriting(head);
-        })};
+    return {HeadStep(examined, "user memory read", kUserMemoryStepLimit, TestReading),
+            HeadStep(examined, "user memory write", kUserMemoryStepLimit,
+                     [write](const Examined& head) -> Finding {
+                         if (!write) {
+                             return {Verdict::NotRun, "only with --write-user-memory"};
+                         }
+                         return TestWriting(head);
+                     })};
 }
 
 }  // namespace Korvex3Sync::korvexctl

@@ -258,8 +258,8 @@ std::vector<Setting> MakeSettings() {
 bool OnlySelects(int cameraOrder, double exposureMs, double gain) {
     constexpr double kShortestTaken = 0.4;
     // Halfway to the step below.
-    constexpr double kTolerance = 0.05;
-    return cameraOrder == 0 && gain == 0 && exposureMs < kShortestTaken - kTolerance;
+    constexpr double kHalfStep = 0.05;
+    return cameraOrder == 0 && gain == 0 && exposureMs < kShortestTaken - kHalfStep;
 }
 
 std::span<const Setting> AllSettings() {

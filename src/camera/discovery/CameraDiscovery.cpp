@@ -5,6 +5,7 @@
 #include <memory>
 #include <string>
 
+#include "camera/CameraLog.h"
 #include "camera/ColorMode.h"
 #include "platform/include/zr3DCamera.h"
 #include "platform/os/Log.h"
@@ -13,7 +14,6 @@
 namespace Korvex3Sync {
 namespace {
 
-constexpr char kLog[] = "camera/PhysicalCameraThread";
 constexpr std::size_t kSerialBuffer = 260;
 
 void PrintCreateFailed(const char* cameraType) {
@@ -105,19 +105,19 @@ int ReadCameras(const std::vector<void*>& instances, int total, std::vector<char
 int GetAllSpecifyTypeCameraInformation(const char* const& cameraType, std::vector<char*>& serials,
                                        std::vector<int>& widths, std::vector<int>& heights,
                                        std::vector<bool>& isColor) {
-    KORVEX_LOG(kLog) << "GetAllSpecifyTypeCameraInformation 0";
+    KORVEX_LOG(kPhysicalCameraThreadLog) << "GetAllSpecifyTypeCameraInformation 0";
     std::vector<void*> instances{nullptr};
     void*& first = instances.front();
     if (zr3DCamera::CreateCamera(first, cameraType) != 0) {
         PrintCreateFailed(cameraType);
-        KORVEX_LOG(kLog) << "GetAllSpecifyTypeCameraInformation failed";
+        KORVEX_LOG(kPhysicalCameraThreadLog) << "GetAllSpecifyTypeCameraInformation failed";
         zr3DCamera::ReleaseCamera(first);
         return 0;
     }
     int total = 0;
     if (zr3DCamera::GetDeviceTotal(first, total) != 0) {
         os::Print("Device Total: %d\n", total);
-        KORVEX_LOG(kLog) << "GetAllSpecifyTypeCameraInformation failed1";
+        KORVEX_LOG(kPhysicalCameraThreadLog) << "GetAllSpecifyTypeCameraInformation failed1";
         zr3DCamera::ReleaseCamera(first);
         return 0;
     }
@@ -139,27 +139,28 @@ int GetAllSpecifyTypeCameraInformation(const char* const& cameraType, std::vecto
         }
         read = ReadCameras(instances, total, serials, widths, heights, isColor);
     }
-    KORVEX_LOG(kLog) << "GetAllSpecifyTypeCameraInformation tmpRealCount=" << read;
+    KORVEX_LOG(kPhysicalCameraThreadLog)
+        << "GetAllSpecifyTypeCameraInformation tmpRealCount=" << read;
     return read;
 }
 
 int GetSpecifyTypeCameraCount(const char* const& cameraType) {
-    KORVEX_LOG(kLog) << "GetSpecifyTypeCameraCount ";
+    KORVEX_LOG(kPhysicalCameraThreadLog) << "GetSpecifyTypeCameraCount ";
     // The instance is never released; it does not block anything.
     void* instance = nullptr;
     if (zr3DCamera::CreateCamera(instance, cameraType) != 0) {
         PrintCreateFailed(cameraType);
-        KORVEX_LOG(kLog) << "GetSpecifyTypeCameraCount ok";
+        KORVEX_LOG(kPhysicalCameraThreadLog) << "GetSpecifyTypeCameraCount ok";
         return 0;
     }
-    KORVEX_LOG(kLog) << "GetSpecifyTypeCameraCount 1";
+    KORVEX_LOG(kPhysicalCameraThreadLog) << "GetSpecifyTypeCameraCount 1";
     int total = 0;
     if (zr3DCamera::GetDeviceTotal(instance, total) != 0) {
         os::Print("Device Total: %d\n", total);
-        KORVEX_LOG(kLog) << "GetSpecifyTypeCameraCount ok1";
+        KORVEX_LOG(kPhysicalCameraThreadLog) << "GetSpecifyTypeCameraCount ok1";
         return 0;
     }
-    KORVEX_LOG(kLog) << "GetSpecifyTypeCameraCount tmpCameraNum=" << total;
+    KORVEX_LOG(kPhysicalCameraThreadLog) << "GetSpecifyTypeCameraCount tmpCameraNum=" << total;
     return total;
 }
 

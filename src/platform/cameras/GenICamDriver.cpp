@@ -6,11 +6,11 @@
 namespace Korvex3Sync::cameras {
 namespace {
 
-std::shared_ptr<Camera> Make(std::string_view) {
+std::shared_ptr<Camera> MakeAbsentCamera(std::string_view) {
     return std::make_shared<AbsentCamera>();
 }
 
-const DriverRegistration g_registration({"GC", [] { return false; }, Make});
+const DriverRegistration g_genICamDriver({"GC", [] { return false; }, MakeAbsentCamera});
 
 }  // namespace
 }  // namespace Korvex3Sync::cameras

@@ -17,7 +17,7 @@ bool HeadIsRequested() {
     return virtual_head::RequestedVirtualHead() != nullptr;
 }
 
-std::shared_ptr<Camera> Make(std::string_view typeOrSerial) {
+std::shared_ptr<Camera> MakeVirtualCamera(std::string_view typeOrSerial) {
     const auto head = virtual_head::RequestedVirtualHead();
     if (!head) {
         return std::make_shared<AbsentCamera>();
@@ -28,7 +28,7 @@ std::shared_ptr<Camera> Make(std::string_view typeOrSerial) {
     return fails ? nullptr : std::make_shared<VirtualCamera>(head, std::string(typeOrSerial));
 }
 
-const DriverRegistration g_registration({"KV", HeadIsRequested, Make});
+const DriverRegistration g_virtualDriver({"KV", HeadIsRequested, MakeVirtualCamera});
 
 }  // namespace
 }  // namespace Korvex3Sync::cameras

@@ -12,7 +12,6 @@ namespace board = zr3DHandiDLPdev;
 
 namespace {
 
-constexpr auto& kLog = kManagerSyncLog;
 /// A strobe duty ratio that keeps the value that was last requested.
 constexpr int kKeepRatio = -1;
 
@@ -131,8 +130,9 @@ RETSTATUS BoardSession::SetStrobeDutioRatio(const int& texture, const int& ratio
     return BoardOperation(
         DeviceLost::Refuses,
         [&](Remembered& r) {
-            KORVEX_LOG(kLog) << "SetStrobeDutioRatio TexDutioRatio=" << texture
-                             << " dutioRatio=" << ratio << " dutioRatioWithTex= " << withTexture;
+            KORVEX_LOG(kManagerSyncLog)
+                << "SetStrobeDutioRatio TexDutioRatio=" << texture << " dutioRatio=" << ratio
+                << " dutioRatioWithTex= " << withTexture;
             const std::array<int, 3> asked{texture, ratio, withTexture};
             for (std::size_t i = 0; i < asked.size(); ++i) {
                 if (asked[i] != kKeepRatio) {

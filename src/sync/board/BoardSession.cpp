@@ -13,8 +13,6 @@ namespace board = zr3DHandiDLPdev;
 
 namespace {
 
-constexpr auto& kLog = kManagerSyncLog;
-
 constexpr auto kVendorId = hardware::HexText(hardware::kBoardVendor);
 constexpr auto kProductId = hardware::HexText(hardware::kBoardProduct);
 constexpr char kAnyBoard[] = "";
@@ -49,12 +47,12 @@ RETSTATUS BoardSession::ReOpen() {
 }
 
 RETSTATUS BoardSession::InitProjector(const char* pcbSerial) {
-    KORVEX_LOG(kLog) << " InitProjector In IManagerSync ";
+    KORVEX_LOG(kManagerSyncLog) << " InitProjector In IManagerSync ";
     if (pcbSerial == nullptr) {
-        KORVEX_LOG(kLog) << " InitProjector In IManagerSync failed ";
+        KORVEX_LOG(kManagerSyncLog) << " InitProjector In IManagerSync failed ";
         return STATUS_PARAMETER;
     }
-    KORVEX_LOG(kLog) << " InitProjector pcbSerial=" << pcbSerial;
+    KORVEX_LOG(kManagerSyncLog) << " InitProjector pcbSerial=" << pcbSerial;
     const DeviceGuard device(m_csDevice);
     void* handle = m_hDevice;
     const bool opened =
@@ -65,14 +63,14 @@ RETSTATUS BoardSession::InitProjector(const char* pcbSerial) {
 }
 
 void BoardSession::ExitProjector() {
-    KORVEX_LOG(kLog) << "IShotSync::ExitProjector 0";
+    KORVEX_LOG(kManagerSyncLog) << "IShotSync::ExitProjector 0";
     void* handle = m_hDevice;
     if (handle != nullptr) {
         board::zr3DExitHidDev(handle);
         m_hDevice = nullptr;
     }
     EndWorkerThread();
-    KORVEX_LOG(kLog) << "IShotSync::ExitProjector 1";
+    KORVEX_LOG(kManagerSyncLog) << "IShotSync::ExitProjector 1";
 }
 
 void BoardSession::SwitchOffAndClose() {

@@ -11,7 +11,7 @@
 namespace Korvex3Sync {
 namespace {
 
-constexpr char kLog[] = "KorvexSyncControl";
+constexpr char kUsb3CheckLog[] = "KorvexSyncControl";
 
 /// The USB library has one tree per process, so one caller at a time builds and frees it.
 std::vector<std::string> BoardPaths() {
@@ -29,10 +29,10 @@ std::vector<std::string> BoardPaths() {
 bool FindBoardUsbSpeed(bool& superSpeed) {
     const std::vector<std::string> paths = BoardPaths();
     if (paths.empty()) {
-        KORVEX_LOG(kLog) << "IsConnectedOnU3 Fail!";
+        KORVEX_LOG(kUsb3CheckLog) << "IsConnectedOnU3 Fail!";
         return false;
     }
-    KORVEX_LOG(kLog) << paths.front();
+    KORVEX_LOG(kUsb3CheckLog) << paths.front();
     superSpeed = paths.front().find("UPT[4]-DEV") != std::string::npos;
     return true;
 }

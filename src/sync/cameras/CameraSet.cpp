@@ -10,8 +10,6 @@
 namespace Korvex3Sync {
 namespace {
 
-constexpr auto& kLog = kManagerSyncLog;
-
 /// Selects the serial that was opened last.
 constexpr const char* kSerialOfLastOpen = nullptr;
 
@@ -63,7 +61,7 @@ void CameraSet::PauseAndRelease(const char* record) {
     ForEachCamera([record](CPhysicalCameraThread& camera) {
         camera.PauseThread();
         camera.ReleaseCamera();
-        KORVEX_LOG(kLog) << record;
+        KORVEX_LOG(kManagerSyncLog) << record;
         os::Print("ReInitializeCamera success\n");  // both callers print this text
     });
 }
@@ -74,10 +72,10 @@ void CameraSet::ReOpen() {
     ForEachCamera([this, &orders](CPhysicalCameraThread& camera) {
         camera.PauseThread();
         if (!camera.ReOpenCamera()) {
-            KORVEX_LOG(kLog) << "ReOpenCamera failed";
+            KORVEX_LOG(kManagerSyncLog) << "ReOpenCamera failed";
             return;
         }
-        KORVEX_LOG(kLog) << "ReOpenCamera success";
+        KORVEX_LOG(kManagerSyncLog) << "ReOpenCamera success";
         os::Print("ReOpenCamera success\n");
         camera.StartCamera();
         for (const OrderSetting& setting : orders) {

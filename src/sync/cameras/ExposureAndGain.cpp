@@ -14,11 +14,8 @@ namespace {
 
 using std::chrono::milliseconds;
 
-constexpr auto& kLog = kManagerSyncLog;
-
 /// The time that a camera needs to switch to the selected order.
 constexpr milliseconds kSelectTime{20};
-constexpr double kMicrosecondsPerMillisecond = 1000.0;
 /// The result of a query without a camera.
 constexpr int kNoValue = -1;
 
@@ -28,7 +25,7 @@ void TryTwice(const char* setter, milliseconds pause, Call call) {
     if (call()) {
         return;
     }
-    KORVEX_LOG(kLog) << setter << " first time failed, try again.";
+    KORVEX_LOG(kManagerSyncLog) << setter << " first time failed, try again.";
     os::Print("IManagerSync::%s first time failed, try again.************", setter);
     os::SleepFor(pause);
     call();
@@ -59,8 +56,8 @@ RETSTATUS CameraSet::SetCameraExposureAndGain(const int& order, const double& ex
     if (camera == nullptr) {
         return STATUS_FAILED;
     }
-    KORVEX_LOG(kLog) << "SetCameraExposureTime camOrder=" << order << " exposureTime=" << exposure
-                     << "gain=" << gain;
+    KORVEX_LOG(kManagerSyncLog) << "SetCameraExposureTime camOrder=" << order
+                                << " exposureTime=" << exposure << "gain=" << gain;
     const int word = ExposureGainWord(order, exposure, gain);
     TryTwice("SetCameraExposureAndGain", kSelectTime,
              [&] { return camera->SetCameraParam5(word); });
@@ -93,7 +90,8 @@ RETSTATUS CameraSet::SetExposureTime(const int& order, const double& exposure) {
     }
     camera->SetCameraParam5(order);
     os::SleepFor(kSelectTime);
-    KORVEX_LOG(kLog) << "SetCameraExposureTime camOrder=" << order << " exposureTime=" << exposure;
+    KORVEX_LOG(kManagerSyncLog) << "SetCameraExposureTime camOrder=" << order
+                                << " exposureTime=" << exposure;
     TryTwice("SetExposureTime", milliseconds{0}, [&] { return camera->SetExposure(microseconds); });
     return STATUS_SUCCESS;
 }
@@ -126,7 +124,7 @@ RETSTATUS CameraSet::SetCameraGain(const int& order, const int& gain) {
     }
     camera->SetCameraParam5(order);
     os::SleepFor(kSelectTime);
-    KORVEX_LOG(kLog) << "SetCameraGain camOrder=" << order << " gain=" << gain;
+    KORVEX_LOG(kManagerSyncLog) << "SetCameraGain camOrder=" << order << " gain=" << gain;
     TryTwice("SetCameraGain", milliseconds{0}, [&] { return camera->SetGain(gain); });
     return STATUS_SUCCESS;
 }

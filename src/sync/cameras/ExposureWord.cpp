@@ -8,7 +8,6 @@ namespace Korvex3Sync {
 namespace {
 
 constexpr double kTenthsPerMillisecond = 10.0;
-constexpr double kMicrosecondsPerMillisecond = 1000.0;
 constexpr double kByteValues = 256.0;
 constexpr unsigned kByte = 0xFFU;
 constexpr unsigned kOrderBits = 3U;

@@ -2,6 +2,8 @@
 
 namespace Korvex3Sync {
 
+inline constexpr double kMicrosecondsPerMillisecond = 1000.0;
+
 // The numbers that are sent to cameras for exposure and gain. Pure functions that accept any
 // argument.
 

@@ -9,8 +9,6 @@
 namespace Korvex3Sync {
 namespace {
 
-constexpr auto& kLog = kManagerSyncLog;
-
 constexpr int kOpened = 0;
 constexpr int kBadLists = 1;
 constexpr int kCameraFailure = 2;
@@ -29,13 +27,13 @@ std::array<unsigned char, kMostGroups> CountShares(const std::vector<int>& codes
     std::array<unsigned char, kMostGroups> tmpFlag{};
     for (std::size_t i = 0; i < entries; ++i) {
         const int tmpCH = codes[i];
-        KORVEX_LOG(kLog) << "i=" << i << "tmpCH =" << tmpCH;
-        KORVEX_LOG_FORMATTED(kLog, "OpenCameras tmpCH=%d", tmpCH);
+        KORVEX_LOG(kManagerSyncLog) << "i=" << i << "tmpCH =" << tmpCH;
+        KORVEX_LOG_FORMATTED(kManagerSyncLog, "OpenCameras tmpCH=%d", tmpCH);
         const int group = ChannelGroup(tmpCH);
         unsigned char& count = tmpFlag[static_cast<std::size_t>(group)];
         ++count;
-        KORVEX_LOG(kLog) << "tmpFlag[" << group << "]= " << int{count};
-        KORVEX_LOG_FORMATTED(kLog, "OpenCameras2 tmpCH=%d", tmpCH);
+        KORVEX_LOG(kManagerSyncLog) << "tmpFlag[" << group << "]= " << int{count};
+        KORVEX_LOG_FORMATTED(kManagerSyncLog, "OpenCameras2 tmpCH=%d", tmpCH);
     }
     return tmpFlag;
 }
@@ -45,14 +43,15 @@ std::array<unsigned char, kMostGroups> CountShares(const std::vector<int>& codes
 int CameraSet::OpenCameras(const std::vector<char*>& camSerials, const std::vector<int>& widths,
                            const std::vector<int>& heights) {
     const std::size_t count = camSerials.size();
-    KORVEX_LOG(kLog) << "IShotSync::OpenCameras tmpSerialCount=" << count;
+    KORVEX_LOG(kManagerSyncLog) << "IShotSync::OpenCameras tmpSerialCount=" << count;
     if (count < 1 || count != widths.size() || count != heights.size()) {
         return kBadLists;
     }
     os::CriticalSectionGuard device(m_csDevice);
     if (!AssignCameraChannels(camSerials)) {
-        KORVEX_LOG(kLog) << "OpenCameras failed: more than " << kMostGroups << " cameras, or more "
-                         << "than " << kMostRepeats << " equal neighbours";
+        KORVEX_LOG(kManagerSyncLog)
+            << "OpenCameras failed: more than " << kMostGroups << " cameras, or more "
+            << "than " << kMostRepeats << " equal neighbours";
         return kCameraFailure;
     }
     if (!CreateCameras(camSerials, widths, heights)) {
@@ -61,13 +60,13 @@ int CameraSet::OpenCameras(const std::vector<char*>& camSerials, const std::vect
     }
     if (!CheckCameraTotals()) {
         os::Print("Check Camera Total Failed\n");
-        KORVEX_LOG(kLog) << "Check Camera Total Failed";
+        KORVEX_LOG(kManagerSyncLog) << "Check Camera Total Failed";
         return kCameraFailure;
     }
     if (!OpenAndStartCameras()) {
         m_cameras.clear();
         os::Print("Open Camera Failed in IShotSync::opencameras\n");
-        KORVEX_LOG(kLog) << "Open Camera Failed in IShotSync::opencameras";
+        KORVEX_LOG(kManagerSyncLog) << "Open Camera Failed in IShotSync::opencameras";
         return kCameraFailure;
     }
     m_allCamerasMask = AllCamerasMask(count);
@@ -88,15 +87,15 @@ bool CameraSet::AssignCameraChannels(const std::vector<char*>& camSerials) {
 bool CameraSet::CreateCameras(const std::vector<char*>& camSerials, const std::vector<int>& widths,
                               const std::vector<int>& heights) {
     const std::size_t count = camSerials.size();
-    KORVEX_LOG_FORMATTED(kLog, "OpenCameras tmpSerialCount=%d", static_cast<int>(count));
+    KORVEX_LOG_FORMATTED(kManagerSyncLog, "OpenCameras tmpSerialCount=%d", static_cast<int>(count));
     const auto tmpFlag = CountShares(m_cameraChannels, count);
     std::size_t i = 0;
     for (; i < count; ++i) {
         const int tmpCH = m_cameraChannels[i];
         if (ChannelRepeat(tmpCH) != 0) {
-            KORVEX_LOG_FORMATTED(kLog, "OpenCameras tmpCH & 0x0f=%d already opend ",
+            KORVEX_LOG_FORMATTED(kManagerSyncLog, "OpenCameras tmpCH & 0x0f=%d already opend ",
                                  ChannelRepeat(tmpCH));
-            KORVEX_LOG(kLog) << "i=" << i << "tempValue =" << ChannelRepeat(tmpCH);
+            KORVEX_LOG(kManagerSyncLog) << "i=" << i << "tempValue =" << ChannelRepeat(tmpCH);
             continue;
         }
         auto camera = std::make_unique<CPhysicalCameraThread>(&m_listener);
@@ -105,17 +104,18 @@ bool CameraSet::CreateCameras(const std::vector<char*>& camSerials, const std::v
         }
         camera->SetCameraID(ChannelIndex(tmpCH));
         const int shares = tmpFlag[static_cast<std::size_t>(ChannelGroup(tmpCH))];
-        KORVEX_LOG_FORMATTED(kLog, "OpenCameras camSerials[i]=%d SetCameraComplexInfo=%d",
+        KORVEX_LOG_FORMATTED(kManagerSyncLog,
+                             "OpenCameras camSerials[i]=%d SetCameraComplexInfo=%d",
                              AsNumber(camSerials[i]), shares);
-        KORVEX_LOG(kLog) << "i=" << i << "camSerials[i] =" << camSerials[i]
-                         << "tmpFlag[(tmpCH & 0xf0) >> 4]=" << shares;
+        KORVEX_LOG(kManagerSyncLog) << "i=" << i << "camSerials[i] =" << camSerials[i]
+                                    << "tmpFlag[(tmpCH & 0xf0) >> 4]=" << shares;
         camera->SetCameraComplexInfo(shares);
         camera->CountInto(m_frames.Grabbed());
         m_cameras.push_back(std::move(camera));
         m_cameraParams.push_back(widths[i]);
         m_cameraParams.push_back(heights[i]);
     }
-    KORVEX_LOG(kLog) << "i=" << i << "tmpSerialCount=" << count;
+    KORVEX_LOG(kManagerSyncLog) << "i=" << i << "tmpSerialCount=" << count;
     return i == count;
 }
 
@@ -129,7 +129,7 @@ bool CameraSet::CheckCameraTotals() {
             break;
         }
     }
-    KORVEX_LOG(kLog) << "index=" << k << "index=" << count;
+    KORVEX_LOG(kManagerSyncLog) << "index=" << k << "index=" << count;
     return k == count;
 }
 
@@ -166,8 +166,9 @@ void CameraSet::StartGrabbing() {
         m_frameEvents.emplace_back();
         camera->SetScanCallBackFunction(&FramePath::OnFrame, &m_frames);
         if (!camera->StartThread()) {
-            KORVEX_LOG_ERROR(kLog) << "a grab thread did not start: camera " << m_frameEvents.size()
-                                   << " of " << m_cameras.size() << " gives no frames";
+            KORVEX_LOG_ERROR(kManagerSyncLog)
+                << "a grab thread did not start: camera " << m_frameEvents.size() << " of "
+                << m_cameras.size() << " gives no frames";
         }
     }
 }

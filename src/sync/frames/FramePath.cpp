@@ -12,8 +12,6 @@
 namespace Korvex3Sync {
 namespace {
 
-constexpr auto& kLog = kManagerSyncLog;
-
 /// The number of images of a mono frame, and of a set without colour.
 constexpr std::size_t kMonoImages = 2;
 
@@ -40,7 +38,7 @@ void FramePath::OnFrame(void* const& context, const int& cameraId, unsigned char
         return;
     }
     if (path->HandleFrame(cameraId, image, width) == Routed::Caught) {
-        KORVEX_LOG(kLog) << "end m_bSingleSnapColor=" << path->m_colorCatch.Armed();
+        KORVEX_LOG(kManagerSyncLog) << "end m_bSingleSnapColor=" << path->m_colorCatch.Armed();
     }
 }
 
@@ -103,7 +101,7 @@ void FramePath::Deliver(const std::vector<Image>& images, int width, int height,
         m_scanCounters.SetDelivered(took(), images.size() > kMonoImages, colorMissing);
     } catch (...) {
         m_scanCounters.SetThrown(took());
-        KORVEX_LOG_ERROR(kLog)
+        KORVEX_LOG_ERROR(kManagerSyncLog)
             << "a scan callback threw, or there was no memory to call it; its set is lost";
     }
 }

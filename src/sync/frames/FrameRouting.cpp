@@ -6,13 +6,11 @@
 namespace Korvex3Sync {
 namespace {
 
-constexpr auto& kLog = kManagerSyncLog;
-
 bool CatchForSnapshot(Image& image, ColorCatch& colorCatch) {
     if (!colorCatch.Armed()) {
         return false;
     }
-    KORVEX_LOG(kLog) << "m_bSingleSnapColor=" << true;
+    KORVEX_LOG(kManagerSyncLog) << "m_bSingleSnapColor=" << true;
     return colorCatch.Catch(image);
 }
 
@@ -29,7 +27,8 @@ Routed RouteFrame(DecodedFrame& frame, FramePairing& pairing, ColorCatch& colorC
         pairing.TakeColor(frame, sink);
     }
     if (pairing.Size() > FramePairing::kMostItems) {
-        KORVEX_LOG(kLog) << "error drop data pThis->_mapVideoItems.size()=" << pairing.Size();
+        KORVEX_LOG(kManagerSyncLog)
+            << "error drop data pThis->_mapVideoItems.size()=" << pairing.Size();
         pairing.DropFirst(sink);
     }
     return Routed::Paired;

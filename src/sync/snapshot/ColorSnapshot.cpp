@@ -8,8 +8,6 @@ namespace {
 
 using std::chrono::milliseconds;
 
-constexpr auto& kLog = kManagerSyncLog;
-
 /// Time for frames that are still on their way when the trigger is switched off.
 constexpr milliseconds kDrainTime{80};
 constexpr milliseconds kSettleTime{10};
@@ -63,7 +61,7 @@ bool ColorSnapshot::WaitForColorFrame(const char* step) {
     if (m_stop.IsSet()) {
         result = os::WaitResult::TimedOut;  // a stop also signals the event
     }
-    KORVEX_LOG(kLog) << step << " tmpRet=" << static_cast<unsigned long>(result);
+    KORVEX_LOG(kManagerSyncLog) << step << " tmpRet=" << static_cast<unsigned long>(result);
     return result == os::WaitResult::Signalled;
 }
 
@@ -80,7 +78,7 @@ RETSTATUS ColorSnapshot::Snapshot(Steps steps) {
 
 bool ColorSnapshot::SnapFirst(const CONTROLROUTE& route) {
     constexpr char kStep[] = "SnapColorImage0";
-    KORVEX_LOG(kLog) << kStep;
+    KORVEX_LOG(kManagerSyncLog) << kStep;
     SwitchSnapTrigger(false);
     m_stop.Wait(kDrainTime);
     m_colorCatch.Begin();
@@ -99,7 +97,7 @@ bool ColorSnapshot::SnapNext(const SnapPhase& phase) {
     if (const auto event = m_colorCatch.CaughtEvent()) {
         event->Reset();
     }
-    KORVEX_LOG(kLog) << phase.enter;
+    KORVEX_LOG(kManagerSyncLog) << phase.enter;
     SwitchSnapTrigger(false);
     m_board.SetStrobeControlledByTrigger(phase.route, phase.strobe);
     m_cameras.SetCameraExposureAndGain(phase.camOrder, phase.exposure, phase.gain);
@@ -114,7 +112,7 @@ bool ColorSnapshot::SnapNext(const SnapPhase& phase) {
 RETSTATUS ColorSnapshot::HandOver(std::size_t count, std::vector<unsigned char*>& images,
                                   int& width, int& height) {
     if (!m_colorCatch.HasFirst()) {
-        KORVEX_LOG(kLog) << "SnapColorImage end failed";
+        KORVEX_LOG(kManagerSyncLog) << "SnapColorImage end failed";
         return STATUS_FAILED;
     }
     images.reserve(images.size() + count);  // nothing may throw after TakeAll
@@ -124,7 +122,7 @@ RETSTATUS ColorSnapshot::HandOver(std::size_t count, std::vector<unsigned char*>
     }
     width = kReportedWidth;
     height = kReportedHeight;
-    KORVEX_LOG(kLog) << "SnapColorImage end ok";
+    KORVEX_LOG(kManagerSyncLog) << "SnapColorImage end ok";
     return STATUS_SUCCESS;
 }
 
@@ -140,7 +138,7 @@ RETSTATUS ColorSnapshot::SnapColorImage(std::vector<unsigned char*>& images, int
         m_colorCatch.End();
         if (!caught) {
             m_colorCatch.ReleaseFirst(1);
-            KORVEX_LOG(kLog) << "SnapColorImage end failed";
+            KORVEX_LOG(kManagerSyncLog) << "SnapColorImage end failed";
             return STATUS_FAILED;
         }
         return HandOver(2, images, width, height);
@@ -163,7 +161,7 @@ RETSTATUS ColorSnapshot::SnapColorImageForIR(std::vector<unsigned char*>& images
                        exposures[0], gains[0], true})) {
             m_colorCatch.ReleaseFirst(1);
             m_colorCatch.End();
-            KORVEX_LOG(kLog) << "SnapColorImage end failed";
+            KORVEX_LOG(kManagerSyncLog) << "SnapColorImage end failed";
             return STATUS_FAILED;
         }
         const bool caught = SnapNext({"SnapColorImage2", "SnapColorImage2", kInfraredRoute,
@@ -171,7 +169,7 @@ RETSTATUS ColorSnapshot::SnapColorImageForIR(std::vector<unsigned char*>& images
         m_colorCatch.End();
         if (!caught) {
             m_colorCatch.ReleaseFirst(2);
-            KORVEX_LOG(kLog) << "SnapColorImage end failed";
+            KORVEX_LOG(kManagerSyncLog) << "SnapColorImage end failed";
             return STATUS_FAILED;
         }
         return HandOver(3, images, width, height);

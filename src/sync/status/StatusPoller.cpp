@@ -11,8 +11,6 @@
 namespace Korvex3Sync {
 namespace {
 
-constexpr auto& kLog = kManagerSyncLog;
-
 constexpr std::chrono::milliseconds kPollPeriod{200};
 constexpr std::chrono::milliseconds kPausedPeriod{300};
 /// The number of polls without a callback after each change of the callback.
@@ -29,8 +27,8 @@ StatusPoller::~StatusPoller() {
 }
 
 RETSTATUS StatusPoller::SetStatusCallBackFunction(StatusCallBackFunction callback, void* context) {
-    KORVEX_LOG(kLog) << "pCallBack=" << reinterpret_cast<const void*>(callback)
-                     << " m_bContinueStatusThread=" << m_bContinueStatusThread;
+    KORVEX_LOG(kManagerSyncLog) << "pCallBack=" << reinterpret_cast<const void*>(callback)
+                                << " m_bContinueStatusThread=" << m_bContinueStatusThread;
     switch (m_bContinueStatusThread ? Start::WasRunning : StartWith(callback, context)) {
         case Start::Failed:
             return STATUS_FAILED;
@@ -42,10 +40,10 @@ RETSTATUS StatusPoller::SetStatusCallBackFunction(StatusCallBackFunction callbac
     }
     Store(callback, context);
     if (callback == nullptr || context == nullptr) {
-        KORVEX_LOG(kLog) << "SetStatusCallBackFunction close heart beat.";
+        KORVEX_LOG(kManagerSyncLog) << "SetStatusCallBackFunction close heart beat.";
         m_board.EnableHeartbeat(false);
     } else {
-        KORVEX_LOG(kLog) << "SetStatusCallBackFunction EnableHeartbeat 1.";
+        KORVEX_LOG(kManagerSyncLog) << "SetStatusCallBackFunction EnableHeartbeat 1.";
         m_board.EnableHeartbeat(true);
     }
     return STATUS_SUCCESS;
@@ -71,7 +69,7 @@ StatusPoller::Start StatusPoller::StartWith(StatusCallBackFunction callback, voi
         m_pStatusCallBack = previous;
         return Start::Failed;
     }
-    KORVEX_LOG(kLog) << "SetStatusCallBackFunction EnableHeartbeat.";
+    KORVEX_LOG(kManagerSyncLog) << "SetStatusCallBackFunction EnableHeartbeat.";
     return Start::Done;
 }
 
@@ -107,15 +105,15 @@ unsigned StatusPoller::StatusThreadFun() {
             os::CriticalSectionGuard device(m_csDevice);
             if (!m_bContinueStatusThread) {
                 os::Print("Leave status check lock!!!!!!!!!!!!!!!!!\n");
-                KORVEX_LOG(kLog) << "StatusThreadFun m_bContinueStatusThread="
-                                 << m_bContinueStatusThread;
+                KORVEX_LOG(kManagerSyncLog)
+                    << "StatusThreadFun m_bContinueStatusThread=" << m_bContinueStatusThread;
                 break;
             }
             PollStatus();
         }
         m_statusWake.Wait(kPollPeriod);
     }
-    KORVEX_LOG(kLog) << "Exit Status Thread";
+    KORVEX_LOG(kManagerSyncLog) << "Exit Status Thread";
     os::Print("Exit Status Thread\n");
     return 0;
 }
@@ -145,7 +143,7 @@ void StatusPoller::PollStatus() {
     try {
         m_pStatusCallBack(context, second, first);
     } catch (...) {
-        KORVEX_LOG_ERROR(kLog) << "a status callback threw";
+        KORVEX_LOG_ERROR(kManagerSyncLog) << "a status callback threw";
     }
 }
 

@@ -11,7 +11,7 @@
 namespace Korvex3Sync::virtual_head {
 namespace {
 
-using Wrong = std::optional<WrongFault>;
+using Refusal = std::optional<WrongFault>;
 
 constexpr std::array<std::string_view, 5> kOtherKeys{"what", "call", "at_trigger", "at_ms",
                                                      "chance"};
@@ -25,8 +25,8 @@ WrongFault WrongAt(const toml::source_region& source, const std::string& what) {
 }
 
 /// Reads a whole number within limits, or returns what is wrong with it.
-Wrong ReadNumber(const toml::key& key, const toml::node& value, std::int64_t lowest,
-                 std::int64_t highest, std::int64_t& number) {
+Refusal ReadNumber(const toml::key& key, const toml::node& value, std::int64_t lowest,
+                   std::int64_t highest, std::int64_t& number) {
     const auto given = value.value_exact<std::int64_t>();
     if (!given) {
         return WrongAt(key.source(), std::string(key.str()) + ": a whole number is expected");
@@ -40,7 +40,7 @@ Wrong ReadNumber(const toml::key& key, const toml::node& value, std::int64_t low
     return std::nullopt;
 }
 
-Wrong CheckKeys(const toml::table& values) {
+Refusal CheckKeys(const toml::table& values) {
     std::vector<std::string> known(kOtherKeys.begin(), kOtherKeys.end());
     for (const FaultNumber& number : FaultNumbers()) {
         known.emplace_back(number.key);
@@ -63,7 +63,7 @@ std::vector<std::string> KindNames() {
     return names;
 }
 
-Wrong ReadKind(const toml::table& values, FaultKind& kind) {
+Refusal ReadKind(const toml::table& values, FaultKind& kind) {
     const toml::node* const what = values.get("what");
     if (what == nullptr) {
         return WrongAt(values.source(), "missing key \"what\"");
@@ -103,7 +103,7 @@ void Store(FaultParameter parameter, std::int64_t number, FaultOrder& order) {
     }
 }
 
-Wrong ReadParameter(const toml::key& key, const toml::node& value, FaultOrder& order) {
+Refusal ReadParameter(const toml::key& key, const toml::node& value, FaultOrder& order) {
     for (const FaultNumber& rule : FaultNumbers()) {
         if (key.str() != rule.key) {
             continue;
@@ -121,7 +121,7 @@ Wrong ReadParameter(const toml::key& key, const toml::node& value, FaultOrder& o
     return std::nullopt;
 }
 
-Wrong ReadTime(const toml::key& key, const toml::node& value, TimedFault& fault) {
+Refusal ReadTime(const toml::key& key, const toml::node& value, TimedFault& fault) {
     std::int64_t number = 0;
     if (key == "at_trigger") {
         if (auto wrong = ReadNumber(key, value, 0, kLatestFaultTrigger, number)) {
@@ -142,7 +142,7 @@ Wrong ReadTime(const toml::key& key, const toml::node& value, TimedFault& fault)
     return std::nullopt;
 }
 
-Wrong ReadValue(const toml::key& key, const toml::node& value, TimedFault& fault) {
+Refusal ReadValue(const toml::key& key, const toml::node& value, TimedFault& fault) {
     if (key == "what") {
         return std::nullopt;
     }
@@ -163,7 +163,7 @@ Wrong ReadValue(const toml::key& key, const toml::node& value, TimedFault& fault
     return std::nullopt;
 }
 
-Wrong ReadFault(const toml::table& values, TimedFault& fault) {
+Refusal ReadFault(const toml::table& values, TimedFault& fault) {
     if (auto wrong = CheckKeys(values)) {
         return wrong;
     }

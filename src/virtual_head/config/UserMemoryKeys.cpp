@@ -10,19 +10,19 @@
 namespace Korvex3Sync::virtual_head {
 namespace {
 
-WrongPage Wrong(const toml::node& node, const std::string& what) {
+WrongPage WrongEntry(const toml::node& node, const std::string& what) {
     return {static_cast<int>(node.source().begin.line), "[[board.user_memory]] " + what};
 }
 
 std::optional<WrongPage> ReadBytes(const toml::node& node, std::vector<std::uint8_t>& content) {
     const toml::array* bytes = node.as_array();
     if (bytes == nullptr) {
-        return Wrong(node, "bytes: an array of numbers is expected");
+        return WrongEntry(node, "bytes: an array of numbers is expected");
     }
     for (const toml::node& byte : *bytes) {
         const std::optional<std::int64_t> value = byte.value_exact<std::int64_t>();
         if (!value || *value < 0 || *value > 255) {
-            return Wrong(byte, "bytes: a number from 0 to 255 is expected");
+            return WrongEntry(byte, "bytes: a number from 0 to 255 is expected");
         }
         content.push_back(static_cast<std::uint8_t>(*value));
     }
@@ -38,8 +38,8 @@ std::optional<WrongPage> ReadValue(const toml::key& key, const toml::node& value
     if (key == "page") {
         page.number = value.value_exact<std::int64_t>();
         if (!page.number || *page.number < 0 || *page.number >= board::kUserPages) {
-            return Wrong(value, "page: a number from 0 to " +
-                                    std::to_string(board::kUserPages - 1) + " is expected");
+            return WrongEntry(value, "page: a number from 0 to " +
+                                         std::to_string(board::kUserPages - 1) + " is expected");
         }
         return std::nullopt;
     }
@@ -49,7 +49,7 @@ std::optional<WrongPage> ReadValue(const toml::key& key, const toml::node& value
                              text::DidYouMean(key.str(), {"page", "text", "bytes"})};
     }
     if (page.content) {
-        return Wrong(value, "text and bytes exclude each other");
+        return WrongEntry(value, "text and bytes exclude each other");
     }
     page.content.emplace();
     if (key == "bytes") {
@@ -57,7 +57,7 @@ std::optional<WrongPage> ReadValue(const toml::key& key, const toml::node& value
     }
     const std::optional<std::string> text = value.value_exact<std::string>();
     if (!text) {
-        return Wrong(value, "text: a text is expected");
+        return WrongEntry(value, "text: a text is expected");
     }
     page.content->assign(text->begin(), text->end());
     return std::nullopt;
@@ -69,13 +69,13 @@ std::optional<WrongPage> ReadUserMemory(const toml::node& pages,
                                         std::array<std::uint8_t, 4096>& memory) {
     const toml::array* entries = pages.as_array();
     if (entries == nullptr) {
-        return Wrong(pages, "an array of tables is expected");
+        return WrongEntry(pages, "an array of tables is expected");
     }
     std::set<std::int64_t> seen;
     for (const toml::node& entry : *entries) {
         const toml::table* values = entry.as_table();
         if (values == nullptr) {
-            return Wrong(entry, "an array of tables is expected");
+            return WrongEntry(entry, "an array of tables is expected");
         }
         Page page;
         for (const auto& [key, value] : *values) {
@@ -84,14 +84,14 @@ std::optional<WrongPage> ReadUserMemory(const toml::node& pages,
             }
         }
         if (!page.number || !page.content) {
-            return Wrong(entry, "missing key: page, and text or bytes, have to be given");
+            return WrongEntry(entry, "missing key: page, and text or bytes, have to be given");
         }
         if (!seen.insert(*page.number).second) {
-            return Wrong(entry, "page " + std::to_string(*page.number) + " is given twice");
+            return WrongEntry(entry, "page " + std::to_string(*page.number) + " is given twice");
         }
         if (page.content->size() > std::size_t{board::kUserPageSize}) {
-            return Wrong(entry, "the content has more than " +
-                                    std::to_string(board::kUserPageSize) + " bytes");
+            return WrongEntry(entry, "the content has more than " +
+                                         std::to_string(board::kUserPageSize) + " bytes");
         }
         std::copy(page.content->begin(), page.content->end(),
                   memory.begin() + *page.number * board::kUserPageSize);
