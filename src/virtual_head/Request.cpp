@@ -66,7 +66,7 @@ std::shared_ptr<VirtualHead> MakeHead(const HeadDescription& description, std::s
         return std::make_shared<VirtualHead>(
             description, std::get<std::shared_ptr<ImageSource>>(std::move(replay)));
     } catch (const std::exception& failure) {
-        error = std::string("the virtual head cannot be made: ") + failure.what();
+        error = std::string("the virtual head cannot be created: ") + failure.what();
         return nullptr;
     }
 }

@@ -172,13 +172,13 @@ TEST_F(FaultKeysTest, ValuesOutOfRangeAndOfAWrongTypeNameTheirLine) {
     EXPECT_EQ(WrongFault("at_ms = 1\nwhat = \"fail\"\ncall = 5\n", 4),
               "[[fault]] call: a text is expected");
     EXPECT_EQ(Wrong("[faults]\nseed = -1\n", 2),
-              "[faults] seed: a whole number that is not negative is expected");
+              "[faults] seed: a whole number of 0 or more is expected");
 }
 
 TEST_F(FaultKeysTest, WhatIsMissingNamesTheFault) {
     EXPECT_EQ(WrongFault("at_ms = 1\n", 1), "[[fault]] missing key \"what\"");
     EXPECT_EQ(WrongFault("what = \"lose-mono\"\n", 1),
-              "[[fault]] missing key: at_trigger, at_ms or chance has to be given");
+              "[[fault]] missing key: give at_trigger, at_ms or chance");
     EXPECT_EQ(WrongFault("what = \"lose-mono\"\nat_ms = 1\nat_trigger = 1\n", 1),
               "[[fault]] at_trigger and at_ms exclude each other");
     EXPECT_EQ(WrongFault("what = \"fail\"\nat_ms = 1\n", 1), "[[fault]] missing key \"call\"");
@@ -200,7 +200,7 @@ TEST_F(FaultKeysTest, ADescriptionIsCheckedAsAFileIs) {
     description.faults.back().order.kind = FaultKind::LoseMono;
     std::string error;
     EXPECT_FALSE(RequestVirtualHead(description, error));
-    EXPECT_EQ(error, "[[fault]] missing key: at_trigger, at_ms or chance has to be given");
+    EXPECT_EQ(error, "[[fault]] missing key: give at_trigger, at_ms or chance");
 }
 
 }  // namespace

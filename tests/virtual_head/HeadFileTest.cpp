@@ -184,10 +184,9 @@ TEST_F(HeadFileTest, WrongTypesNameTheirLine) {
     EXPECT_EQ(Wrong("[camera]\nwidth = 640.0\n", 2), "[camera] width: a whole number is expected");
     EXPECT_EQ(Wrong("[camera]\n\ntype = 5\n", 3), "[camera] type: a text is expected");
     EXPECT_EQ(Wrong("[camera]\ncolor = 1\n", 2), "[camera] color: true or false is expected");
-    EXPECT_EQ(Wrong("[replay]\nfolder = 1\n", 2),
-              "[replay] folder: a text that is not empty is expected");
+    EXPECT_EQ(Wrong("[replay]\nfolder = 1\n", 2), "[replay] folder: a non-empty text is expected");
     EXPECT_EQ(Wrong("[replay]\nfolder = \"\"\n", 2),
-              "[replay] folder: a text that is not empty is expected");
+              "[replay] folder: a non-empty text is expected");
 }
 
 TEST_F(HeadFileTest, ValuesOutOfRangeNameTheirLineAndTheRange) {

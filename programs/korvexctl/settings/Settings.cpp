@@ -92,7 +92,8 @@ Setting StrobeDuty() {
         return Field{name, FieldKind::Whole, 0, kMostPercent};
     };
     return {"strobe-duty",
-            "duty ratios of the strobe: texture frames, plain frames, plain frames beside texture",
+            "duty ratios of the strobe: texture frames, plain frames, plain frames in a mode with "
+            "texture",
             "percent",
             {part("texture"), part("plain"), part("with-texture")},
             [](void* const& handle, SettingValue& value) {

@@ -221,7 +221,7 @@ std::optional<WrongFault> ReadFaultSeed(const toml::node& table, HeadDescription
         const auto seed = value.value_exact<std::int64_t>();
         if (!seed || *seed < 0) {
             return WrongFault{LineOf(key.source()),
-                              "[faults] seed: a whole number that is not negative is expected"};
+                              "[faults] seed: a whole number of 0 or more is expected"};
         }
         description.faultSeed = static_cast<std::uint64_t>(*seed);
     }

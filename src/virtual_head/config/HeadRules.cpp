@@ -27,7 +27,7 @@ const KeyRule kRules[] = {
      "Lowest gain of the sensors, not above gain_high"},
     {"camera", "gain_high", &Head::gainHigh, 0, 63, "steps", "Highest gain of the sensors"},
     {"camera", "buffers", &Head::cameraBuffers, 1, 4096, "frames",
-     "Frames that can wait in each open camera; a frame that finds no room is lost"},
+     "Frames that can wait in each open camera; a frame is lost if there is no room"},
 
     {"board", "serial", &Head::boardSerial, 1, 32, "", "Serial number of the board"},
     {"board", "firmware", &Head::firmware, 1, 32, "", "Firmware version of the board"},
@@ -71,7 +71,7 @@ const KeyRule kRules[] = {
      "How far the object turns to each side on its path"},
 
     {"replay", "folder", &Head::replayFolder, 0, 0, "",
-     "Folder with leftNN.png and rightNN.png, and colorNN.png where there is a colour mosaic"},
+     "Folder with leftNN.png and rightNN.png, and colorNN.png if there is a colour mosaic"},
 };
 
 /// The object must not come nearer to the head than this, in millimetres.

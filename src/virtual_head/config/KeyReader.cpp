@@ -76,7 +76,7 @@ std::optional<std::string> ReadValue(const KeyRule& rule, const toml::node& valu
         if constexpr (std::is_same_v<decltype(member), std::filesystem::path&>) {
             const auto* const path = value.as_string();
             if (path == nullptr || path->get().empty()) {
-                return "a text that is not empty is expected";
+                return "a non-empty text is expected";
             }
             member = folder / path->get();
             return std::nullopt;

@@ -84,7 +84,7 @@ std::optional<WrongPage> ReadUserMemory(const toml::node& pages,
             }
         }
         if (!page.number || !page.content) {
-            return WrongEntry(entry, "missing key: page, and text or bytes, have to be given");
+            return WrongEntry(entry, "missing key: give page, and text or bytes");
         }
         if (!seen.insert(*page.number).second) {
             return WrongEntry(entry, "page " + std::to_string(*page.number) + " is given twice");

@@ -194,7 +194,7 @@ std::optional<std::string> Check(const TimedFault& fault) {
         return "at_trigger and at_ms exclude each other";
     }
     if (!fault.atTrigger && !fault.at && !fault.chance) {
-        return "missing key: at_trigger, at_ms or chance has to be given";
+        return "missing key: give at_trigger, at_ms or chance";
     }
     if (fault.atTrigger && *fault.atTrigger > std::uint64_t{kLatestFaultTrigger}) {
         return OutOfRange("at_trigger", static_cast<std::int64_t>(*fault.atTrigger), 0,
