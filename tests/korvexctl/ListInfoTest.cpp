@@ -207,15 +207,15 @@ TEST(KorvexctlOutput, AReaderThatWantsNoMoreEndsItWithoutAWord) {
 
 /// A name with an escape sequence, and how it is shown.
 constexpr const char* kWicked = "KV\033[31m\x7f\xC2\x9B";
-constexpr const char* kShown = "KV\\x1B[31m\\x7F\\xC2\\x9B";
+constexpr const char* kEscaped = "KV\\x1B[31m\\x7F\\xC2\\x9B";
 
 TEST(KorvexctlOutput, EscapeSequencesAreShownAsText) {
     const TemporaryFolder folder;
     const ChildResult error = RunKorvexctl({"set", kWicked, "1"});
-    EXPECT_THAT(error.error, HasSubstr(std::string("unknown setting \"") + kShown + '"'));
+    EXPECT_THAT(error.error, HasSubstr(std::string("unknown setting \"") + kEscaped + '"'));
     const ChildResult line =
         RunKorvexctl({"--virtual", "profile", "save", (folder.Path() / kWicked).string()});
-    EXPECT_THAT(line.output, HasSubstr(std::string("/") + kShown + ": "));
+    EXPECT_THAT(line.output, HasSubstr(std::string("/") + kEscaped + ": "));
 }
 
 TEST(KorvexctlOutput, AlsoThoseThatTheLibraryLogsAndPrints) {

@@ -8,27 +8,29 @@ namespace Korvex3Sync::korvexctl {
 
 namespace {
 
-using Row = ExitCodeMeaning;
-
 constexpr std::array kTable{
-    Row{ExitCode::Done, "success; scan: all requested sets arrived"},
-    Row{ExitCode::Unexpected, "unexpected error"},
-    Row{ExitCode::Usage, "unknown option or setting, missing or invalid value"},
-    Row{ExitCode::NoCamera, "no camera found"},
-    Row{ExitCode::NotConnected, "cannot connect to the head, or the board does not answer"},
-    Row{ExitCode::SetsMissing, "scan: no set arrived within the timeout"},
-    Row{ExitCode::NotWritable, "cannot write the output"},
-    Row{ExitCode::DiskFull, "the disk is full"},
-    Row{ExitCode::HeadRefused, "the head file of --virtual or KORVEX_VIRTUAL_HEAD is invalid"},
-    Row{ExitCode::DeviceRefused,
-        "the head refused an operation, or a setting reads back differently"},
-    Row{ExitCode::ProfileRefused, "a profile cannot be read or is invalid; nothing was sent"},
-    Row{ExitCode::Different, "profile diff: the file and the head differ"},
-    Row{ExitCode::NotOnUsb3, "usb: the head is not connected at USB 3 speed"},
-    Row{ExitCode::NotHealthy, "doctor: fault found; the head cannot scan properly"},
-    Row{ExitCode::Warnings, "doctor: the head can scan, with warnings"},
-    Row{ExitCode::SelftestFailed, "selftest: a step failed"},
-    Row{ExitCode::Interrupted,
+    ExitCodeMeaning{ExitCode::Done, "success; scan: all requested sets arrived"},
+    ExitCodeMeaning{ExitCode::Unexpected, "unexpected error"},
+    ExitCodeMeaning{ExitCode::Usage, "unknown option or setting, missing or invalid value"},
+    ExitCodeMeaning{ExitCode::NoCamera, "no camera found"},
+    ExitCodeMeaning{ExitCode::NotConnected,
+                    "cannot connect to the head, or the board does not answer"},
+    ExitCodeMeaning{ExitCode::SetsMissing, "scan: no set arrived within the timeout"},
+    ExitCodeMeaning{ExitCode::NotWritable, "cannot write the output"},
+    ExitCodeMeaning{ExitCode::DiskFull, "the disk is full"},
+    ExitCodeMeaning{ExitCode::HeadRefused,
+                    "the head file of --virtual or KORVEX_VIRTUAL_HEAD is invalid"},
+    ExitCodeMeaning{ExitCode::DeviceRefused,
+                    "the head refused an operation, or a setting reads back differently"},
+    ExitCodeMeaning{ExitCode::ProfileRefused,
+                    "a profile cannot be read or is invalid; nothing was sent"},
+    ExitCodeMeaning{ExitCode::Different, "profile diff: the file and the head differ"},
+    ExitCodeMeaning{ExitCode::NotOnUsb3, "usb: the head is not connected at USB 3 speed"},
+    ExitCodeMeaning{ExitCode::NotHealthy, "doctor: fault found; the head cannot scan properly"},
+    ExitCodeMeaning{ExitCode::Warnings, "doctor: the head can scan, with warnings"},
+    ExitCodeMeaning{ExitCode::SelftestFailed, "selftest: a step failed"},
+    ExitCodeMeaning{
+        ExitCode::Interrupted,
         "interrupted (Ctrl-C, SIGTERM, SIGHUP) and disconnected; reports what is still on"},
 };
 

@@ -16,7 +16,7 @@ namespace Korvex3Sync::korvexctl {
 
 namespace {
 
-struct Asked {
+struct HelpArguments {
     std::vector<std::string> words;
     bool man = false;
     bool completion = false;
@@ -39,7 +39,7 @@ WordsOfType KnownWords() {
 }
 
 /// Makes the text while the command line is read: it needs the tree of the commands.
-void Make(const CLI::App& program, Asked& asked) {
+void Make(const CLI::App& program, HelpArguments& asked) {
     if (asked.man) {
         asked.text = ManPage(program, kVersion);
         return;
@@ -66,7 +66,7 @@ void Make(const CLI::App& program, Asked& asked) {
     asked.text = command->get_formatter()->make_help(command, "", CLI::AppFormatMode::Normal);
 }
 
-Outcome ShowHelp(const Asked& asked, Output& output) {
+Outcome ShowHelp(const HelpArguments& asked, Output& output) {
     if (!asked.wrong.empty()) {
         throw CommandError(ExitCode::Usage, asked.wrong);
     }
@@ -79,7 +79,7 @@ Outcome ShowHelp(const Asked& asked, Output& output) {
 }  // namespace
 
 RunCommand AddHelp(CLI::App& command) {
-    const auto asked = std::make_shared<Asked>();
+    const auto asked = std::make_shared<HelpArguments>();
     command
         .add_option("words", asked->words,
                     "The command, which can be several words (default: the whole program)")

@@ -41,7 +41,7 @@ constexpr std::array kValueOptions{
     ValueOption{"--strobe-duty", "strobe-duty", "PERCENT", "Strobe duty ratios in percent"},
 };
 
-struct Asked {
+struct ScanArguments {
     HeadChoice head;
     ScanOptions scan;
     bool endless = false;
@@ -76,7 +76,7 @@ void AddCameraValue(CLI::App& command, const char* name, std::optional<double>& 
     TakeNumber(option, [range](const std::string& typed) { return ReadValueText(range, typed); });
 }
 
-void AddLightOptions(CLI::App& command, Asked& asked) {
+void AddLightOptions(CLI::App& command, ScanArguments& asked) {
     AddModeOption(
         command, asked.mode, "Light and images of each set: ",
         " (default " + ModeName(ScanLight().mode) + "); with color each set has a colour image");
@@ -101,7 +101,7 @@ void AddLightOptions(CLI::App& command, Asked& asked) {
                    "Gain of every camera in steps");
 }
 
-void AddEndOptions(CLI::App& command, Asked& asked) {
+void AddEndOptions(CLI::App& command, ScanArguments& asked) {
     ScanOptions& scan = asked.scan;
     CLI::Option& sets = AddNumberOption(
         command, "--sets", scan.end.sets, "N", 1, kMostImageSets, "Image sets to take, a count",
@@ -146,7 +146,7 @@ void AddFileOptions(CLI::App& command, ScanOptions& scan) {
 }
 
 /// What the command line says about settings, exposure and gain for every camera order.
-std::vector<Assignment> GivenSettings(const Asked& asked) {
+std::vector<Assignment> GivenSettings(const ScanArguments& asked) {
     std::vector<Assignment> given;
     const auto give = [&given](const std::string& name, SettingValue value) {
         given.push_back({&RequireSetting(name), std::move(value)});
@@ -180,7 +180,7 @@ std::vector<Assignment> GivenSettings(const Asked& asked) {
     return given;
 }
 
-Outcome RunAsked(const Asked& asked, Output& output) {
+Outcome RunAsked(const ScanArguments& asked, Output& output) {
     ScanOptions scan = asked.scan;
     if (!scan.end.sets && !scan.end.seconds && !asked.endless) {
         scan.end.sets = kDefaultImageSets;
@@ -195,7 +195,7 @@ Outcome RunAsked(const Asked& asked, Output& output) {
 }  // namespace
 
 RunCommand AddScan(CLI::App& command) {
-    const auto asked = std::make_shared<Asked>();
+    const auto asked = std::make_shared<ScanArguments>();
     AddHeadOptions(command, asked->head, true);
     AddEndOptions(command, *asked);
     AddFileOptions(command, asked->scan);

@@ -52,7 +52,7 @@ std::vector<std::string> TableNames() {
     return names;
 }
 
-std::vector<std::string> KeysOf(const std::string& table) {
+std::vector<std::string> KeyNamesOf(const std::string& table) {
     std::vector<std::string> keys;
     for (const KeyRule& rule : KeyRules()) {
         if (rule.table == table) {
@@ -129,7 +129,7 @@ private:
             m_lines[where] = LineOf(key);
             if (!ReadKey(where, value)) {
                 Find(LineOf(key), "unknown key \"" + where.second + "\" in [" + where.first + "]" +
-                                      text::DidYouMean(where.second, KeysOf(where.first)));
+                                      text::DidYouMean(where.second, KeyNamesOf(where.first)));
             }
         }
     }
