@@ -152,7 +152,7 @@ std::string WrongNumber(const CLI::Option& option) {
 std::string WhatIsWrong(const CLI::App& app, const CLI::ParseError& error,
                         std::span<const char* const> words) {
     const CLI::App& command = ChosenCommand(app);
-    const std::string message = error.what();
+    std::string message = error.what();
     const bool required = dynamic_cast<const CLI::RequiredError*>(&error) != nullptr;
     if (required || dynamic_cast<const CLI::ExtrasError*>(&error) != nullptr) {
         std::vector<std::string> unknown = app.remaining(true);

@@ -99,8 +99,8 @@ private:
         for (const std::string& name : option.get_lnames()) {
             all.push_back("--" + name);
             if (!option.get_type_name().empty()) {
-                m_kinds +=
-                    "        \"" + path + " --" + name + "\") kind='" + KindOf(option) + "' ;;\n";
+                m_kinds.append("        \"").append(path).append(" --").append(name);
+                m_kinds.append("\") kind='").append(KindOf(option)).append("' ;;\n");
             }
         }
     }

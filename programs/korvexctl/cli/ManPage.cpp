@@ -88,7 +88,7 @@ private:
 }  // namespace
 
 std::string ManPage(const CLI::App& program, const std::string& version) {
-    const std::string name = program.get_name();
+    const std::string& name = program.get_name();
     std::string text = ".\\\" Made by \"" + name + " help --man\".\n";
     text += ".TH " + Upper(name) + " 1 \"\" \"" + Roff(name + ' ' + version) +
             "\" \"User Commands\"\n.SH NAME\n" + Roff(name) + " \\- " +

@@ -91,7 +91,8 @@ private:
     void DrawTimeAxis() {
         constexpr double kMostSteps = 10;
         const double step = NiceCeiling(m_seconds / kMostSteps);
-        for (double time = 0; time <= m_seconds; time += step) {
+        for (int i = 0; i * step <= m_seconds; ++i) {
+            const double time = i * step;
             m_svg.Line(TimeX(time), Bottom(), TimeX(time), Bottom() + 4, kAxis);
             m_svg.Text(TimeX(time), m_y, NumberText(time) + " s", kText, Anchor::Middle);
         }
@@ -195,7 +196,8 @@ private:
             return Bottom() - kPlotHeight * share;
         };
         if (low > 0) {
-            for (double mark = low; mark <= high; mark *= 10) {
+            for (int decade = 0; low * std::pow(10, decade) <= high; ++decade) {
+                const double mark = low * std::pow(10, decade);
                 DrawMark(yOf(mark), NumberText(mark) + " ms");
             }
         } else {

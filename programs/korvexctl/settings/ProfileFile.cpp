@@ -190,7 +190,7 @@ std::string ReadText(const std::filesystem::path& file) {
         // Opening a FIFO would wait for a writer.
         Refuse(file.string(), "is not a regular file");
     }
-    const std::string text = os::ReadWithoutWaiting(file, kLargestFile + 1, error);
+    std::string text = os::ReadWithoutWaiting(file, kLargestFile + 1, error);
     if (error) {
         Refuse(file.string(), error.message());
     }
