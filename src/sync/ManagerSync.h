@@ -28,8 +28,8 @@ namespace Korvex3Sync {
 class IManagerSync : public PhysicalCameraThreadListener {
 public:
     IManagerSync() = default;
-    /// Stops the threads, closes cameras and board. Meanwhile the status callback may still receive
-    /// 255, 255 once; afterwards no callback runs.
+    /// Stops the threads and closes the cameras and the board. During this the status callback may
+    /// receive 255, 255 once more. After it no callback runs.
     ~IManagerSync() override;
     IManagerSync(const IManagerSync&) = delete;
     IManagerSync& operator=(const IManagerSync&) = delete;

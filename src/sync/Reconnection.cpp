@@ -88,7 +88,7 @@ int IManagerSync::ReConnectDevice() {
             if (m_board.QueryCurrentStatus(first, second) == STATUS_SUCCESS) {
                 KORVEX_LOG(kManagerSyncLog) << "QueryCurrentStatus success.";
                 os::Print("QueryCurrentStatus success\n");
-                m_frames.Starts().StartAnew();  // triggers meanwhile are not losses
+                m_frames.Starts().Restart();  // triggers during the reconnection are not losses
                 m_cameraSet.ReOpen();
                 m_board.RestoreSettings();
                 return kReconnected;

@@ -84,7 +84,7 @@ TEST_F(CallbackWaits, DisconnectingWaitsForTheScanCallbackThatRunsAndNoOtherCome
     const EndedFirst ended(*this);
     SetScan(&scan);
     ASSERT_EQ(Trigger(TRIGGER_LASER_LINES_COLOR, 2), STATUS_SUCCESS);
-    // Once this waits for the grab thread, the grab thread is told to end.
+    // The disconnect asks the grab thread to end before it waits for it.
     ExpectToWaitForTheCallback([this] { return DisConnectDevice(m_handle); });
     EXPECT_EQ(scan.Count(), 1u) << "the grab thread ends after the frame that it handles";
     EXPECT_EQ(m_handle, nullptr);

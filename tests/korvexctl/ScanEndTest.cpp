@@ -121,7 +121,7 @@ TEST_F(ScanOverUnplugged, ReconnectsCountsWhatWasMissedAndGoesOn) {
     for (std::string line; std::getline(sets, line);) {
         EXPECT_THAT(line, ::testing::AnyOf(::testing::HasSubstr("lost_before"),
                                            ::testing::ContainsRegex(",[01],0,[0-9.]+,[01],0$")))
-            << "no set counts keys that start anew";
+            << "no set counts the restart of the keys as a loss";
     }
     ASSERT_EQ(figures["outages"].size(), 1U) << figures["outages"];
     const nlohmann::json& outage = figures["outages"][0];
@@ -129,7 +129,7 @@ TEST_F(ScanOverUnplugged, ReconnectsCountsWhatWasMissedAndGoesOn) {
     const int missed = outage["triggers"];
     EXPECT_NEAR(missed, outage["seconds"].get<double>() * 100, 2);
     EXPECT_EQ(figures["losses"]["while_away"], missed);
-    EXPECT_EQ(figures["losses"]["missing_keys"], 0) << "the keys start anew";
+    EXPECT_EQ(figures["losses"]["missing_keys"], 0) << "the keys restart";
     EXPECT_TRUE(outage["not_restored"].empty()) << outage;
     EXPECT_EQ(figures["board_lost"], false);
     ExpectHeadLeftDark();

@@ -193,7 +193,7 @@ TEST_F(ScanRecorderTest, EverySetIsNotedOnce) {
     EXPECT_EQ(notes[0].lostBefore, 10);
 }
 
-TEST_F(ScanRecorderTest, KeysThatStartAnewAreNoLoss) {
+TEST_F(ScanRecorderTest, KeysThatRestartAreNoLoss) {
     ScanRecorder recorder(Plan(18, 0));
     Prepare(recorder);
     m_library.Deliver(recorder, 100);

@@ -175,7 +175,7 @@ TEST_F(FrameLosses, AReconnectionStartsTheKeysAnew) {
     EXPECT_EQ(Handled().missingKeys, 0u);
     // Restarted, running on, gone round.
     for (const unsigned char key : std::vector<unsigned char>{0, 137, 120}) {
-        m_manager->Frames().Starts().StartAnew();
+        m_manager->Frames().Starts().Restart();
         ASSERT_EQ(Trigger(TRIGGER_LASER_LINES), STATUS_SUCCESS);
         Mono(key);
         Mono(static_cast<unsigned char>(key + 1));

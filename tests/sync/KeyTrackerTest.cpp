@@ -24,7 +24,7 @@ struct Taken {
 class Keys : public testing::Test {
 protected:
     void Start() { ++m_run.starts; }
-    void StartAnew() { m_run.anew = ++m_run.starts; }
+    void Restart() { m_run.countsFrom = ++m_run.starts; }
     /// What these keys add.
     Taken Take(const std::vector<unsigned>& keys) {
         Taken taken;
@@ -166,40 +166,40 @@ TEST_F(Keys, OneRoundAfterAStartAllIsSettled) {
     EXPECT_EQ(Take({1}), (Taken{246, 0}));
 }
 
-TEST_F(Keys, AfterAStartAnewTheFirstKeyIsWhereCountingBegins) {
+TEST_F(Keys, AfterARestartTheFirstKeyIsWhereCountingBegins) {
     Start();
     Take({0, 1, 2, 3});
-    StartAnew();
+    Restart();
     EXPECT_EQ(Take({137, 138}), (Taken{0, 0}));
     EXPECT_EQ(Take({141}), (Taken{2, 0}));
     EXPECT_EQ(Take({141}), (Taken{0, 1}));
 }
 
-TEST_F(Keys, AfterAStartAnewTheKeyOfBeforeIsNoRepeat) {
+TEST_F(Keys, AfterARestartTheKeyOfBeforeIsNoRepeat) {
     Start();
     Take({0, 1, 2, 3});
-    StartAnew();
+    Restart();
     EXPECT_EQ(Take({3, 4}), (Taken{0, 0}));
 }
 
-TEST_F(Keys, StartsBeforeAStartAnewAreForgottenWithIt) {
+TEST_F(Keys, StartsBeforeARestartAreForgottenWithIt) {
     Take({7, 8, 9});
     Start();
-    StartAnew();
+    Restart();
     EXPECT_EQ(Take({5, 6}), (Taken{0, 0})) << "of those starts no key came";
     Start();
     Take({0});
-    StartAnew();
+    Restart();
     EXPECT_EQ(Take({200, 201, 3, 4}), (Taken{57, 0})) << "nothing is unsettled any more";
 }
 
-TEST_F(Keys, AStartAfterAStartAnewIsOneLikeAnyOther) {
+TEST_F(Keys, AStartAfterARestartIsOneLikeAnyOther) {
     Start();
     Take({0, 1, 2, 3});
-    StartAnew();
+    Restart();
     Start();
     EXPECT_EQ(Take({2, 3}), (Taken{2, 0}));
-    StartAnew();
+    Restart();
     Take({90, 91});
     Start();
     EXPECT_EQ(Take({92, 1, 2}), (Taken{1, 0}));

@@ -51,31 +51,31 @@ TEST_F(Starts, AfterARefusedWriteTheTriggerMayBeInAnyMode) {
     EXPECT_EQ(Write(kMono), 1u);
 }
 
-TEST_F(Starts, StartingAnewIsAStartAndTheNextRunBelongsToIt) {
+TEST_F(Starts, ARestartIsAStartAndTheNextRunBelongsToIt) {
     Write(kMono);
     const auto before = m_starts.Current().starts;
-    m_starts.StartAnew();
+    m_starts.Restart();
     EXPECT_EQ(m_starts.Current().starts, before + 1);
-    EXPECT_EQ(m_starts.Current().anew, before + 1);
+    EXPECT_EQ(m_starts.Current().countsFrom, before + 1);
     EXPECT_EQ(Write(kMono), 0u) << "the trigger may have run all the time";
     EXPECT_EQ(Write(kOff), 0u);
     EXPECT_EQ(Write(kMono), 1u);
-    EXPECT_EQ(m_starts.Current().anew, before + 1);
+    EXPECT_EQ(m_starts.Current().countsFrom, before + 1);
 }
 
-TEST_F(Starts, AnewTheTriggerIsOffOnceThatIsWritten) {
+TEST_F(Starts, AfterARestartTheTriggerIsOffOnceThatIsWritten) {
     for (int mode : {kOff, kSingle}) {
-        m_starts.StartAnew();
+        m_starts.Restart();
         EXPECT_EQ(Write(mode), 0u) << mode;
         EXPECT_EQ(Write(kMono), 1u) << mode;
     }
 }
 
-TEST_F(Starts, AnewARefusedWriteTellsNothing) {
-    m_starts.StartAnew();
+TEST_F(Starts, AfterARestartARefusedWriteTellsNothing) {
+    m_starts.Restart();
     EXPECT_EQ(Write(kMono, false), 0u);
     EXPECT_EQ(Write(kMono), 0u);
-    m_starts.StartAnew();
+    m_starts.Restart();
     EXPECT_EQ(Write(kOff, false), 0u);
     EXPECT_EQ(Write(kMono), 0u);
 }
@@ -147,7 +147,7 @@ TEST_F(Starts, AStartHasTheChangesBehindItThatCameWithItOrBefore) {
     Write(kMono);
     EXPECT_EQ(behind(), 2u);
     Write(kColor);
-    m_starts.StartAnew();
+    m_starts.Restart();
     EXPECT_EQ(behind(), 3u);
 }
 

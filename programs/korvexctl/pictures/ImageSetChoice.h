@@ -7,7 +7,7 @@ namespace Korvex3Sync::korvexctl {
 /// How many sets a contact sheet shows at most.
 inline constexpr int kSheetRows = 8;
 
-/// Where a scan ends by itself. Without either it runs until it is told to stop.
+/// When a scan ends without being stopped. If neither is set, it runs until it is stopped.
 struct ScanEnd {
     std::optional<int> sets;
     std::optional<double> seconds;

@@ -166,11 +166,8 @@ Outcome ScanAndWrite(const HeadChoice& choice, const ScanOptions& options, LeftO
         throw;
     }
     report.counts = recorder.Wait(milliseconds(0));
-    report.losses.CountColor(GivesColor(report.cameras, report.settings.asked.light.mode)
-                                 ? report.counts.delivered - report.counts.withColor
-                                 : 0);
-    report.losses.notKept = static_cast<std::uint64_t>(report.counts.notKept);
-    report.losses.notRecorded = static_cast<std::uint64_t>(report.counts.notRecorded);
+    report.losses.CountSets(report.counts,
+                            GivesColor(report.cameras, report.settings.asked.light.mode));
     report.interrupted = interrupt.Came();
     writer.Finish(Headline(report));
     report.pictures = writer.Pictures();

@@ -76,10 +76,13 @@ nlohmann::json LossesToJson(const ScanStatistics& statistics) {
     return losses;
 }
 
-void ScanLosses::CountColor(int missing) {
+void ScanLosses::CountSets(const ScanRecorder::Counts& counts, bool givesColor) {
     if (library) {
-        library->monoWithoutColor = static_cast<std::uint64_t>(missing);
+        library->monoWithoutColor =
+            givesColor ? static_cast<std::uint64_t>(counts.delivered - counts.withColor) : 0;
     }
+    notKept = static_cast<std::uint64_t>(counts.notKept);
+    notRecorded = static_cast<std::uint64_t>(counts.notRecorded);
 }
 
 std::vector<LossCount> ScanLosses::Places() const {

@@ -8,6 +8,8 @@
 #include <string>
 #include <vector>
 
+#include "korvexctl/scan/ScanRecorder.h"
+
 namespace Korvex3Sync::korvexctl {
 
 class Output;
@@ -40,9 +42,10 @@ struct ScanLosses {
     /// Sets that were expected when the scan ended, and did not come.
     std::uint64_t notArrived = 0;
 
-    /// Replaces the count of missing colour by what the scan saw: the library may count one set
-    /// less or more at that moment, and counts every set of a head without colour.
-    void CountColor(int missing);
+    /// Takes over what the recorder counted. Its count of sets without colour replaces that of the
+    /// library, which may be off by one set at that moment and counts every set of a head without
+    /// colour.
+    void CountSets(const ScanRecorder::Counts& counts, bool givesColor);
     /// Every place, in the order of a frame's path, also without a loss. Without those of the
     /// library when that does not report them.
     std::vector<LossCount> Places() const;

@@ -125,13 +125,13 @@ KeptImageSet* ScanRecorder::BufferFor(SetRecord& record) {
 }
 
 int ScanRecorder::LostBefore(int key) {
-    const bool anew = m_newKeys || std::exchange(m_keyUnknown, false);
+    const bool mayRestart = m_newKeys || std::exchange(m_keyUnknown, false);
     const int step = (key - m_nextKey + kKeys) % kKeys;
     // A step of more than half the keys is a step back: a frame that came late, or twice.
-    if (step >= kKeys / 2 && !anew) {
+    if (step >= kKeys / 2 && !mayRestart) {
         return 0;
     }
-    const int lost = anew ? 0 : step;
+    const int lost = mayRestart ? 0 : step;
     m_nextKey = (key + 1) % kKeys;
     m_lost += lost;
     return lost;

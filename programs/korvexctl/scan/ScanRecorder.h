@@ -74,8 +74,8 @@ public:
     /// The notes of the sets since the last call, in order.
     std::vector<SetRecord> FetchRecords();
 
-    /// From true to the first set after false the head may start its keys anew: no gap in them
-    /// counts as a loss.
+    /// Between a call with true and the first set after a call with false, the keys of the head may
+    /// restart. Gaps in them do not count as losses.
     void ExpectNewKeys(bool expected);
 
 private:

@@ -82,28 +82,23 @@ void ScanRun::Wait() {
     m_notes.history.AddLosses(Seconds(now - std::max(m_start, counts.first)), m_report.losses);
 }
 
-bool ScanRun::GivesColorHere() const {
-    return GivesColor(m_head.cameras, m_report.settings.asked.light.mode);
-}
-
 ScanLosses ScanRun::Losses(const ScanRecorder::Counts& counts) const {
     ScanLosses losses;
     losses.library = AskStatistics(m_head.session);
-    losses.CountColor(GivesColorHere() ? counts.delivered - counts.withColor : 0);
-    losses.notKept = static_cast<std::uint64_t>(counts.notKept);
-    losses.notRecorded = static_cast<std::uint64_t>(counts.notRecorded);
+    losses.CountSets(counts, GivesColor(m_head.cameras, m_report.settings.asked.light.mode));
     losses.whileAway = m_whileAway;
     return losses;
 }
 
 void ScanRun::Note(const ScanRecorder::Counts& counts, Clock::time_point now) {
     const std::vector<SetRecord> sets = m_recorder.FetchRecords();
-    const ScanLosses losses = Losses(counts);
+    ScanLosses losses = Losses(counts);
     for (const SetRecord& set : sets) {
         NoteSet(set, losses, counts.first);
     }
+    losses.whileAway = m_whileAway;
     if (counts.delivered > 0) {
-        m_notes.history.AddLosses(Seconds(now - counts.first), Losses(counts));
+        m_notes.history.AddLosses(Seconds(now - counts.first), losses);
     }
     const ScanProgress progress{m_report.options.end, counts, Seconds(now - m_start), losses.Sum(),
                                 m_away};

@@ -39,7 +39,6 @@ public:
 private:
     using Clock = ScanRecorder::Clock;
 
-    bool GivesColorHere() const;
     void Note(const ScanRecorder::Counts& counts, Clock::time_point now);
     void NoteSet(const SetRecord& set, const ScanLosses& losses, Clock::time_point first);
     void AddOutage(Clock::time_point from, Clock::time_point to, Clock::time_point first);

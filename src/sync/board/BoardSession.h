@@ -22,7 +22,7 @@ namespace Korvex3Sync {
 /// status codes. Operations block for the lock and for the board's answer.
 class BoardSession {
 public:
-    /// `starts` is told about every write of the trigger mode and every reset.
+    /// Reports every write of the trigger mode and every reset to `starts`.
     BoardSession(os::CriticalSection& device, TriggerStarts& starts);
     /// The board must be closed.
     ~BoardSession();

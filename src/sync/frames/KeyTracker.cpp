@@ -23,9 +23,9 @@ constexpr unsigned KeysBack(unsigned keys) {
 }  // namespace
 
 KeyStep KeyTracker::Take(unsigned key, const TriggerStarts::Run& run) {
-    if (run.anew > m_starts) {
+    if (run.countsFrom > m_starts) {
         m_last.reset();
-        m_starts = run.anew;
+        m_starts = run.countsFrom;
         m_unsettled = 0;
     }
     if (run.starts != m_starts) {

@@ -21,7 +21,7 @@ struct KeyStep {
 /// and as one of the new run. The interpretation with fewer missing keys holds; if both miss the
 /// same number, the new run. The first key of the new run ends this. Before the first start a key
 /// is only compared with the one before it, because the trigger may have been running for long. The
-/// same applies after StartAnew, which also discards the previous key.
+/// same applies after Restart, which also discards the previous key.
 ///
 /// A key up to 8 steps back is that of a repeated or late frame, and the newest key stays. While
 /// both interpretations are open, this holds only for keys that were missing.

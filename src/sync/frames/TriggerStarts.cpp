@@ -21,7 +21,7 @@ void TriggerStarts::Writing(int mode) {
     m_asked = mode;
     m_colorBefore = m_run.givesColor;
     const bool running = StateOf(mode) == State::Running;
-    m_starting = running && m_state != State::Running && m_state != State::Anew;
+    m_starting = running && m_state != State::Running && m_state != State::Restarted;
     m_run.starts += m_starting ? 1 : 0;
     if (!running) {
         return;
@@ -34,7 +34,7 @@ void TriggerStarts::Written(bool accepted) {
     os::MutexGuard lock(m_mutex);
     if (!accepted) {
         m_run.givesColor = m_colorBefore;
-        m_state = m_state == State::Anew ? State::Anew : State::Unknown;
+        m_state = m_state == State::Restarted ? State::Restarted : State::Unknown;
         return;
     }
     m_state = StateOf(m_asked);
@@ -51,11 +51,11 @@ void TriggerStarts::ForgetState() {
     m_state = State::Unknown;
 }
 
-void TriggerStarts::StartAnew() {
+void TriggerStarts::Restart() {
     os::MutexGuard lock(m_mutex);
-    m_run.anew = ++m_run.starts;
+    m_run.countsFrom = ++m_run.starts;
     m_run.changesAtStart = m_run.changes;
-    m_state = State::Anew;
+    m_state = State::Restarted;
 }
 
 TriggerStarts::Run TriggerStarts::Current() const {

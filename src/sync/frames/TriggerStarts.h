@@ -13,7 +13,7 @@ class TriggerStarts {
 public:
     struct Run {
         std::uint64_t starts = 0;          // incremented by each start
-        std::uint64_t anew = 0;            // the start before which nothing counts
+        std::uint64_t countsFrom = 0;      // missing keys count from this start on
         bool givesColor = false;           // each mono frame is followed by a colour frame
         std::uint64_t changes = 0;         // incremented by each change of givesColor
         std::uint64_t changesAtStart = 0;  // `changes` at the latest start
@@ -30,12 +30,12 @@ public:
     /// The board was reopened. It may have lost power, or its trigger may have kept running, so the
     /// keys may continue from any number. The next write of a running mode either starts the
     /// trigger or changes nothing; it does not count as another start.
-    void StartAnew();
+    void Restart();
 
     Run Current() const;
 
 private:
-    enum class State { Unknown, Anew, Off, Single, Running };
+    enum class State { Unknown, Restarted, Off, Single, Running };
     static State StateOf(int mode);
 
     mutable os::Mutex m_mutex;
