@@ -47,6 +47,8 @@ TEST_F(LogFilesTest, TheNewestStay) {
                              "hub.20250102-000000.9", "hub.20241231-235959.7"}) {
         Make(name);
     }
+    EXPECT_EQ(os::NewestLogFile(m_folder, "hub"), m_folder / "hub.20250102-000000.9");
+    EXPECT_EQ(os::NewestLogFile(m_folder, "service"), "");
     os::CleanLogFiles(m_folder, "hub", {.files = 2});
     EXPECT_THAT(Names(), ElementsAre("hub.20250101-000001.4", "hub.20250102-000000.9"));
 }

@@ -38,6 +38,8 @@ public:
     ChildProcess(const ChildProcess&) = delete;
     ChildProcess& operator=(const ChildProcess&) = delete;
 
+    /// Its process number; -1 after its end was waited for.
+    pid_t Number() const { return m_pid; }
     void Signal(int signal) const;
     /// Waits until standard output contains the text; false if the child ends or the deadline
     /// passes first.

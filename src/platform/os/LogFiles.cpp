@@ -53,6 +53,12 @@ void CleanLogFiles(const std::filesystem::path& folder, const std::string& progr
     }
 }
 
+std::filesystem::path NewestLogFile(const std::filesystem::path& folder,
+                                    const std::string& program) {
+    const std::vector<std::filesystem::path> files = NewestFirst(folder, program);
+    return files.empty() ? std::filesystem::path() : files.front();
+}
+
 LogFiles::LogFiles(const std::filesystem::path& folder, std::string program)
     : m_folder(folder), m_program(std::move(program)) {
     google::InitGoogleLogging(m_program.c_str());

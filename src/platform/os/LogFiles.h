@@ -18,6 +18,10 @@ struct LogLimits {
 void CleanLogFiles(const std::filesystem::path& folder, const std::string& program,
                    const LogLimits& limits = {});
 
+/// The log file of a program that was begun last; empty if there is none.
+std::filesystem::path NewestLogFile(const std::filesystem::path& folder,
+                                    const std::string& program);
+
 /// Writes all log records of this process to FOLDER/PROGRAM.DATE-TIME.PROCESS while it exists. A
 /// file is continued in a new one at 10 MiB. Each record is in the file when the call that logs it
 /// returns. Nothing is written while the disk is full, and nothing to standard error. One per

@@ -1,11 +1,38 @@
 #include "platform/os/Process.h"
 
 #include <fcntl.h>
+#include <poll.h>
+#include <sys/stat.h>
+#include <sys/syscall.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <cerrno>
+#include <csignal>
 #include <cstdio>
+#include <filesystem>
+#include <string_view>
+#include <system_error>
+
+#include "platform/os/Clock.h"
 
 namespace Korvex3Sync::os {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+/// What the system appends to the name of a program whose file was replaced or removed.
+constexpr std::string_view kDeleted = " (deleted)";
+
+std::string WithoutDeleted(std::string name) {
+    if (name.ends_with(kDeleted)) {
+        name.resize(name.size() - kDeleted.size());
+    }
+    return name;
+}
+
+}  // namespace
 
 long CurrentProcess() {
     return ::getpid();
@@ -22,6 +49,52 @@ void BecomeBackgroundProcess() {
     if (nothing > STDERR_FILENO) {
         ::close(nothing);
     }
+}
+
+OtherProcess::OtherProcess(long number)
+    : m_number(number),
+      m_descriptor(number > 0 ? static_cast<int>(::syscall(SYS_pidfd_open, number, 0)) : -1) {}
+
+OtherProcess::~OtherProcess() {
+    if (m_descriptor >= 0) {
+        ::close(m_descriptor);
+    }
+}
+
+bool OtherProcess::Runs() const {
+    return m_descriptor >= 0 && !WaitForEnd(std::chrono::milliseconds(0));
+}
+
+bool OtherProcess::Is(const std::string& program) const {
+    const fs::path folder = "/proc/" + std::to_string(m_number);
+    struct stat owner {};
+    std::error_code error;
+    const fs::path file = fs::read_symlink(folder / "exe", error);
+    return !error && ::stat(folder.c_str(), &owner) == 0 && owner.st_uid == ::geteuid() &&
+           WithoutDeleted(file.filename().string()) == program &&
+           Runs();  // as it still runs, all this was asked about it and no later process
+}
+
+bool OtherProcess::WaitForEnd(std::chrono::milliseconds nominalLimit) const {
+    if (m_descriptor < 0) {
+        return true;
+    }
+    const auto deadline = std::chrono::steady_clock::now() + Scaled(nominalLimit);
+    pollfd end{m_descriptor, POLLIN, 0};
+    while (true) {
+        const auto left = std::chrono::ceil<std::chrono::milliseconds>(
+            deadline - std::chrono::steady_clock::now());
+        const int count =
+            ::poll(&end, 1, static_cast<int>(std::max(left, std::chrono::milliseconds(0)).count()));
+        if (count >= 0 || errno != EINTR) {
+            return count > 0;
+        }
+    }
+}
+
+bool OtherProcess::Kill() const {
+    return m_descriptor >= 0 &&
+           ::syscall(SYS_pidfd_send_signal, m_descriptor, SIGKILL, nullptr, 0) == 0;
 }
 
 }  // namespace Korvex3Sync::os
