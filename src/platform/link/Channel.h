@@ -1,0 +1,70 @@
+#pragma once
+
+#include <QLocalSocket>
+#include <QObject>
+#include <QTimer>
+
+#include <chrono>
+#include <functional>
+#include <memory>
+#include <string>
+
+#include "platform/link/wire/Frames.h"
+#include "platform/link/wire/Messages.h"
+
+namespace Korvex3Sync::link {
+
+/// A nominal time for a QTimer, in milliseconds.
+int TimerInterval(std::chrono::milliseconds nominal);
+
+/// One end of a connection, on the thread of an IoLoop. It checks who the other end is, exchanges
+/// the first messages within a limit, and closes the connection at the first message that is not
+/// one. Its owner may close it in any of its events, but must delete it with deleteLater.
+class Channel : public QObject {
+public:
+    struct Events {
+        /// The other end has introduced itself; `process` is what the system says.
+        std::function<void(long process)> ready;
+        /// A message after that. A text refuses it and closes the channel.
+        std::function<std::string(Message&)> message;
+        /// The channel is closed, for a fault, or without one by the other end. No event follows.
+        std::function<void(const std::string& fault)> closed;
+        /// The system took bytes that were waiting; may be empty.
+        std::function<void()> written;
+    };
+
+    /// Takes over a socket that is connected or about to connect.
+    Channel(std::unique_ptr<QLocalSocket> socket, Role own, Role expected, Events events);
+
+    /// Connects a new channel to a socket of the file system.
+    static Channel* Connect(const QString& path, Role own, Role expected, Events events);
+
+    /// Sends a message; the system takes what it can at once.
+    void Send(const QByteArray& message);
+    /// Bytes that the system has not taken yet.
+    qint64 Unsent() const { return m_socket->bytesToWrite(); }
+    /// Closes without an event.
+    void Close();
+
+private:
+    void OnConnected();
+    void OnReadable();
+    void OnLost();
+    /// Empty if the message is taken, else why not.
+    std::string Take(ByteSpan bytes);
+    std::string TakeHello(ByteSpan bytes);
+    void Fail(const std::string& fault);
+
+    const std::unique_ptr<QLocalSocket> m_socket;
+    const Role m_own;
+    const Role m_expected;
+    const Events m_events;
+    FrameReader m_frames;
+    QTimer m_helloLimit;
+    long m_process = 0;
+    bool m_identified = false;  // the system has said who is at the other end
+    bool m_ready = false;
+    bool m_closed = false;
+};
+
+}  // namespace Korvex3Sync::link

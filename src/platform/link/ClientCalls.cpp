@@ -1,0 +1,231 @@
+#include "platform/link/ClientCalls.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "platform/os/Clock.h"
+#include "platform/os/Log.h"
+
+namespace Korvex3Sync::link {
+namespace {
+
+/// How long a call waits for an attempt to connect that is under way.
+constexpr std::chrono::milliseconds kWaitForAttempt{500};
+/// What a call has in front of its arguments, rounded up.
+constexpr std::size_t kCallHeadBytes = 16;
+
+}  // namespace
+
+class ClientCalls::Inside {
+public:
+    explicit Inside(ClientCalls& calls) : m_calls(calls) {
+        os::MutexGuard lock(m_calls.m_mutex);
+        ++m_calls.m_callers;
+    }
+    ~Inside() {
+        os::MutexGuard lock(m_calls.m_mutex);
+        if (--m_calls.m_callers == 0) {
+            m_calls.m_changed.NotifyAll();
+        }
+    }
+    Inside(const Inside&) = delete;
+    Inside& operator=(const Inside&) = delete;
+
+private:
+    ClientCalls& m_calls;
+};
+
+ClientCalls::ClientCalls(Client::Target target, Client::Sinks sinks)
+    : m_target(target), m_sinks(std::move(sinks)) {
+    os::MutexGuard lock(m_mutex);
+    StartIfStopped();
+}
+
+ClientCalls::~ClientCalls() {
+    {
+        os::MutexGuard lock(m_mutex);
+        m_closing = true;
+        m_changed.NotifyAll();
+    }
+    m_loop.Stop();
+    os::MutexGuard lock(m_mutex);
+    FailAll();
+    while (m_callers > 0) {
+        m_changed.Wait(m_mutex);
+    }
+}
+
+RETSTATUS ClientCalls::Call(const CalledOperation& operation, const QByteArray& arguments,
+                            QByteArray& results) {
+    if (m_loop.IsCurrent()) {
+        LOG(ERROR) << operation.name << ": must not be called on the thread of the link";
+        return STATUS_FAILED;
+    }
+    if (SpanOf(arguments).size() + kCallHeadBytes > kMostMessageBytes) {
+        LOG(ERROR) << operation.name << ": the arguments are too long (" << arguments.size()
+                   << " bytes)";
+        return STATUS_PARAMETER;
+    }
+    const Inside inside(*this);
+    const Time deadline = std::chrono::steady_clock::now() + os::Scaled(operation.limit);
+    const auto pending = std::make_shared<Pending>();
+    std::uint32_t number = 0;
+    if (!Enter(operation, deadline, arguments, pending, number)) {
+        return STATUS_FAILED;
+    }
+    m_loop.Wake();
+    if (pending->ended.WaitUntil(deadline) == os::WaitResult::TimedOut) {
+        os::MutexGuard lock(m_mutex);
+        // An answer that arrives from now on finds nobody.
+        if (m_pending.erase(number) > 0) {
+            LOG(WARNING) << operation.name << ": no answer within " << operation.limit.count()
+                         << " ms";
+            return STATUS_FAILED;
+        }
+    }
+    results = std::move(pending->results);
+    return pending->status;
+}
+
+void ClientCalls::RefuseAnswer(const char* name) {
+    {
+        os::MutexGuard lock(m_mutex);
+        m_drop = std::string("a malformed answer to ") + name;
+    }
+    m_loop.Wake();
+}
+
+bool ClientCalls::Enter(const CalledOperation& operation, Time deadline,
+                        const QByteArray& arguments, const std::shared_ptr<Pending>& pending,
+                        std::uint32_t& number) {
+    os::MutexGuard lock(m_mutex);
+    if (m_closing) {
+        return false;
+    }
+    StartIfStopped();
+    if (!WaitForConnection(operation, deadline)) {
+        return false;
+    }
+    number = ++m_lastNumber;
+    m_pending[number] = pending;
+    m_outbox.push_back(Encoded(CallMessage{number, operation.number, arguments}));
+    return true;
+}
+
+bool ClientCalls::WaitForConnection(const CalledOperation& operation, Time deadline) {
+    const Time end =
+        operation.waitsForConnection
+            ? deadline
+            : std::min(deadline, std::chrono::steady_clock::now() + os::Scaled(kWaitForAttempt));
+    const auto mayCome = [&] {
+        return m_state == State::Trying ||
+               (m_state == State::Waiting && operation.waitsForConnection);
+    };
+    while (!m_closing && mayCome()) {
+        if (!m_changed.WaitUntil(m_mutex, end)) {
+            break;
+        }
+    }
+    return !m_closing && m_state == State::Connected;
+}
+
+void ClientCalls::StartIfStopped() {
+    if (m_state != State::Stopped) {
+        return;
+    }
+    std::string reason;
+    if (m_loop.Start({[this] { Started(); }, [this] { Woken(); }, [this] { Stopping(); }},
+                     reason)) {
+        m_state = State::Trying;
+        m_refusalLogged = false;
+    } else if (!m_refusalLogged) {
+        m_refusalLogged = true;
+        LOG(ERROR) << "Cannot connect to the device service: " << reason;
+    }
+}
+
+void ClientCalls::Started() {
+    m_connection = std::make_unique<ClientConnection>(
+        m_target, ClientConnection::Events{
+                      [this] { SetState(State::Trying); }, [this] { SetState(State::Waiting); },
+                      [this] {
+                          SetState(State::Connected);
+                          if (m_sinks.connection) {
+                              m_sinks.connection(true);
+                          }
+                      },
+                      [this] {
+                          SetState(State::Waiting);
+                          if (m_sinks.connection) {
+                              m_sinks.connection(false);
+                          }
+                      },
+                      [this](Message& message) { return TakeMessage(message); }});
+}
+
+void ClientCalls::Woken() {
+    if (!m_connection) {
+        return;  // no memory at the start
+    }
+    std::vector<QByteArray> outbox;
+    std::string drop;
+    {
+        os::MutexGuard lock(m_mutex);
+        outbox.swap(m_outbox);
+        drop.swap(m_drop);
+    }
+    for (const QByteArray& message : outbox) {
+        m_connection->Send(message);
+    }
+    if (!drop.empty()) {
+        m_connection->Drop(drop);
+    }
+}
+
+void ClientCalls::Stopping() {
+    m_connection.reset();
+    SetState(State::Stopped);
+}
+
+void ClientCalls::SetState(State state) {
+    os::MutexGuard lock(m_mutex);
+    if (m_state == State::Connected) {
+        FailAll();
+    }
+    m_state = state;
+    m_changed.NotifyAll();
+}
+
+std::string ClientCalls::TakeMessage(Message& message) {
+    if (auto* const reply = std::get_if<ReplyMessage>(&message)) {
+        TakeReply(*reply);
+    } else if (const auto* const signal = std::get_if<Signal>(&message)) {
+        if (m_sinks.signal) {
+            m_sinks.signal(*signal);
+        }
+    } else {
+        return "an unexpected message";
+    }
+    return "";
+}
+
+void ClientCalls::TakeReply(ReplyMessage& reply) {
+    os::MutexGuard lock(m_mutex);
+    const auto found = m_pending.find(reply.number);
+    if (found != m_pending.end()) {  // else the caller has given up
+        found->second->status = reply.status;
+        found->second->results = reply.results;
+        found->second->ended.Set();
+        m_pending.erase(found);
+    }
+}
+
+void ClientCalls::FailAll() {
+    m_outbox.clear();
+    for (const auto& [number, pending] : m_pending) {
+        pending->ended.Set();
+    }
+    m_pending.clear();
+}
+
+}  // namespace Korvex3Sync::link

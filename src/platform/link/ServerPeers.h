@@ -1,0 +1,91 @@
+#pragma once
+
+#include <QLocalServer>
+
+#include <cstddef>
+#include <map>
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "platform/link/Channel.h"
+#include "platform/link/IoLoop.h"
+#include "platform/link/Server.h"
+#include "platform/link/WorkerPool.h"
+#include "platform/os/CriticalSection.h"
+#include "platform/os/Event.h"
+
+namespace Korvex3Sync::link {
+
+/// The connections of a server, its I/O thread and its workers.
+class ServerPeers {
+public:
+    using Work = Server::Work;
+    using Handler = std::function<std::optional<Work>(ClientId, ByteSpan)>;
+
+    ServerPeers(std::string path, Role role) : m_path(std::move(path)), m_role(role) {}
+
+    // Before Listen.
+    void AddHandler(std::uint16_t operation, Handler handler);
+    void SetClientHandlers(std::function<void(ClientId, long)> came,
+                           std::function<void(ClientId)> gone);
+
+    bool Listen(std::string& reason);
+    bool Send(ClientId client, const Signal& signal);
+    bool Close(std::chrono::milliseconds nominalLimit);
+
+private:
+    /// A connection, on the I/O thread.
+    struct Peer {
+        Channel* channel = nullptr;
+        bool ready = false;
+        std::size_t running = 0;  // calls without an answer yet
+    };
+    /// What waits to be sent to a client.
+    struct Backlog {
+        qint64 queued = 0;  // bytes in the outbox
+        qint64 unsent = 0;  // bytes that the system has not taken
+        std::uint64_t lost = 0;
+    };
+    struct Outgoing {
+        ClientId client;
+        QByteArray message;
+        bool isReply;
+    };
+
+    // On the I/O thread.
+    void Started(std::string& reason);
+    void Woken();
+    void Stopping();
+    bool Bind(std::string& reason);
+    void OnConnection();
+    void OnReady(ClientId client, long process);
+    std::string TakeCall(ClientId client, Message& message);
+    void OnClosed(ClientId client, const std::string& fault);
+    void NoteUnsent(ClientId client);
+
+    // On any thread.
+    void RunCall(ClientId client, std::uint32_t number, const Work& work);
+    void Answer(ClientId client, ReplyMessage reply);
+
+    const std::string m_path;
+    const Role m_role;
+    std::map<std::uint16_t, Handler> m_handlers;
+    std::function<void(ClientId, long)> m_came;
+    std::function<void(ClientId)> m_gone;
+
+    std::unique_ptr<QLocalServer> m_server;  // I/O thread only
+    std::map<ClientId, Peer> m_peers;        // I/O thread only
+    ClientId m_lastClient = 0;               // I/O thread only
+
+    os::Mutex m_mutex;
+    std::vector<Outgoing> m_outbox KORVEX_GUARDED_BY(m_mutex);
+    std::map<ClientId, Backlog> m_backlogs KORVEX_GUARDED_BY(m_mutex);  // of clients that came
+
+    os::Event m_started;
+    IoLoop m_loop;
+    WorkerPool m_workers;
+};
+
+}  // namespace Korvex3Sync::link

@@ -1,0 +1,91 @@
+#include "platform/link/WorkerPool.h"
+
+#include <exception>
+#include <utility>
+
+#include "platform/os/Clock.h"
+#include "platform/os/Log.h"
+
+namespace Korvex3Sync::link {
+namespace {
+
+constexpr std::size_t kMostThreads = 16;
+
+void RunJob(const WorkerPool::Job& job) {
+    try {
+        job();
+    } catch (const std::exception& e) {
+        LOG(ERROR) << "device service link: " << e.what();
+    } catch (...) {
+        LOG(ERROR) << "device service link: unknown exception";
+    }
+}
+
+}  // namespace
+
+WorkerPool::~WorkerPool() {
+    Close(std::chrono::milliseconds(0));
+    std::vector<std::unique_ptr<os::Thread>> threads;
+    {
+        os::MutexGuard lock(m_mutex);
+        threads.swap(m_threads);
+    }
+    for (const auto& thread : threads) {
+        thread->Join();
+    }
+}
+
+void WorkerPool::Post(Job job) {
+    os::MutexGuard lock(m_mutex);
+    if (m_closed) {
+        return;
+    }
+    m_jobs.push_back(std::move(job));
+    if (m_jobs.size() > m_free && m_threads.size() < kMostThreads) {
+        auto thread = std::make_unique<os::Thread>();
+        if (thread->Start([this] { Run(); })) {
+            m_threads.push_back(std::move(thread));
+        }
+    }
+    m_changed.NotifyOne();
+}
+
+bool WorkerPool::Close(std::chrono::milliseconds nominalLimit) {
+    const auto end = std::chrono::steady_clock::now() + os::Scaled(nominalLimit);
+    os::MutexGuard lock(m_mutex);
+    m_closed = true;
+    m_jobs.clear();
+    m_changed.NotifyAll();
+    while (m_running > 0) {
+        if (!m_changed.WaitUntil(m_mutex, end)) {
+            return m_running == 0;
+        }
+    }
+    return true;
+}
+
+void WorkerPool::Run() {
+    os::MutexGuard lock(m_mutex);
+    while (!m_closed) {
+        if (m_jobs.empty()) {
+            ++m_free;
+            m_changed.Wait(m_mutex);
+            --m_free;
+            continue;
+        }
+        Job job = std::move(m_jobs.front());
+        m_jobs.pop_front();
+        ++m_running;
+        {
+            os::MutexRelease unlocked(m_mutex);
+            RunJob(job);
+            job = nullptr;  // what it holds is released without the lock
+        }
+        --m_running;
+        if (m_closed) {
+            m_changed.NotifyAll();
+        }
+    }
+}
+
+}  // namespace Korvex3Sync::link
