@@ -54,6 +54,7 @@ const std::vector<Arrows> kArrows{
     {"src/platform/board/", {kHeaders, kOs, kHead}},
     {"src/platform/cameras/", {kHeaders, kOs, kHead}},
     {"src/platform/usbtree/", {kHeaders, kOs, kHead}},
+    {"src/platform/tunnel/", {kHeaders, kOs}},
     {"src/platform/link/", {kPublic, kHeaders, "src/platform/tunnel/", kOs}},
     {kHead, {"src/platform/board/protocol/", kHeaders, kToml, kOs, kText}},
     {kCli, {kOs, kText}},
