@@ -70,6 +70,8 @@ const std::vector<Arrows> kArrows{
      {kCli, kFiles, kProgramHead, kSettings, kPictures, kScan, kKorvexctl + "health/", kPublic,
       kHeadRequest, kOs, kText}},
     {kKorvexctl, {kPublic, kHeadRequest, kOs, kText}},
+    {"programs/device_service/core/", {kPublic, "src/platform/link/", "src/platform/tunnel/", kOs}},
+    {"programs/device_service/", {kPublic, kOs}},
     {"examples/", {kPublic}},
     {"tests/", {"include/", "src/", "programs/", "tests/"}},
     {"bench/", {"include/", "src/", "programs/", "tests/"}},

@@ -235,6 +235,7 @@ std::set<std::string> Meant(const std::string& words) {
         {"the camera header", {"src/platform/include/zr3DCamera.h"}},
         {"platform/os", {"src/platform/os/"}},
         {"platform/text", {"src/platform/text/"}},
+        {"platform/link", {"src/platform/link/"}},
         {"platform/tunnel", {"src/platform/tunnel/"}},
         {"virtual_head", {"src/virtual_head/"}},
         {"virtual_head/Request.h", {"src/virtual_head/Request.h"}},

@@ -1,0 +1,129 @@
+#include "device_service/core/StatusRepeater.h"
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <chrono>
+#include <mutex>
+#include <utility>
+#include <vector>
+
+#include "platform/os/TimeScale.h"
+#include "support/WaitUntil.h"
+
+namespace Korvex3Sync::tests {
+namespace {
+
+using device_service::StatusRepeater;
+using Status = std::pair<int, int>;
+using Clock = std::chrono::steady_clock;
+
+/// What a repeater has sent, and when.
+class SentStatuses {
+public:
+    StatusRepeater::Send Sink() {
+        return [this](unsigned char a, unsigned char b) {
+            const std::lock_guard lock(m_mutex);
+            m_sent.emplace_back(a, b);
+            m_times.push_back(Clock::now());
+        };
+    }
+    std::vector<Status> Sent() const {
+        const std::lock_guard lock(m_mutex);
+        return m_sent;
+    }
+    std::vector<Clock::time_point> Times() const {
+        const std::lock_guard lock(m_mutex);
+        return m_times;
+    }
+    bool WaitFor(std::size_t count) const {
+        return support::WaitUntil([&] { return Sent().size() >= count; });
+    }
+
+private:
+    mutable std::mutex m_mutex;
+    std::vector<Status> m_sent;
+    std::vector<Clock::time_point> m_times;
+};
+
+class StatusRepeaterTest : public testing::Test {
+protected:
+    StatusRepeaterTest() { EXPECT_TRUE(m_repeater.Start()); }
+
+    SentStatuses m_sent;
+    StatusRepeater m_repeater{m_sent.Sink()};
+};
+
+TEST_F(StatusRepeaterTest, HandsEachStatusOnAtOnce) {
+    m_repeater.Begin();
+    m_repeater.Polled(3, 4);
+    EXPECT_EQ(m_sent.Sent().front(), Status(3, 4));
+    m_repeater.Polled(255, 255);
+    EXPECT_EQ(m_sent.Sent().back(), Status(255, 255));
+}
+
+TEST_F(StatusRepeaterTest, RepeatsTheLastOne) {
+    const os::ScopedTimeScale fast(0.05);
+    m_repeater.Begin();
+    m_repeater.Polled(1, 2);
+    m_repeater.Polled(5, 6);
+    ASSERT_TRUE(m_sent.WaitFor(5));
+    const auto sent = m_sent.Sent();
+    EXPECT_EQ(sent[0], Status(1, 2));
+    for (std::size_t i = 1; i < 5; ++i) {
+        EXPECT_EQ(sent[i], Status(5, 6)) << i;
+    }
+}
+
+TEST_F(StatusRepeaterTest, FallsSilentWhenPollsAreNotFreshAnyMore) {
+    const os::ScopedTimeScale fast(0.1);  // fresh for 100 ms
+    m_repeater.Begin();
+    const auto polled = Clock::now();
+    m_repeater.Polled(1, 2);
+    ASSERT_TRUE(support::WaitUntil(
+        [&] { return Clock::now() - m_sent.Times().back() > std::chrono::milliseconds(500); }));
+    EXPECT_LT(m_sent.Times().back() - polled, std::chrono::milliseconds(500));
+    const std::size_t before = m_sent.Sent().size();
+    m_repeater.Polled(3, 4);
+    ASSERT_TRUE(m_sent.WaitFor(before + 3));
+    EXPECT_EQ(m_sent.Sent().back(), Status(3, 4));
+}
+
+TEST_F(StatusRepeaterTest, BridgesThePollsThatANewCallbackSkips) {
+    // In real time: fresh for 1000 ms, and for 1800 ms after another Begin.
+    m_repeater.Begin();
+    m_repeater.Polled(1, 2);
+    m_repeater.Begin();
+    const auto begun = Clock::now();
+    EXPECT_TRUE(support::WaitUntil(
+        [&] { return m_sent.Times().back() - begun > std::chrono::milliseconds(1400); }));
+    EXPECT_EQ(m_sent.Sent().back(), Status(1, 2));
+}
+
+TEST_F(StatusRepeaterTest, SendsNothingAfterAStop) {
+    const os::ScopedTimeScale fast(0.02);
+    m_repeater.Begin();
+    m_repeater.Polled(1, 2);
+    ASSERT_TRUE(m_sent.WaitFor(3));
+    m_repeater.Stop();
+    const std::size_t stopped = m_sent.Sent().size();
+    m_repeater.Polled(7, 7);                                         // a poll that was on its way
+    const auto end = Clock::now() + std::chrono::milliseconds(100);  // a hundred repetitions
+    ASSERT_TRUE(support::WaitUntil([&] { return Clock::now() > end; }));
+    EXPECT_EQ(m_sent.Sent().size(), stopped);
+    // A new start does not repeat what was before.
+    m_repeater.Begin();
+    EXPECT_EQ(m_sent.Sent().size(), stopped);
+    m_repeater.Polled(8, 9);
+    ASSERT_TRUE(m_sent.WaitFor(stopped + 2));
+    EXPECT_EQ(m_sent.Sent()[stopped], Status(8, 9));
+    EXPECT_EQ(m_sent.Sent()[stopped + 1], Status(8, 9));
+}
+
+TEST_F(StatusRepeaterTest, IgnoresPollsBeforeItBegins) {
+    m_repeater.Polled(1, 2);
+    EXPECT_TRUE(m_sent.Sent().empty());
+}
+
+}  // namespace
+}  // namespace Korvex3Sync::tests
