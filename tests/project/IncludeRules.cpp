@@ -45,6 +45,7 @@ const std::vector<Arrows> kArrows{
      {kPublic, "src/camera/", kBoardHeader, "src/platform/include/USBTREE.h", kBoardFacts,
       kFrameLayout, kOs}},
     {"src/camera/", {kPublic, "src/platform/include/zr3DCamera.h", kBoardFacts, kFrameLayout, kOs}},
+    {kHeaders + "SyncInterface.h", {kPublic, kHeaders}},
     {kHeaders, {}},
     {kOs, {}},
     {kText, {}},

@@ -237,6 +237,7 @@ std::set<std::string> Meant(const std::string& words) {
         {"platform/text", {"src/platform/text/"}},
         {"platform/link", {"src/platform/link/"}},
         {"platform/tunnel", {"src/platform/tunnel/"}},
+        {"src/platform/include/SyncInterface.h", {"src/platform/include/SyncInterface.h"}},
         {"virtual_head", {"src/virtual_head/"}},
         {"virtual_head/Request.h", {"src/virtual_head/Request.h"}},
         {"board/protocol", {"src/platform/board/protocol/"}},

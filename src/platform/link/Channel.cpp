@@ -45,12 +45,14 @@ Channel::Channel(std::unique_ptr<QLocalSocket> socket, Role own, Role expected, 
     }
 }
 
-Channel* Channel::Connect(const QString& path, Role own, Role expected, Events events) {
+std::unique_ptr<Channel> Channel::Connect(const QString& path, Role own, Role expected,
+                                          Events events) {
     auto socket = std::make_unique<QLocalSocket>();
     QLocalSocket& connecting = *socket;
-    auto* const channel = new Channel(std::move(socket), own, expected, std::move(events));
+    auto channel = std::make_unique<Channel>(std::move(socket), own, expected, std::move(events));
     QMetaObject::invokeMethod(
-        channel, [&connecting, path] { connecting.connectToServer(path); }, Qt::QueuedConnection);
+        channel.get(), [&connecting, path] { connecting.connectToServer(path); },
+        Qt::QueuedConnection);
     return channel;
 }
 

@@ -19,7 +19,8 @@ int TimerInterval(std::chrono::milliseconds nominal);
 
 /// One end of a connection, on the thread of an IoLoop. It checks who the other end is, exchanges
 /// the first messages within a limit, and closes the connection at the first message that is not
-/// one. Its owner may close it in any of its events, but must delete it with deleteLater.
+/// one. Its owner may close it in any of its events, but must delete it after them
+/// (IoLoop::DeleteLater).
 class Channel : public QObject {
 public:
     struct Events {
@@ -37,7 +38,8 @@ public:
     Channel(std::unique_ptr<QLocalSocket> socket, Role own, Role expected, Events events);
 
     /// Connects a new channel to a socket of the file system.
-    static Channel* Connect(const QString& path, Role own, Role expected, Events events);
+    static std::unique_ptr<Channel> Connect(const QString& path, Role own, Role expected,
+                                            Events events);
 
     /// Sends a message; the system takes what it can at once.
     void Send(const QByteArray& message);

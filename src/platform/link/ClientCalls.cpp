@@ -117,11 +117,8 @@ bool ClientCalls::WaitForConnection(const CalledOperation& operation, Time deadl
         operation.waitsForConnection
             ? deadline
             : std::min(deadline, std::chrono::steady_clock::now() + os::Scaled(kWaitForAttempt));
-    const auto mayCome = [&] {
-        return m_state == State::Trying ||
-               (m_state == State::Waiting && operation.waitsForConnection);
-    };
-    while (!m_closing && mayCome()) {
+    const bool patient = operation.waitsForConnection;
+    while (!m_closing && (m_state == State::Trying || (patient && m_state == State::Waiting))) {
         if (!m_changed.WaitUntil(m_mutex, end)) {
             break;
         }
@@ -146,21 +143,22 @@ void ClientCalls::StartIfStopped() {
 
 void ClientCalls::Started() {
     m_connection = std::make_unique<ClientConnection>(
-        m_target, ClientConnection::Events{
-                      [this] { SetState(State::Trying); }, [this] { SetState(State::Waiting); },
-                      [this] {
-                          SetState(State::Connected);
-                          if (m_sinks.connection) {
-                              m_sinks.connection(true);
-                          }
-                      },
-                      [this] {
-                          SetState(State::Waiting);
-                          if (m_sinks.connection) {
-                              m_sinks.connection(false);
-                          }
-                      },
-                      [this](Message& message) { return TakeMessage(message); }});
+        m_loop, m_target,
+        ClientConnection::Events{[this] { SetState(State::Trying); },
+                                 [this] { SetState(State::Waiting); },
+                                 [this] {
+                                     SetState(State::Connected);
+                                     if (m_sinks.connection) {
+                                         m_sinks.connection(true);
+                                     }
+                                 },
+                                 [this] {
+                                     SetState(State::Waiting);
+                                     if (m_sinks.connection) {
+                                         m_sinks.connection(false);
+                                     }
+                                 },
+                                 [this](Message& message) { return TakeMessage(message); }});
 }
 
 void ClientCalls::Woken() {

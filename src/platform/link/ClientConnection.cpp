@@ -23,8 +23,8 @@ QString QtPath(const std::filesystem::path& path) {
 
 }  // namespace
 
-ClientConnection::ClientConnection(Client::Target target, Events events)
-    : m_target(target), m_events(std::move(events)) {
+ClientConnection::ClientConnection(IoLoop& loop, Client::Target target, Events events)
+    : m_loop(loop), m_target(target), m_events(std::move(events)) {
     for (QTimer* const timer : {&m_next, &m_attemptLimit}) {
         timer->setSingleShot(true);
         timer->setTimerType(Qt::PreciseTimer);
@@ -38,7 +38,6 @@ ClientConnection::ClientConnection(Client::Target target, Events events)
 ClientConnection::~ClientConnection() {
     if (m_channel != nullptr) {
         m_channel->Close();
-        delete m_channel;
     }
 }
 
@@ -136,7 +135,7 @@ void ClientConnection::Fail(const std::string& reason) {
 void ClientConnection::EndChannel() {
     if (m_channel != nullptr) {
         m_channel->Close();
-        std::exchange(m_channel, nullptr)->deleteLater();
+        m_loop.DeleteLater(std::move(m_channel));
     }
 }
 

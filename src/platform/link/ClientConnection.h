@@ -8,6 +8,7 @@
 
 #include "platform/link/Channel.h"
 #include "platform/link/Client.h"
+#include "platform/link/IoLoop.h"
 
 namespace Korvex3Sync::link {
 
@@ -23,7 +24,7 @@ public:
         std::function<std::string(Message&)> message;
     };
 
-    ClientConnection(Client::Target target, Events events);
+    ClientConnection(IoLoop& loop, Client::Target target, Events events);
     ~ClientConnection();
     ClientConnection(const ClientConnection&) = delete;
     ClientConnection& operator=(const ClientConnection&) = delete;
@@ -43,11 +44,12 @@ private:
     void EndChannel();
     const char* TargetName() const;
 
+    IoLoop& m_loop;
     const Client::Target m_target;
     const Events m_events;
     QTimer m_next;
     QTimer m_attemptLimit;
-    Channel* m_channel = nullptr;  // to the hub, then to the target
+    std::unique_ptr<Channel> m_channel;  // to the hub, then to the target
     bool m_connected = false;
     std::string m_lastReason;  // a failure that repeats is logged once
 };

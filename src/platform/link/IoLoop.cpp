@@ -1,12 +1,16 @@
 #include "platform/link/IoLoop.h"
 
+#include <QAbstractEventDispatcher>
 #include <QCoreApplication>
-#include <QEvent>
+#include <QEventLoop>
 
+#include <atomic>
 #include <exception>
+#include <thread>
 #include <utility>
+#include <vector>
 
-#include "platform/os/Cancellation.h"
+#include "platform/os/CriticalSection.h"
 #include "platform/os/Log.h"
 
 namespace Korvex3Sync::link {
@@ -25,66 +29,79 @@ void RunGuarded(const std::function<void()>& work) {
 
 }  // namespace
 
-class IoLoop::Runner : public QThread {
+/// What the thread of the loop shares with those that wake and end it.
+class IoLoop::Running {
 public:
-    Runner() { setObjectName("k3sync-link"); }
+    /// Before the thread starts.
+    void Prepare() {
+        os::MutexGuard lock(m_mutex);
+        m_ended = false;
+        m_woken = false;
+    }
 
-    void SetWork(Work work) { m_work = std::move(work); }
+    void Run(const Work& work) {
+        m_thread = std::this_thread::get_id();
+        QEventLoop loop;
+        QAbstractEventDispatcher* const dispatcher = QAbstractEventDispatcher::instance();
+        SetDispatcher(dispatcher);
+        RunGuarded(work.started);
+        if (dispatcher != nullptr) {  // else the application has just ended
+            bool woken = false;
+            while (Continues(woken)) {
+                if (woken) {
+                    RunGuarded(work.woken);
+                }
+                m_dead.clear();
+                // Not exec(): an end that comes just before it would get lost.
+                loop.processEvents(QEventLoop::WaitForMoreEvents);
+            }
+        }
+        SetDispatcher(nullptr);
+        RunGuarded(work.stopping);
+        m_dead.clear();
+        m_thread = std::thread::id();
+    }
 
     void Wake() {
         os::MutexGuard lock(m_mutex);
-        if (m_receiver != nullptr && !m_posted) {
-            m_posted = true;
-            // Posted under the lock: this orders its creation before its end on the other thread.
-            QCoreApplication::postEvent(m_receiver, new QEvent(QEvent::User));
+        if (!std::exchange(m_woken, true) && m_dispatcher != nullptr) {
+            m_dispatcher->wakeUp();
         }
     }
 
-protected:
-    void run() override {
-        const os::CancellationOff cancellation;
-        Receiver receiver(*this);
-        SetReceiver(&receiver);
-        RunGuarded(m_work.started);
-        exec();
-        SetReceiver(nullptr);
-        RunGuarded(m_work.stopping);
+    void End() {
+        os::MutexGuard lock(m_mutex);
+        m_ended = true;
+        if (m_dispatcher != nullptr) {
+            m_dispatcher->wakeUp();
+        }
     }
+
+    void DeleteLater(std::unique_ptr<QObject> object) { m_dead.push_back(std::move(object)); }
+
+    bool IsCurrent() const { return m_thread == std::this_thread::get_id(); }
 
 private:
-    class Receiver : public QObject {
-    public:
-        explicit Receiver(Runner& runner) : m_runner(runner) {}
-
-        bool event(QEvent* event) override {
-            if (event->type() != QEvent::User) {
-                return QObject::event(event);
-            }
-            {
-                os::MutexGuard lock(m_runner.m_mutex);
-                m_runner.m_posted = false;
-            }
-            RunGuarded(m_runner.m_work.woken);
-            return true;
-        }
-
-    private:
-        Runner& m_runner;
-    };
-
-    void SetReceiver(Receiver* receiver) {
+    void SetDispatcher(QAbstractEventDispatcher* dispatcher) {
         os::MutexGuard lock(m_mutex);
-        m_receiver = receiver;
-        m_posted = false;
+        m_dispatcher = dispatcher;
     }
 
-    Work m_work;
+    bool Continues(bool& woken) {
+        os::MutexGuard lock(m_mutex);
+        woken = std::exchange(m_woken, false);
+        return !m_ended;
+    }
+
+    std::atomic<std::thread::id> m_thread{};
+    std::vector<std::unique_ptr<QObject>> m_dead;  // the loop's thread only
     os::Mutex m_mutex;
-    Receiver* m_receiver KORVEX_GUARDED_BY(m_mutex) = nullptr;
-    bool m_posted KORVEX_GUARDED_BY(m_mutex) = false;
+    QAbstractEventDispatcher* m_dispatcher KORVEX_GUARDED_BY(m_mutex) = nullptr;
+    bool m_woken KORVEX_GUARDED_BY(m_mutex) = false;
+    bool m_ended KORVEX_GUARDED_BY(m_mutex) = false;
 };
 
-IoLoop::IoLoop() : m_runner(std::make_shared<Runner>()) {}
+IoLoop::IoLoop() : m_running(std::make_shared<Running>()) {}
 
 IoLoop::~IoLoop() {
     Stop();
@@ -97,33 +114,33 @@ bool IoLoop::Start(Work work, std::string& reason) {
         return false;
     }
     Stop();
-    m_runner->SetWork(std::move(work));
-    m_applicationEnd =
-        QObject::connect(application, &QObject::destroyed, [runner = m_runner] { runner->quit(); });
-    m_runner->start();
-    if (!m_runner->isRunning() && !m_runner->isFinished()) {
+    m_running->Prepare();
+    m_applicationEnd = QObject::connect(application, &QObject::destroyed,
+                                        [running = m_running] { running->End(); });
+    if (!m_thread.Start([running = m_running, work = std::move(work)] { running->Run(work); })) {
+        QObject::disconnect(m_applicationEnd);
         reason = "the system provides no thread";
         return false;
     }
     return true;
 }
 
-bool IoLoop::Running() const {
-    return m_runner->isRunning();
-}
-
 void IoLoop::Stop() {
     QObject::disconnect(m_applicationEnd);
-    m_runner->quit();
-    m_runner->wait();
+    m_running->End();
+    m_thread.Join();
+}
+
+void IoLoop::DeleteLater(std::unique_ptr<QObject> object) {
+    m_running->DeleteLater(std::move(object));
 }
 
 void IoLoop::Wake() {
-    m_runner->Wake();
+    m_running->Wake();
 }
 
 bool IoLoop::IsCurrent() const {
-    return QThread::currentThread() == m_runner.get();
+    return m_running->IsCurrent();
 }
 
 }  // namespace Korvex3Sync::link

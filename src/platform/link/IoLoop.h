@@ -1,12 +1,12 @@
 #pragma once
 
-#include <QThread>
+#include <QObject>
 
 #include <functional>
 #include <memory>
 #include <string>
 
-#include "platform/os/CriticalSection.h"
+#include "platform/os/Thread.h"
 
 namespace Korvex3Sync::link {
 
@@ -32,18 +32,21 @@ public:
     /// The loop also ends by itself when the QCoreApplication is destroyed; then it can be started
     /// again.
     bool Start(Work work, std::string& reason);
-    bool Running() const;
     /// Ends the loop and waits for `stopping`.
     void Stop();
     /// Makes the loop call `woken`, once for wake-ups that arrive before it does. Any thread.
     void Wake();
+    /// Deletes an object once the loop has left its events. On the loop's thread.
+    void DeleteLater(std::unique_ptr<QObject> object);
     /// Whether the calling thread is the loop's.
     bool IsCurrent() const;
 
 private:
-    class Runner;
-    std::shared_ptr<Runner> m_runner;
+    class Running;
+
+    const std::shared_ptr<Running> m_running;
     QMetaObject::Connection m_applicationEnd;
+    os::Thread m_thread;
 };
 
 }  // namespace Korvex3Sync::link

@@ -134,7 +134,6 @@ void ServerPeers::Stopping() {
     Woken();  // the last answers
     for (auto& [client, peer] : m_peers) {
         peer.channel->Close();
-        delete peer.channel;
     }
     m_peers.clear();
     m_server.reset();
@@ -151,12 +150,12 @@ void ServerPeers::OnConnection() {
             continue;
         }
         const ClientId client = ++m_lastClient;
-        m_peers[client].channel =
-            new Channel(std::move(owned), m_role, Role::Client,
-                        {[this, client](long process) { OnReady(client, process); },
-                         [this, client](Message& message) { return TakeCall(client, message); },
-                         [this, client](const std::string& fault) { OnClosed(client, fault); },
-                         [this, client] { NoteUnsent(client); }});
+        m_peers[client].channel = std::make_unique<Channel>(
+            std::move(owned), m_role, Role::Client,
+            Channel::Events{[this, client](long process) { OnReady(client, process); },
+                            [this, client](Message& message) { return TakeCall(client, message); },
+                            [this, client](const std::string& fault) { OnClosed(client, fault); },
+                            [this, client] { NoteUnsent(client); }});
     }
 }
 
@@ -199,7 +198,7 @@ std::string ServerPeers::TakeCall(ClientId client, Message& message) {
 void ServerPeers::OnClosed(ClientId client, const std::string& fault) {
     const auto found = m_peers.find(client);
     const bool cameBefore = found->second.ready;
-    found->second.channel->deleteLater();
+    m_loop.DeleteLater(std::move(found->second.channel));
     m_peers.erase(found);
     std::uint64_t lost = 0;
     {

@@ -38,7 +38,7 @@ public:
 private:
     /// A connection, on the I/O thread.
     struct Peer {
-        Channel* channel = nullptr;
+        std::unique_ptr<Channel> channel;
         bool ready = false;
         std::size_t running = 0;  // calls without an answer yet
     };
