@@ -3,7 +3,9 @@
 #include <Korvex3Sync/Korvex3Sync.h>
 
 #include <array>
+#include <limits>
 #include <memory>
+#include <optional>
 #include <tuple>
 
 #include "device_service/core/Cameras.h"
@@ -15,6 +17,37 @@ namespace {
 
 /// One page of the board's user memory.
 constexpr std::size_t kPageBytes = 256;
+
+/// Where an exported function puts a result.
+template <class T>
+class Output {
+public:
+    explicit Output(T& result) : m_result(result) {}
+    operator T&() { return m_result; }
+
+private:
+    T& m_result;
+};
+
+/// The same for a result that is missing if the function leaves it as it is.
+template <>
+class Output<std::optional<int>> {
+public:
+    explicit Output(std::optional<int>& result) : m_result(result) {}
+    ~Output() {
+        if (m_value != kUntouched) {
+            m_result = m_value;
+        }
+    }
+    Output(const Output&) = delete;
+    Output& operator=(const Output&) = delete;
+    operator int&() { return m_value; }
+
+private:
+    static constexpr int kUntouched = std::numeric_limits<int>::min();
+    std::optional<int>& m_result;
+    int m_value = kUntouched;
+};
 
 /// Adds operations whose first argument is the id of the client's device.
 class DeviceTable {
@@ -39,7 +72,7 @@ public:
             const auto withArguments = [&](const qint64&, const auto&... arguments) {
                 return std::apply(
                     [&](auto&... results) {
-                        return function(device.Handle(), arguments..., results...);
+                        return function(device.Handle(), arguments..., Output(results)...);
                     },
                     out);
             };

@@ -63,6 +63,7 @@ public:
                                               const QString& projectorId, QString& version);
     Korvex3Sync::RETSTATUS getConnectCameraCount(qint64 id, int& count);
     Korvex3Sync::RETSTATUS getCameraSerialNumber(qint64 id, int camOrder, QString& serial);
+    /// A camera that does not answer leaves the outputs as they are.
     Korvex3Sync::RETSTATUS getCameraResolution(qint64 id, int camOrder, int& width, int& height);
     /// `index` is the page (0 to 15). The text is the page's bytes as Latin-1, 256 at most.
     Korvex3Sync::RETSTATUS writeUserInfomation(qint64 id, int index, const QString& text);
@@ -94,6 +95,7 @@ public:
     /// Exposure in milliseconds.
     Korvex3Sync::RETSTATUS setCameraExposureAndGain(qint64 id, int camOrder, double exposure,
                                                     int gain);
+    /// A camera that does not answer gives the exposure 0 and leaves `gain` as it is.
     Korvex3Sync::RETSTATUS getCameraExposureAndGain(qint64 id, int camOrder, double& exposure,
                                                     int& gain);
     /// Starts or stops the status messages (sendMessage).

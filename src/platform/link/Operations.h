@@ -5,6 +5,7 @@
 
 #include <chrono>
 #include <cstdint>
+#include <optional>
 #include <tuple>
 #include <utility>
 #include <vector>
@@ -68,7 +69,9 @@ struct GetConnectCameraCount : Operation<8, Values<qint64>, Values<int>> {
 struct GetCameraSerialNumber : Operation<9, Values<qint64, int>, Values<QString>> {
     static constexpr const char* kName = "getCameraSerialNumber";
 };
-struct GetCameraResolution : Operation<10, Values<qint64, int>, Values<int, int>> {
+/// Width and height; missing if the camera does not answer.
+struct GetCameraResolution
+    : Operation<10, Values<qint64, int>, Values<std::optional<int>, std::optional<int>>> {
     static constexpr const char* kName = "getCameraResolution";
 };
 struct WriteUserInfomation : Operation<11, Values<qint64, int, QString>, Values<>> {
@@ -136,7 +139,9 @@ struct SetDistanceIndicate : Operation<30, Values<qint64, DISTANCESTATUS>, Value
 struct SetCameraExposureAndGain : Operation<31, Values<qint64, int, double, int>, Values<>> {
     static constexpr const char* kName = "setCameraExposureAndGain";
 };
-struct GetCameraExposureAndGain : Operation<32, Values<qint64, int>, Values<double, int>> {
+/// Exposure and gain; the gain is missing if the camera does not answer.
+struct GetCameraExposureAndGain
+    : Operation<32, Values<qint64, int>, Values<double, std::optional<int>>> {
     static constexpr const char* kName = "getCameraExposureAndGain";
 };
 struct SetStatusCallBackFunction : Operation<33, Values<qint64, bool>, Values<>> {

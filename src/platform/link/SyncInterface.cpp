@@ -3,7 +3,9 @@
 #include <algorithm>
 #include <cstddef>
 #include <exception>
+#include <optional>
 #include <tuple>
+#include <utility>
 
 #include "platform/link/Client.h"
 #include "platform/link/SnapshotImages.h"
@@ -19,6 +21,26 @@ void EmitSignal(SyncInterface& owner, const link::Signal& signal) {
     Q_EMIT(owner.*send)(signal.pluginName, signal.name, signal.list, signal.version);
 }
 
+template <class T>
+void Assign(T& output, T& result) {
+    output = std::move(result);
+}
+
+/// A missing result leaves the output as it is.
+template <class T>
+void Assign(T& output, const std::optional<T>& result) {
+    output = result.value_or(output);
+}
+
+template <class... Outputs, class... Results>
+void AssignAll(std::tuple<Outputs&...> outputs, std::tuple<Results...>& results) {
+    std::apply(
+        [&](auto&... output) {
+            std::apply([&](auto&... result) { (Assign(output, result), ...); }, results);
+        },
+        outputs);
+}
+
 /// Calls an operation; `out` ties its outputs. No exception may cross the interface.
 template <class Op, class... Results, class... Arguments>
 RETSTATUS Call(link::Client& client, std::tuple<Results&...> out, const Arguments&... arguments) {
@@ -26,7 +48,7 @@ RETSTATUS Call(link::Client& client, std::tuple<Results&...> out, const Argument
         typename Op::Out results;
         const RETSTATUS status = client.Call<Op>({arguments...}, results);
         if (status == STATUS_SUCCESS) {
-            out = std::move(results);
+            AssignAll(out, results);
         }
         return status;
     } catch (const std::exception& e) {

@@ -6,6 +6,7 @@
 
 #include <bit>
 #include <cstdint>
+#include <optional>
 #include <tuple>
 #include <type_traits>
 #include <utility>
@@ -79,6 +80,25 @@ void Write(ByteWriter& out, const std::pair<A, B>& value) {
 template <class A, class B>
 bool Read(ByteReader& in, std::pair<A, B>& value) {
     return Read(in, value.first) && Read(in, value.second);
+}
+
+/// Whether there is a value, and the value if there is one.
+template <class T>
+void Write(ByteWriter& out, const std::optional<T>& value) {
+    Write(out, value.has_value());
+    if (value) {
+        Write(out, *value);
+    }
+}
+
+template <class T>
+bool Read(ByteReader& in, std::optional<T>& value) {
+    bool present = false;
+    if (!Read(in, present)) {
+        return false;
+    }
+    value.reset();
+    return !present || Read(in, value.emplace());
 }
 
 template <class T>

@@ -1,0 +1,161 @@
+#include "device_service/ServiceSession.h"
+
+#include <QCoreApplication>
+#include <filesystem>
+
+#include "support/WaitUntil.h"
+
+namespace Korvex3Sync::tests {
+namespace {
+
+/// Qt needs one for threads that wait for events.
+class Application : public testing::Environment {
+public:
+    void SetUp() override { m_application.emplace(m_count, m_arguments); }
+    void TearDown() override { m_application.reset(); }
+
+private:
+    int m_count = 1;
+    char m_name[21] = "device_service_tests";
+    char* m_arguments[2] = {m_name, nullptr};
+    std::optional<QCoreApplication> m_application;
+};
+
+[[maybe_unused]] const auto* const kApplication =
+    testing::AddGlobalTestEnvironment(new Application);
+
+}  // namespace
+
+Notice::Notice(const QList<QVariant>& list)
+    : kind(list.value(2).toString()),
+      segments(list.value(3).toStringList()),
+      factor(list.value(4).toInt()),
+      number(list.value(5).toULongLong()),
+      notWritten(list.value(6).toULongLong()),
+      noticesNotSent(list.value(7).toULongLong()),
+      statistics(list.value(8).toList()) {
+    EXPECT_EQ(list.size(), 9);
+}
+
+ServiceClient::ServiceClient() : ServiceClient([](const Notice&) {}) {}
+
+ServiceClient::ServiceClient(std::function<void(const Notice&)> onNotice)
+    : m_onNotice(std::move(onNotice)), m_link(std::make_unique<SyncInterface>()) {
+    // Without a receiver, a slot runs on the thread that emits the signal.
+    QObject::connect(
+        m_link.get(), &SyncInterface::sendCallback,
+        [this](const QString&, const QString&, const QList<QVariant>& list, const QString&) {
+            const Notice notice(list);
+            {
+                const std::lock_guard lock(m_mutex);
+                m_notices.push_back(notice);
+            }
+            m_onNotice(notice);
+        });
+    QObject::connect(
+        m_link.get(), &SyncInterface::sendMessage,
+        [this](const QString&, const QString&, const QList<QVariant>& list, const QString&) {
+            const std::lock_guard lock(m_mutex);
+            m_statuses.push_back({list, std::chrono::steady_clock::now()});
+        });
+    int count = 0;
+    EXPECT_TRUE(support::WaitUntil(
+        [&] { return m_link->getCameraCount("KV00", count) == STATUS_SUCCESS; }));
+}
+
+std::vector<Notice> ServiceClient::Notices() const {
+    const std::lock_guard lock(m_mutex);
+    return m_notices;
+}
+
+std::vector<StatusMessage> ServiceClient::Statuses() const {
+    const std::lock_guard lock(m_mutex);
+    return m_statuses;
+}
+
+bool ServiceClient::WaitForNotices(std::size_t count) const {
+    return support::WaitUntil([&] {
+        const std::lock_guard lock(m_mutex);
+        return m_notices.size() >= count;
+    });
+}
+
+bool ServiceClient::WaitForStatuses(std::size_t count) const {
+    return support::WaitUntil([&] {
+        const std::lock_guard lock(m_mutex);
+        return m_statuses.size() >= count;
+    });
+}
+
+std::vector<std::string> LoggedText::Records() const {
+    const std::lock_guard lock(m_mutex);
+    return m_records;
+}
+
+void LoggedText::send(google::LogSeverity, const char*, const char*, int,
+                      const google::LogMessageTime&, const char* message, std::size_t length) {
+    const std::string record(message, length);
+    if (record.find(m_text) != std::string::npos) {
+        const std::lock_guard lock(m_mutex);
+        m_records.push_back(record);
+    }
+}
+
+ServiceSession::ServiceSession() : m_hub("1", [] {}) {
+    std::string reason;
+    EXPECT_TRUE(m_hub.Listen(reason)) << reason;
+    StartService();
+}
+
+ServiceSession::~ServiceSession() {
+    m_service.reset();
+    EXPECT_EQ(SharedFiles(), std::vector<std::string>{});
+}
+
+virtual_head::HeadDescription ServiceSession::Head() {
+    virtual_head::HeadDescription description;
+    description.cameraBuffers = 4096;
+    description.scene.poses = 2;
+    return description;
+}
+
+void ServiceSession::Request(const virtual_head::HeadDescription& description) {
+    m_head.reset();
+    m_head.emplace(description);
+}
+
+void ServiceSession::StartService() {
+    m_service = std::make_unique<device_service::DeviceService>(
+        device_service::DeviceService::Options{"1.2.3", [] {}, [this] { ++m_stopRequests; }});
+    std::string reason;
+    ASSERT_TRUE(m_service->Start(reason)) << reason;
+}
+
+std::optional<link::ServiceState> ServiceSession::State() {
+    link::Client client;
+    link::GetServiceState::Out state;
+    if (client.Call<link::GetServiceState>({}, state) != STATUS_SUCCESS) {
+        return std::nullopt;
+    }
+    return std::get<0>(state);
+}
+
+bool ServiceSession::WaitUntilFree() {
+    return support::WaitUntil([] {
+        const auto state = State();
+        return state && state->deviceId == 0 && SharedFiles().empty();
+    });
+}
+
+std::vector<std::string> SharedFiles() {
+    std::vector<std::string> names;
+    for (const auto& entry : std::filesystem::directory_iterator("/dev/shm")) {
+        const std::string name = entry.path().filename().string();
+        if (name.starts_with("korvex3sync-")) {
+            names.push_back(name);
+        }
+    }
+    return names;
+}
+
+}  // namespace Korvex3Sync::tests
