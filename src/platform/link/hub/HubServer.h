@@ -7,6 +7,7 @@
 
 #include "platform/link/HubOperations.h"
 #include "platform/link/Server.h"
+#include "platform/os/CriticalSection.h"
 
 namespace Korvex3Sync::link {
 
