@@ -96,8 +96,8 @@ int ExpectWholeHelp(const std::vector<std::string>& command) {
 }
 
 TEST(KorvexctlUsage, EveryHelpHasTheGlobalOptionsAndTheExitCodesOnce) {
-    // korvexctl itself, its commands, and those below profile, user-info and virtual.
-    constexpr int kBelow = 3 + 2 + 1;
+    // korvexctl itself, its commands, and those below profile, user-info, service and virtual.
+    constexpr int kBelow = 3 + 2 + 4 + 1;
     EXPECT_EQ(ExpectWholeHelp({}), 1 + static_cast<int>(korvexctl::Commands().size()) + kBelow);
 }
 

@@ -27,9 +27,11 @@ const std::string kHeaders = "src/platform/include/";
 const std::string kBoardHeader = "src/platform/include/zr3DHandiDLPdev.h";
 const std::string kBoardFacts = "src/platform/include/BoardFacts.h";
 const std::string kFrameLayout = "src/platform/include/PackedFrameLayout.h";
+const std::string kLink = "src/platform/link/";
 const std::string kToml = "src/toml/";
 const std::string kHead = "src/virtual_head/";
 const std::string kHeadRequest = "src/virtual_head/Request.h";
+const std::string kBackground = "programs/background/";
 const std::string kKorvexctl = "programs/korvexctl/";
 const std::string kCli = kKorvexctl + "cli/";
 const std::string kFiles = kKorvexctl + "files/";
@@ -37,6 +39,7 @@ const std::string kProgramHead = kKorvexctl + "head/";
 const std::string kSettings = kKorvexctl + "settings/";
 const std::string kPictures = kKorvexctl + "pictures/";
 const std::string kScan = kKorvexctl + "scan/";
+const std::string kServiceCommands = kKorvexctl + "service/";
 
 const std::vector<Arrows> kArrows{
     {kPublic, {}},
@@ -58,21 +61,24 @@ const std::vector<Arrows> kArrows{
     {"src/platform/tunnel/", {kHeaders, kOs}},
     {"src/platform/link/", {kPublic, kHeaders, "src/platform/tunnel/", kOs}},
     {kHead, {"src/platform/board/protocol/", kHeaders, kToml, kOs, kText}},
+    {kBackground, {kOs}},
+    {"programs/hub/", {kBackground, kLink, kOs}},
     {kCli, {kOs, kText}},
     {kFiles, {kCli, kOs, kText}},
     {kProgramHead, {kCli, kFiles, kPublic, kHeadRequest, kBoardFacts, kFrameLayout, kOs, kText}},
     {kSettings, {kCli, kProgramHead, kPublic, kToml, kOs, kText}},
     {kPictures, {kCli, kFiles, kOs}},
     {kScan, {kCli, kFiles, kProgramHead, kSettings, kPictures, kPublic, kOs}},
+    {kServiceCommands, {kCli, kFiles, kScan, kLink, kOs}},
     {kKorvexctl + "health/",
      {kCli, kFiles, kProgramHead, kSettings, kPictures, kScan, kPublic, kHeadRequest, kBoardFacts,
       kFrameLayout, kOs}},
     {kKorvexctl + "commands/",
-     {kCli, kFiles, kProgramHead, kSettings, kPictures, kScan, kKorvexctl + "health/", kPublic,
-      kHeadRequest, kOs, kText}},
+     {kCli, kFiles, kProgramHead, kSettings, kPictures, kScan, kServiceCommands,
+      kKorvexctl + "health/", kPublic, kHeadRequest, kOs, kText}},
     {kKorvexctl, {kPublic, kHeadRequest, kOs, kText}},
     {"programs/device_service/core/", {kPublic, "src/platform/link/", "src/platform/tunnel/", kOs}},
-    {"programs/device_service/", {kPublic, kOs}},
+    {"programs/device_service/", {kBackground, kPublic, kOs}},
     {"examples/", {kPublic}},
     {"tests/", {"include/", "src/", "programs/", "tests/"}},
     {"bench/", {"include/", "src/", "programs/", "tests/"}},

@@ -29,6 +29,9 @@ constexpr std::array kTable{
     ExitCodeMeaning{ExitCode::NotHealthy, "doctor: fault found; the head cannot scan properly"},
     ExitCodeMeaning{ExitCode::Warnings, "doctor: the head can scan, with warnings"},
     ExitCodeMeaning{ExitCode::SelftestFailed, "selftest: a step failed"},
+    ExitCodeMeaning{ExitCode::ServiceNotRunning,
+                    "service status: hub or service does not run, or does not answer"},
+    ExitCodeMeaning{ExitCode::ServiceFailed, "service: hub or service did not start or end"},
     ExitCodeMeaning{
         ExitCode::Interrupted,
         "interrupted (Ctrl-C, SIGTERM, SIGHUP) and disconnected; reports what is still on"},

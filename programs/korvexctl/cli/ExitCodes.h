@@ -25,6 +25,8 @@ enum class ExitCode : int {
     NotHealthy = 13,
     Warnings = 14,
     SelftestFailed = 15,
+    ServiceNotRunning = 16,
+    ServiceFailed = 17,
     Interrupted = 130
 };
 

@@ -25,6 +25,7 @@ constexpr std::array kCommands{
     Command{"doctor", "Check whether this machine and this head can scan, and what to do if not",
             AddDoctor},
     Command{"selftest", "Test everything that a head can do, step by step", AddSelftest},
+    Command{"service", "Start, show or stop the device service", AddService, false},
     Command{"virtual", "Write a description of a virtual head", AddVirtual, false},
     Command{"help", "Show the help of a command", AddHelp, false},
 };

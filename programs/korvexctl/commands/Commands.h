@@ -48,6 +48,7 @@ RunCommand AddDistance(CLI::App& command);
 RunCommand AddUsb(CLI::App& command);
 RunCommand AddDoctor(CLI::App& command);
 RunCommand AddSelftest(CLI::App& command);
+RunCommand AddService(CLI::App& command);
 RunCommand AddVirtual(CLI::App& command);
 RunCommand AddHelp(CLI::App& command);
 

@@ -1,0 +1,52 @@
+#include "korvexctl/service/ServiceLink.h"
+
+#include "korvexctl/service/ServicePrograms.h"
+#include "korvexctl/service/ServiceStatus.h"
+#include "platform/link/Client.h"
+#include "platform/link/hub/HubQuery.h"
+
+namespace Korvex3Sync::korvexctl {
+
+namespace {
+
+template <class Op>
+bool AskService(typename Op::Out& out) {
+    return link::Client().Call<Op>({}, out) == STATUS_SUCCESS;
+}
+
+}  // namespace
+
+bool HubAnswers() {
+    link::HubState state;
+    return link::QueryHub(state);
+}
+
+bool ServiceAnswers() {
+    link::GetServiceState::Out out;
+    return AskService<link::GetServiceState>(out);
+}
+
+bool AskHubToEnd() {
+    return link::RequestHubStop();
+}
+
+bool AskServiceToEnd() {
+    link::StopService::Out nothing;
+    return AskService<link::StopService>(nothing);
+}
+
+ServiceStatus AskServiceStatus() {
+    ServiceStatus status;
+    status.hub.process = ProcessOf(kHub);
+    status.service.process = ProcessOf(kService);
+    if (link::HubState hub; status.hub.process != 0 && link::QueryHub(hub)) {
+        status.hub.state = std::move(hub);
+    }
+    link::GetServiceState::Out service;
+    if (status.service.process != 0 && AskService<link::GetServiceState>(service)) {
+        status.service.state = std::move(std::get<0>(service));
+    }
+    return status;
+}
+
+}  // namespace Korvex3Sync::korvexctl

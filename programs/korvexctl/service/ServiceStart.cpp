@@ -1,0 +1,186 @@
+#include "korvexctl/service/ServiceStart.h"
+
+#include <QCoreApplication>
+#include <QFileInfo>
+#include <QProcess>
+#include <chrono>
+#include <filesystem>
+#include <functional>
+
+#include "korvexctl/cli/Interrupt.h"
+#include "korvexctl/files/Output.h"
+#include "korvexctl/service/ServiceLink.h"
+#include "korvexctl/service/ServicePrograms.h"
+#include "platform/os/Clock.h"
+#include "platform/os/Process.h"
+
+namespace Korvex3Sync::korvexctl {
+
+namespace {
+
+namespace fs = std::filesystem;
+using Clock = std::chrono::steady_clock;
+
+/// The service prepares its head before it answers.
+constexpr std::chrono::seconds kStartLimit{20};
+constexpr std::chrono::seconds kAnswerLimit{5};
+/// A service that restarts its board ends after that.
+constexpr std::chrono::seconds kEndLimit{10};
+constexpr std::chrono::seconds kUnaskedEndLimit{1};
+constexpr std::chrono::seconds kKillLimit{5};
+constexpr std::chrono::milliseconds kBetweenLooks{10};
+constexpr const char* kHeadVariable = "KORVEX_VIRTUAL_HEAD";
+
+/// The head for a process whose working folder is another one; empty for none.
+QString HeadOfService(const std::string& asked) {
+    const QString head =
+        asked.empty() ? qEnvironmentVariable(kHeadVariable) : QString::fromStdString(asked);
+    return head.isEmpty() || head == "default" ? head : QFileInfo(head).absoluteFilePath();
+}
+
+[[noreturn]] void Fail(const ServiceProgram& program, const std::string& message) {
+    const fs::path log = NewestLogOf(program);
+    throw CommandError(ExitCode::ServiceFailed,
+                       message + (log.empty() ? "" : "; its log is " + log.string()));
+}
+
+std::string ProcessText(long number) {
+    return "process " + std::to_string(number);
+}
+
+/// Waits until the program answers; false at the limit, or when there is no more reason to wait.
+bool AnswersWithin(std::chrono::milliseconds limit, const std::function<bool()>& answers,
+                   const std::function<bool()>& mayAnswer) {
+    const auto end = Clock::now() + os::Scaled(limit);
+    while (!answers()) {
+        EndIfInterrupted();
+        if (Clock::now() > end || !mayAnswer()) {
+            return false;
+        }
+        os::SleepFor(kBetweenLooks);
+    }
+    return true;
+}
+
+/// Where a program's standard error goes while it starts. The file goes with the object.
+class ErrorsOfStart {
+public:
+    explicit ErrorsOfStart(const ServiceProgram& program)
+        : m_file(ServiceLogFolder() / (std::string("start-") + program.word)) {}
+    ~ErrorsOfStart() {
+        std::error_code gone;
+        fs::remove(m_file, gone);
+    }
+    ErrorsOfStart(const ErrorsOfStart&) = delete;
+    ErrorsOfStart& operator=(const ErrorsOfStart&) = delete;
+
+    QString File() const { return QString::fromStdString(m_file.string()); }
+    /// ": " and the last line; empty if there is none.
+    std::string LastWords() const {
+        const std::vector<std::string> lines = LastLines(m_file, 1);
+        return lines.empty() ? "" : ": " + lines.front();
+    }
+
+private:
+    const fs::path m_file;
+};
+
+/// A program that was just started.
+class Started {
+public:
+    Started(const ServiceProgram& program, const QString& virtualHead)
+        : m_program(program), m_errors(program) {
+        const fs::path folder = QCoreApplication::applicationDirPath().toStdString();
+        const fs::path file = folder / program.file;
+        QProcess process;
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        if (!virtualHead.isEmpty()) {
+            environment.insert(kHeadVariable, virtualHead);
+        }
+        process.setProgram(QString::fromStdString(file.string()));
+        process.setWorkingDirectory(QString::fromStdString(folder.string()));
+        process.setProcessEnvironment(environment);
+        process.setStandardInputFile(QProcess::nullDevice());
+        process.setStandardOutputFile(QProcess::nullDevice());
+        process.setStandardErrorFile(m_errors.File());
+        qint64 number = 0;
+        if (!process.startDetached(&number)) {
+            Fail(program, "cannot start " + file.string() +
+                              (fs::is_regular_file(file) ? "" : ": no such file"));
+        }
+        m_number = static_cast<long>(number);
+    }
+
+    void WaitForAnswer(const std::function<bool()>& answers) const {
+        const os::OtherProcess process(m_number);
+        // It ends at once if another one, started at the same time, was faster.
+        const auto mayAnswer = [&] { return process.Runs() || ProcessOf(m_program) != 0; };
+        if (!AnswersWithin(kStartLimit, answers, mayAnswer)) {
+            const bool runs = process.Runs();
+            Fail(m_program,
+                 std::string("the ") + m_program.word +
+                     (runs ? " was started, but does not answer" : " ended during its start") +
+                     m_errors.LastWords());
+        }
+    }
+
+private:
+    const ServiceProgram& m_program;
+    const ErrorsOfStart m_errors;
+    long m_number = 0;
+};
+
+void Start(const ServiceProgram& program, const QString& virtualHead,
+           const std::function<bool()>& answers, Output& output) {
+    const std::string name = std::string("the ") + program.word;
+    const long before = ProcessOf(program);
+    if (before == 0) {
+        Started(program, virtualHead).WaitForAnswer(answers);
+        output.Line(name + " is running, " + ProcessText(ProcessOf(program)));
+        return;
+    }
+    // It may just be starting.
+    if (!AnswersWithin(kAnswerLimit, answers, [&] { return ProcessOf(program) == before; })) {
+        Fail(program, name + ", " + ProcessText(before) +
+                          ", does not answer; korvexctl service stop ends it");
+    }
+    output.Line(name + " was running already, " + ProcessText(before));
+}
+
+void Stop(const ServiceProgram& program, bool (*askToEnd)(), Output& output) {
+    const std::string name = std::string("the ") + program.word;
+    const long number = ProcessOf(program);
+    if (number == 0) {
+        output.Line(name + " was not running");
+        return;
+    }
+    const os::OtherProcess process(number);
+    const bool asked = askToEnd();
+    if (process.WaitForEnd(asked ? kEndLimit : kUnaskedEndLimit)) {
+        output.Line(name + " has ended");
+        return;
+    }
+    if (!process.Is(program.file)) {
+        Fail(program, name + " does not end, and " + ProcessText(number) + " is not " +
+                          program.file + " of this user; it was left alone");
+    }
+    if (!process.Kill() || !process.WaitForEnd(kKillLimit)) {
+        Fail(program, "cannot end " + name + ", " + ProcessText(number));
+    }
+    output.Line(name + " did not end when asked; killed " + ProcessText(number));
+}
+
+}  // namespace
+
+void StartService(const std::string& virtualHead, Output& output) {
+    Start(kHub, {}, HubAnswers, output);
+    Start(kService, HeadOfService(virtualHead), ServiceAnswers, output);
+}
+
+void StopService(Output& output) {
+    // A service that misses its hub would start a new one.
+    Stop(kService, AskServiceToEnd, output);
+    Stop(kHub, AskHubToEnd, output);
+}
+
+}  // namespace Korvex3Sync::korvexctl

@@ -1,0 +1,244 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <csignal>
+#include <filesystem>
+
+#include "korvexctl/Korvexctl.h"
+#include "platform/os/InstanceLock.h"
+#include "platform/os/Process.h"
+#include "support/OwnFolders.h"
+#include "support/WaitUntil.h"
+#include "virtual_head/TestFiles.h"
+
+namespace Korvex3Sync::tests {
+
+namespace {
+
+namespace fs = std::filesystem;
+using ::testing::HasSubstr;
+using ::testing::IsEmpty;
+using ::testing::MatchesRegex;
+
+constexpr int kNotRunning = 16;
+constexpr int kFailed = 17;
+constexpr int kAlreadyRuns = 3;
+
+/// korvexctl with a hub and a service of its own.
+class KorvexctlService : public ::testing::Test {
+protected:
+    ChildOptions Options() const {
+        ChildOptions options;
+        options.environment = m_folders.Environment();
+        return options;
+    }
+    /// Runs `korvexctl service ...`.
+    ChildResult Run(const std::vector<std::string>& words) const {
+        std::vector<std::string> arguments{"service"};
+        arguments.insert(arguments.end(), words.begin(), words.end());
+        return RunKorvexctl(arguments, Options());
+    }
+    nlohmann::json Status() const { return ParseJson(Run({"status", "--json"}).output); }
+    long Holder(const char* lock) const {
+        return os::InstanceLockHolder(m_folders.Runtime() / lock);
+    }
+    std::string Program(const char* name) const {
+        return fs::path(KORVEX_KORVEXCTL).replace_filename(name).string();
+    }
+
+    const OwnFolders m_folders;
+};
+
+TEST_F(KorvexctlService, ThatDoesNotRunIsSaidWithAnExitCodeOfItsOwn) {
+    const ChildResult result = Run({"status"});
+    EXPECT_EQ(result.exitCode, kNotRunning);
+    EXPECT_EQ(result.output, "hub      not running\nservice  not running\n");
+    EXPECT_EQ(result.error,
+              "korvexctl: the hub is not running; start it with: korvexctl service start\n");
+    const nlohmann::json status = Status();
+    for (const char* program : {"hub", "service"}) {
+        EXPECT_EQ(status[program]["running"], false);
+        EXPECT_TRUE(status[program]["pid"].is_null());
+    }
+    EXPECT_EQ(status["error"]["exit_code"], kNotRunning);
+}
+
+TEST_F(KorvexctlService, ThatDoesNotRunIsStoppedWithoutAnError) {
+    const ChildResult result = Run({"stop"});
+    EXPECT_EQ(result.exitCode, 0);
+    EXPECT_EQ(result.output, "the service was not running\nthe hub was not running\n");
+}
+
+TEST_F(KorvexctlService, ThatNeverRanHasNoLog) {
+    const ChildResult result = Run({"log"});
+    EXPECT_EQ(result.exitCode, 0);
+    EXPECT_EQ(result.output, "hub: no log file in " + m_folders.Logs().string() +
+                                 "\nservice: no log file in " + m_folders.Logs().string() + "\n");
+    EXPECT_TRUE(ParseJson(Run({"log", "--json"}).output)["hub"]["file"].is_null());
+}
+
+TEST_F(KorvexctlService, FolderThatOthersMayEnterIsRefused) {
+    fs::create_directory(m_folders.Runtime());
+    fs::permissions(m_folders.Runtime(), fs::perms::all);
+    for (const char* command : {"start", "status", "stop"}) {
+        const ChildResult result = Run({command});
+        EXPECT_EQ(result.exitCode, kFailed) << command;
+        EXPECT_THAT(result.error, HasSubstr(m_folders.Runtime().string())) << command;
+    }
+}
+
+TEST_F(KorvexctlService, RefusedHeadIsSaidBeforeAnythingStarts) {
+    const ChildResult result = RunKorvexctl(
+        {"--virtual=" + (m_folders.Path() / "none.toml").string(), "service", "start"}, Options());
+    constexpr int kHeadRefused = 8;
+    EXPECT_EQ(result.exitCode, kHeadRefused);
+    EXPECT_THAT(m_folders.Processes(), IsEmpty());
+}
+
+/// A korvexctl whose hub and service are what a test makes of them.
+class KorvexctlServiceBeside : public KorvexctlService {
+protected:
+    KorvexctlServiceBeside() {
+        fs::create_directory(m_programs);
+        fs::copy_file(KORVEX_KORVEXCTL, m_programs / "korvexctl");
+    }
+    void WriteScript(const std::string& name, const std::string& text) const {
+        WriteText(m_programs / name, "#!/bin/sh\n" + text);
+        fs::permissions(m_programs / name, fs::perms::owner_all);
+    }
+    ChildResult RunBeside(const std::vector<std::string>& words) const {
+        std::vector<std::string> command{(m_programs / "korvexctl").string(), "service"};
+        command.insert(command.end(), words.begin(), words.end());
+        return RunChild(command, WithoutHead(Options()));
+    }
+
+    const fs::path m_programs = m_folders.Path() / "bin";
+};
+
+TEST_F(KorvexctlServiceBeside, ProgramThatIsMissingIsNamed) {
+    const ChildResult result = RunBeside({"start"});
+    EXPECT_EQ(result.exitCode, kFailed);
+    EXPECT_EQ(result.error,
+              "korvexctl: cannot start " + (m_programs / "hub.exe").string() + ": no such file\n");
+    EXPECT_THAT(m_folders.Processes(), IsEmpty());
+    EXPECT_TRUE(fs::is_empty(m_folders.Logs()));
+}
+
+TEST_F(KorvexctlServiceBeside, ProgramThatEndsAtItsStartIsQuotedWithItsLog) {
+    const fs::path log = m_folders.Logs() / "hub.20260101-000000.1";
+    WriteScript("hub.exe", "echo first >&2; echo 'no \033[1mroom' >&2; touch '" + log.string() +
+                               "'; exit 1\n");
+    const ChildResult result = RunBeside({"start"});
+    EXPECT_EQ(result.exitCode, kFailed);
+    EXPECT_EQ(result.error,
+              "korvexctl: the hub ended during its start: no \\x1B[1mroom; its log is " +
+                  log.string() + "\n");
+    EXPECT_FALSE(fs::exists(m_folders.Logs() / "start-hub"));
+}
+
+TEST_F(KorvexctlServiceBeside, ProgramRunsInItsFolderWithoutArguments) {
+    WriteScript("hub.exe", "echo \"$0 in $(pwd), $# arguments\" >&2; exit 1\n");
+    EXPECT_THAT(RunBeside({"start", "--virtual"}).error,
+                HasSubstr((m_programs / "hub.exe").string() + " in " + m_programs.string() +
+                          ", 0 arguments\n"));
+}
+
+TEST_F(KorvexctlServiceBeside, ForeignProcessThatHoldsTheLockIsLeftAlone) {
+    ASSERT_EQ(Run({"status"}).exitCode, kNotRunning) << "makes the folder";
+    std::error_code error;
+    const os::File lock = os::TakeInstanceLock(m_folders.Runtime() / "service.lock", error);
+    ASSERT_TRUE(lock);
+    const ChildResult result = Run({"stop"});
+    EXPECT_EQ(result.exitCode, kFailed);
+    EXPECT_EQ(result.error, "korvexctl: the service does not end, and process " +
+                                std::to_string(os::CurrentProcess()) +
+                                " is not ZrSyncService.exe of this user; it was left alone\n");
+}
+
+/// With the built hub alone.
+class Hub : public KorvexctlService {
+protected:
+    Hub() : m_hub({Program("hub.exe")}, Options()) {
+        EXPECT_TRUE(support::WaitUntil([this] { return Status()["hub"]["answers"] == true; }));
+    }
+
+    ChildProcess m_hub;
+};
+
+TEST_F(Hub, SaysWhatItIs) {
+    const nlohmann::json hub = Status()["hub"];
+    EXPECT_EQ(hub["running"], true);
+    EXPECT_EQ(hub["pid"], m_hub.Number());
+    EXPECT_GE(hub["uptime_s"].get<int>(), 0);
+    const std::string version = ParseJson(RunKorvexctl({"--version", "--json"}).output)["version"];
+    EXPECT_EQ(hub["version"], version);
+    EXPECT_THAT(Run({"status"}).output,
+                MatchesRegex("hub      process " + std::to_string(m_hub.Number()) +
+                             ", up [0-9]+ s, version " + version + "\nservice  not running\n"));
+}
+
+TEST_F(Hub, RunsOnce) {
+    const ChildResult second = RunChild({Program("hub.exe")}, Options());
+    EXPECT_EQ(second.exitCode, kAlreadyRuns);
+    EXPECT_EQ(second.error,
+              "hub.exe: already running, process " + std::to_string(m_hub.Number()) + "\n");
+    EXPECT_EQ(Status()["hub"]["pid"], m_hub.Number());
+}
+
+TEST_F(Hub, EndsOnRequest) {
+    const ChildResult result = Run({"stop"});
+    EXPECT_EQ(result.exitCode, 0);
+    EXPECT_EQ(result.output, "the service was not running\nthe hub has ended\n");
+    EXPECT_EQ(m_hub.Wait().exitCode, 0);
+    EXPECT_EQ(Holder("hub.lock"), 0);
+    EXPECT_FALSE(fs::exists(m_folders.Runtime() / "hub"));
+}
+
+TEST_F(Hub, EndsWithSigterm) {
+    m_hub.Signal(SIGTERM);
+    EXPECT_EQ(m_hub.Wait().exitCode, 0);
+    EXPECT_FALSE(fs::exists(m_folders.Runtime() / "hub"));
+}
+
+TEST_F(Hub, ThatHangsIsKilled) {
+    m_hub.Signal(SIGSTOP);
+    const ChildResult status = Run({"status"});
+    EXPECT_EQ(status.exitCode, kNotRunning);
+    EXPECT_THAT(status.output, HasSubstr("hub      process " + std::to_string(m_hub.Number()) +
+                                         ", does not answer\n"));
+    const ChildResult result = Run({"stop"});
+    EXPECT_EQ(result.exitCode, 0) << result.error;
+    EXPECT_THAT(result.output, HasSubstr("the hub did not end when asked; killed process " +
+                                         std::to_string(m_hub.Number()) + "\n"));
+    EXPECT_EQ(m_hub.Wait().signal, SIGKILL);
+    // The next one starts over what that one left.
+    ChildProcess next({Program("hub.exe")}, Options());
+    EXPECT_TRUE(support::WaitUntil([&] { return Status()["hub"]["pid"] == next.Number(); }));
+}
+
+TEST_F(Hub, LeavesTheStreamsOfItsStarter) {
+    // The pipes of this test end although the hub runs on.
+    EXPECT_FALSE(m_hub.WaitForOutput("anything"));
+    EXPECT_GT(Holder("hub.lock"), 0);
+}
+
+TEST_F(Hub, WritesALog) {
+    const ChildResult result = Run({"log", "--lines", "1"});
+    const std::string hub = m_folders.Logs().string() + "/hub.";
+    EXPECT_THAT(result.output, MatchesRegex("hub: " + hub +
+                                            "[-0-9.]+\n  I.* hub.* at work.*\n"
+                                            "service: no log file in .*\n"));
+    const nlohmann::json document = ParseJson(Run({"log", "--json"}).output);
+    EXPECT_GT(document["hub"]["lines"].size(), 1U);
+    EXPECT_TRUE(fs::exists(document["hub"]["file"].get<std::string>()));
+}
+
+TEST_F(Hub, TakesNoArguments) {
+    const ChildResult result = RunChild({Program("hub.exe"), "--help"}, Options());
+    EXPECT_EQ(result.exitCode, 2);
+    EXPECT_EQ(result.error, "hub.exe: takes no arguments\n");
+}
+
+}  // namespace
+
+}  // namespace Korvex3Sync::tests
