@@ -11,6 +11,8 @@
 #include <cerrno>
 #include <csignal>
 #include <cstdlib>
+#include <fstream>
+#include <iterator>
 #include <regex>
 
 namespace Korvex3Sync::tests {
@@ -96,6 +98,14 @@ ChildProcess::~ChildProcess() {
 
 void ChildProcess::Signal(int signal) const {
     ASSERT_EQ(::kill(m_pid, signal), 0);
+}
+
+bool ChildProcess::IsStopped() const {
+    std::ifstream file("/proc/" + std::to_string(m_pid) + "/stat");
+    const std::string status{std::istreambuf_iterator<char>(file), {}};
+    // The state follows the name of the program, which is in brackets.
+    const std::size_t name = status.rfind(") ");
+    return name != std::string::npos && status.compare(name + 2, 1, "T") == 0;
 }
 
 bool ChildProcess::ReadSome() {

@@ -41,6 +41,8 @@ public:
     /// Its process number; -1 after its end was waited for.
     pid_t Number() const { return m_pid; }
     void Signal(int signal) const;
+    /// Whether SIGSTOP has stopped it.
+    bool IsStopped() const;
     /// Waits until standard output contains the text; false if the child ends or the deadline
     /// passes first.
     bool WaitForOutput(const std::string& text) { return WaitFor(m_result.output, text); }

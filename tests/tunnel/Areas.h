@@ -3,41 +3,24 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstdint>
-#include <cstdlib>
 #include <cstring>
 #include <filesystem>
 #include <memory>
 #include <optional>
+#include <ostream>
 #include <span>
 #include <string>
+#include <string_view>
 #include <vector>
 
+#include "link/Folders.h"
 #include "platform/tunnel/AreaName.h"
 #include "platform/tunnel/AreaReader.h"
 #include "platform/tunnel/AreaWriter.h"
 
 namespace Korvex3Sync::tests {
-
-/// A runtime folder of its own for this process and the children that it starts, so that no area of
-/// another test has the same file.
-class OwnRuntimeFolder {
-public:
-    OwnRuntimeFolder() {
-        std::string folder = "/tmp/korvex-test-XXXXXX";
-        EXPECT_NE(::mkdtemp(folder.data()), nullptr);
-        m_folder = folder;
-        ::setenv("XDG_RUNTIME_DIR", folder.c_str(), 1);
-    }
-    ~OwnRuntimeFolder() { std::filesystem::remove_all(m_folder); }
-    OwnRuntimeFolder(const OwnRuntimeFolder&) = delete;
-    OwnRuntimeFolder& operator=(const OwnRuntimeFolder&) = delete;
-
-    const std::filesystem::path& Path() const { return m_folder; }
-
-private:
-    std::filesystem::path m_folder;
-};
 
 /// Where the file of an area is.
 inline std::filesystem::path FileOf(const std::string& area) {
@@ -62,40 +45,59 @@ inline std::unique_ptr<tunnel::AreaReader> ReadArea(const std::string& area) {
     return reader;
 }
 
-/// Bytes that follow from the name of a segment, so that a reader can tell whose they are.
-inline std::string BytesFor(const std::string& name, std::size_t size) {
-    std::uint64_t state = tunnel::Checksum(name);
+/// Bytes that follow from a number, which they start with: a reader can tell whether all of them
+/// were written together.
+inline std::string BytesOf(std::uint64_t number, std::size_t size) {
     std::string bytes(size, '\0');
+    std::uint64_t state = number;
     for (std::size_t i = 0; i < size; i += sizeof(state)) {
-        state = state * 6364136223846793005U + 1442695040888963407U;
         std::memcpy(bytes.data() + i, &state, std::min(sizeof(state), size - i));
+        state = state * 6364136223846793005U + 1442695040888963407U;
     }
     return bytes;
 }
 
-/// Writes segments of these names, each with its bytes.
-inline bool WriteNamed(tunnel::AreaWriter& writer, const std::vector<std::string>& names,
-                       std::size_t size) {
-    std::vector<std::string> bytes;
-    for (const std::string& name : names) {
-        bytes.push_back(BytesFor(name, size));
-    }
+/// What a segment holds: the bytes of one number, or not.
+struct Content {
+    std::uint64_t number = 0;
+    std::size_t size = 0;
+    bool whole = false;
+
+    bool operator==(const Content&) const = default;
+};
+
+inline Content Whole(std::uint64_t number, std::size_t size) {
+    return {number, size, true};
+}
+
+inline void PrintTo(const Content& content, std::ostream* out) {
+    *out << content.size << " bytes of " << content.number << (content.whole ? "" : ", torn");
+}
+
+/// Writes segments of these names in one set, each with the bytes of the number.
+inline bool Write(tunnel::AreaWriter& writer, const std::vector<std::string>& names,
+                  std::uint64_t number, std::size_t size) {
+    const std::string bytes = BytesOf(number, size);
     std::vector<tunnel::SegmentBytes> set;
-    for (std::size_t i = 0; i < names.size(); ++i) {
-        set.push_back({names[i], bytes[i].data(), size});
+    for (const std::string& name : names) {
+        set.push_back({name, bytes.data(), size});
     }
     return writer.WriteSet(set);
 }
 
-inline std::string TextOf(const tunnel::PinnedSegment& segment) {
-    const auto bytes = segment.Bytes();
-    return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
+inline Content ContentOf(const tunnel::PinnedSegment& segment) {
+    const std::span<const std::byte> bytes = segment.Bytes();
+    const std::string_view text(reinterpret_cast<const char*>(bytes.data()), bytes.size());
+    Content content{0, bytes.size(), false};
+    std::memcpy(&content.number, bytes.data(), std::min(sizeof(content.number), bytes.size()));
+    content.whole = text == BytesOf(content.number, bytes.size());
+    return content;
 }
 
 /// What a reader finds under a name; nothing if there is no segment.
-inline std::optional<std::string> Found(tunnel::AreaReader& reader, const std::string& name) {
+inline std::optional<Content> Found(tunnel::AreaReader& reader, const std::string& name) {
     const auto segment = reader.Pin(name);
-    return segment ? std::optional(TextOf(*segment)) : std::nullopt;
+    return segment ? std::optional(ContentOf(*segment)) : std::nullopt;
 }
 
 }  // namespace Korvex3Sync::tests

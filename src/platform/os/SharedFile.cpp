@@ -33,6 +33,11 @@ std::string PathOf(const std::string& name) {
     return std::string(kSharedFolder) + "/" + NameStart() + name;
 }
 
+bool BelongsToThisUserAlone(const struct stat& status) {
+    return S_ISREG(status.st_mode) && status.st_uid == ::geteuid() &&
+           (status.st_mode & kOtherUsers) == 0;
+}
+
 bool SameFile(const struct stat& one, const struct stat& other) {
     return one.st_dev == other.st_dev && one.st_ino == other.st_ino;
 }
@@ -87,8 +92,7 @@ SharedFile SharedFile::Open(const std::string& name, std::error_code& error) {
         error = SystemError(errno);
         return {};
     }
-    if (!S_ISREG(status.st_mode) || status.st_uid != ::geteuid() ||
-        (status.st_mode & kOtherUsers) != 0) {
+    if (!BelongsToThisUserAlone(status)) {
         error = SystemError(EACCES);
         return {};
     }
@@ -142,7 +146,8 @@ SharedFile::State SharedFile::Now() const {
     if (::fstat(m_file.Descriptor(), &status) != 0) {
         return {};
     }
-    return {status.st_nlink > 0, static_cast<std::uint64_t>(status.st_size)};
+    return {status.st_nlink > 0 && BelongsToThisUserAlone(status),
+            static_cast<std::uint64_t>(status.st_size)};
 }
 
 bool SharedFile::LockForReading(std::uint64_t place) const {

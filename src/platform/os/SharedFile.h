@@ -59,7 +59,9 @@ public:
     void DropName(const std::string& name) const;
 
     struct State {
-        bool named = false;  ///< false after another file has taken the name or the name is removed
+        /// It has a name and belongs to this user alone. False after another file has taken the
+        /// name, the name is removed, or others may open the file.
+        bool usable = false;
         std::uint64_t size = 0;
     };
     State Now() const;

@@ -122,7 +122,7 @@ bool AreaWriter::MakeArea(OtherWriter other, std::string& reason) {
 
 bool AreaWriter::Intact() const {
     const os::SharedFile::State state = m_file.Now();
-    if (!state.named || state.size != m_shape.FileSize() ||
+    if (!state.usable || state.size != m_shape.FileSize() ||
         LoadWords<HeaderWords>(m_mapping.Data()) != m_header) {
         return false;
     }

@@ -44,7 +44,7 @@ bool OpenArea::LongEnough() const {
 
 bool OpenArea::Current() const {
     const os::SharedFile::State state = m_file.Now();
-    return state.named && state.size == m_shape.FileSize() &&
+    return state.usable && state.size == m_shape.FileSize() &&
            LoadWords<HeaderWords>(m_mapping.Data()) == EncodeHeader(m_shape);
 }
 

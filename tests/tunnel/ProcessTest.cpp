@@ -1,0 +1,210 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <csignal>
+#include <random>
+
+#include "support/BlockingCall.h"
+#include "support/ChildProcess.h"
+#include "support/Seed.h"
+#include "support/WaitUntil.h"
+#include "tunnel/Areas.h"
+
+namespace Korvex3Sync::tests {
+
+namespace {
+
+using support::WaitUntil;
+using ::testing::Optional;
+
+constexpr std::size_t kPeerBytes = 1000000;
+constexpr std::size_t kPeerSegments = 6;
+
+std::vector<std::string> Peer(const std::vector<std::string>& words) {
+    std::vector<std::string> command{KORVEX_TUNNEL_PEER};
+    command.insert(command.end(), words.begin(), words.end());
+    return command;
+}
+
+std::vector<std::string> WritingPeer() {
+    return Peer({"write", "images", std::to_string(kPeerSegments), std::to_string(kPeerBytes)});
+}
+
+class Processes : public ::testing::Test {
+protected:
+    /// The file of the area as this test has opened it; stays when the name goes.
+    static os::SharedFile OpenFile() {
+        std::string reason;
+        std::error_code error;
+        os::SharedFile file = os::SharedFile::Open(tunnel::SharedNameOf("images", reason), error);
+        EXPECT_FALSE(error) << error.message();
+        return file;
+    }
+
+    /// Reads until so many whole segments were seen; false if one is torn or none comes.
+    bool SeeWholeSegments(int count) {
+        bool whole = true;
+        return WaitUntil([&] {
+                   if (const auto bytes = Found(*m_reader, "b")) {
+                       whole = whole && bytes->whole;
+                       --count;
+                   }
+                   return count <= 0 || !whole;
+               }) &&
+               whole;
+    }
+
+    Folders m_folders;
+    std::unique_ptr<tunnel::AreaReader> m_reader = ReadArea("images");
+};
+
+bool AnyEntryLocked(const os::SharedFile& file) {
+    for (std::size_t entry = 0; entry < kPeerSegments; ++entry) {
+        if (file.LockedElsewhere(tunnel::EntryLock(entry))) {
+            return true;
+        }
+    }
+    return false;
+}
+
+/// Stops the writer while it holds locks of entries; false if that does not happen.
+bool StopInASet(const ChildProcess& writer, const os::SharedFile& file) {
+    return WaitUntil([&] {
+        writer.Signal(SIGSTOP);
+        if (WaitUntil([&] { return writer.IsStopped(); }) && AnyEntryLocked(file)) {
+            return true;
+        }
+        writer.Signal(SIGCONT);
+        return false;
+    });
+}
+
+TEST_F(Processes, ReadWhatAnotherOneWrites) {
+    ChildProcess writer(WritingPeer());
+    ASSERT_TRUE(writer.WaitForOutput("writing"));
+    EXPECT_TRUE(SeeWholeSegments(100));
+}
+
+TEST_F(Processes, KilledAtAnyMomentLeaveNothingTornAndNothingBehind) {
+    std::mt19937 random(support::Seed());
+    for (int round = 0; round < 20; ++round) {
+        ChildProcess writer(WritingPeer());
+        ASSERT_TRUE(writer.WaitForOutput("writing"));
+        ASSERT_TRUE(SeeWholeSegments(std::uniform_int_distribution<int>(1, 20)(random)));
+        writer.Signal(SIGKILL);
+        writer.Wait();
+        // What the writer left is whole or is not found.
+        for (const char* name : {"a", "b", "c"}) {
+            if (const auto bytes = Found(*m_reader, name)) {
+                EXPECT_TRUE(bytes->whole);
+            }
+        }
+    }
+    tunnel::AreaWriter::ReclaimStaleAreas();
+    EXPECT_FALSE(std::filesystem::exists(FileOf("images")));
+}
+
+TEST_F(Processes, KilledWithALockReleaseIt) {
+    for (int round = 0; round < 3; ++round) {
+        ChildProcess writer(WritingPeer());
+        ASSERT_TRUE(writer.WaitForOutput("writing"));
+        const os::SharedFile file = OpenFile();
+        ASSERT_TRUE(StopInASet(writer, file));
+        writer.Signal(SIGKILL);
+        writer.Wait();
+        EXPECT_FALSE(AnyEntryLocked(file));
+        EXPECT_FALSE(file.LockedElsewhere(tunnel::kOwnerLock));
+        for (const char* name : {"a", "b", "c"}) {
+            if (const auto bytes = Found(*m_reader, name)) {
+                EXPECT_TRUE(bytes->whole);
+            }
+        }
+        // The next one starts as if nothing had happened.
+        const auto next = MakeArea("images", kPeerSegments, kPeerBytes);
+        ASSERT_TRUE(Write(*next, {"a", "b", "c", "d", "e", "f"}, 5, kPeerBytes));
+        EXPECT_THAT(Found(*m_reader, "f"), Optional(Whole(5, kPeerBytes)));
+    }
+}
+
+TEST_F(Processes, StoppedWithALockDoNotStopAReader) {
+    ChildProcess writer(WritingPeer());
+    ASSERT_TRUE(writer.WaitForOutput("writing"));
+    const os::SharedFile file = OpenFile();
+    ASSERT_TRUE(StopInASet(writer, file));
+    // Three of six places are locked; the set before is in the others.
+    const support::BlockingCall calls([&] {
+        for (const char* name : {"a", "b", "c"}) {
+            if (const auto bytes = Found(*m_reader, name)) {
+                EXPECT_TRUE(bytes->whole);
+            }
+        }
+    });
+    EXPECT_TRUE(calls.WaitUntilReturned());
+    EXPECT_TRUE(AnyEntryLocked(file));
+    writer.Signal(SIGCONT);
+    EXPECT_TRUE(SeeWholeSegments(10));
+}
+
+TEST_F(Processes, KilledWithAPinGiveItsPlaceBack) {
+    const auto writer = MakeArea("images", 3, kPeerBytes);
+    ASSERT_TRUE(Write(*writer, {"a", "b", "c"}, 1, kPeerBytes));
+    ChildProcess holder(Peer({"hold", "images", "b"}));
+    ASSERT_TRUE(holder.WaitForOutput("holding"));
+    for (int number = 2; number < 10; ++number) {
+        EXPECT_FALSE(Write(*writer, {"d", "e", "f"}, number, kPeerBytes));
+        EXPECT_TRUE(Write(*writer, {"d", "e"}, number, kPeerBytes));
+        EXPECT_THAT(Found(*m_reader, "b"), Optional(Whole(1, kPeerBytes)));
+    }
+    holder.Signal(SIGKILL);
+    holder.Wait();
+    EXPECT_TRUE(Write(*writer, {"d", "e", "f"}, 10, kPeerBytes));
+    EXPECT_EQ(Found(*m_reader, "b"), std::nullopt);
+}
+
+TEST_F(Processes, StoppedWithAPinCostTheWriterOnePlace) {
+    const auto writer = MakeArea("images", 4, kPeerBytes);
+    ASSERT_TRUE(Write(*writer, {"x"}, 1, kPeerBytes));
+    ChildProcess holder(Peer({"hold", "images", "x"}));
+    ASSERT_TRUE(holder.WaitForOutput("holding"));
+    holder.Signal(SIGSTOP);
+    for (int number = 2; number < 10; ++number) {
+        ASSERT_TRUE(Write(*writer, {"a", "b", "c"}, number, kPeerBytes));
+        EXPECT_THAT(Found(*m_reader, "c"), Optional(Whole(number, kPeerBytes)));
+    }
+}
+
+TEST_F(Processes, LeaveTheAreasOfLivingOnesAlone) {
+    ChildProcess living(WritingPeer());
+    ASSERT_TRUE(living.WaitForOutput("writing"));
+    ChildProcess dead(Peer({"write", "other", "3", "1000"}));
+    ASSERT_TRUE(dead.WaitForOutput("writing"));
+    ASSERT_TRUE(std::filesystem::exists(FileOf("other")));
+    dead.Signal(SIGKILL);
+    dead.Wait();
+    const auto writer = MakeArea("third", 3, kPeerBytes);
+    EXPECT_FALSE(std::filesystem::exists(FileOf("other")));
+    EXPECT_TRUE(SeeWholeSegments(10));
+    // Stopped is not dead.
+    living.Signal(SIGSTOP);
+    tunnel::AreaWriter::ReclaimStaleAreas();
+    EXPECT_TRUE(std::filesystem::exists(FileOf("images")));
+    EXPECT_TRUE(std::filesystem::exists(FileOf("third")));
+}
+
+TEST_F(Processes, ReplaceTheAreaOfOneThatHangs) {
+    ChildProcess hung(WritingPeer());
+    ASSERT_TRUE(hung.WaitForOutput("writing"));
+    hung.Signal(SIGSTOP);
+    const auto next = MakeArea("images", 3, kPeerBytes);
+    ASSERT_TRUE(Write(*next, {"n"}, 8, kPeerBytes));
+    EXPECT_THAT(Found(*m_reader, "n"), Optional(Whole(8, kPeerBytes)));
+    hung.Signal(SIGCONT);
+    for (int i = 0; i < 20; ++i) {
+        ASSERT_TRUE(Write(*next, {"n"}, 9 + i, kPeerBytes));
+        EXPECT_THAT(Found(*m_reader, "n"), Optional(Whole(9 + i, kPeerBytes)));
+    }
+}
+
+}  // namespace
+
+}  // namespace Korvex3Sync::tests
