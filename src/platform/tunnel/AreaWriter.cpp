@@ -2,7 +2,6 @@
 
 #include <glog/logging.h>
 
-#include <algorithm>
 #include <atomic>
 #include <cstring>
 #include <random>
@@ -155,12 +154,13 @@ bool AreaWriter::Restore() {
 
 bool AreaWriter::Fits(std::span<const SegmentBytes> set) const {
     std::set<std::string_view> names;
-    const bool valid = std::ranges::all_of(set, [&](const SegmentBytes& segment) {
-        return SegmentNameIsAllowed(segment.name) && names.insert(segment.name).second &&
-               segment.data != nullptr && segment.size >= 1 &&
-               segment.size <= m_shape.bytesPerEntry;
-    });
-    return valid && !set.empty() && set.size() <= m_shape.entries;
+    for (const SegmentBytes& segment : set) {
+        if (!SegmentNameIsAllowed(segment.name) || !names.insert(segment.name).second ||
+            segment.data == nullptr || segment.size < 1 || segment.size > m_shape.bytesPerEntry) {
+            return false;
+        }
+    }
+    return !set.empty() && set.size() <= m_shape.entries;
 }
 
 std::vector<std::size_t> AreaWriter::LockEntries(std::size_t count) {
