@@ -165,6 +165,24 @@ TEST(RunPicture, OneLongGapDoesNotFlattenTheRest) {
                 AllOf(HasSubstr(">1 ms<"), HasSubstr(">10 ms<"), HasSubstr(">1000 ms<")));
 }
 
+TEST(RunPicture, MarksRoundTimes) {
+    RunHistory history;
+    for (int i = 0; i < 80; ++i) {
+        history.Add(Set(i, i * 0.1));
+    }
+    EXPECT_THAT(DrawRun(history, {}),
+                AllOf(HasSubstr(">1 s<"), HasSubstr(">8 s<"), Not(HasSubstr(">0.8 s<"))));
+}
+
+TEST(RunPicture, OfIntervalsBelowAMillisecondHasAScale) {
+    RunHistory history;
+    for (int i = 0; i < 100; ++i) {
+        history.Add(Set(i, i * 0.00001));
+    }
+    history.Add(Set(100, 0.0015));
+    EXPECT_THAT(DrawRun(history, {}), HasSubstr(">0.6 ms<"));
+}
+
 TEST(SetsTable, HasALineForEachSetAndAppearsWhole) {
     const TemporaryFolder folder;
     const auto file = folder.Path() / "sets.csv";

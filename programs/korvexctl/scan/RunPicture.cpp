@@ -4,6 +4,7 @@
 #include <array>
 #include <cmath>
 #include <functional>
+#include <initializer_list>
 #include <iomanip>
 #include <sstream>
 #include <utility>
@@ -40,10 +41,11 @@ std::string NumberText(double number) {
     return text.str();
 }
 
-/// The next round number.
-double NiceCeiling(double number) {
+/// The next number with one of these leading digits.
+double NiceCeiling(double number,
+                   std::initializer_list<double> leading = {1, 1.5, 2, 3, 4, 5, 6, 8}) {
     const double power = std::pow(10, std::floor(std::log10(number)));
-    for (const double step : {1.0, 1.5, 2.0, 3.0, 4.0, 5.0, 6.0, 8.0}) {
+    for (const double step : leading) {
         if (number <= step * power) {
             return step * power;
         }
@@ -90,7 +92,7 @@ private:
 
     void DrawTimeAxis() {
         constexpr double kMostSteps = 10;
-        const double step = NiceCeiling(m_seconds / kMostSteps);
+        const double step = NiceCeiling(m_seconds / kMostSteps, {1, 2, 5});
         for (int i = 0; i * step <= m_seconds; ++i) {
             const double time = i * step;
             m_svg.Line(TimeX(time), Bottom(), TimeX(time), Bottom() + 4, kAxis);
@@ -180,8 +182,9 @@ private:
         }
         // One long gap would flatten everything else.
         constexpr double kFarAbove = 5;
-        if (longest > kFarAbove * sum / count) {
-            DrawIntervalScale(1, NiceCeiling(longest));
+        constexpr double kShortest = 1;
+        if (longest > std::max(kFarAbove * sum / count, kShortest)) {
+            DrawIntervalScale(kShortest, NiceCeiling(longest));
         } else {
             DrawIntervalScale(0, NiceCeiling(longest));
         }
