@@ -12,7 +12,6 @@ namespace {
 
 constexpr std::uint64_t kMagic = 0x4B33'5455'4E4E'454C;
 constexpr std::uint64_t kLayoutVersion = 1;
-constexpr std::size_t kPage = 4096;
 
 constexpr std::size_t kEntriesWord = 3;
 constexpr std::size_t kBytesWord = 4;

@@ -21,7 +21,8 @@ constexpr std::size_t kMostEntries = 4096;
 constexpr std::size_t kMostBytesPerEntry = std::size_t{1} << 30U;
 constexpr std::size_t kLongestSegmentName = 63;
 
-constexpr std::size_t kDirectoryOffset = 4096;
+constexpr std::size_t kPage = 4096;
+constexpr std::size_t kDirectoryOffset = kPage;
 
 /// Held by the writer as long as it lives.
 constexpr std::uint64_t kOwnerLock = std::uint64_t{1} << 62U;

@@ -100,6 +100,12 @@ bool AreaWriter::MakeArea(OtherWriter other, std::string& reason) {
     if (!error) {
         mapping = file.Map(m_shape.FileSize(), error);
     }
+    if (!error && all) {
+        // The system clears memory at its first use. Not while the first sets are written.
+        for (std::size_t page = 0; page < m_shape.FileSize(); page += kPage) {
+            mapping.Data()[page] = std::byte{0};
+        }
+    }
     if (!error) {
         // From the moment that it has a name, the area is complete and has an owner.
         m_header = EncodeHeader(m_shape);
