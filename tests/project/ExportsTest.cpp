@@ -79,6 +79,16 @@ TEST(Exports, AreTheDeclaredFunctionsAndNothingElse) {
     EXPECT_TRUE(exported.contains("ConnectDevice"));
 }
 
+TEST(Exports, OfTheServiceClientAreItsOneClass) {
+    bool hasSignals = false;
+    for (const std::string& symbol : ExportsOf(KORVEX_SYNC_INTERFACE)) {
+        EXPECT_TRUE(symbol.starts_with("SyncInterface::") || symbol.ends_with(" for SyncInterface"))
+            << symbol;
+        hasSignals = hasSignals || symbol.starts_with("SyncInterface::sendCallback(");
+    }
+    EXPECT_TRUE(hasSignals);
+}
+
 TEST(Exports, AClassOrAnotherNamespaceWouldBeNoticed) {
     EXPECT_EQ(ExportedFunction("Korvex3Sync::Project(void* const&)"), "Project");
     EXPECT_EQ(ExportedFunction("Korvex3Sync::sync::IManagerSync::Open(int)"), "");

@@ -39,27 +39,9 @@ Channel::Channel(std::unique_ptr<QLocalSocket> socket, Role own, Role expected, 
     });
     connect(m_socket.get(), &QLocalSocket::errorOccurred, this, &Channel::OnLost);
     connect(m_socket.get(), &QLocalSocket::disconnected, this, &Channel::OnLost);
-    if (m_socket->state() == QLocalSocket::ConnectedState) {
-        // Later, because the owner does not know this channel yet.
-        QMetaObject::invokeMethod(this, &Channel::OnConnected, Qt::QueuedConnection);
-    }
-}
-
-std::unique_ptr<Channel> Channel::Connect(const QString& path, Role own, Role expected,
-                                          Events events) {
-    auto socket = std::make_unique<QLocalSocket>();
-    QLocalSocket& connecting = *socket;
-    auto channel = std::make_unique<Channel>(std::move(socket), own, expected, std::move(events));
-    QMetaObject::invokeMethod(
-        channel.get(), [&connecting, path] { connecting.connectToServer(path); },
-        Qt::QueuedConnection);
-    return channel;
 }
 
 void Channel::OnConnected() {
-    if (m_closed) {
-        return;
-    }
     const std::optional<os::Peer> peer = os::PeerOf(m_socket->socketDescriptor());
     if (!peer || !peer->sameUser) {
         return Fail("the other end belongs to another user");
@@ -94,11 +76,15 @@ void Channel::OnLost() {
 
 void Channel::Close() {
     if (!m_closed) {
-        m_closed = true;
-        m_helloLimit.stop();
-        m_socket->disconnect(this);
+        Silence();
         m_socket->abort();
     }
+}
+
+void Channel::Silence() {
+    m_closed = true;
+    m_helloLimit.stop();
+    m_socket->disconnect(this);
 }
 
 void Channel::OnReadable() {
@@ -152,8 +138,9 @@ std::string Channel::TakeHello(ByteSpan bytes) {
 
 void Channel::Fail(const std::string& fault) {
     if (!m_closed) {
-        Close();
+        Silence();
         m_events.closed(fault);
+        m_socket->abort();
     }
 }
 

@@ -34,12 +34,13 @@ public:
         std::function<void()> written;
     };
 
-    /// Takes over a socket that is connected or about to connect.
+    /// Takes over a socket. No event before Start or Connect.
     Channel(std::unique_ptr<QLocalSocket> socket, Role own, Role expected, Events events);
 
-    /// Connects a new channel to a socket of the file system.
-    static std::unique_ptr<Channel> Connect(const QString& path, Role own, Role expected,
-                                            Events events);
+    /// Starts with a socket that is connected.
+    void Start() { OnConnected(); }
+    /// Connects the socket to one of the file system.
+    void Connect(const QString& path) { m_socket->connectToServer(path); }
 
     /// Sends a message; the system takes what it can at once.
     void Send(const QByteArray& message);
@@ -56,6 +57,7 @@ private:
     std::string Take(ByteSpan bytes);
     std::string TakeHello(ByteSpan bytes);
     void Fail(const std::string& fault);
+    void Silence();
 
     const std::unique_ptr<QLocalSocket> m_socket;
     const Role m_own;

@@ -68,12 +68,11 @@ void ClientConnection::ConnectHub() {
     if (m_target == Client::Target::Hub) {
         return ConnectTarget(QtPath(path), Role::Hub);
     }
-    m_channel =
-        Channel::Connect(QtPath(path), Role::Client, Role::Hub,
-                         {[this](long) { AskHub(); },
-                          [this](Message& message) { return TakeHubAnswer(message); },
-                          [this](const std::string& fault) { Fail("hub: " + Reason(fault)); },
-                          {}});
+    Open(QtPath(path), Role::Hub,
+         {[this](long) { AskHub(); },
+          [this](Message& message) { return TakeHubAnswer(message); },
+          [this](const std::string& fault) { Fail("hub: " + Reason(fault)); },
+          {}});
 }
 
 void ClientConnection::AskHub() {
@@ -101,18 +100,23 @@ std::string ClientConnection::TakeHubAnswer(const Message& message) {
 }
 
 void ClientConnection::ConnectTarget(const QString& path, Role role) {
-    m_channel = Channel::Connect(path, Role::Client, role,
-                                 {[this](long process) {
-                                      m_attemptLimit.stop();
-                                      m_connected = true;
-                                      m_lastReason.clear();
-                                      LOG(INFO) << "Connected to the " << TargetName()
-                                                << " (process " << process << ")";
-                                      m_events.connected();
-                                  },
-                                  m_events.message,
-                                  [this](const std::string& fault) { Fail(Reason(fault)); },
-                                  {}});
+    Open(path, role,
+         {[this](long process) {
+              m_attemptLimit.stop();
+              m_connected = true;
+              m_lastReason.clear();
+              LOG(INFO) << "Connected to the " << TargetName() << " (process " << process << ")";
+              m_events.connected();
+          },
+          m_events.message,
+          [this](const std::string& fault) { Fail(Reason(fault)); },
+          {}});
+}
+
+void ClientConnection::Open(const QString& path, Role role, Channel::Events events) {
+    m_channel = std::make_unique<Channel>(std::make_unique<QLocalSocket>(), Role::Client, role,
+                                          std::move(events));
+    m_channel->Connect(path);
 }
 
 void ClientConnection::Fail(const std::string& reason) {

@@ -40,6 +40,7 @@ private:
     void AskHub();
     std::string TakeHubAnswer(const Message& message);
     void ConnectTarget(const QString& path, Role role);
+    void Open(const QString& path, Role role, Channel::Events events);
     void Fail(const std::string& reason);
     void EndChannel();
     const char* TargetName() const;

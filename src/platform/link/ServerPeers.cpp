@@ -150,12 +150,15 @@ void ServerPeers::OnConnection() {
             continue;
         }
         const ClientId client = ++m_lastClient;
-        m_peers[client].channel = std::make_unique<Channel>(
+        auto channel = std::make_unique<Channel>(
             std::move(owned), m_role, Role::Client,
             Channel::Events{[this, client](long process) { OnReady(client, process); },
                             [this, client](Message& message) { return TakeCall(client, message); },
                             [this, client](const std::string& fault) { OnClosed(client, fault); },
                             [this, client] { NoteUnsent(client); }});
+        Channel& started = *channel;
+        m_peers[client].channel = std::move(channel);
+        started.Start();
     }
 }
 
