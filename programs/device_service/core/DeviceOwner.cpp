@@ -11,6 +11,8 @@ namespace Korvex3Sync::device_service {
 namespace {
 
 constexpr std::chrono::milliseconds kWaitForClosing{2000};
+/// A host that is started again may be faster than the news of its end.
+constexpr std::chrono::milliseconds kWaitForEnd{300};
 
 /// Ids of one service begin at a random multiple of 2^32, so that the ids of an earlier service are
 /// not met again.
@@ -67,31 +69,36 @@ void DeviceOwner::Gone(ClientId client) {
 }
 
 bool DeviceOwner::Claim(ClientId client) {
-    const auto deadline = std::chrono::steady_clock::now() + os::Scaled(kWaitForClosing);
+    const auto now = std::chrono::steady_clock::now();
+    const auto ownerDeadline = now + os::Scaled(kWaitForEnd);
+    const auto deadline = now + os::Scaled(kWaitForClosing);
     const os::MutexGuard guard(m_mutex);
     while (true) {
-        const auto process = m_clients.find(client);
-        if (m_end || process == m_clients.end()) {
+        const auto found = m_clients.find(client);
+        if (m_end || found == m_clients.end()) {
             return false;
         }
+        const long process = found->second;  // the entry may go during a wait
         if (m_state == State::Free) {
             m_state = State::Opening;
             m_owner = client;
-            m_ownerProcess = process->second;
+            m_ownerProcess = process;
             return true;
         }
         if (m_state != State::Closing && m_owner != client) {
-            KORVEX_LOG_ERROR(kServiceLog)
-                << "client " << process->second << " may not connect: client " << m_ownerProcess
-                << " has the device";
+            if (m_changed.WaitUntil(m_mutex, ownerDeadline)) {
+                continue;
+            }
+            KORVEX_LOG_ERROR(kServiceLog) << "client " << process << " may not connect: client "
+                                          << m_ownerProcess << " has the device";
             return false;
         }
         if (m_state == State::Open) {
-            KORVEX_LOG(kServiceLog) << "client " << process->second << " connects anew";
+            KORVEX_LOG(kServiceLog) << "client " << process << " connects anew";
             CloseDevice();
         } else if (!m_changed.WaitUntil(m_mutex, deadline)) {
             KORVEX_LOG_ERROR(kServiceLog)
-                << "client " << process->second << " cannot connect yet: the device of client "
+                << "client " << process << " cannot connect yet: the device of client "
                 << m_ownerProcess << " is still being "
                 << (m_state == State::Closing ? "closed" : "opened");
             return false;

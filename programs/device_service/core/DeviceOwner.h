@@ -49,8 +49,8 @@ public:
     void Gone(ClientId client);
 
     /// Opens a device for the client and sets `id`. A device that the client has already is closed
-    /// before. Waits up to 2 s while a device is being closed; then, and if another client has the
-    /// device, it gives 0.
+    /// before. Gives 0 if another client has the device, after 0.3 s, or if a device is still being
+    /// closed after 2 s.
     RETSTATUS Connect(ClientId client, const std::string& type, std::int64_t& id);
     /// Closes the device of the client; 6 for any other id.
     RETSTATUS Disconnect(ClientId client, std::int64_t id);

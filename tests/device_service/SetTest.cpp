@@ -1,0 +1,305 @@
+#include <gmock/gmock.h>
+
+#include <atomic>
+#include <set>
+
+#include "device_service/ServiceSession.h"
+#include "device_service/Sets.h"
+#include "device_service/core/Signals.h"
+#include "platform/os/Event.h"
+#include "support/Deadline.h"
+#include "support/WaitUntil.h"
+
+namespace Korvex3Sync::tests {
+namespace {
+
+using testing::Contains;
+using testing::Key;
+
+/// A figure of direct mode in a notice.
+std::uint64_t FigureOf(const Notice& notice, const std::string& name) {
+    const auto figures = device_service::Figures();
+    EXPECT_EQ(static_cast<std::size_t>(notice.statistics.size()), figures.size());
+    for (std::size_t i = 0; i < figures.size(); ++i) {
+        if (figures[i].name == name) {
+            return notice.statistics.value(static_cast<int>(i)).toULongLong();
+        }
+    }
+    ADD_FAILURE() << "no figure " << name;
+    return 0;
+}
+
+class SetTest : public ServiceSession {
+protected:
+    /// Connects a client and lets it have the sets.
+    static void Connect(ServiceClient& client) {
+        ASSERT_EQ(client.Connect(), STATUS_SUCCESS);
+        ASSERT_EQ(client->setScanCallBackFunction(client.Id(), true), STATUS_SUCCESS);
+    }
+    static void Trigger(ServiceClient& client, CAMERA_TRIGGER_MODE mode, int periodMs) {
+        ASSERT_EQ(client->setVideoTriggerPeriod(client.Id(), periodMs), STATUS_SUCCESS);
+        ASSERT_EQ(client->enableVideoTrigger(client.Id(), mode, true), STATUS_SUCCESS);
+    }
+    static void TriggerOff(ServiceClient& client) {
+        ASSERT_EQ(client->enableVideoTrigger(client.Id(), TRIGGER_PATTERN, false), STATUS_SUCCESS);
+    }
+    /// Stops the sets: afterwards all notices have arrived.
+    static void StopSets(ServiceClient& client) {
+        ASSERT_EQ(client->setScanCallBackFunction(client.Id(), false), STATUS_SUCCESS);
+    }
+    /// Waits until the head's frames have become sets.
+    bool WaitForDelivery() {
+        return support::WaitUntil([&] {
+            const auto counts = TheHead().Counts();
+            return counts.color.fetched == counts.color.handed &&
+                   counts.mono.fetched == counts.mono.handed;
+        });
+    }
+
+    SetReader m_reader;
+};
+
+TEST_F(SetTest, AHundredASecondArriveCompleteWithTheirPixels) {
+    Request();
+    const DirectWitness witness;
+    std::mutex mutex;
+    std::vector<std::optional<SetPixels>> read;
+    ServiceClient client([&](const Notice& notice) {
+        const auto set = m_reader.Read(notice);
+        const std::lock_guard lock(mutex);
+        read.push_back(set);
+    });
+    Connect(client);
+    ASSERT_EQ(client->enableBlueLaser(client.Id(), LASER_WORK_MODE_0, true), STATUS_SUCCESS);
+    Trigger(client, TRIGGER_LASER_LINES_COLOR, 10);
+    constexpr std::size_t kSets = 200;
+    ASSERT_TRUE(client.WaitForNotices(kSets));
+    TriggerOff(client);
+    ASSERT_TRUE(WaitForDelivery());
+    StopSets(client);
+    const auto notices = client.Notices();
+    ASSERT_EQ(notices.size(), TheHead().Counts().triggers);
+    ASSERT_TRUE(witness.WaitForSets(notices.size()));
+    const auto expected = witness.Sets();
+    std::set<QString> names;
+    const std::lock_guard lock(mutex);
+    ASSERT_EQ(read.size(), notices.size());
+    for (std::size_t i = 0; i < notices.size(); ++i) {
+        EXPECT_EQ(notices[i].kind, "ColorImage");
+        EXPECT_EQ(notices[i].segments.size(), 3);
+        EXPECT_EQ(notices[i].factor, 1);
+        EXPECT_EQ(notices[i].number, i + 1);
+        ASSERT_TRUE(read[i].has_value()) << i;
+        EXPECT_EQ(*read[i], expected[i]) << i;
+        EXPECT_EQ(read[i]->key, i % 256) << i;
+        names.insert(notices[i].segments.begin(), notices[i].segments.end());
+    }
+    EXPECT_EQ(names.size(), 3 * notices.size()) << "a name was used twice";
+    EXPECT_EQ(notices.back().notWritten, 0U);
+    EXPECT_EQ(notices.back().noticesNotSent, 0U);
+}
+
+TEST_F(SetTest, AGreySetHasTwoImages) {
+    Request();
+    const DirectWitness witness;
+    ServiceClient client;
+    Connect(client);
+    Trigger(client, TRIGGER_PATTERN, 20);
+    ASSERT_TRUE(client.WaitForNotices(3));
+    TriggerOff(client);
+    const Notice notice = client.Notices().back();
+    EXPECT_EQ(notice.kind, "GrayImage");
+    EXPECT_EQ(notice.segments.size(), 2);
+    const auto set = m_reader.Read(notice);
+    ASSERT_TRUE(set.has_value());
+    ASSERT_TRUE(witness.WaitForSets(notice.number));
+    EXPECT_EQ(*set, witness.Sets()[notice.number - 1]);
+}
+
+TEST_F(SetTest, ASlowReaderGetsWholeSetsOrNoneAndEveryTriggerIsAccountedFor) {
+    virtual_head::HeadDescription description = Head();
+    description.faults = {
+        {.order = {.kind = virtual_head::FaultKind::LoseBoth, .times = 3}, .atTrigger = 40}};
+    Request(description);
+    const DirectWitness witness;
+    ServiceClient client;
+    Connect(client);
+    Trigger(client, TRIGGER_LASER_LINES_COLOR, 10);
+    // Reads nothing until many sets have come, then all of them, the oldest first.
+    std::size_t begun = 0;
+    std::uint64_t overwritten = 0;
+    std::map<std::uint64_t, SetPixels> read;
+    for (int round = 0; round < 4; ++round) {
+        ASSERT_TRUE(client.WaitForNotices(begun + 30));
+        const auto notices = client.Notices();
+        for (; begun < notices.size(); ++begun) {
+            if (const auto set = m_reader.Read(notices[begun])) {
+                read[notices[begun].number] = *set;
+            } else {
+                ++overwritten;
+            }
+        }
+    }
+    TriggerOff(client);
+    ASSERT_TRUE(WaitForDelivery());
+    StopSets(client);
+    const auto notices = client.Notices();
+    for (; begun < notices.size(); ++begun) {
+        if (const auto set = m_reader.Read(notices[begun])) {
+            read[notices[begun].number] = *set;
+        } else {
+            ++overwritten;
+        }
+    }
+    EXPECT_GT(overwritten, 0U);
+    ASSERT_TRUE(witness.WaitForSets(notices.back().number));
+    const auto expected = witness.Sets();
+    for (const auto& [number, set] : read) {
+        EXPECT_EQ(set, expected[number - 1]) << number;
+    }
+    const Notice& last = notices.back();
+    EXPECT_EQ(last.number, read.size() + overwritten + last.notWritten + last.noticesNotSent);
+    EXPECT_EQ(last.number, notices.size());
+    EXPECT_EQ(FigureOf(last, "setsDelivered") + 1, last.number) << "this set counts later";
+    EXPECT_EQ(FigureOf(last, "missingKeys"), 3U);
+    EXPECT_EQ(TheHead().Counts().triggers, last.number + 3);
+}
+
+TEST_F(SetTest, ASetWithoutAFreePlaceIsCounted) {
+    Request();
+    ServiceClient client;
+    Connect(client);
+    Trigger(client, TRIGGER_LASER_LINES_COLOR, 10);
+    // Holds each segment that it is told of, until there is no room for a set.
+    ASSERT_TRUE(client.WaitForNotices(1));
+    ASSERT_TRUE(support::WaitUntil([&] {
+        m_reader.Hold(client.Notices().back());
+        const auto state = State();
+        return state && !state->losses.empty() &&
+               std::any_of(state->losses.begin(), state->losses.end(), [](const auto& loss) {
+                   return loss.first == "setsNotWritten" && loss.second > 5;
+               });
+    }));
+    const std::size_t before = client.Notices().size();
+    m_reader.LetGo();
+    ASSERT_TRUE(client.WaitForNotices(before + 5));
+    TriggerOff(client);
+    ASSERT_TRUE(WaitForDelivery());
+    StopSets(client);
+    const auto notices = client.Notices();
+    const Notice& last = notices.back();
+    EXPECT_GT(last.notWritten, 5U);
+    EXPECT_EQ(last.number, notices.size() + last.notWritten);
+    EXPECT_EQ(last.number, TheHead().Counts().triggers);
+    EXPECT_TRUE(m_reader.Read(last).has_value());
+}
+
+TEST_F(SetTest, NoticesThatTheClientDoesNotTakeAreCountedAndNothingWaitsForIt) {
+    Request();
+    os::Event entered;
+    os::Event go;
+    ServiceClient client([&](const Notice&) {
+        entered.Set();
+        go.Wait();
+    });
+    Connect(client);
+    Trigger(client, TRIGGER_PATTERN, 2);
+    ASSERT_EQ(entered.Wait(kDeadline), os::WaitResult::Signalled);
+    std::uint64_t lost = 0;
+    const bool counted = support::WaitUntil([&] {
+        const auto state = State();
+        for (const auto& [place, count] : state->losses) {
+            lost = place == "noticesNotSent" ? count : lost;
+        }
+        return lost > 20;
+    });
+    go.Set();
+    ASSERT_TRUE(counted);
+    // The client takes notices again.
+    ASSERT_TRUE(support::WaitUntil([&] { return client.Notices().back().noticesNotSent > 20; }));
+    TriggerOff(client);
+    ASSERT_TRUE(WaitForDelivery());
+    StopSets(client);
+    const auto notices = client.Notices();
+    const Notice& last = notices.back();
+    EXPECT_GT(last.noticesNotSent, 20U);
+    EXPECT_EQ(last.number, notices.size() + last.noticesNotSent + last.notWritten);
+    // Without colour the newest set waits for the next trigger.
+    EXPECT_EQ(last.number + 1, TheHead().Counts().triggers);
+    EXPECT_EQ(FigureOf(last, "missingKeys"), 0U) << "direct mode waited for the client";
+}
+
+TEST_F(SetTest, AStopIsAnsweredAfterAllSetsBeforeIt) {
+    Request();
+    ServiceClient client;
+    Connect(client);
+    Trigger(client, TRIGGER_PATTERN, 2);
+    for (std::size_t round = 1; round <= 20; ++round) {
+        ASSERT_TRUE(client.WaitForNotices(client.Notices().size() + 3));
+        StopSets(client);
+        const auto stopped = client.Notices().size();
+        // The next answer comes after anything that was sent before.
+        int brightness = 0;
+        ASSERT_EQ(client->getProjectorBrightness(client.Id(), brightness), STATUS_SUCCESS);
+        ASSERT_EQ(client.Notices().size(), stopped) << "a notice after the stop";
+        ASSERT_EQ(client->setScanCallBackFunction(client.Id(), true), STATUS_SUCCESS);
+    }
+    TriggerOff(client);
+    StopSets(client);
+    // Sets of the pauses went nowhere, all others have arrived.
+    const auto notices = client.Notices();
+    EXPECT_EQ(notices.back().number, notices.size() + notices.back().notWritten);
+    EXPECT_GT(FigureOf(notices.back(), "setsWithoutCallback"), 0U);
+}
+
+TEST_F(SetTest, NoSetsComeWithoutBeingAskedForOrAfterADisconnect) {
+    Request();
+    ServiceClient client;
+    ASSERT_EQ(client.Connect(), STATUS_SUCCESS);
+    Trigger(client, TRIGGER_LASER_LINES_COLOR, 5);
+    ASSERT_TRUE(support::WaitUntil([&] { return TheHead().Counts().mono.fetched > 5; }));
+    EXPECT_EQ(client.Notices().size(), 0U);
+    ASSERT_EQ(client->setScanCallBackFunction(client.Id(), true), STATUS_SUCCESS);
+    ASSERT_TRUE(client.WaitForNotices(3));
+    ASSERT_EQ(client->disConnectDevice(client.Id()), STATUS_SUCCESS);
+    const auto before = client.Notices().size();
+    int count = 0;
+    ASSERT_EQ(client->getCameraCount("KV00", count), STATUS_SUCCESS);
+    EXPECT_EQ(client.Notices().size(), before);
+}
+
+TEST_F(SetTest, TheStateOfTheServiceTellsRateOwnerAndLosses) {
+    Request();
+    auto state = State();
+    ASSERT_TRUE(state.has_value());
+    EXPECT_EQ(state->version, "1.2.3");
+    EXPECT_EQ(state->process, ::getpid());
+    EXPECT_EQ(state->clientProcess, 0);
+    EXPECT_EQ(state->deviceId, 0);
+    EXPECT_EQ(state->deviceType, "");
+    EXPECT_TRUE(state->losses.empty());
+    ServiceClient client;
+    Connect(client);
+    Trigger(client, TRIGGER_LASER_LINES_COLOR, 20);
+    ASSERT_TRUE(support::WaitUntil([&] {
+        state = State();
+        return state && state->setsPerSecond >= 45 && state->setsPerSecond <= 55;
+    })) << state->setsPerSecond;
+    EXPECT_EQ(state->clientProcess, ::getpid());
+    EXPECT_EQ(state->deviceId, client.Id());
+    EXPECT_EQ(state->deviceType, "KV00");
+    const std::map<QString, quint64> losses(state->losses.begin(), state->losses.end());
+    EXPECT_THAT(losses, Contains(Key("missingKeys")));
+    EXPECT_THAT(losses, Contains(Key("setsNotWritten")));
+    EXPECT_THAT(losses, Contains(Key("noticesNotSent")));
+    const auto uptime = state->uptimeMs;
+    TriggerOff(client);
+    ASSERT_TRUE(support::WaitUntil([&] {
+        state = State();
+        return state && state->setsPerSecond == 0;
+    }));
+    EXPECT_GT(state->uptimeMs, uptime);
+}
+
+}  // namespace
+}  // namespace Korvex3Sync::tests
