@@ -1,8 +1,10 @@
 #include "device_service/ServiceSession.h"
 
 #include <QCoreApplication>
-#include <filesystem>
+#include <system_error>
 
+#include "platform/os/SharedFile.h"
+#include "platform/tunnel/AreaName.h"
 #include "support/WaitUntil.h"
 
 namespace Korvex3Sync::tests {
@@ -149,9 +151,11 @@ bool ServiceSession::WaitUntilFree() {
 
 std::vector<std::string> SharedFiles() {
     std::vector<std::string> names;
-    for (const auto& entry : std::filesystem::directory_iterator("/dev/shm")) {
-        const std::string name = entry.path().filename().string();
-        if (name.starts_with("korvex3sync-")) {
+    for (const char* area : {"ZrSyncService_SharedMemory", link::kSnapshotArea}) {
+        std::string reason;
+        const std::string name = tunnel::SharedNameOf(area, reason);
+        std::error_code error;
+        if (os::SharedFile::Open(name, error)) {
             names.push_back(name);
         }
     }

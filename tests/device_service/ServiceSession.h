@@ -122,7 +122,7 @@ private:
     std::unique_ptr<device_service::DeviceService> m_service;
 };
 
-/// The names in /dev/shm that belong to this project.
+/// The service's areas that exist in the present runtime folder.
 std::vector<std::string> SharedFiles();
 
 }  // namespace Korvex3Sync::tests
