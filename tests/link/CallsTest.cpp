@@ -39,16 +39,20 @@ protected:
     Folders m_folders;
     os::Event m_go;
     std::atomic<int> m_running{0};
+    std::atomic<int> m_served{0};
+    std::atomic<int> m_gone{0};
     TestHub m_hub;
     TestService m_service{[this](Server& server) {
         server.On<GetVideoTriggerPeriod>(
             [this](ClientId, const GetVideoTriggerPeriod::In& in, GetVideoTriggerPeriod::Out& out) {
                 ++m_running;
+                ++m_served;
                 m_go.Wait();
                 --m_running;
                 std::get<0>(out) = static_cast<int>(std::get<0>(in));
                 return STATUS_SUCCESS;
             });
+        server.OnClient({}, [this](ClientId) { ++m_gone; });
         server.On<GetConnectCameraCount>([](ClientId, const GetConnectCameraCount::In&,
                                             GetConnectCameraCount::Out&) -> RETSTATUS {
             throw std::runtime_error("a fault of the service");
@@ -166,6 +170,25 @@ TEST_F(Calls, OnTheThreadOfTheLinkAreRefused) {
     EXPECT_EQ(ownStatus, STATUS_FAILED);
     EXPECT_TRUE(log.Contains("must not be called on the thread of the link"));
     EXPECT_TRUE(Answers(second));
+}
+
+TEST_F(Calls, ThatHangDoNotHideThatTheirClientHasGone) {
+    {
+        const RawSocket peer = RawSocket::Introduced(m_service.Path());
+        for (std::uint32_t number = 0; number < 30; ++number) {
+            ByteWriter id;
+            Write(id, GetVideoTriggerPeriod::In{1});
+            peer.Send(
+                Framed(Encoded(CallMessage{number, GetVideoTriggerPeriod::kNumber, id.Bytes()})));
+        }
+        ASSERT_TRUE(WaitUntilRunning(16));
+        EXPECT_EQ(m_gone, 0);
+    }
+    EXPECT_TRUE(WaitUntil([this] { return m_gone == 1; }));
+    EXPECT_EQ(m_running, 16);
+    m_go.Set();
+    EXPECT_TRUE(Answers(m_client));  // behind what the client had called
+    EXPECT_EQ(m_served, 16);         // no call of a client that has gone begins
 }
 
 TEST_F(Calls, FailAtOnceWhenTheServiceCloses) {

@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <sys/resource.h>
+
 #include <atomic>
 #include <optional>
 
@@ -147,6 +149,37 @@ TEST_F(Listening, NeedsAFolder) {
     std::string reason;
     EXPECT_FALSE(server.Listen(reason));
     EXPECT_NE(reason.find("cannot listen on /nowhere/at/all: "), std::string::npos);
+}
+
+TEST_F(Listening, ContinuesAfterTheSocketWasRemoved) {
+    const TestHub hub;
+    const TestService service;
+    std::filesystem::remove(service.Path());
+    std::filesystem::remove(SocketOf(kHubSocket));
+    Client client;
+    EXPECT_TRUE(WaitUntilAnswers(client));
+}
+
+TEST_F(Listening, ContinuesAfterTheProcessRanOutOfDescriptors) {
+    const std::string path = SocketOf("x");
+    Server server(path, Role::Service);
+    std::string reason;
+    ASSERT_TRUE(server.Listen(reason)) << reason;
+    {
+        RawSocket peer(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0));
+        rlimit limit{};
+        ASSERT_EQ(::getrlimit(RLIMIT_NOFILE, &limit), 0);
+        rlimit none = limit;
+        none.rlim_cur = 0;
+        ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &none), 0);
+        EXPECT_TRUE(peer.TryConnectTo(path));
+        peer.WaitUntilClosed();
+        ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &limit), 0);
+    }
+    EXPECT_TRUE(WaitUntil([&] {
+        RawSocket peer(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0));
+        return peer.TryConnectTo(path) && peer.Receive().has_value();
+    }));
 }
 
 TEST_F(Listening, LeavesASocketForThisUserAlone) {

@@ -36,12 +36,13 @@ public:
 
     static RawSocket Connected(const std::string& path) {
         RawSocket socket(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0));
-        const sockaddr_un address = AddressOf(path);
-        EXPECT_EQ(::connect(socket.m_descriptor, reinterpret_cast<const sockaddr*>(&address),
-                            sizeof(address)),
-                  0)
-            << path << ": " << std::strerror(errno);
+        EXPECT_TRUE(socket.TryConnectTo(path)) << path << ": " << std::strerror(errno);
         return socket;
+    }
+    bool TryConnectTo(const std::string& path) const {
+        const sockaddr_un address = AddressOf(path);
+        return ::connect(m_descriptor, reinterpret_cast<const sockaddr*>(&address),
+                         sizeof(address)) == 0;
     }
     /// Connected, and introduced as a client.
     static RawSocket Introduced(const std::string& path) {

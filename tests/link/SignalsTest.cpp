@@ -5,6 +5,7 @@
 #include <atomic>
 #include <mutex>
 #include <set>
+#include <stdexcept>
 #include <string>
 #include <thread>
 #include <vector>
@@ -192,6 +193,21 @@ TEST_F(Signals, ReachNobodyWhoHasGone) {
     EXPECT_FALSE(m_service.Server().Send(client, Numbered(2)));
     EXPECT_FALSE(m_service.Server().Send(client + 1, Numbered(2)));
     EXPECT_FALSE(m_service.Server().Send(0, Numbered(2)));
+}
+
+TEST_F(Signals, WhoseReceiverThrowsHarmNobody) {
+    std::atomic<int> received{0};
+    Client client(Client::Target::Service, {[&](const Signal&) {
+                                                ++received;
+                                                throw std::runtime_error("a fault of the host");
+                                            },
+                                            {}});
+    const ClientId id = WaitForClient();
+    for (int i = 1; i <= 3; ++i) {
+        EXPECT_TRUE(m_service.Server().Send(id, Numbered(i)));
+        ASSERT_TRUE(WaitUntil([&] { return received == i; }));
+        EXPECT_TRUE(Answers(client));
+    }
 }
 
 TEST_F(Signals, OfMoreThanAMessageAreLost) {

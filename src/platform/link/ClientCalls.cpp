@@ -1,6 +1,7 @@
 #include "platform/link/ClientCalls.h"
 
 #include <algorithm>
+#include <exception>
 #include <utility>
 
 #include "platform/os/Clock.h"
@@ -198,13 +199,21 @@ std::string ClientCalls::TakeMessage(Message& message) {
     if (auto* const reply = std::get_if<ReplyMessage>(&message)) {
         TakeReply(*reply);
     } else if (const auto* const signal = std::get_if<Signal>(&message)) {
-        if (m_sinks.signal) {
-            m_sinks.signal(*signal);
-        }
+        TellSignal(*signal);
     } else {
         return "an unexpected message";
     }
     return "";
+}
+
+void ClientCalls::TellSignal(const Signal& signal) {
+    if (m_sinks.signal) {
+        try {
+            m_sinks.signal(signal);
+        } catch (const std::exception& e) {
+            LOG(ERROR) << "A receiver of a signal of the device service failed: " << e.what();
+        }
+    }
 }
 
 void ClientCalls::TakeReply(ReplyMessage& reply) {

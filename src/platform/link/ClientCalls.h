@@ -54,6 +54,7 @@ private:
     void Stopping();
     void SetState(State state);
     std::string TakeMessage(Message& message);
+    void TellSignal(const Signal& signal);
     void TakeReply(ReplyMessage& reply);
     void FailAll() KORVEX_REQUIRES(m_mutex);
 

@@ -9,7 +9,7 @@
 namespace Korvex3Sync::link {
 namespace {
 
-constexpr std::chrono::milliseconds kRetryAfter{50};
+constexpr std::chrono::milliseconds kRetryAfter{100};
 constexpr std::chrono::milliseconds kAttemptLimit{2'000};
 
 /// Why a channel has closed, for people.

@@ -16,7 +16,7 @@
 namespace Korvex3Sync::link {
 namespace {
 
-/// No exception may enter Qt's event loop.
+/// No exception may end the thread.
 void RunGuarded(const std::function<void()>& work) {
     try {
         work();
@@ -53,7 +53,7 @@ public:
                 }
                 m_dead.clear();
                 // Not exec(): an end that comes just before it would get lost.
-                loop.processEvents(QEventLoop::WaitForMoreEvents);
+                RunGuarded([&loop] { loop.processEvents(QEventLoop::WaitForMoreEvents); });
             }
         }
         SetDispatcher(nullptr);

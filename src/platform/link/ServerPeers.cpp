@@ -1,7 +1,11 @@
 #include "platform/link/ServerPeers.h"
 
+#include <QFileInfo>
+
+#include <chrono>
 #include <exception>
 
+#include "platform/os/Clock.h"
 #include "platform/os/Log.h"
 
 namespace Korvex3Sync::link {
@@ -14,6 +18,8 @@ constexpr std::size_t kMostPeers = 64;
 constexpr std::size_t kMostRunning = 256;
 /// What may wait for a client before signals are lost.
 constexpr qint64 kMostBacklog = 256 * 1024;
+/// How often the server checks that it can be reached.
+constexpr std::chrono::milliseconds kCheckPeriod{500};
 /// How long the check takes whether another process listens.
 constexpr int kProbeMs = 500;
 
@@ -51,8 +57,25 @@ void ServerPeers::Started(std::string& reason) {
     m_server->setSocketOptions(QLocalServer::UserAccessOption);
     QObject::connect(m_server.get(), &QLocalServer::newConnection, m_server.get(),
                      [this] { OnConnection(); });
-    Bind(reason);
+    if (Bind(reason)) {
+        m_check = std::make_unique<QTimer>();
+        QObject::connect(m_check.get(), &QTimer::timeout, m_check.get(),
+                         [this] { CheckListening(); });
+        m_check->start(TimerInterval(kCheckPeriod));
+    }
     m_started.Set();
+}
+
+void ServerPeers::CheckListening() {
+    // Qt closes the socket when the process runs out of descriptors; somebody may remove its file.
+    if (m_server->isListening() && QFileInfo::exists(m_server->fullServerName())) {
+        return;
+    }
+    m_server->close();
+    std::string reason;
+    if (Bind(reason)) {
+        LOG(WARNING) << "Listening again on " << m_path;
+    }
 }
 
 bool ServerPeers::Bind(std::string& reason) {
@@ -96,7 +119,9 @@ bool ServerPeers::Send(ClientId client, const Signal& signal) {
 }
 
 bool ServerPeers::Close(std::chrono::milliseconds nominalLimit) {
-    const bool ended = m_workers.Close(nominalLimit);
+    const auto end = std::chrono::steady_clock::now() + os::Scaled(nominalLimit);
+    const bool callsEnded = m_workers.Close(end);
+    const bool ended = m_farewells.Close(end) && callsEnded;
     m_loop.Stop();
     return ended;
 }
@@ -136,6 +161,7 @@ void ServerPeers::Stopping() {
         peer.channel->Close();
     }
     m_peers.clear();
+    m_check.reset();
     m_server.reset();
     os::MutexGuard lock(m_mutex);
     m_backlogs.clear();
@@ -216,7 +242,7 @@ void ServerPeers::OnClosed(ClientId client, const std::string& fault) {
         LOG(WARNING) << "Client " << client << " has lost " << lost << " signals";
     }
     if (cameBefore && m_gone) {
-        m_workers.Post([this, client] { m_gone(client); });
+        m_farewells.Post([this, client] { m_gone(client); });
     }
 }
 

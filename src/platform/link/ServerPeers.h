@@ -59,6 +59,7 @@ private:
     void Woken();
     void Stopping();
     bool Bind(std::string& reason);
+    void CheckListening();
     void OnConnection();
     void OnReady(ClientId client, long process);
     std::string TakeCall(ClientId client, Message& message);
@@ -76,6 +77,7 @@ private:
     std::function<void(ClientId)> m_gone;
 
     std::unique_ptr<QLocalServer> m_server;  // I/O thread only
+    std::unique_ptr<QTimer> m_check;         // I/O thread only
     std::map<ClientId, Peer> m_peers;        // I/O thread only
     ClientId m_lastClient = 0;               // I/O thread only
 
@@ -86,6 +88,7 @@ private:
     os::Event m_started;
     IoLoop m_loop;
     WorkerPool m_workers;
+    WorkerPool m_farewells;  // never wait for calls that hang
 };
 
 }  // namespace Korvex3Sync::link

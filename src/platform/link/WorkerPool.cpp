@@ -3,7 +3,6 @@
 #include <exception>
 #include <utility>
 
-#include "platform/os/Clock.h"
 #include "platform/os/Log.h"
 
 namespace Korvex3Sync::link {
@@ -24,7 +23,7 @@ void RunJob(const WorkerPool::Job& job) {
 }  // namespace
 
 WorkerPool::~WorkerPool() {
-    Close(std::chrono::milliseconds(0));
+    Close(std::chrono::steady_clock::now());
     std::vector<std::unique_ptr<os::Thread>> threads;
     {
         os::MutexGuard lock(m_mutex);
@@ -50,14 +49,13 @@ void WorkerPool::Post(Job job) {
     m_changed.NotifyOne();
 }
 
-bool WorkerPool::Close(std::chrono::milliseconds nominalLimit) {
-    const auto end = std::chrono::steady_clock::now() + os::Scaled(nominalLimit);
+bool WorkerPool::Close(std::chrono::steady_clock::time_point deadline) {
     os::MutexGuard lock(m_mutex);
     m_closed = true;
     m_jobs.clear();
     m_changed.NotifyAll();
     while (m_running > 0) {
-        if (!m_changed.WaitUntil(m_mutex, end)) {
+        if (!m_changed.WaitUntil(m_mutex, deadline)) {
             return m_running == 0;
         }
     }

@@ -23,9 +23,9 @@ public:
 
     /// Any thread. A job that is posted after Close is dropped.
     void Post(Job job);
-    /// Drops the jobs that wait and waits for those that run. False if one still runs at the
-    /// nominal limit.
-    bool Close(std::chrono::milliseconds nominalLimit);
+    /// Drops the jobs that wait and waits for those that run. False if one still runs at the (real)
+    /// deadline.
+    bool Close(std::chrono::steady_clock::time_point deadline);
 
 private:
     void Run();
