@@ -85,6 +85,13 @@ inline bool Write(tunnel::AreaWriter& writer, const std::vector<std::string>& na
     return writer.WriteSet(set);
 }
 
+/// The names of a set. They return with every third set, when an area of six places has used those
+/// of the earlier one again.
+inline std::vector<std::string> NamesOf(std::uint64_t set) {
+    const std::string start = std::to_string(set % 3);
+    return {start + "a", start + "b", start + "c"};
+}
+
 inline Content ContentOf(const tunnel::PinnedSegment& segment) {
     const std::span<const std::byte> bytes = segment.Bytes();
     const std::string_view text(reinterpret_cast<const char*>(bytes.data()), bytes.size());

@@ -100,8 +100,10 @@ TEST_F(Damage, OfAnyByteOfAnEntryHidesItsSegmentUntilTheNextSet) {
         intruder.Flip(AreaShape::EntryOffset(entry) + place);
         EXPECT_EQ(Found(*m_reader, "b"), std::nullopt) << place;
         EXPECT_TRUE(Found(*m_reader, "a")) << place;
+        const std::uint64_t generation = m_writer->Generation();
+        ExpectRecovery();
+        EXPECT_NE(m_writer->Generation(), generation) << place;
     }
-    ExpectRecovery();
 }
 
 TEST_F(Damage, OfPinnedSegmentsLeavesThemToTheirReaders) {

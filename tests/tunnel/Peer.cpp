@@ -28,11 +28,11 @@ int Make(const std::string& area, std::size_t segments, std::size_t bytes) {
     return writer ? 0 : 1;
 }
 
-/// Writes sets of "a", "b" and "c" until it is ended.
+/// Writes sets of three segments until it is ended.
 [[noreturn]] void WriteSets(const std::string& area, std::size_t segments, std::size_t bytes) {
     const auto writer = MakeArea(area, segments, bytes);
     for (std::uint64_t number = 1;; ++number) {
-        Write(*writer, {"a", "b", "c"}, number, bytes);
+        Write(*writer, NamesOf(number), number, bytes);
         if (number == 1) {
             std::cout << "writing" << std::endl;
         }

@@ -148,6 +148,35 @@ TEST_F(Pins, OfManyThreadsNeverShowHalfASegment) {
     EXPECT_TRUE(Write(*m_writer, {"1", "2", "3", "4", "5", "6", "7", "8"}, 1, kPinnedBytes));
 }
 
+/// A place is used again between the moment that a reader finds a name and the moment that it holds
+/// the segment: then it must not take the new segment for the old one.
+TEST_F(Pins, OfANameNeverShowTheNextSegmentInItsPlace) {
+    const auto writer = MakeArea("small", 2, 8);
+    const auto reader = ReadArea("small");
+    std::atomic<bool> stop = false;
+    std::atomic<std::uint64_t> newest = 0;
+    std::thread writing([&] {
+        for (std::uint64_t number = 1; !stop; ++number) {
+            if (Write(*writer, {std::to_string(number)}, number, 8)) {
+                newest = number;
+            }
+        }
+    });
+    int seen = 0;
+    int gone = 0;
+    while (seen < 20000 || gone < 500) {
+        const std::uint64_t number = newest;
+        const auto content = Found(*reader, std::to_string(number));
+        ++(content ? seen : gone);
+        if (content && content->number != number) {
+            ADD_FAILURE() << "asked for " << number << ", got " << content->number;
+            break;
+        }
+    }
+    stop = true;
+    writing.join();
+}
+
 }  // namespace
 
 }  // namespace Korvex3Sync::tests

@@ -41,17 +41,26 @@ protected:
         return file;
     }
 
-    /// Reads until so many whole segments were seen; false if one is torn or none comes.
-    bool SeeWholeSegments(int count) {
-        bool whole = true;
+    /// How many segments there are now. What is found has to be whole.
+    int FoundSegments() {
+        int found = 0;
+        for (std::uint64_t set = 0; set < 3; ++set) {
+            for (const std::string& name : NamesOf(set)) {
+                if (const auto content = Found(*m_reader, name)) {
+                    EXPECT_TRUE(content->whole) << name;
+                    ++found;
+                }
+            }
+        }
+        return found;
+    }
+
+    /// Reads until so many segments were seen.
+    bool SeeSegments(int count) {
         return WaitUntil([&] {
-                   if (const auto bytes = Found(*m_reader, "b")) {
-                       whole = whole && bytes->whole;
-                       --count;
-                   }
-                   return count <= 0 || !whole;
-               }) &&
-               whole;
+            count -= FoundSegments();
+            return count <= 0 || HasFailure();
+        });
     }
 
     Folders m_folders;
@@ -82,7 +91,7 @@ bool StopInASet(const ChildProcess& writer, const os::SharedFile& file) {
 TEST_F(Processes, ReadWhatAnotherOneWrites) {
     ChildProcess writer(WritingPeer());
     ASSERT_TRUE(writer.WaitForOutput("writing"));
-    EXPECT_TRUE(SeeWholeSegments(100));
+    EXPECT_TRUE(SeeSegments(100));
 }
 
 TEST_F(Processes, KilledAtAnyMomentLeaveNothingTornAndNothingBehind) {
@@ -90,15 +99,10 @@ TEST_F(Processes, KilledAtAnyMomentLeaveNothingTornAndNothingBehind) {
     for (int round = 0; round < 20; ++round) {
         ChildProcess writer(WritingPeer());
         ASSERT_TRUE(writer.WaitForOutput("writing"));
-        ASSERT_TRUE(SeeWholeSegments(std::uniform_int_distribution<int>(1, 20)(random)));
+        ASSERT_TRUE(SeeSegments(std::uniform_int_distribution<int>(1, 20)(random)));
         writer.Signal(SIGKILL);
         writer.Wait();
-        // What the writer left is whole or is not found.
-        for (const char* name : {"a", "b", "c"}) {
-            if (const auto bytes = Found(*m_reader, name)) {
-                EXPECT_TRUE(bytes->whole);
-            }
-        }
+        FoundSegments();
     }
     tunnel::AreaWriter::ReclaimStaleAreas();
     EXPECT_FALSE(std::filesystem::exists(FileOf("images")));
@@ -114,11 +118,7 @@ TEST_F(Processes, KilledWithALockReleaseIt) {
         writer.Wait();
         EXPECT_FALSE(AnyEntryLocked(file));
         EXPECT_FALSE(file.LockedElsewhere(tunnel::kOwnerLock));
-        for (const char* name : {"a", "b", "c"}) {
-            if (const auto bytes = Found(*m_reader, name)) {
-                EXPECT_TRUE(bytes->whole);
-            }
-        }
+        FoundSegments();
         // The next one starts as if nothing had happened.
         const auto next = MakeArea("images", kPeerSegments, kPeerBytes);
         ASSERT_TRUE(Write(*next, {"a", "b", "c", "d", "e", "f"}, 5, kPeerBytes));
@@ -132,17 +132,11 @@ TEST_F(Processes, StoppedWithALockDoNotStopAReader) {
     const os::SharedFile file = OpenFile();
     ASSERT_TRUE(StopInASet(writer, file));
     // Three of six places are locked; the set before is in the others.
-    const support::BlockingCall calls([&] {
-        for (const char* name : {"a", "b", "c"}) {
-            if (const auto bytes = Found(*m_reader, name)) {
-                EXPECT_TRUE(bytes->whole);
-            }
-        }
-    });
+    const support::BlockingCall calls([&] { FoundSegments(); });
     EXPECT_TRUE(calls.WaitUntilReturned());
     EXPECT_TRUE(AnyEntryLocked(file));
     writer.Signal(SIGCONT);
-    EXPECT_TRUE(SeeWholeSegments(10));
+    EXPECT_TRUE(SeeSegments(10));
 }
 
 TEST_F(Processes, KilledWithAPinGiveItsPlaceBack) {
@@ -183,7 +177,7 @@ TEST_F(Processes, LeaveTheAreasOfLivingOnesAlone) {
     dead.Wait();
     const auto writer = MakeArea("third", 3, kPeerBytes);
     EXPECT_FALSE(std::filesystem::exists(FileOf("other")));
-    EXPECT_TRUE(SeeWholeSegments(10));
+    EXPECT_TRUE(SeeSegments(10));
     // Stopped is not dead.
     living.Signal(SIGSTOP);
     tunnel::AreaWriter::ReclaimStaleAreas();
