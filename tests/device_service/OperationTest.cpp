@@ -33,32 +33,6 @@ struct Course {
     std::vector<std::vector<std::string>> commands;
 };
 
-class DirectDevice {
-public:
-    DirectDevice() {
-        std::vector<int> widths;
-        std::vector<int> heights;
-        std::vector<bool> colors;
-        int count = 0;
-        GetCamerasInformation("KV00", m_serials, widths, heights, colors, count);
-        EXPECT_EQ(ConnectDevice("KV00", "", m_serials, widths, heights, m_handle), STATUS_SUCCESS);
-    }
-    ~DirectDevice() {
-        DisConnectDevice(m_handle);
-        for (const char* serial : m_serials) {
-            delete[] serial;
-        }
-    }
-    DirectDevice(const DirectDevice&) = delete;
-    DirectDevice& operator=(const DirectDevice&) = delete;
-
-    void* const& Handle() const { return m_handle; }
-
-private:
-    std::vector<char*> m_serials;
-    void* m_handle = nullptr;
-};
-
 template <class Run>
 Course CourseOf(virtual_head::VirtualHead& head, Run run) {
     Course course;

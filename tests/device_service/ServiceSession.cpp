@@ -1,5 +1,8 @@
 #include "device_service/ServiceSession.h"
 
+#include <Korvex3Sync/Connection.h>
+#include <Korvex3Sync/Discovery.h>
+
 #include <QCoreApplication>
 #include <system_error>
 
@@ -89,6 +92,11 @@ bool ServiceClient::WaitForStatuses(std::size_t count) const {
     });
 }
 
+LoggedText::~LoggedText() {
+    google::RemoveLogSink(this);
+    const std::lock_guard lock(m_mutex);  // glog's own lock is unknown to the thread sanitizer
+}
+
 std::vector<std::string> LoggedText::Records() const {
     const std::lock_guard lock(m_mutex);
     return m_records;
@@ -97,8 +105,8 @@ std::vector<std::string> LoggedText::Records() const {
 void LoggedText::send(google::LogSeverity, const char*, const char*, int,
                       const google::LogMessageTime&, const char* message, std::size_t length) {
     const std::string record(message, length);
+    const std::lock_guard lock(m_mutex);
     if (record.find(m_text) != std::string::npos) {
-        const std::lock_guard lock(m_mutex);
         m_records.push_back(record);
     }
 }
@@ -124,6 +132,26 @@ virtual_head::HeadDescription ServiceSession::Head() {
 void ServiceSession::Request(const virtual_head::HeadDescription& description) {
     m_head.reset();
     m_head.emplace(description);
+    // The first start of a camera draws the scene, which may take longer than a call under a
+    // sanitizer.
+    { const DirectDevice drawing; }
+    TheHead().GetJournal().Clear();
+}
+
+DirectDevice::DirectDevice() {
+    std::vector<int> widths;
+    std::vector<int> heights;
+    std::vector<bool> colors;
+    int count = 0;
+    GetCamerasInformation("KV00", m_serials, widths, heights, colors, count);
+    EXPECT_EQ(ConnectDevice("KV00", "", m_serials, widths, heights, m_handle), STATUS_SUCCESS);
+}
+
+DirectDevice::~DirectDevice() {
+    DisConnectDevice(m_handle);
+    for (const char* serial : m_serials) {
+        delete[] serial;
+    }
 }
 
 void ServiceSession::StartService() {

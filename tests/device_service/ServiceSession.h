@@ -77,7 +77,7 @@ private:
 class LoggedText : public google::LogSink {
 public:
     explicit LoggedText(std::string text) : m_text(std::move(text)) { google::AddLogSink(this); }
-    ~LoggedText() override { google::RemoveLogSink(this); }
+    ~LoggedText() override;
     LoggedText(const LoggedText&) = delete;
     LoggedText& operator=(const LoggedText&) = delete;
 
@@ -91,6 +91,21 @@ private:
     const std::string m_text;
     mutable std::mutex m_mutex;
     std::vector<std::string> m_records;
+};
+
+/// The head, connected in direct mode.
+class DirectDevice {
+public:
+    DirectDevice();
+    ~DirectDevice();
+    DirectDevice(const DirectDevice&) = delete;
+    DirectDevice& operator=(const DirectDevice&) = delete;
+
+    void* const& Handle() const { return m_handle; }
+
+private:
+    std::vector<char*> m_serials;
+    void* m_handle = nullptr;
 };
 
 /// Hub and service in this process, with folders of their own, and a virtual head.

@@ -52,20 +52,7 @@ void SetReader::Hold(const Notice& notice) {
 }
 
 DirectWitness::DirectWitness() {
-    std::vector<int> widths;
-    std::vector<int> heights;
-    std::vector<bool> colors;
-    int count = 0;
-    GetCamerasInformation("KV00", m_serials, widths, heights, colors, count);
-    EXPECT_EQ(ConnectDevice("KV00", "", m_serials, widths, heights, m_handle), STATUS_SUCCESS);
-    EXPECT_EQ(SetScanCallBackFunction(m_handle, &OnSet, this), STATUS_SUCCESS);
-}
-
-DirectWitness::~DirectWitness() {
-    DisConnectDevice(m_handle);
-    for (const char* serial : m_serials) {
-        delete[] serial;
-    }
+    EXPECT_EQ(SetScanCallBackFunction(m_device.Handle(), &OnSet, this), STATUS_SUCCESS);
 }
 
 std::vector<SetPixels> DirectWitness::Sets() const {

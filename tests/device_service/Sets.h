@@ -40,7 +40,6 @@ private:
 class DirectWitness {
 public:
     DirectWitness();
-    ~DirectWitness();
     DirectWitness(const DirectWitness&) = delete;
     DirectWitness& operator=(const DirectWitness&) = delete;
 
@@ -51,10 +50,9 @@ private:
     static void OnSet(const void* const& context, std::vector<unsigned char*>& images,
                       const int& width, const int& height, std::vector<int>& imageInfo);
 
-    std::vector<char*> m_serials;
-    void* m_handle = nullptr;
     mutable std::mutex m_mutex;
     std::vector<SetPixels> m_sets;
+    const DirectDevice m_device;  // ends first
 };
 
 }  // namespace Korvex3Sync::tests
