@@ -1,5 +1,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <csignal>
 #include <filesystem>
@@ -9,6 +10,7 @@
 #include "platform/os/Process.h"
 #include "support/OwnFolders.h"
 #include "support/WaitUntil.h"
+#include "survival/ApplicationProcess.h"
 #include "virtual_head/TestFiles.h"
 
 namespace Korvex3Sync::tests {
@@ -16,6 +18,7 @@ namespace Korvex3Sync::tests {
 namespace {
 
 namespace fs = std::filesystem;
+using ::testing::ContainsRegex;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 using ::testing::MatchesRegex;
@@ -237,6 +240,109 @@ TEST_F(Hub, TakesNoArguments) {
     const ChildResult result = RunChild({Program("hub.exe"), "--help"}, Options());
     EXPECT_EQ(result.exitCode, 2);
     EXPECT_EQ(result.error, "hub.exe: takes no arguments\n");
+}
+
+/// With both programs, started by the command.
+class Service : public KorvexctlService {
+protected:
+    Service() {
+        const ChildResult started = RunKorvexctl({"--virtual", "service", "start"}, Options());
+        EXPECT_EQ(started.exitCode, 0) << started.error;
+        EXPECT_EQ(started.output, "the hub is running, " + ProcessOf("hub.lock") +
+                                      "\nthe service is running, " + ProcessOf("service.lock") +
+                                      "\n");
+    }
+    ~Service() override { EXPECT_THAT(m_folders.Processes().size(), testing::Le(2U)); }
+
+    std::string ProcessOf(const char* lock) const {
+        return "process " + std::to_string(Holder(lock));
+    }
+};
+
+TEST_F(Service, RunsInTheBackgroundUntilItIsStopped) {
+    const nlohmann::json status = Status();
+    EXPECT_FALSE(status.contains("error"));
+    for (const char* program : {"hub", "service"}) {
+        EXPECT_EQ(status[program]["running"], true) << program;
+        EXPECT_EQ(status[program]["answers"], true) << program;
+        const pid_t process = status[program]["pid"];
+        EXPECT_EQ(process, Holder((std::string(program) + ".lock").c_str()));
+        EXPECT_NE(::getsid(process), ::getsid(0)) << "Ctrl-C must not reach it";
+    }
+    EXPECT_TRUE(status["service"]["client_pid"].is_null());
+    EXPECT_TRUE(status["service"]["device"].is_null());
+    EXPECT_THAT(Run({"status"}).output, HasSubstr("\nclient   none\ndevice   none\n"));
+
+    const ChildResult again = Run({"start"});
+    EXPECT_EQ(again.exitCode, 0);
+    EXPECT_EQ(again.output, "the hub was running already, " + ProcessOf("hub.lock") +
+                                "\nthe service was running already, " + ProcessOf("service.lock") +
+                                "\n");
+
+    const ChildResult stopped = Run({"stop"});
+    EXPECT_EQ(stopped.exitCode, 0) << stopped.error;
+    EXPECT_EQ(stopped.output, "the service has ended\nthe hub has ended\n");
+    EXPECT_THAT(m_folders.Processes(), IsEmpty());
+    EXPECT_EQ(FileNames(m_folders.Runtime()),
+              (std::vector<std::string>{"hub.lock", "service.lock"}));
+}
+
+TEST_F(Service, ShowsItsClientAndTheDevice) {
+    survival::ApplicationProcess application(m_folders, "scan");
+    ASSERT_TRUE(application.WaitFor("set", 0));
+    const ChildResult shown = Run({"status"});
+    EXPECT_EQ(shown.exitCode, 0);
+    EXPECT_THAT(shown.output,
+                HasSubstr("\nclient   process " + std::to_string(application.Number()) + "\n"));
+    EXPECT_THAT(shown.output, ContainsRegex("\ndevice   KV00 \\(id [0-9]+\\), [0-9.]+ sets/s\n"));
+    EXPECT_THAT(shown.output, ContainsRegex("\nlosses   .*lost"));
+    nlohmann::json service;
+    EXPECT_TRUE(support::WaitUntil([&] {
+        service = Status()["service"];
+        return service["sets_per_s"] > 0;
+    })) << "sets arrive";
+    EXPECT_EQ(service["client_pid"], application.Number());
+    EXPECT_EQ(service["device"], "KV00");
+    EXPECT_NE(service["device_id"], 0);
+    for (const char* place : {"missing_keys", "sets_not_written", "notices_not_sent"}) {
+        EXPECT_TRUE(service["losses"].contains(place)) << place;
+    }
+    application.End();
+    EXPECT_TRUE(support::WaitUntil([&] { return Status()["service"]["client_pid"].is_null(); }));
+}
+
+TEST_F(Service, ThatHangsIsShownNotStartedAgainAndKilled) {
+    const long process = Holder("service.lock");
+    ASSERT_EQ(::kill(static_cast<pid_t>(process), SIGSTOP), 0);
+    const ChildResult status = Run({"status"});
+    EXPECT_EQ(status.exitCode, kNotRunning);
+    EXPECT_THAT(status.output,
+                HasSubstr("service  process " + std::to_string(process) + ", does not answer\n"));
+    EXPECT_THAT(status.error, HasSubstr("the service does not answer; restart it with"));
+    const ChildResult started = Run({"start"});
+    EXPECT_EQ(started.exitCode, kFailed);
+    EXPECT_THAT(started.error,
+                HasSubstr("the service, process " + std::to_string(process) +
+                          ", does not answer; korvexctl service stop ends it; its log is " +
+                          m_folders.Logs().string() + "/ZrSyncService."));
+    const ChildResult stopped = Run({"stop"});
+    EXPECT_EQ(stopped.exitCode, 0) << stopped.error;
+    EXPECT_EQ(stopped.output, "the service did not end when asked; killed process " +
+                                  std::to_string(process) + "\nthe hub has ended\n");
+    EXPECT_THAT(m_folders.Processes(), IsEmpty());
+}
+
+TEST_F(KorvexctlService, GetsAHeadFileFromTheFolderOfTheCommand) {
+    WriteText(m_folders.Path() / "head.toml", "[camera]\ntype = \"KV77\"\n");
+    const std::string start = "cd '" + m_folders.Path().string() + "' && '" + KORVEX_KORVEXCTL +
+                              "' --virtual=head.toml service start";
+    EXPECT_EQ(RunChild({"sh", "-c", start}, WithoutHead(Options())).exitCode, 0);
+    survival::ApplicationProcess application(m_folders, "count");
+    const auto counted = application.WaitFor("counted", 0);
+    ASSERT_TRUE(counted);
+    EXPECT_EQ(counted->word, "0") << "cameras of type KV00";
+    application.End();
+    EXPECT_EQ(Run({"stop"}).exitCode, 0);
 }
 
 }  // namespace

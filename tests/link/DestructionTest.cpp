@@ -14,7 +14,6 @@
 #include "link/RawSocket.h"
 #include "link/SignalReceiver.h"
 #include "platform/include/SyncInterface.h"
-#include "platform/link/WorkerPool.h"
 #include "platform/os/Event.h"
 #include "support/BlockingCall.h"
 #include "support/ThreadCount.h"
@@ -188,8 +187,7 @@ TEST_F(Destruction, TenThousandConnectsLeaveNothing) {
         return Answers(client);
     }));
     const std::size_t descriptors = OpenDescriptors();
-    // The server starts the threads of its pool when it needs them.
-    const std::size_t threads = support::ThreadCount() + WorkerPool::kMostThreads;
+    const std::size_t threads = support::ThreadCount();
     const std::size_t memory = UsedMemory();
     for (int i = 0; i < 10'000; ++i) {
         connect();
@@ -209,8 +207,7 @@ TEST_F(Destruction, AThousandClientsLeaveNothing) {
         connect();
     }
     const std::size_t descriptors = OpenDescriptors();
-    // The server starts the threads of its pool when it needs them.
-    const std::size_t threads = support::ThreadCount() + WorkerPool::kMostThreads;
+    const std::size_t threads = support::ThreadCount();
     const std::size_t memory = UsedMemory();
     for (int i = 0; i < 1000; ++i) {
         connect();

@@ -8,6 +8,8 @@
 namespace Korvex3Sync::link {
 namespace {
 
+constexpr std::size_t kMostThreads = 16;
+
 void RunJob(const WorkerPool::Job& job) {
     try {
         job();
