@@ -29,6 +29,14 @@ class Destruction : public ::testing::Test {
 protected:
     ~Destruction() override { m_go.Set(); }
 
+    /// A call that returns when the test lets it.
+    static std::future<RETSTATUS> SlowCall(Client& client) {
+        return std::async(std::launch::async, [&client] {
+            GetVideoTriggerPeriod::Out out;
+            return client.Call<GetVideoTriggerPeriod>({1}, out);
+        });
+    }
+
     Folders m_folders;
     os::Event m_go;
     std::atomic<int> m_running{0};
@@ -52,10 +60,7 @@ TEST_F(Destruction, OfAClientEndsItsCalls) {
     ASSERT_TRUE(WaitUntilAnswers(*client));
     std::vector<std::future<RETSTATUS>> calls;
     for (int i = 0; i < 8; ++i) {
-        calls.push_back(std::async(std::launch::async, [&client = *client] {
-            GetVideoTriggerPeriod::Out out;
-            return client.Call<GetVideoTriggerPeriod>({1}, out);
-        }));
+        calls.push_back(SlowCall(*client));
     }
     ASSERT_TRUE(WaitUntil([this] { return m_running == 8; }));
     client.reset();
@@ -129,10 +134,7 @@ TEST_F(Destruction, OfAnObjectEndsItsSignals) {
 TEST_F(Destruction, OfAServiceWaitsForItsHandlers) {
     Client client;
     ASSERT_TRUE(WaitUntilAnswers(client));
-    auto call = std::async(std::launch::async, [&client] {
-        GetVideoTriggerPeriod::Out out;
-        return client.Call<GetVideoTriggerPeriod>({1}, out);
-    });
+    auto call = SlowCall(client);
     ASSERT_TRUE(WaitUntil([this] { return m_running == 1; }));
     EXPECT_FALSE(m_service->Server().Close(std::chrono::milliseconds(1)));
     EXPECT_EQ(call.get(), STATUS_FAILED);
@@ -147,10 +149,7 @@ TEST_F(Destruction, OfAServiceWaitsForItsHandlers) {
 TEST_F(Destruction, OfAServiceLetsRunningCallsAnswer) {
     Client client;
     ASSERT_TRUE(WaitUntilAnswers(client));
-    auto call = std::async(std::launch::async, [&client] {
-        GetVideoTriggerPeriod::Out out;
-        return client.Call<GetVideoTriggerPeriod>({1}, out);
-    });
+    auto call = SlowCall(client);
     ASSERT_TRUE(WaitUntil([this] { return m_running == 1; }));
     bool ended = false;
     BlockingCall close([&] { ended = m_service->Server().Close(std::chrono::minutes(1)); });

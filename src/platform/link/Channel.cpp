@@ -14,7 +14,7 @@ namespace {
 constexpr std::chrono::milliseconds kHelloLimit{1'000};
 /// What a peer may leave unread. Notices stop much earlier.
 constexpr qint64 kMostUnsent = 8 * static_cast<qint64>(kMostMessageBytes);
-constexpr qint64 kReadAtOnce = 64 * 1024;
+constexpr qint64 kReadAtOnce = 65'536;
 
 }  // namespace
 

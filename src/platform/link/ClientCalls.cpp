@@ -1,9 +1,9 @@
 #include "platform/link/ClientCalls.h"
 
 #include <algorithm>
-#include <exception>
 #include <utility>
 
+#include "platform/link/RunLogged.h"
 #include "platform/os/Clock.h"
 #include "platform/os/Log.h"
 
@@ -208,11 +208,7 @@ std::string ClientCalls::TakeMessage(Message& message) {
 
 void ClientCalls::TellSignal(const Signal& signal) {
     if (m_sinks.signal) {
-        try {
-            m_sinks.signal(signal);
-        } catch (const std::exception& e) {
-            LOG(ERROR) << "A receiver of a signal of the device service failed: " << e.what();
-        }
+        RunLogged("A receiver of a signal of the device service", [&] { m_sinks.signal(signal); });
     }
 }
 

@@ -5,27 +5,17 @@
 #include <QEventLoop>
 
 #include <atomic>
-#include <exception>
 #include <thread>
 #include <utility>
 #include <vector>
 
+#include "platform/link/RunLogged.h"
 #include "platform/os/CriticalSection.h"
-#include "platform/os/Log.h"
 
 namespace Korvex3Sync::link {
 namespace {
 
-/// No exception may end the thread.
-void RunGuarded(const std::function<void()>& work) {
-    try {
-        work();
-    } catch (const std::exception& e) {
-        LOG(ERROR) << "device service link: " << e.what();
-    } catch (...) {
-        LOG(ERROR) << "device service link: unknown exception";
-    }
-}
+constexpr const char* kThread = "The thread of the device service link";
 
 }  // namespace
 
@@ -44,20 +34,20 @@ public:
         QEventLoop loop;
         QAbstractEventDispatcher* const dispatcher = QAbstractEventDispatcher::instance();
         SetDispatcher(dispatcher);
-        RunGuarded(work.started);
+        RunLogged(kThread, work.started);
         if (dispatcher != nullptr) {  // else the application has just ended
             bool woken = false;
             while (Continues(woken)) {
                 if (woken) {
-                    RunGuarded(work.woken);
+                    RunLogged(kThread, work.woken);
                 }
                 m_dead.clear();
                 // Not exec(): an end that comes just before it would get lost.
-                RunGuarded([&loop] { loop.processEvents(QEventLoop::WaitForMoreEvents); });
+                RunLogged(kThread, [&loop] { loop.processEvents(QEventLoop::WaitForMoreEvents); });
             }
         }
         SetDispatcher(nullptr);
-        RunGuarded(work.stopping);
+        RunLogged(kThread, work.stopping);
         m_dead.clear();
         m_thread = std::thread::id();
     }

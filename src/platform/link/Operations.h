@@ -36,7 +36,7 @@ inline constexpr long long kOpenLimit = 30'000;
 /// and does all of that once more.
 inline constexpr long long kReconnectLimit = 60'000;
 /// A snapshot waits up to 100 s for each of two images, and before that for a reconnection.
-inline constexpr long long kSnapshotLimit = 2 * 100'000 + kReconnectLimit + kOpenLimit;
+inline constexpr long long kSnapshotLimit = 200'000 + kReconnectLimit + kOpenLimit;
 
 // The operations of SyncInterface.
 

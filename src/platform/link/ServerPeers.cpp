@@ -3,8 +3,8 @@
 #include <QFileInfo>
 
 #include <chrono>
-#include <exception>
 
+#include "platform/link/RunLogged.h"
 #include "platform/os/Clock.h"
 #include "platform/os/Log.h"
 
@@ -17,7 +17,7 @@ constexpr std::size_t kMostPeers = 64;
 /// it has threads.
 constexpr std::size_t kMostRunning = 256;
 /// What may wait for a client before signals are lost.
-constexpr qint64 kMostBacklog = 256 * 1024;
+constexpr qint64 kMostBacklog = 262'144;
 /// How often the server checks that it can be reached.
 constexpr std::chrono::milliseconds kCheckPeriod{500};
 /// How long the check takes whether another process listens.
@@ -254,10 +254,7 @@ void ServerPeers::RunCall(ClientId client, std::uint32_t number, const Work& wor
         }
     }
     ReplyMessage reply{number, STATUS_FAILED, {}};
-    try {
-        reply.status = work(reply.results);
-    } catch (const std::exception& e) {
-        LOG(ERROR) << "A call of client " << client << " failed: " << e.what();
+    if (!RunLogged("A call of a client", [&] { reply.status = work(reply.results); })) {
         reply = {number, STATUS_FAILED, {}};
     }
     Answer(client, std::move(reply));

@@ -2,14 +2,13 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <exception>
 #include <optional>
 #include <tuple>
 #include <utility>
 
 #include "platform/link/Client.h"
+#include "platform/link/RunLogged.h"
 #include "platform/link/SnapshotImages.h"
-#include "platform/os/Log.h"
 
 using namespace Korvex3Sync;
 
@@ -44,17 +43,15 @@ void AssignAll(std::tuple<Outputs&...> outputs, std::tuple<Results...>& results)
 /// Calls an operation; `out` ties its outputs. No exception may cross the interface.
 template <class Op, class... Results, class... Arguments>
 RETSTATUS Call(link::Client& client, std::tuple<Results&...> out, const Arguments&... arguments) {
-    try {
+    RETSTATUS status = STATUS_FAILED;
+    const bool ran = link::RunLogged(Op::kName, [&] {
         typename Op::Out results;
-        const RETSTATUS status = client.Call<Op>({arguments...}, results);
+        status = client.Call<Op>({arguments...}, results);
         if (status == STATUS_SUCCESS) {
             AssignAll(out, results);
         }
-        return status;
-    } catch (const std::exception& e) {
-        LOG(ERROR) << Op::kName << ": " << e.what();
-        return STATUS_FAILED;
-    }
+    });
+    return ran ? status : STATUS_FAILED;
 }
 
 /// The same for an operation without results.
@@ -232,14 +229,12 @@ RETSTATUS SyncInterface::snapColorImage(qint64 id, std::vector<unsigned char*>& 
     if (status != STATUS_SUCCESS) {
         return status;
     }
-    try {
-        const auto pixels = static_cast<std::size_t>(std::max(snapWidth, 0)) *
-                            static_cast<std::size_t>(std::max(snapHeight, 0));
-        if (!link::AppendSnapshotImages(segments, pixels, images)) {
-            return STATUS_FAILED;
-        }
-    } catch (const std::exception& e) {
-        LOG(ERROR) << link::SnapColorImage::kName << ": " << e.what();
+    const auto pixels = static_cast<std::size_t>(std::max(snapWidth, 0)) *
+                        static_cast<std::size_t>(std::max(snapHeight, 0));
+    bool copied = false;
+    link::RunLogged(link::SnapColorImage::kName,
+                    [&] { copied = link::AppendSnapshotImages(segments, pixels, images); });
+    if (!copied) {
         return STATUS_FAILED;
     }
     width = snapWidth;

@@ -1,24 +1,13 @@
 #include "platform/link/WorkerPool.h"
 
-#include <exception>
 #include <utility>
 
-#include "platform/os/Log.h"
+#include "platform/link/RunLogged.h"
 
 namespace Korvex3Sync::link {
 namespace {
 
 constexpr std::size_t kMostThreads = 16;
-
-void RunJob(const WorkerPool::Job& job) {
-    try {
-        job();
-    } catch (const std::exception& e) {
-        LOG(ERROR) << "device service link: " << e.what();
-    } catch (...) {
-        LOG(ERROR) << "device service link: unknown exception";
-    }
-}
 
 }  // namespace
 
@@ -76,7 +65,7 @@ void WorkerPool::Run() {
         ++m_running;
         {
             os::MutexRelease unlocked(m_mutex);
-            RunJob(job);
+            RunLogged("A call of a client", job);
             job = nullptr;  // what it holds is released without the lock
         }
         --m_running;

@@ -52,10 +52,10 @@ std::string Objection(const std::filesystem::path& folder) {
 
 std::filesystem::path RuntimeFolder(std::string& reason) {
     const std::filesystem::path variable = FolderVariable("XDG_RUNTIME_DIR");
-    const std::filesystem::path folder =
-        variable.empty() ? std::filesystem::path(std::string("/tmp/") + kFolderName + "-" +
-                                                 std::to_string(::geteuid()))
-                         : variable / kFolderName;
+    std::filesystem::path folder = variable.empty()
+                                       ? std::filesystem::path(std::string("/tmp/") + kFolderName +
+                                                               "-" + std::to_string(::geteuid()))
+                                       : variable / kFolderName;
     if (::mkdir(folder.c_str(), 0700) != 0 && errno != EEXIST) {
         reason = "cannot create " + folder.string() + ": " + ErrorText(errno);
         return {};
@@ -73,7 +73,7 @@ std::filesystem::path SocketPath(std::string_view name, std::string& reason) {
     if (folder.empty()) {
         return {};
     }
-    const std::filesystem::path path = folder / name;
+    std::filesystem::path path = folder / name;
     // A socket is created under a temporary name that is a few characters longer.
     constexpr std::size_t kMost = sizeof(sockaddr_un::sun_path) - 10;
     if (path.native().size() > kMost) {
@@ -90,7 +90,7 @@ std::filesystem::path LogFolder(std::string& reason) {
         base = FolderVariable("HOME") / ".local/state";
     }
     if (!base.empty()) {
-        const std::filesystem::path folder = base / kFolderName;
+        std::filesystem::path folder = base / kFolderName;
         std::error_code error;
         std::filesystem::create_directories(folder, error);
         if (!error && ::access(folder.c_str(), W_OK | X_OK) == 0) {
