@@ -122,17 +122,14 @@ void ClientConnection::Open(const QString& path, Role role, Channel::Events even
 void ClientConnection::Fail(const std::string& reason) {
     const bool wasConnected = std::exchange(m_connected, false);
     m_attemptLimit.stop();
-    EndChannel();
     if (wasConnected) {
         LOG(WARNING) << "The connection to the " << TargetName() << " is lost: " << reason;
-        m_events.lost();
-    } else {
-        if (reason != m_lastReason) {
-            LOG(WARNING) << "Cannot connect to the " << TargetName() << ": " << reason;
-            m_lastReason = reason;
-        }
-        m_events.failed();
+    } else if (reason != m_lastReason) {
+        LOG(WARNING) << "Cannot connect to the " << TargetName() << ": " << reason;
+        m_lastReason = reason;
     }
+    EndChannel();
+    (wasConnected ? m_events.lost : m_events.failed)();
     m_next.start(TimerInterval(kRetryAfter));
 }
 
