@@ -9,6 +9,8 @@
 #include <fstream>
 
 #include "platform/os/File.h"
+#include "platform/tunnel/AreaLayout.h"
+#include "support/WaitUntil.h"
 #include "survival/World.h"
 
 namespace Korvex3Sync::tests::survival {
@@ -16,9 +18,9 @@ namespace Korvex3Sync::tests::survival {
 namespace {
 
 /// Writes random bytes over the header of the area, all of it or a part.
-void DamageHeader(Dice& dice) {
+void DamageHeader(const std::filesystem::path& file, Dice& dice) {
     constexpr int kHeaderBytes = 72;
-    const os::File area(::open(AreaOfSets().c_str(), O_WRONLY | O_CLOEXEC));
+    const os::File area(::open(file.c_str(), O_WRONLY | O_CLOEXEC));
     const int begin = dice.From(0, kHeaderBytes - 1);
     std::string garbage(static_cast<std::size_t>(dice.From(1, kHeaderBytes - begin)), '\0');
     for (char& byte : garbage) {
@@ -28,15 +30,28 @@ void DamageHeader(Dice& dice) {
               static_cast<ssize_t>(garbage.size()));
 }
 
+/// Whether a client that opens the area now can use it.
+bool HeaderIsWhole(const std::filesystem::path& file) {
+    const os::File area(::open(file.c_str(), O_RDONLY | O_CLOEXEC));
+    tunnel::HeaderWords words{};
+    std::error_code gone;
+    return area &&
+           ::pread(area.Descriptor(), words.data(), sizeof(words), 0) ==
+               static_cast<ssize_t>(sizeof(words)) &&
+           tunnel::DecodeHeader(words, std::filesystem::file_size(file, gone));
+}
+
 TEST(Survival, HeaderOverwritten) {
     World world;
     const auto application = world.Application("scan");
     ASSERT_TRUE(SteadySetsAfter(*application, 0));
+    const std::filesystem::path area = AreaOfSets();
     RunRounds([&](int, Dice& dice) {
         dice.Pause(kLongPauseMs);
-        DamageHeader(dice);
+        DamageHeader(area, dice);
         const Moment damaged = Now();
-        return Recovery{damaged, SteadySetsAfter(*application, damaged)};
+        EXPECT_TRUE(support::WaitUntil([&area] { return HeaderIsWhole(area); }));
+        return Recovery{damaged, SteadySetsAfter(*application, Now())};
     });
     ExpectDocumentedCalls(*application);
     application->End();
