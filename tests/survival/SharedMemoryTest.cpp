@@ -51,7 +51,11 @@ TEST(Survival, HeaderOverwritten) {
         DamageHeader(area, dice);
         const Moment damaged = Now();
         EXPECT_TRUE(support::WaitUntil([&area] { return HeaderIsWhole(area); }));
-        return Recovery{damaged, SteadySetsAfter(*application, Now())};
+        const auto recovered = SteadySetsAfter(*application, Now());
+        for (const Event& event : application->Events()) {
+            EXPECT_FALSE(event.kind == "down" && event.time > damaged) << "the service repairs it";
+        }
+        return Recovery{damaged, recovered};
     });
     ExpectDocumentedCalls(*application);
     application->End();
