@@ -118,6 +118,7 @@ TEST_F(ProgramTest, TakesThePlaceOfAServiceThatWasKilled) {
         ChildProcess next(m_command, WithHead());
         ASSERT_EQ(service.Wait().signal, SIGKILL);
         ASSERT_TRUE(WaitUntilItServes());
+        EXPECT_TRUE(support::WaitUntil([] { return SharedFiles().empty(); }));
         ASSERT_TRUE(support::WaitUntil([&] { return client.Connect() == STATUS_SUCCESS; }));
         EXPECT_EQ(client->disConnectDevice(client.Id()), STATUS_SUCCESS);
         EXPECT_TRUE(SharedFiles().empty());

@@ -54,6 +54,8 @@ bool DeviceService::Start(std::string& reason) {
     if (!m_server->Listen(reason)) {
         return false;
     }
+    // What a service that was killed has left behind.
+    tunnel::AreaWriter::ReclaimStaleAreas();
     m_hub = std::make_unique<link::HubLink>(
         link::HubLink::RegistrationOf(link::kServiceName, QString::fromStdString(socket)),
         m_options.startHub);
