@@ -3,7 +3,10 @@
 #include <Korvex3Sync/Connection.h>
 #include <Korvex3Sync/Discovery.h>
 
+#include <glog/logging.h>
+
 #include <QCoreApplication>
+#include <set>
 #include <system_error>
 
 #include "platform/os/SharedFile.h"
@@ -11,13 +14,58 @@
 #include "support/WaitUntil.h"
 
 namespace Korvex3Sync::tests {
+
+/// Hands the log records to those that look for some. It is added to glog before there are other
+/// threads, because glog's own lock is unknown to the thread sanitizer.
+class LogReader : public google::LogSink {
+public:
+    static LogReader& OfThisProcess() {
+        static LogReader reader;
+        return reader;
+    }
+    void Add(LoggedText& text) {
+        const std::lock_guard lock(m_mutex);
+        m_texts.insert(&text);
+    }
+    void Remove(LoggedText& text) {
+        const std::lock_guard lock(m_mutex);
+        m_texts.erase(&text);
+    }
+    std::vector<std::string> RecordsOf(const LoggedText& text) {
+        const std::lock_guard lock(m_mutex);
+        return text.m_records;
+    }
+
+    using google::LogSink::send;
+    void send(google::LogSeverity, const char*, const char*, int, const google::LogMessageTime&,
+              const char* message, std::size_t length) override {
+        const std::string record(message, length);
+        const std::lock_guard lock(m_mutex);
+        for (LoggedText* const text : m_texts) {
+            if (record.find(text->m_text) != std::string::npos) {
+                text->m_records.push_back(record);
+            }
+        }
+    }
+
+private:
+    std::mutex m_mutex;
+    std::set<LoggedText*> m_texts;
+};
+
 namespace {
 
 /// Qt needs one for threads that wait for events.
 class Application : public testing::Environment {
 public:
-    void SetUp() override { m_application.emplace(m_count, m_arguments); }
-    void TearDown() override { m_application.reset(); }
+    void SetUp() override {
+        m_application.emplace(m_count, m_arguments);
+        google::AddLogSink(&LogReader::OfThisProcess());
+    }
+    void TearDown() override {
+        google::RemoveLogSink(&LogReader::OfThisProcess());
+        m_application.reset();
+    }
 
 private:
     int m_count = 1;
@@ -92,23 +140,16 @@ bool ServiceClient::WaitForStatuses(std::size_t count) const {
     });
 }
 
+LoggedText::LoggedText(std::string text) : m_text(std::move(text)) {
+    LogReader::OfThisProcess().Add(*this);
+}
+
 LoggedText::~LoggedText() {
-    google::RemoveLogSink(this);
-    const std::lock_guard lock(m_mutex);  // glog's own lock is unknown to the thread sanitizer
+    LogReader::OfThisProcess().Remove(*this);
 }
 
 std::vector<std::string> LoggedText::Records() const {
-    const std::lock_guard lock(m_mutex);
-    return m_records;
-}
-
-void LoggedText::send(google::LogSeverity, const char*, const char*, int,
-                      const google::LogMessageTime&, const char* message, std::size_t length) {
-    const std::string record(message, length);
-    const std::lock_guard lock(m_mutex);
-    if (record.find(m_text) != std::string::npos) {
-        m_records.push_back(record);
-    }
+    return LogReader::OfThisProcess().RecordsOf(*this);
 }
 
 ServiceSession::ServiceSession() : m_hub("1", [] {}) {

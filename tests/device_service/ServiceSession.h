@@ -1,7 +1,6 @@
 #pragma once
 
 #include <SyncInterface.h>
-#include <glog/logging.h>
 #include <gtest/gtest.h>
 
 #include <chrono>
@@ -74,22 +73,18 @@ private:
 };
 
 /// The log records of this process that contain a text, while it exists.
-class LoggedText : public google::LogSink {
+class LoggedText {
 public:
-    explicit LoggedText(std::string text) : m_text(std::move(text)) { google::AddLogSink(this); }
-    ~LoggedText() override;
+    explicit LoggedText(std::string text);
+    ~LoggedText();
     LoggedText(const LoggedText&) = delete;
     LoggedText& operator=(const LoggedText&) = delete;
 
     std::vector<std::string> Records() const;
 
-    using google::LogSink::send;
-    void send(google::LogSeverity severity, const char* fullName, const char* fileName, int line,
-              const google::LogMessageTime& time, const char* message, std::size_t length) override;
-
 private:
+    friend class LogReader;
     const std::string m_text;
-    mutable std::mutex m_mutex;
     std::vector<std::string> m_records;
 };
 

@@ -56,6 +56,11 @@ protected:
         });
     }
 
+    /// Waits for the notice of the last set of a scan. The service has a camera instance of its
+    /// own, which may be behind the one that the head counts.
+    static bool WaitForSet(const ServiceClient& client, std::uint64_t number) {
+        return support::WaitUntil([&] { return client.Notices().back().number == number; });
+    }
     bool ScanWithoutLoss(int periodMs);
 
     SetReader m_reader;
@@ -159,7 +164,7 @@ TEST_F(SetTest, ASlowReaderGetsWholeSetsOrNoneAndEveryTriggerIsAccountedFor) {
         }
     }
     TriggerOff(client);
-    ASSERT_TRUE(WaitForDelivery());
+    ASSERT_TRUE(WaitForSet(client, TheHead().Counts().triggers - 3));
     StopSets(client);
     const auto notices = client.Notices();
     for (; begun < notices.size(); ++begun) {
@@ -202,13 +207,12 @@ TEST_F(SetTest, ASetWithoutAFreePlaceIsCounted) {
     m_reader.LetGo();
     ASSERT_TRUE(client.WaitForNotices(before + 5));
     TriggerOff(client);
-    ASSERT_TRUE(WaitForDelivery());
+    ASSERT_TRUE(WaitForSet(client, TheHead().Counts().triggers));
     StopSets(client);
     const auto notices = client.Notices();
     const Notice& last = notices.back();
     EXPECT_GT(last.notWritten, 5U);
     EXPECT_EQ(last.number, notices.size() + last.notWritten);
-    EXPECT_EQ(last.number, TheHead().Counts().triggers);
     EXPECT_TRUE(m_reader.Read(last).has_value());
 }
 
@@ -236,14 +240,13 @@ TEST_F(SetTest, NoticesThatTheClientDoesNotTakeAreCountedAndNothingWaitsForIt) {
     // The client takes notices again.
     ASSERT_TRUE(support::WaitUntil([&] { return client.Notices().back().noticesNotSent > 20; }));
     TriggerOff(client);
-    ASSERT_TRUE(WaitForDelivery());
+    // Without colour the newest set waits for the next trigger.
+    ASSERT_TRUE(WaitForSet(client, TheHead().Counts().triggers - 1));
     StopSets(client);
     const auto notices = client.Notices();
     const Notice& last = notices.back();
     EXPECT_GT(last.noticesNotSent, 20U);
     EXPECT_EQ(last.number, notices.size() + last.noticesNotSent + last.notWritten);
-    // Without colour the newest set waits for the next trigger.
-    EXPECT_EQ(last.number + 1, TheHead().Counts().triggers);
     EXPECT_EQ(FigureOf(last, "missingKeys"), 0U) << "direct mode waited for the client";
 }
 
