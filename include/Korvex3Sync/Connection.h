@@ -22,8 +22,13 @@ namespace Korvex3Sync {
 /// true is service mode (a device service drives them). Call it before any other function, and not
 /// at the same time as another one.
 ///
-/// Returns 7 for false. For true, this version stores the mode and returns 5: there is no service
-/// client yet, and every operation that needs one returns 6. Does not block.
+/// The first switch to service mode starts `hub.exe` and `ZrSyncService.exe` of the application
+/// directory, after it has ended running ones of this user, and waits for the service to find
+/// cameras. It needs a QCoreApplication. It returns 7 even if the start fails; only the log says so,
+/// and operations then return 6. Every later switch to service mode returns 5 and uses the same
+/// client. Switching back to direct mode returns 7; hub and service go on.
+///
+/// The first switch to service mode blocks for about 14 s, the others do not block.
 KORVEX3SYNC_API RETSTATUS SwitchOnDeviceService(bool on);
 
 /// Connects a head: opens the board, then the cameras, and starts grabbing.
@@ -164,6 +169,9 @@ KORVEX3SYNC_API RETSTATUS WriteUserInfomation(void* const& handle, const int& ad
 /// Reads one page (256 bytes) of the board's user memory into the buffer that `data` points to. The
 /// caller owns the buffer, which must hold at least 256 bytes. `address` is the page number, as for
 /// WriteUserInfomation. On failure the buffer stays unchanged.
+///
+/// In service mode the function does not look at `data`: it sets it to a new zero-terminated buffer,
+/// which the caller frees with `delete[]`.
 ///
 /// Results, threads and blocking time are those of WriteUserInfomation.
 KORVEX3SYNC_API RETSTATUS ReadUserInfomation(void* const& handle, const int& address, char*& data);

@@ -9,6 +9,7 @@
 #include "interface/Mode.h"
 #include "platform/os/Cancellation.h"
 #include "platform/os/Log.h"
+#include "service/zr3DHandiSyncQT.h"
 
 namespace Korvex3Sync {
 
@@ -42,22 +43,12 @@ RETSTATUS NoThrow(Call&& call) {
 // member of IManagerSync or of one of its parts, or takes an IManagerSync& as its first argument. A
 // client operation takes a zr3DHandiSyncQT&.
 
-/// An operation that the service client does not have yet. Returns 5.
-struct NoClientOperation {
-    template <class... Args>
-    RETSTATUS operator()(zr3DHandiSyncQT&, Args&&...) const {
-        return STATUS_NOT_SUPPORTED;
-    }
-};
-
 /// In service mode the call goes to the service client.
-template <class Direct, class Client = NoClientOperation>
+template <class Direct, class Client>
 struct Standard {
     Direct direct;
-    Client client = {};
+    Client client;
 };
-template <class Direct>
-Standard(Direct) -> Standard<Direct>;
 template <class Direct, class Client>
 Standard(Direct, Client) -> Standard<Direct, Client>;
 

@@ -5,31 +5,36 @@
 namespace Korvex3Sync {
 
 RETSTATUS GetConnectCameraCount(void* const& handle, int& count) {
-    return ExportCall(Standard{&CameraSet::GetConnectCameraCount}, "GetConnectCameraCount", handle,
-                      count);
+    return ExportCall(
+        Standard{&CameraSet::GetConnectCameraCount, &zr3DHandiSyncQT::GetConnectCameraCount},
+        "GetConnectCameraCount", handle, count);
 }
 
 RETSTATUS GetCameraSerialNumber(void* const& handle, const int& cameraIndex, char*& serial) {
-    return ExportCall(Standard{&CameraSet::GetCameraSerialNumber}, "GetCameraSerialNumber", handle,
-                      cameraIndex, serial);
+    return ExportCall(
+        Standard{&CameraSet::GetCameraSerialNumber, &zr3DHandiSyncQT::GetCameraSerialNumber},
+        "GetCameraSerialNumber", handle, cameraIndex, serial);
 }
 
 RETSTATUS GetCameraResolution(void* const& handle, const int& cameraIndex, int& width,
                               int& height) {
-    return ExportCall(Standard{&CameraSet::GetCameraResolution}, "GetCameraResolution", handle,
-                      cameraIndex, width, height);
+    return ExportCall(
+        Standard{&CameraSet::GetCameraResolution, &zr3DHandiSyncQT::GetCameraResolution},
+        "GetCameraResolution", handle, cameraIndex, width, height);
 }
 
 RETSTATUS SetCameraExposureAndGain(void* const& handle, const int& cameraIndex,
                                    const double& exposure, const int& gain) {
-    return ExportCall(Standard{&CameraSet::SetCameraExposureAndGain}, "SetCameraExposureAndGain",
-                      handle, cameraIndex, exposure, gain);
+    return ExportCall(
+        Standard{&CameraSet::SetCameraExposureAndGain, &zr3DHandiSyncQT::SetCameraExposureAndGain},
+        "SetCameraExposureAndGain", handle, cameraIndex, exposure, gain);
 }
 
 RETSTATUS GetCameraExposureAndGain(void* const& handle, const int& cameraIndex, double& exposure,
                                    int& gain) {
-    return ExportCall(Standard{&CameraSet::GetCameraExposureAndGain}, "GetCameraExposureAndGain",
-                      handle, cameraIndex, exposure, gain);
+    return ExportCall(
+        Standard{&CameraSet::GetCameraExposureAndGain, &zr3DHandiSyncQT::GetCameraExposureAndGain},
+        "GetCameraExposureAndGain", handle, cameraIndex, exposure, gain);
 }
 
 RETSTATUS SetCameraExposure(void* const&, const int&, const double&) {

@@ -36,8 +36,23 @@ RETSTATUS QueryFirmware(void* handle, const char* projectorId, std::string& vers
 }  // namespace
 
 RETSTATUS SwitchOnDeviceService(bool on) {
+    const os::CancellationOff cancellation;
     SetServiceMode(on);
-    return on ? STATUS_NOT_SUPPORTED : STATUS_SUCCESS;
+    if (!on) {
+        return STATUS_SUCCESS;
+    }
+    if (ServiceClient() != nullptr) {
+        return STATUS_NOT_SUPPORTED;
+    }
+    return NoThrow([] {
+        // Exists until the process ends, also after a start that failed.
+        auto* const client = new zr3DHandiSyncQT;
+        SetServiceClient(client);
+        if (!client->Init()) {
+            KORVEX_LOG(kInterfaceLog) << "SwitchOnDeviceService: zr3DHandiSyncQT init failed!";
+        }
+        return STATUS_SUCCESS;
+    });
 }
 
 RETSTATUS ConnectDevice(const char* const& deviceType, const char* const& projectorId,
@@ -46,7 +61,7 @@ RETSTATUS ConnectDevice(const char* const& deviceType, const char* const& projec
     const os::CancellationOff cancellation;
     LogEnter("ConnectDevice");
     if (ServiceMode()) {
-        return ServiceCall(NoClientOperation{});
+        return ServiceCall(&zr3DHandiSyncQT::ConnectDevice, deviceType, handle);
     }
     std::unique_ptr<Connection> connection;
     void* address = nullptr;
@@ -80,7 +95,7 @@ RETSTATUS DisConnectDevice(void*& handle) {
         return STATUS_NOT_CONNECTED;
     }
     if (ServiceMode()) {
-        return ServiceCall(NoClientOperation{});
+        return ServiceCall(&zr3DHandiSyncQT::DisConnectDevice, handle);
     }
     auto connection = TakeConnection(handle);
     if (connection == nullptr) {
@@ -93,14 +108,16 @@ RETSTATUS DisConnectDevice(void*& handle) {
 }
 
 RETSTATUS CloseDeviceCamera(void* const& handle) {
-    return ExportCall(Standard{&CameraSet::ReleaseCamera}, "CloseDeviceCamera", handle);
+    return ExportCall(Standard{&CameraSet::ReleaseCamera, &zr3DHandiSyncQT::CloseDeviceCamera},
+                      "CloseDeviceCamera", handle);
 }
 
 RETSTATUS ReconnectDevice(void* const& handle) {
     const auto reconnect = [](IManagerSync& manager) {
         return manager.ReConnectDeviceEx() == 0 ? STATUS_SUCCESS : STATUS_FAILED;
     };
-    return ExportCall(Standard{reconnect}, "ReconnectDevice", handle);
+    return ExportCall(Standard{reconnect, &zr3DHandiSyncQT::ReconnectDevice}, "ReconnectDevice",
+                      handle);
 }
 
 RETSTATUS ReconnectDevice(void* const& handle, const bool& first, const bool& second) {
@@ -140,7 +157,8 @@ RETSTATUS GetFirewareVersion(void* handle, const char* deviceType, const char* p
         return STATUS_NOT_CONNECTED;
     }
     if (ServiceMode()) {
-        return ServiceCall(NoClientOperation{});
+        return ServiceCall(&zr3DHandiSyncQT::GetFirewareVersion, handle, deviceType, projectorId,
+                           version);
     }
     if (handle != nullptr && !CallInside(handle)) {
         return STATUS_NOT_CONNECTED;
@@ -160,17 +178,20 @@ RETSTATUS GetFirewareVersion(void* handle, const char* deviceType, const char* p
 
 RETSTATUS WriteUserInfomation(void* const& handle, const int& address, const char* data,
                               const int& length) {
-    return ExportCall(Standard{&BoardSession::WriteUserInfomation}, "WriteUserInfomation", handle,
-                      address, data, length);
+    return ExportCall(
+        Standard{&BoardSession::WriteUserInfomation, &zr3DHandiSyncQT::WriteUserInfomation},
+        "WriteUserInfomation", handle, address, data, length);
 }
 
 RETSTATUS ReadUserInfomation(void* const& handle, const int& address, char*& data) {
-    return ExportCall(Standard{&BoardSession::ReadUserInfomation}, "ReadUserInfomation", handle,
-                      address, data);
+    return ExportCall(
+        Standard{&BoardSession::ReadUserInfomation, &zr3DHandiSyncQT::ReadUserInfomation},
+        "ReadUserInfomation", handle, address, data);
 }
 
 RETSTATUS EnableHeartbeat(void* const& handle, bool& enable) {
-    return ExportCall(Standard{&BoardSession::EnableHeartbeat}, "EnableHeartbeat", handle, enable);
+    return ExportCall(Standard{&BoardSession::EnableHeartbeat, &zr3DHandiSyncQT::EnableHeartbeat},
+                      "EnableHeartbeat", handle, enable);
 }
 
 }  // namespace Korvex3Sync

@@ -16,7 +16,8 @@ RETSTATUS GetCamerasInformation(const char* const& cameraType, std::vector<char*
     const os::CancellationOff cancellation;
     KORVEX_LOG(kInterfaceLog) << "zr3DHandiSync version: " << kVersion;
     if (ServiceMode()) {
-        return ServiceCall(NoClientOperation{});
+        return ServiceCall(&zr3DHandiSyncQT::GetCamerasInformation, cameraType, serials, widths,
+                           heights, isColor, cameraCount);
     }
     return NoThrow([&] {
         cameraCount =
@@ -31,7 +32,7 @@ RETSTATUS GetCameraCount(const char* const& cameraType, int& count) {
     const os::CancellationOff cancellation;
     LogEnter("GetCameraCount");
     if (ServiceMode()) {
-        return ServiceCall(NoClientOperation{});
+        return ServiceCall(&zr3DHandiSyncQT::GetCameraCount, cameraType, count);
     }
     return NoThrow([&] {
         count = GetSpecifyTypeCameraCount(cameraType);

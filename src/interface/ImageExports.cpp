@@ -6,21 +6,24 @@ namespace Korvex3Sync {
 
 RETSTATUS SetScanCallBackFunction(void* const& handle, ScanCallBackFunction callback,
                                   void* context) {
-    return ExportCall(Standard{&FramePath::SetScanCallBackFunction}, "SetScanCallBackFunction",
-                      handle, callback, context);
+    return ExportCall(
+        Standard{&FramePath::SetScanCallBackFunction, &zr3DHandiSyncQT::SetScanCallBackFunction},
+        "SetScanCallBackFunction", handle, callback, context);
 }
 
 RETSTATUS SetStatusCallBackFunction(void* const& handle, StatusCallBackFunction callback,
                                     void* context) {
-    return ExportCall(Standard{&StatusPoller::SetStatusCallBackFunction},
+    return ExportCall(Standard{&StatusPoller::SetStatusCallBackFunction,
+                               &zr3DHandiSyncQT::SetStatusCallBackFunction},
                       "SetStatusCallBackFunction", handle, callback, context);
 }
 
 RETSTATUS SnapColorImage(void* const& handle, std::vector<unsigned char*>& images, int& width,
                          int& height, const int& cameraIndex, double& exposure, int& gain,
                          const CONTROLROUTE& route) {
-    return ExportCall(Standard{&ColorSnapshot::SnapColorImage}, "SnapColorImage", handle, images,
-                      width, height, cameraIndex, exposure, gain, route);
+    return ExportCall(Standard{&ColorSnapshot::SnapColorImage, &zr3DHandiSyncQT::SnapColorImage},
+                      "SnapColorImage", handle, images, width, height, cameraIndex, exposure, gain,
+                      route);
 }
 
 RETSTATUS SnapColorImageForIR(void* const& handle, std::vector<unsigned char*>& images, int& width,

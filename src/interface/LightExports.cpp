@@ -5,26 +5,30 @@
 namespace Korvex3Sync {
 
 RETSTATUS Project(void* const& handle, const PROJECTWORKTYPES& type) {
-    return ExportCall(Standard{&BoardSession::Project}, "Project", handle, type);
+    return ExportCall(Standard{&BoardSession::Project, &zr3DHandiSyncQT::Project}, "Project",
+                      handle, type);
 }
 
 RETSTATUS SetProjectorBrightness(void* const& handle, const int& brightness) {
-    return ExportCall(Standard{&BoardSession::SetProjectorBrightness}, "SetProjectorBrightness",
-                      handle, brightness);
+    return ExportCall(
+        Standard{&BoardSession::SetProjectorBrightness, &zr3DHandiSyncQT::SetProjectorBrightness},
+        "SetProjectorBrightness", handle, brightness);
 }
 
 RETSTATUS GetProjectorBrightness(void* const& handle, int& brightness) {
-    return ExportCall(Standard{&BoardSession::GetProjectorBrightness}, "GetProjectorBrightness",
-                      handle, brightness);
+    return ExportCall(
+        Standard{&BoardSession::GetProjectorBrightness, &zr3DHandiSyncQT::GetProjectorBrightness},
+        "GetProjectorBrightness", handle, brightness);
 }
 
 RETSTATUS EnableBlueLaser(void* const& handle, const LASERWORKMODE& mode, const bool& enable) {
-    return ExportCall(Standard{&BoardSession::EnableBlueLaser}, "EnableBlueLaser", handle, mode,
-                      enable);
+    return ExportCall(Standard{&BoardSession::EnableBlueLaser, &zr3DHandiSyncQT::EnableBlueLaser},
+                      "EnableBlueLaser", handle, mode, enable);
 }
 
 RETSTATUS EnableIRLaser(void* const& handle, const bool& enable) {
-    return ExportCall(Standard{&BoardSession::EnableIRLaser}, "EnableIRLaser", handle, enable);
+    return ExportCall(Standard{&BoardSession::EnableIRLaser, &zr3DHandiSyncQT::EnableIRLaser},
+                      "EnableIRLaser", handle, enable);
 }
 
 RETSTATUS SetIRLaserBrightnessLevel(void* const& handle, const int& level) {
@@ -34,50 +38,59 @@ RETSTATUS SetIRLaserBrightnessLevel(void* const& handle, const int& level) {
 
 RETSTATUS SetStrobeControlledByTrigger(void* const& handle, const CONTROLROUTE& route,
                                        const STROBE_STATE& state) {
-    return ExportCall(Standard{&BoardSession::SetStrobeControlledByTrigger},
+    return ExportCall(Standard{&BoardSession::SetStrobeControlledByTrigger,
+                               &zr3DHandiSyncQT::SetStrobeControlledByTrigger},
                       "SetStrobeControlledByTrigger", handle, route, state);
 }
 
 RETSTATUS SetStrobeDutioRatio(void* const& handle, const int& textureRatio, const int& ratio,
                               const int& ratioWithTexture) {
-    return ExportCall(Standard{&BoardSession::SetStrobeDutioRatio}, "SetStrobeDutioRatio", handle,
-                      textureRatio, ratio, ratioWithTexture);
+    return ExportCall(
+        Standard{&BoardSession::SetStrobeDutioRatio, &zr3DHandiSyncQT::SetStrobeDutioRatio},
+        "SetStrobeDutioRatio", handle, textureRatio, ratio, ratioWithTexture);
 }
 
 RETSTATUS GetStrobeDutioRatio(void* const& handle, int& textureRatio, int& ratio,
                               int& ratioWithTexture) {
-    return ExportCall(Standard{&BoardSession::GetStrobeDutioRatio}, "GetStrobeDutioRatio", handle,
-                      textureRatio, ratio, ratioWithTexture);
+    return ExportCall(
+        Standard{&BoardSession::GetStrobeDutioRatio, &zr3DHandiSyncQT::GetStrobeDutioRatio},
+        "GetStrobeDutioRatio", handle, textureRatio, ratio, ratioWithTexture);
 }
 
 RETSTATUS SetLaserLineDutioRatio(void* const& handle, const int& ratio) {
-    return ExportCall(Standard{&BoardSession::SetLaserLineDutioRatio}, "SetLaserLineDutioRatio",
-                      handle, ratio);
+    return ExportCall(
+        Standard{&BoardSession::SetLaserLineDutioRatio, &zr3DHandiSyncQT::SetLaserLineDutioRatio},
+        "SetLaserLineDutioRatio", handle, ratio);
 }
 
 RETSTATUS GetLaserLineDutioRatio(void* const& handle, int& ratio) {
-    return ExportCall(Standard{&BoardSession::GetLaserLineDutioRatio}, "GetLaserLineDutioRatio",
-                      handle, ratio);
+    return ExportCall(
+        Standard{&BoardSession::GetLaserLineDutioRatio, &zr3DHandiSyncQT::GetLaserLineDutioRatio},
+        "GetLaserLineDutioRatio", handle, ratio);
 }
 
 RETSTATUS SetProjectDutioRatio(void* const& handle, const int& ratio) {
-    return ExportCall(Standard{&BoardSession::SetProjectDutioRatio}, "SetProjectDutioRatio", handle,
-                      ratio);
+    return ExportCall(
+        Standard{&BoardSession::SetProjectDutioRatio, &zr3DHandiSyncQT::SetProjectDutioRatio},
+        "SetProjectDutioRatio", handle, ratio);
 }
 
 RETSTATUS GetProjectDutioRatio(void* const& handle, int& ratio) {
-    return ExportCall(Standard{&BoardSession::GetProjectDutioRatio}, "GetProjectDutioRatio", handle,
-                      ratio);
+    return ExportCall(
+        Standard{&BoardSession::GetProjectDutioRatio, &zr3DHandiSyncQT::GetProjectDutioRatio},
+        "GetProjectDutioRatio", handle, ratio);
 }
 
 RETSTATUS SetIRLaserDutioRatio(void* const& handle, const int& ratio) {
-    return ExportCall(Standard{&BoardSession::SetIRLaserDutioRatio}, "SetIRLaserDutioRatio", handle,
-                      ratio);
+    return ExportCall(
+        Standard{&BoardSession::SetIRLaserDutioRatio, &zr3DHandiSyncQT::SetIRLaserDutioRatio},
+        "SetIRLaserDutioRatio", handle, ratio);
 }
 
 RETSTATUS GetIRLaserDutioRatio(void* const& handle, int& ratio) {
-    return ExportCall(Standard{&BoardSession::GetIRLaserDutioRatio}, "GetIRLaserDutioRatio", handle,
-                      ratio);
+    return ExportCall(
+        Standard{&BoardSession::GetIRLaserDutioRatio, &zr3DHandiSyncQT::GetIRLaserDutioRatio},
+        "GetIRLaserDutioRatio", handle, ratio);
 }
 
 RETSTATUS SetStrobeWorkTime(void* const& handle, const int& timeWithTexture, const int& time) {
@@ -121,19 +134,22 @@ RETSTATUS GetIRLaserWorkTime(void* const& handle, int& time) {
 }
 
 RETSTATUS SetVideoTriggerPeriod(void* const& handle, const int& period) {
-    return ExportCall(Standard{&BoardSession::SetVideoTriggerPeriod}, "SetVideoTriggerPeriod",
-                      handle, period);
+    return ExportCall(
+        Standard{&BoardSession::SetVideoTriggerPeriod, &zr3DHandiSyncQT::SetVideoTriggerPeriod},
+        "SetVideoTriggerPeriod", handle, period);
 }
 
 RETSTATUS GetVideoTriggerPeriod(void* const& handle, int& period) {
-    return ExportCall(Standard{&BoardSession::GetVideoTriggerPeriod}, "GetVideoTriggerPeriod",
-                      handle, period);
+    return ExportCall(
+        Standard{&BoardSession::GetVideoTriggerPeriod, &zr3DHandiSyncQT::GetVideoTriggerPeriod},
+        "GetVideoTriggerPeriod", handle, period);
 }
 
 RETSTATUS EnableVideoTrigger(void* const& handle, const CAMERA_TRIGGER_MODE& mode,
                              const bool& enable) {
-    return ExportCall(Standard{&BoardSession::EnableVideoTrigger}, "EnableVideoTrigger", handle,
-                      mode, enable);
+    return ExportCall(
+        Standard{&BoardSession::EnableVideoTrigger, &zr3DHandiSyncQT::EnableVideoTrigger},
+        "EnableVideoTrigger", handle, mode, enable);
 }
 
 RETSTATUS SetDistanceIndicate(void* const& handle, const DISTANCESTATUS& state) {
@@ -142,7 +158,8 @@ RETSTATUS SetDistanceIndicate(void* const& handle, const DISTANCESTATUS& state) 
         KORVEX_LOG(kInterfaceLog) << "SetDistanceIndicate leave";
         return status;
     };
-    return ExportCall(Standard{set}, "SetDistanceIndicate", handle, state);
+    return ExportCall(Standard{set, &zr3DHandiSyncQT::SetDistanceIndicate}, "SetDistanceIndicate",
+                      handle, state);
 }
 
 }  // namespace Korvex3Sync

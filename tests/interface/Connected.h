@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "Korvex3Sync/Korvex3Sync.h"
+#include "interface/Mode.h"
 #include "recorder/Recorder.h"
 #include "recorder/SingleColor.h"
 #include "support/PackedFrames.h"
@@ -14,7 +15,7 @@ class Connected : public testing::Test {
 protected:
     Connected() { recorder::Recorder::Get().Reset(); }
     ~Connected() override {
-        SwitchOnDeviceService(false);
+        SetServiceMode(false);
         DisConnectDevice(m_handle);
     }
     RETSTATUS Connect() {

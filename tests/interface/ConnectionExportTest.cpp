@@ -80,7 +80,7 @@ TEST_F(ConnectionExports, DisconnectNullsTheHandleAndASecondOneIsNotConnected) {
 
 TEST_F(ConnectionExports, InServiceModeConnectAndDisconnectNeedAClient) {
     ASSERT_EQ(Connect(), STATUS_SUCCESS);
-    SwitchOnDeviceService(true);
+    SetServiceMode(true);
     void* other = nullptr;
     std::string serial = "A";
     EXPECT_EQ(ConnectDevice("any", "", {serial.data()}, {8}, {4}, other), STATUS_NOT_CONNECTED);
@@ -102,7 +102,7 @@ TEST_F(ConnectionExports, SeveralConnectionsStandSideBySide) {
 TEST_F(ConnectionExports, ABoardResetWithoutAHandleRunsDirectInEitherMode) {
     for (bool service : {false, true}) {
         Recorder::Get().Reset();
-        SwitchOnDeviceService(service);
+        SetServiceMode(service);
         Output output;
         EXPECT_EQ(ReconnectDevice(nullptr, true, false), STATUS_SUCCESS);
         EXPECT_TRUE(MatchesGolden("ReconnectDevice", "board reset without a handle", output.End()));
@@ -114,7 +114,7 @@ TEST_F(ConnectionExports, ABoardResetWithoutAHandleRunsDirectInEitherMode) {
 
 TEST_F(ConnectionExports, ABoardResetThroughAHandleIgnoresTheMode) {
     ASSERT_EQ(Connect(), STATUS_SUCCESS);
-    SwitchOnDeviceService(true);
+    SetServiceMode(true);
     EXPECT_EQ(ReconnectDevice(m_handle, true, true), STATUS_SUCCESS);
     EXPECT_EQ(Recorder::Get().Calls().back(), "zr3DResetDevice(B1)");
 }
@@ -123,7 +123,7 @@ TEST_F(ConnectionExports, TheFastFirmwareQueryNeedsASerialOnly) {
     std::string version = "before";
     EXPECT_EQ(GetFirewareVersion(nullptr, version), STATUS_PARAMETER);
     EXPECT_EQ(version, "before");
-    SwitchOnDeviceService(true);
+    SetServiceMode(true);
     Output output;
     EXPECT_EQ(GetFirewareVersion("SN", version), STATUS_SUCCESS);
     EXPECT_TRUE(MatchesGolden("GetFirewareVersion", "by serial", output.End()));
@@ -149,7 +149,7 @@ TEST_F(ConnectionExports, TheFirmwareQueryNeedsAHandleOrADeviceType) {
 }
 
 TEST_F(ConnectionExports, TheFirmwareQueryInServiceModeNeedsAClient) {
-    SwitchOnDeviceService(true);
+    SetServiceMode(true);
     std::string version;
     EXPECT_EQ(GetFirewareVersion(nullptr, "x", "SN", version), STATUS_NOT_CONNECTED);
     EXPECT_TRUE(Recorder::Get().Calls().empty());

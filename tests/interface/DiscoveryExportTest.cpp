@@ -64,7 +64,7 @@ TEST_F(DiscoveryExports, SucceedsWithNothingFoundAndForANullType) {
 }
 
 TEST_F(DiscoveryExports, NeedsAClientInServiceMode) {
-    SwitchOnDeviceService(true);
+    SetServiceMode(true);
     EXPECT_EQ(Read("KV00"), STATUS_NOT_CONNECTED);
     EXPECT_EQ(m_count, -1);
     EXPECT_TRUE(Recorder::Get().Calls().empty());
@@ -73,7 +73,7 @@ TEST_F(DiscoveryExports, NeedsAClientInServiceMode) {
 TEST_F(DiscoveryExports, TheUsbCheckIsTheSameInEitherMode) {
     bool onU3 = false;
     for (bool service : {false, true}) {
-        SwitchOnDeviceService(service);
+        SetServiceMode(service);
         Output output;
         EXPECT_EQ(IsConnectedOnU3("ignored", onU3), STATUS_FAILED);
         EXPECT_TRUE(MatchesGolden("IsConnectedOnU3", "no board", output.End()));

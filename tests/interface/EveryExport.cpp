@@ -8,7 +8,6 @@ thread_local int g_int = 1;
 thread_local double g_double = 1.0;
 thread_local bool g_bool = true;
 thread_local char g_memory[256];
-thread_local char* g_buffer = g_memory;
 thread_local std::vector<double> g_exposures{1.0, 2.0};
 thread_local std::vector<int> g_gains{1, 2};
 thread_local ScanStatistics g_statistics;
@@ -50,7 +49,15 @@ const std::vector<Export>& EveryExport() {
          }},
         {"GetCameraResolution", S, [](H h) { return GetCameraResolution(h, 0, g_int, g_int); }},
         {"WriteUserInfomation", S, [](H h) { return WriteUserInfomation(h, 0, "a", 1); }},
-        {"ReadUserInfomation", S, [](H h) { return ReadUserInfomation(h, 0, g_buffer); }},
+        {"ReadUserInfomation", S,
+         [](H h) {
+             char* text = g_memory;
+             const RETSTATUS status = ReadUserInfomation(h, 0, text);
+             if (text != g_memory) {  // of service mode
+                 delete[] text;
+             }
+             return status;
+         }},
         {"EnableHeartbeat", S, [](H h) { return EnableHeartbeat(h, g_bool); }},
         {"Project", S, [](H h) { return Project(h, PROJECT_PATTERN_1); }},
         {"SetProjectorBrightness", S, [](H h) { return SetProjectorBrightness(h, 1); }},

@@ -33,7 +33,7 @@ TEST_P(ExportFrame, ANullHandleIsNotConnectedInEitherMode) {
     void* const null = nullptr;
     const RETSTATUS expected = Retired() ? STATUS_NOT_SUPPORTED : STATUS_NOT_CONNECTED;
     for (bool service : {false, true}) {
-        SwitchOnDeviceService(service);
+        SetServiceMode(service);
         Output output;
         EXPECT_EQ(GetParam().call(null), expected);
         const auto lines = output.End();
@@ -64,7 +64,7 @@ TEST_P(ExportFrame, InDirectModeTheManagerAnswers) {
 TEST_P(ExportFrame, InServiceModeWithoutAClientOnlyTheAlwaysDirectReachesTheDevices) {
     ASSERT_EQ(Connect(), STATUS_SUCCESS);
     const auto calls = Recorder::Get().Calls();
-    SwitchOnDeviceService(true);
+    SetServiceMode(true);
     const RETSTATUS status = GetParam().call(m_handle);
     switch (GetParam().kind) {
         case Kind::Standard:
@@ -151,7 +151,7 @@ TEST_F(Connected, RetiredGettersTouchNothing) {
 
 TEST_F(Connected, AWorkTimeInServiceModeIsRefusedAndSendsNothing) {
     ASSERT_EQ(Connect(), STATUS_SUCCESS);
-    SwitchOnDeviceService(true);
+    SetServiceMode(true);
     EXPECT_EQ(SetStrobeWorkTime(m_handle, 1, 2), STATUS_SYNCHRONISM_TYPE);
     EXPECT_EQ(SetStrobeWorkTime(nullptr, 1, 2), STATUS_NOT_CONNECTED);
     EXPECT_EQ(Recorder::Get().Count("zr3DSetLedWorkTime"), 0u);
@@ -163,16 +163,6 @@ TEST_F(Connected, TheDistanceLedsAreLoggedOnTheirWayOutToo) {
     EXPECT_EQ(SetDistanceIndicate(m_handle, DISTANCE_STATUS_2), STATUS_SUCCESS);
     EXPECT_TRUE(MatchesGolden("SetDistanceIndicate", "sent", output.End()));
     EXPECT_EQ(Recorder::Get().Calls().back(), "zr3DSetDistanceIndicateState(B1, 3)");
-}
-
-TEST_F(Connected, TheModeSwitchGoesBackAndForth) {
-    EXPECT_EQ(SwitchOnDeviceService(false), STATUS_SUCCESS);
-    EXPECT_EQ(SwitchOnDeviceService(true), STATUS_NOT_SUPPORTED) << "no client in this version";
-    int count = 5;
-    EXPECT_EQ(GetCameraCount("KV00", count), STATUS_NOT_CONNECTED);
-    EXPECT_EQ(SwitchOnDeviceService(false), STATUS_SUCCESS);
-    EXPECT_EQ(GetCameraCount("KV00", count), STATUS_SUCCESS);
-    EXPECT_EQ(count, 2);
 }
 
 }  // namespace

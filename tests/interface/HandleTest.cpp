@@ -118,7 +118,7 @@ TEST_F(Handles, AnUnknownOneLeavesTheOutputsAlone) {
 
 TEST_F(Handles, AreLookedAtBehindTheModeButInTheAlwaysDirectExports) {
     int mine = 0;
-    SwitchOnDeviceService(true);
+    SetServiceMode(true);
     for (const Export& one : EveryExport()) {
         SCOPED_TRACE(one.name);
         switch (one.kind) {

@@ -1,7 +1,9 @@
 #include <array>
 #include <string_view>
 
+#include "interface/Mode.h"
 #include "interface/StateTable.h"
+#include "service/zr3DHandiSyncQT.h"
 
 namespace Korvex3Sync::tests {
 namespace {
@@ -77,9 +79,12 @@ RETSTATUS DescribeSuccess() {
     return right ? STATUS_SUCCESS : STATUS_FAILED;
 }
 
+/// Its client does not start, because the program has no QCoreApplication.
 RETSTATUS SwitchServiceModeOnAndOff() {
     const RETSTATUS status = SwitchOnDeviceService(true);
     SwitchOnDeviceService(false);
+    delete ServiceClient();
+    SetServiceClient(nullptr);
     return status;
 }
 
@@ -96,7 +101,7 @@ std::vector<Row> RowsWithoutHandle() {
     const Cell found{k7, tree};
     const Cell read{k7, version};
     return {
-        Everywhere("SwitchOnDeviceService", SwitchServiceModeOnAndOff, {k5, {}}),
+        Everywhere("SwitchOnDeviceService", SwitchServiceModeOnAndOff, {k7, {}}),
         Everywhere("GetStatusDescriptionString", DescribeSuccess, {k7, {}}),
         {"GetCamerasInformation",
          [](void* const&) { return ListCameras(); },

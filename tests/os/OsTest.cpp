@@ -203,6 +203,15 @@ TEST(Condition, EndsAtItsDeadline) {
     value.Set(1);  // the mutex was given back
 }
 
+TEST(TimeScale, GivesTimersWholeMilliseconds) {
+    EXPECT_EQ(ScaledMilliseconds(1500ms), 1500);
+    EXPECT_EQ(ScaledMilliseconds(-1ms), 0);
+    EXPECT_EQ(ScaledMilliseconds(std::chrono::hours(24 * 365)), 2147483647);
+    const ScopedTimeScale scale(0.001);
+    EXPECT_EQ(ScaledMilliseconds(1500ms), 2);
+    EXPECT_EQ(ScaledMilliseconds(0ms), 0);
+}
+
 TEST(TimeScale, ShortensNominalTimeWhileItLives) {
     {
         ScopedTimeScale scale(0.001);

@@ -5,6 +5,7 @@
 #include <chrono>
 #include <csignal>
 #include <filesystem>
+#include <fstream>
 #include <string>
 
 #include "platform/os/InstanceLock.h"
@@ -55,6 +56,48 @@ TEST(OtherProcess, IsKnownAfterItsFileWasReplaced) {
     const Sleeper sleeper(program);
     fs::remove(program);
     EXPECT_TRUE(os::OtherProcess(sleeper.Number()).Is("old.exe"));
+}
+
+/// A script that does nothing until it is ended. The system cuts its name off.
+fs::path ScriptAs(const fs::path& file, const std::string& interpreter) {
+    std::ofstream(file) << "#!" << interpreter << "\nwhile :; do sleep 0.1; done\n";
+    fs::permissions(file, fs::perms::owner_all);
+    return file;
+}
+
+TEST(OtherProcess, IsKnownByTheScriptThatWasStarted) {
+    const TemporaryFolder folder;
+    const std::string name = "a script with a long name.exe";
+    for (const char* const interpreter : {"/bin/sh", "/bin/sh -e"}) {
+        const Sleeper script(ScriptAs(folder.Path() / name, interpreter));
+        const os::OtherProcess process(script.Number());
+        EXPECT_FALSE(process.Is(name.substr(0, 15)));
+        EXPECT_FALSE(process.Is("a script with a longer name.exe"));
+        EXPECT_FALSE(process.Is("1000"));
+    }
+    ScriptAs(folder.Path() / "argument.exe", "/bin/sh");
+    const ChildProcess reader({"/bin/sh", (folder.Path() / "argument.exe").string()});
+    const os::OtherProcess process(reader.Number());
+    ASSERT_TRUE(support::WaitUntil(
+        [&] { return process.Is(fs::canonical("/bin/sh").filename().string()); }));
+    EXPECT_FALSE(process.Is("argument.exe"));  // it was not started as a program
+}
+
+TEST(EndProcesses, EndsProgramsAndScriptsOfThisName) {
+    const TemporaryFolder folder;
+    // Nobody else has programs of this name.
+    const std::string name = "korvex-" + std::to_string(::getpid()) + ".exe";
+    fs::create_directory(folder.Path() / "scripts");
+    const Sleeper program(SleepAs(folder.Path() / name));
+    const Sleeper second(folder.Path() / name);
+    const Sleeper script(ScriptAs(folder.Path() / "scripts" / name, "/bin/sh"));
+    const Sleeper other(SleepAs(folder.Path() / ("other-" + name)));
+    os::EndProcesses(name);
+    for (const Sleeper* const ended : {&program, &second, &script}) {
+        EXPECT_FALSE(os::OtherProcess(ended->Number()).Runs());
+    }
+    EXPECT_TRUE(os::OtherProcess(other.Number()).Runs());
+    os::EndProcesses(name);
 }
 
 TEST(OtherProcess, OfAnotherUserIsNotTaken) {

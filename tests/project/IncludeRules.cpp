@@ -28,6 +28,7 @@ const std::string kBoardHeader = "src/platform/include/zr3DHandiDLPdev.h";
 const std::string kBoardFacts = "src/platform/include/BoardFacts.h";
 const std::string kFrameLayout = "src/platform/include/PackedFrameLayout.h";
 const std::string kLink = "src/platform/link/";
+const std::string kService = "src/service/";
 const std::string kToml = "src/toml/";
 const std::string kHead = "src/virtual_head/";
 const std::string kHeadRequest = "src/virtual_head/Request.h";
@@ -43,11 +44,12 @@ const std::string kServiceCommands = kKorvexctl + "service/";
 
 const std::vector<Arrows> kArrows{
     {kPublic, {}},
-    {"src/interface/", {kPublic, "src/sync/", "src/camera/", kBoardHeader, kOs}},
+    {"src/interface/", {kPublic, "src/sync/", "src/camera/", kService, kBoardHeader, kOs}},
     {"src/sync/",
      {kPublic, "src/camera/", kBoardHeader, "src/platform/include/USBTREE.h", kBoardFacts,
       kFrameLayout, kOs}},
     {"src/camera/", {kPublic, "src/platform/include/zr3DCamera.h", kBoardFacts, kFrameLayout, kOs}},
+    {kService, {kPublic, kHeaders + "SyncInterface.h", kHeaders + "QtTunnel.h", kOs}},
     {kHeaders + "SyncInterface.h", {kPublic, kHeaders}},
     {kHeaders, {}},
     {kOs, {}},

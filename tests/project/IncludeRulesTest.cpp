@@ -232,6 +232,8 @@ std::set<std::string> Meant(const std::string& words) {
         {"the board header", {"src/platform/include/zr3DHandiDLPdev.h"}},
         {"the board and USB-tree headers",
          {"src/platform/include/zr3DHandiDLPdev.h", "src/platform/include/USBTREE.h"}},
+        {"the service headers",
+         {"src/platform/include/SyncInterface.h", "src/platform/include/QtTunnel.h"}},
         {"the camera header", {"src/platform/include/zr3DCamera.h"}},
         {"platform/os", {"src/platform/os/"}},
         {"platform/text", {"src/platform/text/"}},

@@ -1,7 +1,10 @@
 #include "platform/os/Clock.h"
 
+#include <algorithm>
 #include <atomic>
+#include <cmath>
 #include <cstdlib>
+#include <limits>
 #include <locale>
 #include <sstream>
 #include <thread>
@@ -45,6 +48,12 @@ std::chrono::steady_clock::duration Scaled(std::chrono::milliseconds nominal) {
     return std::chrono::duration_cast<std::chrono::steady_clock::duration>(
         std::chrono::duration<double, std::milli>(static_cast<double>(nominal.count()) *
                                                   Factor().load()));
+}
+
+int ScaledMilliseconds(std::chrono::milliseconds nominal) {
+    const double scaled = std::ceil(static_cast<double>(nominal.count()) * Factor().load());
+    return static_cast<int>(
+        std::clamp(scaled, 0.0, static_cast<double>(std::numeric_limits<int>::max())));
 }
 
 void SleepFor(std::chrono::milliseconds nominal) {

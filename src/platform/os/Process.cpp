@@ -10,9 +10,13 @@
 #include <cerrno>
 #include <csignal>
 #include <cstdio>
+#include <cstdlib>
 #include <filesystem>
+#include <fstream>
+#include <memory>
 #include <string_view>
 #include <system_error>
+#include <vector>
 
 #include "platform/os/Clock.h"
 
@@ -31,6 +35,31 @@ std::string WithoutDeleted(std::string name) {
     }
     return name;
 }
+
+/// Whether the process that /proc shows in this folder was started as a script of this name. It has
+/// the name of the script then, cut off by the system, although its program is an interpreter.
+bool IsScript(const fs::path& folder, const std::string& name) {
+    constexpr std::size_t kSystemNameLength = 15;
+    std::string systemName;
+    std::getline(std::ifstream(folder / "comm"), systemName);
+    if (systemName != name.substr(0, kSystemNameLength)) {
+        return false;
+    }
+    std::ifstream command(folder / "cmdline");
+    std::string interpreter;
+    std::getline(command, interpreter, '\0');
+    // The script comes behind the interpreter, with at most one argument between.
+    std::string argument;
+    for (int i = 0; i < 2 && std::getline(command, argument, '\0'); ++i) {
+        if (fs::path(argument).filename() == name) {
+            return true;
+        }
+    }
+    return false;
+}
+
+/// Waits for processes that were killed; longer only if the system cannot end one.
+constexpr std::chrono::milliseconds kEndLimit{5000};
 
 }  // namespace
 
@@ -71,7 +100,7 @@ bool OtherProcess::Is(const std::string& program) const {
     std::error_code error;
     const fs::path file = fs::read_symlink(folder / "exe", error);
     return !error && ::stat(folder.c_str(), &owner) == 0 && owner.st_uid == ::geteuid() &&
-           WithoutDeleted(file.filename().string()) == program &&
+           (WithoutDeleted(file.filename().string()) == program || IsScript(folder, program)) &&
            Runs();  // as it still runs, all this was asked about it and no later process
 }
 
@@ -95,6 +124,25 @@ bool OtherProcess::WaitForEnd(std::chrono::milliseconds nominalLimit) const {
 bool OtherProcess::Kill() const {
     return m_descriptor >= 0 &&
            ::syscall(SYS_pidfd_send_signal, m_descriptor, SIGKILL, nullptr, 0) == 0;
+}
+
+void EndProcesses(const std::string& program) {
+    std::vector<std::unique_ptr<OtherProcess>> killed;
+    std::error_code error;
+    for (fs::directory_iterator entry("/proc", error), end; !error && entry != end;
+         entry.increment(error)) {
+        const long number = std::atol(entry->path().filename().c_str());
+        if (number <= 0 || number == CurrentProcess()) {
+            continue;
+        }
+        auto process = std::make_unique<OtherProcess>(number);
+        if (process->Is(program) && process->Kill()) {
+            killed.push_back(std::move(process));
+        }
+    }
+    for (const auto& process : killed) {
+        process->WaitForEnd(kEndLimit);
+    }
 }
 
 }  // namespace Korvex3Sync::os

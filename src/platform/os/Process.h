@@ -23,8 +23,8 @@ public:
     OtherProcess& operator=(const OtherProcess&) = delete;
 
     bool Runs() const;
-    /// Whether it runs, belongs to this user, and its program is a file of this name. False if the
-    /// system does not say so.
+    /// Whether it runs, belongs to this user, and its program, or the script that was started as a
+    /// program, is a file of this name. False if the system does not say so.
     bool Is(const std::string& program) const;
     /// Waits for its end; false if it still runs after the nominal limit.
     bool WaitForEnd(std::chrono::milliseconds nominalLimit) const;
@@ -35,5 +35,9 @@ private:
     const long m_number;
     const int m_descriptor;
 };
+
+/// Ends all processes of this user with this program (OtherProcess::Is), but not the calling one,
+/// and waits until they have ended. They get no warning.
+void EndProcesses(const std::string& program);
 
 }  // namespace Korvex3Sync::os
