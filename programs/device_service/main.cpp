@@ -4,7 +4,9 @@
 #include <QProcess>
 #include <chrono>
 #include <cstdlib>
+#include <ctime>
 #include <memory>
+#include <string_view>
 
 #include "background/BackgroundProgram.h"
 #include "device_service/Version.h"
@@ -28,6 +30,25 @@ void LogCameras() {
     GetCameraCount(kType, count);
     KORVEX_LOG(kServiceLog) << "cameras of type " << kType << ": " << count;
 }
+
+/// Leaves out the record of one operation, which would be most of the log: the service asks for the
+/// figures of direct mode with each set.
+class WithoutFigures : public google::base::Logger {
+public:
+    explicit WithoutFigures(google::base::Logger* log) : m_log(log) {}
+
+    void Write(bool flush, std::time_t time, const char* record, std::size_t length) override {
+        const std::string_view text(record, length);
+        if (!text.ends_with("] GetScanStatistics enter\n")) {
+            m_log->Write(flush, time, record, length);
+        }
+    }
+    void Flush() override { m_log->Flush(); }
+    google::uint32 LogSize() override { return m_log->LogSize(); }
+
+private:
+    google::base::Logger* const m_log;  // glog's own
+};
 
 /// The hub stands beside this program. Called again and again while there is none.
 void StartHub() {
@@ -53,6 +74,9 @@ void EndService(DeviceService* service) {
 }
 
 std::shared_ptr<void> BeginService(const std::function<void()>& askToEnd, std::string& reason) {
+    // glog owns the new one.
+    google::base::SetLogger(google::GLOG_INFO,
+                            new WithoutFigures(google::base::GetLogger(google::GLOG_INFO)));
     KORVEX_LOG(kServiceLog) << "device service " << kVersion << " starts";
     LogCameras();
     const std::shared_ptr<DeviceService> service(

@@ -15,6 +15,7 @@ namespace Korvex3Sync::tests {
 namespace {
 
 using testing::HasSubstr;
+using testing::Not;
 
 /// The program, with folders of its own and a hub in this process.
 class ProgramTest : public testing::Test {
@@ -84,6 +85,8 @@ TEST_F(ProgramTest, ServesUntilItIsToldToEnd) {
     EXPECT_EQ(Holder(), 0);
     EXPECT_THAT(Log(), HasSubstr("has connected the device"));
     EXPECT_THAT(Log(), HasSubstr("ends on request"));
+    EXPECT_THAT(Log(), HasSubstr("EnableVideoTrigger enter"));
+    EXPECT_THAT(Log(), Not(HasSubstr("GetScanStatistics")));
 }
 
 TEST_F(ProgramTest, EndsWhenAClientAsks) {
