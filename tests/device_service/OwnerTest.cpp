@@ -28,8 +28,13 @@ protected:
         EXPECT_EQ(next->getProjectorBrightness(next.Id(), brightness), STATUS_SUCCESS);
         EXPECT_EQ(next->disConnectDevice(next.Id()), STATUS_SUCCESS);
     }
-    std::size_t Calls(const std::string& call) {
-        return TheHead().GetJournal().Texts({call}).size();
+    /// The journal folds equal calls.
+    std::uint64_t Calls(const std::string& call) {
+        std::uint64_t count = 0;
+        for (const auto& entry : TheHead().GetJournal().Entries()) {
+            count += entry.call == call ? entry.count : 0;
+        }
+        return count;
     }
 };
 
