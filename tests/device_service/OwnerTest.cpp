@@ -55,6 +55,18 @@ TEST_F(OwnerTest, ASecondClientIsRefusedAndTheLogNamesTheOwner) {
     EXPECT_EQ(other.Connect(), STATUS_SUCCESS);
 }
 
+TEST_F(OwnerTest, ARefusalWaitsForTheEndOfTheOwner) {
+    Request();
+    ServiceClient owner;
+    ServiceClient other;
+    ASSERT_EQ(owner.Connect(), STATUS_SUCCESS);
+    const os::ScopedTimeScale slow(10);  // of the wait
+    BlockingCall connect([&] { EXPECT_EQ(other.Connect(), STATUS_SUCCESS); });
+    ASSERT_TRUE(connect.WaitUntilBlocked());
+    owner.Vanish();
+    EXPECT_TRUE(connect.WaitUntilReturned());
+}
+
 TEST_F(OwnerTest, ASecondConnectOfTheOwnerOpensANewConnection) {
     Request();
     ServiceClient client;
