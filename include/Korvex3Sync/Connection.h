@@ -24,8 +24,8 @@ namespace Korvex3Sync {
 ///
 /// The first switch to service mode starts `hub.exe` and `ZrSyncService.exe` of the application
 /// directory, after it has ended running ones of this user, and waits for the service to find
-/// cameras. It needs a QCoreApplication. It returns 7 even if the start fails; only the log says so,
-/// and operations then return 6. Every later switch to service mode returns 5 and uses the same
+/// cameras. It needs a QCoreApplication. It returns 7 even if the start fails; only the log says
+/// so, and operations then return 6. Every later switch to service mode returns 5 and uses the same
 /// client. Switching back to direct mode returns 7; hub and service go on.
 ///
 /// The first switch to service mode blocks for about 14 s, the others do not block.
@@ -170,8 +170,8 @@ KORVEX3SYNC_API RETSTATUS WriteUserInfomation(void* const& handle, const int& ad
 /// caller owns the buffer, which must hold at least 256 bytes. `address` is the page number, as for
 /// WriteUserInfomation. On failure the buffer stays unchanged.
 ///
-/// In service mode the function does not look at `data`: it sets it to a new zero-terminated buffer,
-/// which the caller frees with `delete[]`.
+/// In service mode the function does not look at `data`: it sets it to a new zero-terminated
+/// buffer, which the caller frees with `delete[]`.
 ///
 /// Results, threads and blocking time are those of WriteUserInfomation.
 KORVEX3SYNC_API RETSTATUS ReadUserInfomation(void* const& handle, const int& address, char*& data);

@@ -5,11 +5,7 @@
 #include "platform/link/RunLogged.h"
 
 namespace Korvex3Sync::link {
-namespace {
-
-constexpr std::size_t kMostThreads = 16;
-
-}  // namespace
+namespace {}  // namespace
 
 WorkerPool::~WorkerPool() {
     Close(std::chrono::steady_clock::now());

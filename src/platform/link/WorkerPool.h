@@ -1,6 +1,7 @@
 #pragma once
 
 #include <chrono>
+#include <cstddef>
 #include <deque>
 #include <functional>
 #include <memory>
@@ -17,6 +18,7 @@ namespace Korvex3Sync::link {
 class WorkerPool {
 public:
     using Job = std::function<void()>;
+    static constexpr std::size_t kMostThreads = 16;
 
     /// Waits without limit for the jobs that are running.
     ~WorkerPool();
