@@ -13,7 +13,8 @@ namespace fs = std::filesystem;
 using recorder::Recorder;
 
 std::mutex g_linesMutex;
-std::vector<std::string> g_lines;
+// Never destroyed: a thread of Qt may have written a line just before the process ends.
+std::vector<std::string>& g_lines = *new std::vector<std::string>;
 
 void TakeLine(QtMsgType type, const QMessageLogContext&, const QString& text) {
     const char* const kind = type == QtDebugMsg      ? "debug "
