@@ -103,8 +103,8 @@ RETSTATUS zr3DHandiSyncQT::ConnectDevice(const char* deviceType, void*& handle) 
     m_llDeviceId = id;
     KORVEX_LOG(kServiceLog) << "ConnectDevice = " << status;
     // A number in the shape of a pointer; nothing dereferences it.
-    handle = reinterpret_cast<void*>(
-        static_cast<std::intptr_t>(id));  // NOLINT(performance-no-int-to-ptr)
+    // NOLINTNEXTLINE(performance-no-int-to-ptr)
+    handle = reinterpret_cast<void*>(static_cast<std::intptr_t>(id));
     return status;
 }
 

@@ -90,6 +90,7 @@ void ImageSetDelivery::MakeBuffers(const ImageSetNotice& notice) {
     }
     m_bufferBytes = notice.frames * kFrameBytes;
     std::vector<std::unique_ptr<unsigned char[]>> made;
+    made.reserve(kBuffers);
     for (int i = 0; i < kBuffers; ++i) {
         made.push_back(std::make_unique<unsigned char[]>(static_cast<std::size_t>(m_bufferBytes)));
     }
