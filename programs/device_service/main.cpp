@@ -74,9 +74,9 @@ void EndService(DeviceService* service) {
 }
 
 std::shared_ptr<void> BeginService(const std::function<void()>& askToEnd, std::string& reason) {
-    // glog owns the new one.
-    google::base::SetLogger(google::GLOG_INFO,
-                            new WithoutFigures(google::base::GetLogger(google::GLOG_INFO)));
+    auto log = std::make_unique<WithoutFigures>(google::base::GetLogger(google::GLOG_INFO));
+    google::base::SetLogger(google::GLOG_INFO, log.release());  // glog owns it
+    // NOLINTNEXTLINE(clang-analyzer-cplusplus.NewDeleteLeaks)
     KORVEX_LOG(kServiceLog) << "device service " << kVersion << " starts";
     LogCameras();
     const std::shared_ptr<DeviceService> service(
