@@ -205,6 +205,7 @@ TEST_F(Hub, EndsWithSigterm) {
 
 TEST_F(Hub, ThatHangsIsKilled) {
     m_hub.Signal(SIGSTOP);
+    ASSERT_TRUE(support::WaitUntil([&] { return m_hub.IsStopped(); }));
     const ChildResult status = Run({"status"});
     EXPECT_EQ(status.exitCode, kNotRunning);
     EXPECT_THAT(status.output, HasSubstr("hub      process " + std::to_string(m_hub.Number()) +
@@ -319,6 +320,7 @@ TEST_F(Service, ShowsItsClientAndTheDevice) {
 TEST_F(Service, ThatHangsIsShownNotStartedAgainAndKilled) {
     const long process = Holder("service.lock");
     ASSERT_EQ(::kill(static_cast<pid_t>(process), SIGSTOP), 0);
+    ASSERT_TRUE(support::WaitUntil([&] { return ProcessIsStopped(process); }));
     const ChildResult status = Run({"status"});
     EXPECT_EQ(status.exitCode, kNotRunning);
     EXPECT_THAT(status.output,

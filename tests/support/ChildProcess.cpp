@@ -7,13 +7,16 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <csignal>
 #include <cstdlib>
+#include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <regex>
+#include <system_error>
 
 namespace Korvex3Sync::tests {
 
@@ -101,11 +104,21 @@ void ChildProcess::Signal(int signal) const {
 }
 
 bool ChildProcess::IsStopped() const {
-    std::ifstream file("/proc/" + std::to_string(m_pid) + "/stat");
-    const std::string status{std::istreambuf_iterator<char>(file), {}};
-    // The state follows the name of the program, which is in brackets.
-    const std::size_t name = status.rfind(") ");
-    return name != std::string::npos && status.compare(name + 2, 1, "T") == 0;
+    return ProcessIsStopped(m_pid);
+}
+
+bool ProcessIsStopped(long process) {
+    std::error_code error;
+    std::filesystem::directory_iterator threads("/proc/" + std::to_string(process) + "/task",
+                                                error);
+    // One thread can still run for a moment after another has stopped.
+    return !error && std::all_of(begin(threads), end(threads), [](const auto& thread) {
+        std::ifstream file(thread.path() / "stat");
+        const std::string status{std::istreambuf_iterator<char>(file), {}};
+        // The state follows the name of the thread, which is in brackets.
+        const std::size_t name = status.rfind(") ");
+        return name != std::string::npos && status.compare(name + 2, 1, "T") == 0;
+    });
 }
 
 bool ChildProcess::ReadSome() {

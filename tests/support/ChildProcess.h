@@ -70,4 +70,7 @@ private:
 /// Starts a program, by path or by name, and waits for its end.
 ChildResult RunChild(const std::vector<std::string>& command, ChildOptions options = {});
 
+/// Whether all threads of a process have taken a SIGSTOP, which takes effect after kill returns.
+bool ProcessIsStopped(long process);
+
 }  // namespace Korvex3Sync::tests
