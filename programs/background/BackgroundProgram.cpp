@@ -42,7 +42,7 @@ fs::path Folder(fs::path (*find)(std::string& reason)) {
 }
 
 os::File Lock(const fs::path& file) {
-    // Whoever replaces a program may have killed the old one a moment ago.
+    // A program that is being replaced may have been killed a moment ago.
     constexpr std::chrono::milliseconds kOldOneEnds{500};
     std::error_code error;
     os::File lock = os::TakeInstanceLock(file, error);

@@ -1,4 +1,4 @@
-// What a reconnect does with a service that was started anew.
+// What a reconnect does with a new service.
 #include "service/ServiceLog.h"
 #include "service/zr3DHandiSyncQT.h"
 

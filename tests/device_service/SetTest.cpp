@@ -193,7 +193,7 @@ TEST_F(SetTest, ASetWithoutAFreePlaceIsCounted) {
     ServiceClient client;
     Connect(client);
     Trigger(client, TRIGGER_LASER_LINES_COLOR, 10);
-    // Holds each segment that it is told of, until there is no room for a set.
+    // Holds each segment that a notice names, until there is no room for a set.
     ASSERT_TRUE(client.WaitForNotices(1));
     ASSERT_TRUE(support::WaitUntil([&] {
         m_reader.Hold(client.Notices().back());

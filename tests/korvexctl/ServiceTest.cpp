@@ -221,7 +221,7 @@ TEST_F(Hub, ThatHangsIsKilled) {
 }
 
 TEST_F(Hub, LeavesTheStreamsOfItsStarter) {
-    // Whoever does not read its pipes must not block it, and Ctrl-C must not reach it.
+    // A starter that does not read its pipes must not block it, and Ctrl-C must not reach it.
     const fs::path streams = "/proc/" + std::to_string(m_hub.Number()) + "/fd";
     for (const char* stream : {"0", "1", "2"}) {
         ASSERT_TRUE(support::WaitUntil([&] {

@@ -94,7 +94,7 @@ bool DeviceOwner::Claim(ClientId client) {
             return false;
         }
         if (m_state == State::Open) {
-            KORVEX_LOG(kServiceLog) << "client " << process << " connects anew";
+            KORVEX_LOG(kServiceLog) << "client " << process << " connects again";
             CloseDevice();
         } else if (!m_changed.WaitUntil(m_mutex, deadline)) {
             KORVEX_LOG_ERROR(kServiceLog)

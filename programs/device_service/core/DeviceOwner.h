@@ -73,7 +73,7 @@ public:
     };
     /// Nothing if this is not the id of the client's device.
     Use DeviceOf(ClientId client, std::int64_t id);
-    /// The connected device, whoever owns it.
+    /// The connected device of any client.
     Use AnyDevice();
     /// Whether another client has the device or is getting it.
     bool IsOthers(ClientId client);

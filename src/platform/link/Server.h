@@ -55,7 +55,7 @@ public:
         });
     }
 
-    /// Sets what is told of clients, before Listen.
+    /// Sets the functions that are called for clients, before Listen.
     ///
     /// `came` gets the client and its process id before its first call, on the server's own thread:
     /// it must not block. `gone` runs on a thread of the pool and may block. No call of the client

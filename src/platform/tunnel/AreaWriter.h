@@ -54,7 +54,7 @@ public:
     /// invalid.
     bool WriteSet(std::span<const SegmentBytes> set);
 
-    /// A random number that changes whenever the area is made anew.
+    /// A random number that changes whenever a new area replaces this one.
     std::uint64_t Generation() const;
 
     /// Removes the areas of this user whose writers are dead.
