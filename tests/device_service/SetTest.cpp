@@ -147,7 +147,7 @@ TEST_F(SetTest, ASlowReaderGetsWholeSetsOrNoneAndEveryTriggerIsAccountedFor) {
     const DirectWitness witness;
     ServiceClient client;
     Connect(client);
-    Trigger(client, TRIGGER_LASER_LINES_COLOR, 10);
+    Trigger(client, TRIGGER_LASER_LINES_COLOR, 30);
     // Reads nothing until many sets have come, then all of them, the oldest first.
     std::size_t begun = 0;
     std::uint64_t overwritten = 0;
