@@ -23,6 +23,17 @@ set(CMAKE_CXX_VISIBILITY_PRESET hidden)
 set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
 set(CMAKE_LIBRARY_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/lib)
 set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/bin)
+if(WIN32)
+    # The files that applications link and load have the same names whichever compiler built them.
+    set(CMAKE_SHARED_LIBRARY_PREFIX "")
+    add_compile_definitions(_WIN32_WINNT=0x0A00)
+endif()
+if(MINGW)
+    # Test programs made of many files have more sections than an object file usually can.
+    add_compile_options(-Wa,-mbig-obj)
+    # Imported data needs no mark in its declaration.
+    add_link_options(-Wl,--enable-auto-import)
+endif()
 # Programs find the libraries in the build tree and in the installed tree.
 set(CMAKE_INSTALL_RPATH "$ORIGIN/../${CMAKE_INSTALL_LIBDIR}:$ORIGIN")
 

@@ -7,6 +7,7 @@
 
 #include "cameras/AllCalls.h"
 #include "cameras/HeadFixture.h"
+#include "support/Environment.h"
 
 namespace Korvex3Sync::tests {
 namespace {
@@ -75,7 +76,7 @@ TEST(NoHeadNoticeTest, LogSaysOnceInAProcessWhatToDo) {
     GTEST_FLAG_SET(death_test_style, "threadsafe");
     EXPECT_EXIT(
         {
-            unsetenv("KORVEX_VIRTUAL_HEAD");
+            RemoveVariable("KORVEX_VIRTUAL_HEAD");
             Notices notices;
             CreateAndRelease("XX00");
             const int unknown = notices.Count();
@@ -92,7 +93,7 @@ TEST(NoHeadNoticeTest, LogSaysNothingWhileAHeadIsThere) {
     GTEST_FLAG_SET(death_test_style, "threadsafe");
     EXPECT_EXIT(
         {
-            setenv("KORVEX_VIRTUAL_HEAD", "default", 1);
+            SetVariable("KORVEX_VIRTUAL_HEAD", "default");
             Notices notices;
             CreateAndRelease("KV00");
             CreateAndRelease("GC00");

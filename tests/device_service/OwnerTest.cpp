@@ -7,7 +7,7 @@
 #include "platform/os/TimeScale.h"
 #include "support/BlockingCall.h"
 #include "support/Deadline.h"
-#include "support/ThreadCount.h"
+#include "support/ThreadState.h"
 #include "support/WaitUntil.h"
 
 namespace Korvex3Sync::tests {

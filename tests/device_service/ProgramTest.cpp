@@ -49,7 +49,7 @@ protected:
     }
     std::string Log() const {
         std::string text;
-        for (const auto& entry : std::filesystem::directory_iterator(m_folders.Runtime())) {
+        for (const auto& entry : std::filesystem::directory_iterator(m_folders.Logs())) {
             if (entry.path().filename().string().starts_with("ZrSyncService.")) {
                 std::ifstream file(entry.path());
                 text.append(std::istreambuf_iterator<char>(file), {});

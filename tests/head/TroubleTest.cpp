@@ -12,7 +12,7 @@
 #include "head/HeadSession.h"
 #include "platform/os/TimeScale.h"
 #include "soak/Accounts.h"
-#include "support/ThreadCount.h"
+#include "support/ThreadState.h"
 #include "support/WaitUntil.h"
 
 namespace Korvex3Sync::tests {

@@ -17,7 +17,7 @@
 #include "platform/link/WorkerPool.h"
 #include "platform/os/Event.h"
 #include "support/BlockingCall.h"
-#include "support/ThreadCount.h"
+#include "support/ThreadState.h"
 
 namespace Korvex3Sync::tests {
 namespace {

@@ -2,9 +2,10 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <filesystem>
 #include <string>
+
+#include "support/Environment.h"
 
 namespace Korvex3Sync::tests {
 
@@ -12,12 +13,9 @@ namespace Korvex3Sync::tests {
 /// path is short, because a socket path is.
 class Folders {
 public:
-    Folders() {
-        char name[] = "/tmp/k3linkXXXXXX";
-        EXPECT_NE(::mkdtemp(name), nullptr);
-        m_base = name;
-        ::setenv("XDG_RUNTIME_DIR", name, 1);
-        ::setenv("XDG_STATE_HOME", name, 1);
+    Folders() : m_base(NewFolder("k3")) {
+        std::filesystem::create_directories(Runtime().parent_path());
+        Use();
     }
     ~Folders() {
         std::error_code ignored;
@@ -26,8 +24,16 @@ public:
     Folders(const Folders&) = delete;
     Folders& operator=(const Folders&) = delete;
 
+    /// From now on this process uses them, again if others came in between.
+    void Use() const {
+        for (const auto& [name, value] : FoldersIn(m_base)) {
+            SetVariable(name, value);
+        }
+    }
+
     const std::filesystem::path& Base() const { return m_base; }
-    std::filesystem::path Runtime() const { return m_base / "korvex3sync"; }
+    std::filesystem::path Runtime() const { return RuntimeFolderIn(m_base); }
+    std::filesystem::path Logs() const { return LogFolderIn(m_base); }
 
 private:
     std::filesystem::path m_base;

@@ -22,6 +22,7 @@
 #include "platform/os/Thread.h"
 #include "platform/os/TimeScale.h"
 #include "support/BlockingCall.h"
+#include "support/Environment.h"
 #include "virtual_head/TestFiles.h"
 
 namespace Korvex3Sync::tests {
@@ -227,12 +228,12 @@ TEST(TimeScale, ShortensNominalTimeWhileItLives) {
 TEST(TimeScale, OfAProgramComesFromItsEnvironment) {
     GTEST_FLAG_SET(death_test_style, "threadsafe");
     Scaled(1ms);  // this process keeps its own
-    setenv("KORVEX_TIME_SCALE", "0.25", 1);
+    SetVariable("KORVEX_TIME_SCALE", "0.25");
     EXPECT_EXIT(std::exit(Scaled(1000ms) == 250ms ? 0 : 1), testing::ExitedWithCode(0), "");
-    setenv("KORVEX_TIME_SCALE", "fast", 1);
+    SetVariable("KORVEX_TIME_SCALE", "fast");
     EXPECT_EXIT(std::exit(Scaled(1ms).count() > 0 ? 0 : 2), testing::ExitedWithCode(1),
                 "KORVEX_TIME_SCALE: \"fast\" is not a number above 0");
-    unsetenv("KORVEX_TIME_SCALE");
+    RemoveVariable("KORVEX_TIME_SCALE");
 }
 #endif
 

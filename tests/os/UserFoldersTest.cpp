@@ -13,6 +13,7 @@
 
 #include "platform/os/Peer.h"
 #include "platform/os/UserFolders.h"
+#include "support/Environment.h"
 
 namespace Korvex3Sync::tests {
 namespace {
@@ -33,9 +34,9 @@ public:
 private:
     void Set(const std::optional<std::string>& value) const {
         if (value) {
-            ::setenv(m_name, value->c_str(), 1);
+            SetVariable(m_name, *value);
         } else {
-            ::unsetenv(m_name);
+            RemoveVariable(m_name);
         }
     }
 

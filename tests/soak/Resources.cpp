@@ -8,7 +8,7 @@
 #include <iterator>
 #include <thread>
 
-#include "support/ThreadCount.h"
+#include "support/ThreadState.h"
 
 // Where a sanitizer has taken the allocator over, it is the one to ask.
 extern "C" std::size_t __sanitizer_get_current_allocated_bytes() __attribute__((weak));

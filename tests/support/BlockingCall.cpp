@@ -1,12 +1,9 @@
 #include "support/BlockingCall.h"
 
-#include <sys/syscall.h>
-#include <unistd.h>
-
-#include <fstream>
 #include <string>
 #include <utility>
 
+#include "support/ThreadState.h"
 #include "support/WaitUntil.h"
 
 namespace Korvex3Sync::tests::support {
@@ -15,25 +12,11 @@ namespace {
 /// How often a thread must be seen in the same sleep.
 constexpr int kLooks = 20;
 
-/// How often the thread has yielded the processor voluntarily; empty if it is not sleeping.
-std::string Sleep(int thread) {
-    std::ifstream status("/proc/self/task/" + std::to_string(thread) + "/status");
-    bool sleeps = false;
-    for (std::string line; std::getline(status, line);) {
-        if (line.starts_with("State:")) {
-            sleeps = line.find('S', line.find(':')) != std::string::npos;
-        } else if (line.starts_with("voluntary_ctxt_switches:")) {
-            return sleeps ? line : "";
-        }
-    }
-    return "";
-}
-
 /// Checks whether a thread is blocked; call it repeatedly.
 class Observer {
 public:
     bool IsBlocked(int thread) {
-        const std::string sleep = Sleep(thread);
+        const std::string sleep = SleepOf(thread);
         m_looks = sleep.empty() || sleep != m_sleep ? 0 : m_looks + 1;
         m_sleep = sleep;
         return m_looks >= kLooks;
@@ -49,10 +32,6 @@ bool IsReady(const std::future<void>& end) {
 }
 
 }  // namespace
-
-int ThisThread() {
-    return static_cast<int>(::syscall(SYS_gettid));
-}
 
 bool WaitUntilBlocked(int thread) {
     Observer observer;

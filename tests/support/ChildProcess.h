@@ -1,8 +1,7 @@
 #pragma once
 
-#include <sys/types.h>
-
 #include <chrono>
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <utility>
@@ -39,7 +38,7 @@ public:
     ChildProcess& operator=(const ChildProcess&) = delete;
 
     /// Its process number; -1 after its end was waited for.
-    pid_t Number() const { return m_pid; }
+    long Number() const { return m_pid; }
     void Signal(int signal) const;
     /// Whether SIGSTOP has stopped it.
     bool IsStopped() const;
@@ -61,7 +60,9 @@ private:
 
     const ChildOptions m_options;
     const std::chrono::steady_clock::time_point m_end;
-    pid_t m_pid = -1;
+    long m_pid = -1;
+    /// What the system knows it by: its number, or a handle.
+    std::intptr_t m_process = 0;
     int m_output = -1;
     int m_error = -1;
     ChildResult m_result;

@@ -7,6 +7,8 @@
 #include <cstdlib>
 #include <fstream>
 
+#include "support/Environment.h"
+
 namespace Korvex3Sync::tests::support {
 namespace {
 
@@ -20,13 +22,13 @@ protected:
         std::filesystem::create_directories(m_folder);
         Write("One", "# head\n\n[first]\ninfo \"[no section]\"\n\n[second]\n");
         Write("Two", "[first]\n");
-        ::setenv(kGoldenUsedVariable, m_used.c_str(), 1);
+        SetVariable(kGoldenUsedVariable, m_used.string());
     }
     ~UsedGolden() override {
         if (m_before.empty()) {
-            ::unsetenv(kGoldenUsedVariable);
+            RemoveVariable(kGoldenUsedVariable);
         } else {
-            ::setenv(kGoldenUsedVariable, m_before.c_str(), 1);
+            SetVariable(kGoldenUsedVariable, m_before);
         }
         std::filesystem::remove_all(m_folder);
         std::filesystem::remove(m_used);
@@ -64,7 +66,7 @@ TEST_F(UsedGolden, IsNeitherAFileWithoutSectionsNorTheSecondSectionOfAName) {
 }
 
 TEST_F(UsedGolden, IsNotNotedUnasked) {
-    ::unsetenv(kGoldenUsedVariable);
+    RemoveVariable(kGoldenUsedVariable);
     NoteGoldenUsed("One", "first");
     EXPECT_FALSE(std::filesystem::exists(m_used));
 }

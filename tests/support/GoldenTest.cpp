@@ -9,6 +9,8 @@
 #include <fstream>
 #include <sstream>
 
+#include "support/Environment.h"
+
 namespace Korvex3Sync::tests::support {
 namespace {
 
@@ -76,7 +78,7 @@ protected:
         std::ofstream(m_folder / "Operation.txt") << m_text;
     }
     ~Golden() override {
-        ::unsetenv("KORVEX_UPDATE_GOLDEN");
+        RemoveVariable("KORVEX_UPDATE_GOLDEN");
         std::filesystem::remove_all(m_folder);
     }
     testing::AssertionResult Matches(const std::string& section, const Lines& lines) const {
@@ -116,7 +118,7 @@ TEST_F(Golden, AMissingSectionOrFileMatchesNothing) {
 }
 
 TEST_F(Golden, AnUpdateRewritesItsSectionAndFails) {
-    ::setenv("KORVEX_UPDATE_GOLDEN", "1", 1);
+    SetVariable("KORVEX_UPDATE_GOLDEN", "1");
     EXPECT_FALSE(Matches("two lines", {"info \"c\""}));
     EXPECT_EQ(Text(), "# head\n\n[two lines]\ninfo \"c\"\n\n[nothing]\n");
     EXPECT_FALSE(Matches("another", {"info \"d\""}));

@@ -1,11 +1,11 @@
 #pragma once
 
-#include <sys/types.h>
-
 #include <filesystem>
 #include <string>
 #include <utility>
 #include <vector>
+
+#include "support/Environment.h"
 
 namespace Korvex3Sync::tests {
 
@@ -19,20 +19,21 @@ public:
     OwnFolders(const OwnFolders&) = delete;
     OwnFolders& operator=(const OwnFolders&) = delete;
 
-    /// XDG_RUNTIME_DIR and XDG_STATE_HOME.
-    std::vector<std::pair<std::string, std::string>> Environment() const;
+    std::vector<std::pair<std::string, std::string>> Environment() const {
+        return FoldersIn(m_path);
+    }
     /// Where sockets and lock files lie, and where log files do. The programs make both folders.
-    std::filesystem::path Runtime() const { return m_path / "r" / "korvex3sync"; }
-    std::filesystem::path Logs() const { return m_path / "s" / "korvex3sync"; }
+    std::filesystem::path Runtime() const { return RuntimeFolderIn(m_path); }
+    std::filesystem::path Logs() const { return LogFolderIn(m_path); }
     /// For what else a test needs.
     const std::filesystem::path& Path() const { return m_path; }
 
     /// The processes that run with these folders now.
-    std::vector<pid_t> Processes() const;
+    std::vector<long> Processes() const;
 
 private:
     std::filesystem::path m_path;
-    pid_t m_guard = -1;
+    long m_guard = -1;
     int m_guardEnd = -1;
 };
 

@@ -8,6 +8,7 @@
 #include <iterator>
 
 #include "support/ChildProcess.h"
+#include "support/Environment.h"
 #include "tunnel/Areas.h"
 
 namespace Korvex3Sync::tests {
@@ -118,7 +119,9 @@ TEST_F(Owners, AreToldThatANameBelongsToAnotherUser) {
     if (::geteuid() != 0) {
         return;
     }
-    ASSERT_EQ(::chown(m_folders.Base().c_str(), kNobody, kNobody), 0);
+    for (const fs::path& folder : {m_folders.Base(), m_folders.Runtime().parent_path()}) {
+        ASSERT_EQ(::chown(folder.c_str(), kNobody, kNobody), 0);
+    }
     const WithoutRights nobody;
     const fs::path file = FileOf("images");
     ASSERT_EQ(::seteuid(0), 0);
@@ -134,14 +137,14 @@ TEST_F(Owners, AreToldThatANameBelongsToAnotherUser) {
 }
 
 TEST_F(Owners, AreToldThatTheyHaveNoRuntimeFolder) {
-    ::setenv("XDG_RUNTIME_DIR", "/dev/null/none", 1);
+    SetVariable("XDG_RUNTIME_DIR", "/dev/null/none");
     std::string reason;
     EXPECT_EQ(tunnel::AreaWriter::Make("images", 3, kOwnedBytes, reason), nullptr);
     EXPECT_NE(reason, "");
     reason.clear();
     EXPECT_EQ(tunnel::AreaReader::Open("images", reason), nullptr);
     EXPECT_NE(reason, "");
-    ::setenv("XDG_RUNTIME_DIR", m_folders.Base().c_str(), 1);
+    m_folders.Use();
 }
 
 TEST_F(Owners, WithAnotherRuntimeFolderHaveOtherAreas) {
@@ -153,7 +156,7 @@ TEST_F(Owners, WithAnotherRuntimeFolderHaveOtherAreas) {
         EXPECT_NE(FileOf("images"), before);
         EXPECT_EQ(Found(*ReadArea("images"), "a"), std::nullopt);
     }
-    ::setenv("XDG_RUNTIME_DIR", m_folders.Base().c_str(), 1);
+    m_folders.Use();
     EXPECT_TRUE(Found(*ReadArea("images"), "a"));
 }
 

@@ -9,6 +9,7 @@
 #include <iostream>
 #include <thread>
 
+#include "support/Environment.h"
 #include "support/WaitUntil.h"
 #include "virtual_head/TestFiles.h"
 #include "virtual_head/VirtualHead.h"
@@ -136,13 +137,13 @@ protected:
 TEST_F(RequestByEnvironmentTest, NothingAskedForMeansNoHead) {
     EXPECT_EXIT(
         {
-            unsetenv(kVariable);
+            RemoveVariable(kVariable);
             Leave(!RequestedVirtualHead());
         },
         ExitedWithCode(0), "^left\n$");
     EXPECT_EXIT(
         {
-            setenv(kVariable, "", 1);
+            SetVariable(kVariable, "");
             Leave(!RequestedVirtualHead());
         },
         ExitedWithCode(0), "^left\n$");
@@ -151,7 +152,7 @@ TEST_F(RequestByEnvironmentTest, NothingAskedForMeansNoHead) {
 TEST_F(RequestByEnvironmentTest, VariableGivesTheHead) {
     EXPECT_EXIT(
         {
-            setenv(kVariable, "default", 1);
+            SetVariable(kVariable, "default");
             const auto head = RequestedVirtualHead();
             Leave(head && head == RequestedVirtualHead());
         },
@@ -161,7 +162,7 @@ TEST_F(RequestByEnvironmentTest, VariableGivesTheHead) {
 TEST_F(RequestByEnvironmentTest, RefusedHeadFileIsToldOnceAndNoHeadExists) {
     EXPECT_EXIT(
         {
-            setenv(kVariable, "/none/head.toml", 1);
+            SetVariable(kVariable, "/none/head.toml");
             Leave(!RequestedVirtualHead() && !RequestedVirtualHead());
         },
         ExitedWithCode(0), "^KORVEX_VIRTUAL_HEAD: /none/head.toml: no such file\nleft\n$");
@@ -170,7 +171,7 @@ TEST_F(RequestByEnvironmentTest, RefusedHeadFileIsToldOnceAndNoHeadExists) {
 TEST_F(RequestByEnvironmentTest, RefusedHeadFileIsToldToWhoAsksFirst) {
     EXPECT_EXIT(
         {
-            setenv(kVariable, "/none/head.toml", 1);
+            SetVariable(kVariable, "/none/head.toml");
             std::string error;
             const bool made = RequestHeadOfEnvironment(error);
             std::cerr << error << std::endl;
@@ -183,7 +184,7 @@ TEST_F(RequestByEnvironmentTest, RefusedHeadFileIsToldToWhoAsksFirst) {
 TEST_F(RequestByEnvironmentTest, RequestMadeBeforeGoesFirst) {
     EXPECT_EXIT(
         {
-            setenv(kVariable, "/none/head.toml", 1);
+            SetVariable(kVariable, "/none/head.toml");
             std::string error;
             const bool requested = RequestVirtualHead(Small(), error);
             const auto head = RequestedVirtualHead();
@@ -195,7 +196,7 @@ TEST_F(RequestByEnvironmentTest, RequestMadeBeforeGoesFirst) {
 TEST_F(RequestByEnvironmentTest, RunningHeadEndsWithTheProcess) {
     EXPECT_EXIT(
         {
-            setenv(kVariable, "default", 1);
+            SetVariable(kVariable, "default");
             BoardState board;
             board.triggerMode = 6;
             RequestedVirtualHead()->Clock().Apply(board, true);

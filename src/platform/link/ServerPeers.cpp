@@ -1,12 +1,11 @@
 #include "platform/link/ServerPeers.h"
 
-#include <QFileInfo>
-
 #include <chrono>
 
 #include "platform/link/RunLogged.h"
 #include "platform/os/Clock.h"
 #include "platform/os/Log.h"
+#include "platform/os/UserFolders.h"
 
 namespace Korvex3Sync::link {
 namespace {
@@ -68,7 +67,7 @@ void ServerPeers::Started(std::string& reason) {
 
 void ServerPeers::CheckListening() {
     // Qt closes the socket when the process runs out of descriptors; somebody may remove its file.
-    if (m_server->isListening() && QFileInfo::exists(m_server->fullServerName())) {
+    if (m_server->isListening() && os::SocketInPlace(m_path)) {
         return;
     }
     m_server->close();

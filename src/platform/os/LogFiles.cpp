@@ -63,7 +63,8 @@ LogFiles::LogFiles(const std::filesystem::path& folder, std::string program)
     : m_folder(folder), m_program(std::move(program)) {
     google::InitGoogleLogging(m_program.c_str());
     // glog writes each record to the file of its severity and of those below.
-    google::SetLogDestination(google::GLOG_INFO, (m_folder / Beginning(m_program)).c_str());
+    google::SetLogDestination(google::GLOG_INFO,
+                              (m_folder / Beginning(m_program)).string().c_str());
     for (int severity = google::GLOG_WARNING; severity < google::NUM_SEVERITIES; ++severity) {
         google::SetLogDestination(severity, "");
     }

@@ -1,6 +1,8 @@
 #pragma once
 
-#if defined(__GNUC__)
+#if defined(__MINGW32__)
+#define KORVEX_PRINTF(text, values) __attribute__((format(gnu_printf, text, values)))
+#elif defined(__GNUC__)
 #define KORVEX_PRINTF(text, values) __attribute__((format(printf, text, values)))
 #else
 #define KORVEX_PRINTF(text, values)

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <chrono>
+#include <cstdint>
 #include <string>
 
 namespace Korvex3Sync::os {
@@ -33,7 +34,8 @@ public:
 
 private:
     const long m_number;
-    const int m_descriptor;
+    /// What the system knows the process by, instead of its number.
+    const std::intptr_t m_reference;
 };
 
 /// Ends all processes of this user with this program (OtherProcess::Is), but not the calling one,

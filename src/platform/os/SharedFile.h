@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <span>
 #include <string>
 #include <system_error>
@@ -81,6 +82,8 @@ private:
 
     File m_file;
     bool m_created = false;
+    /// The memory, on a system where a file cannot be memory only.
+    std::shared_ptr<void> m_memory;
 };
 
 /// The names of all shared files of this user.

@@ -1,29 +1,29 @@
 #include "platform/os/StandardOutput.h"
 
-#include <fcntl.h>
-#include <sys/ioctl.h>
-#include <unistd.h>
-
 #include <array>
-#include <cerrno>
 #include <cstddef>
 #include <cstdio>
 #include <string>
 #include <utility>
 
+#include "platform/os/Descriptors.h"
+
 namespace Korvex3Sync::os {
 
 namespace {
+
+constexpr int kStandardOutput = 1;
+constexpr int kStandardError = 2;
 
 // The descriptor of the only RealStandardOutput.
 int s_realOutput = -1;
 
 void DiscardPrints() {
-    const int discard = ::open("/dev/null", O_WRONLY | O_CLOEXEC);
-    ::dup2(discard, STDOUT_FILENO);
-    // If a standard descriptor was closed, /dev/null got its number and stays open there.
-    if (discard > STDERR_FILENO) {
-        ::close(discard);
+    const int discard = OpenNothing();
+    RedirectDescriptor(discard, kStandardOutput);
+    // If a standard descriptor was closed, this one got its number and stays open there.
+    if (discard > kStandardError) {
+        CloseDescriptor(discard);
     }
 }
 
@@ -33,10 +33,7 @@ void PassLines(const File& readEnd, const std::function<void(std::string_view li
     std::array<char, kPart> part{};
     std::string line;
     while (true) {
-        const ssize_t got = ::read(readEnd.Descriptor(), part.data(), part.size());
-        if (got < 0 && errno == EINTR) {
-            continue;
-        }
+        const std::ptrdiff_t got = ReadDescriptor(readEnd.Descriptor(), part.data(), part.size());
         if (got <= 0) {
             break;
         }
@@ -58,7 +55,7 @@ void PassLines(const File& readEnd, const std::function<void(std::string_view li
 
 RealStandardOutput::RealStandardOutput() {
     std::fflush(stdout);
-    m_real = File(::fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, STDERR_FILENO + 1));
+    m_real = File(DuplicateDescriptor(kStandardOutput));
     s_realOutput = m_real.Descriptor();
     DiscardPrints();
 }
@@ -66,15 +63,15 @@ RealStandardOutput::RealStandardOutput() {
 RealStandardOutput::~RealStandardOutput() {
     EndPrints();
     if (m_real) {
-        ::dup2(m_real.Descriptor(), STDOUT_FILENO);
+        RedirectDescriptor(m_real.Descriptor(), kStandardOutput);
         s_realOutput = -1;
     }
 }
 
 void RealStandardOutput::PassPrints(std::function<void(std::string_view line)> take) {
     std::array<int, 2> pipe{-1, -1};
-    if (::pipe2(pipe.data(), O_CLOEXEC) != 0) {
-        throw std::system_error(errno, std::generic_category(), "pipe");
+    if (!MakePipe(pipe)) {
+        throw std::system_error(LastError(), "pipe");
     }
     const File writeEnd(pipe[1]);
     m_passing = std::thread(
@@ -82,7 +79,7 @@ void RealStandardOutput::PassPrints(std::function<void(std::string_view line)> t
     // Each line is passed on when it is printed.
     std::fflush(stdout);
     std::setvbuf(stdout, nullptr, _IOLBF, 0);
-    ::dup2(writeEnd.Descriptor(), STDOUT_FILENO);
+    RedirectDescriptor(writeEnd.Descriptor(), kStandardOutput);
 }
 
 void RealStandardOutput::EndPrints() noexcept {
@@ -95,19 +92,7 @@ void RealStandardOutput::EndPrints() noexcept {
 }
 
 int DescriptorBefore(int number) {
-    return number == STDOUT_FILENO && s_realOutput >= 0 ? s_realOutput : number;
-}
-
-std::optional<std::size_t> TerminalColumns() {
-    struct winsize size {};
-    if (::ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) != 0 || size.ws_col == 0) {
-        return std::nullopt;
-    }
-    return size.ws_col;
-}
-
-bool StandardErrorIsTerminal() {
-    return ::isatty(STDERR_FILENO) == 1;
+    return number == kStandardOutput && s_realOutput >= 0 ? s_realOutput : number;
 }
 
 }  // namespace Korvex3Sync::os

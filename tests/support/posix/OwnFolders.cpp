@@ -52,13 +52,13 @@ bool RunsWith(const fs::path& process, const std::string& variable) {
 }  // namespace
 
 OwnFolders::OwnFolders() {
-    std::string path = "/tmp/kv-XXXXXX";
     std::array<int, 2> pipe{-1, -1};
-    if (::mkdtemp(path.data()) == nullptr || ::pipe2(pipe.data(), O_CLOEXEC) != 0) {
-        ADD_FAILURE() << "no folder or no pipe";
+    if (::pipe2(pipe.data(), O_CLOEXEC) != 0) {
+        ADD_FAILURE() << "no pipe";
         return;
     }
-    m_path = path;
+    m_path = NewFolder("kv-");
+    const std::string path = m_path.string();
     fs::create_directory(m_path / "r");
     fs::permissions(m_path / "r", fs::perms::owner_all);
     m_guardEnd = pipe[1];
@@ -75,21 +75,16 @@ OwnFolders::OwnFolders() {
 
 OwnFolders::~OwnFolders() {
     ::close(m_guardEnd);
-    while (::waitpid(m_guard, nullptr, 0) < 0 && errno == EINTR) {
+    while (::waitpid(static_cast<pid_t>(m_guard), nullptr, 0) < 0 && errno == EINTR) {
     }
     EXPECT_TRUE(m_path.empty() || !fs::exists(m_path)) << m_path << " was not removed";
 }
 
-std::vector<std::pair<std::string, std::string>> OwnFolders::Environment() const {
-    return {{"XDG_RUNTIME_DIR", (m_path / "r").string()},
-            {"XDG_STATE_HOME", (m_path / "s").string()}};
-}
-
-std::vector<pid_t> OwnFolders::Processes() const {
-    std::vector<pid_t> processes;
+std::vector<long> OwnFolders::Processes() const {
+    std::vector<long> processes;
     for (const auto& entry : fs::directory_iterator("/proc")) {
         const std::string name = entry.path().filename().string();
-        pid_t number = 0;
+        long number = 0;
         const auto [rest, wrong] = std::from_chars(name.data(), name.data() + name.size(), number);
         if (wrong == std::errc() && rest == name.data() + name.size() &&
             RunsWith(entry.path(), RuntimeVariable(m_path))) {

@@ -3,14 +3,14 @@
 #include <fcntl.h>
 #include <unistd.h>
 
-#include <cerrno>
+#include "platform/os/Descriptors.h"
 
 namespace Korvex3Sync::os {
 
 std::error_code CheckDeviceAccess(const std::filesystem::path& device) {
     const int descriptor = ::open(device.c_str(), O_RDWR | O_NONBLOCK | O_CLOEXEC);
     if (descriptor < 0) {
-        return {errno, std::generic_category()};
+        return LastError();
     }
     ::close(descriptor);
     return {};

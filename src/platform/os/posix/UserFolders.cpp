@@ -84,6 +84,11 @@ std::filesystem::path SocketPath(std::string_view name, std::string& reason) {
     return path;
 }
 
+bool SocketInPlace(const std::filesystem::path& path) {
+    std::error_code error;
+    return std::filesystem::exists(path, error);
+}
+
 std::filesystem::path LogFolder(std::string& reason) {
     std::filesystem::path base = FolderVariable("XDG_STATE_HOME");
     if (base.empty() && !FolderVariable("HOME").empty()) {

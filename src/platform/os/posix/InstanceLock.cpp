@@ -4,11 +4,11 @@
 #include <unistd.h>
 
 #include <array>
-#include <cerrno>
 #include <charconv>
 #include <string>
 #include <utility>
 
+#include "platform/os/Descriptors.h"
 #include "platform/os/Process.h"
 
 namespace Korvex3Sync::os {
@@ -32,7 +32,7 @@ File TakeInstanceLock(const std::filesystem::path& file, std::error_code& error)
     struct flock range = WholeFile();
     const bool locked = lock && ::fcntl(lock.Descriptor(), F_OFD_SETLK, &range) == 0 &&
                         ::ftruncate(lock.Descriptor(), 0) == 0;
-    error = locked ? std::error_code{} : std::error_code{errno, std::generic_category()};
+    error = locked ? std::error_code{} : LastError();
     if (!error) {
         error = lock.Write(std::to_string(CurrentProcess()) + '\n');
     }

@@ -1,6 +1,5 @@
 #include "platform/os/Process.h"
 
-#include <fcntl.h>
 #include <poll.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
@@ -19,6 +18,7 @@
 #include <vector>
 
 #include "platform/os/Clock.h"
+#include "platform/os/Descriptors.h"
 
 namespace Korvex3Sync::os {
 
@@ -58,6 +58,10 @@ bool IsScript(const fs::path& folder, const std::string& name) {
     return false;
 }
 
+int DescriptorOf(std::intptr_t reference) {
+    return static_cast<int>(reference);
+}
+
 /// Waits for processes that were killed; longer only if the system cannot end one.
 constexpr std::chrono::milliseconds kEndLimit{5000};
 
@@ -71,9 +75,9 @@ void BecomeBackgroundProcess() {
     // Fails for the leader of a process group, which only a shell starts.
     ::setsid();
     std::fflush(stdout);
-    const int nothing = ::open("/dev/null", O_RDWR);
+    const int nothing = OpenNothing();
     for (const int standard : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
-        ::dup2(nothing, standard);
+        RedirectDescriptor(nothing, standard);
     }
     if (nothing > STDERR_FILENO) {
         ::close(nothing);
@@ -81,17 +85,16 @@ void BecomeBackgroundProcess() {
 }
 
 OtherProcess::OtherProcess(long number)
-    : m_number(number),
-      m_descriptor(number > 0 ? static_cast<int>(::syscall(SYS_pidfd_open, number, 0)) : -1) {}
+    : m_number(number), m_reference(number > 0 ? ::syscall(SYS_pidfd_open, number, 0) : -1) {}
 
 OtherProcess::~OtherProcess() {
-    if (m_descriptor >= 0) {
-        ::close(m_descriptor);
+    if (m_reference >= 0) {
+        ::close(DescriptorOf(m_reference));
     }
 }
 
 bool OtherProcess::Runs() const {
-    return m_descriptor >= 0 && !WaitForEnd(std::chrono::milliseconds(0));
+    return m_reference >= 0 && !WaitForEnd(std::chrono::milliseconds(0));
 }
 
 bool OtherProcess::Is(const std::string& program) const {
@@ -105,11 +108,11 @@ bool OtherProcess::Is(const std::string& program) const {
 }
 
 bool OtherProcess::WaitForEnd(std::chrono::milliseconds nominalLimit) const {
-    if (m_descriptor < 0) {
+    if (m_reference < 0) {
         return true;
     }
     const auto deadline = std::chrono::steady_clock::now() + Scaled(nominalLimit);
-    pollfd end{m_descriptor, POLLIN, 0};
+    pollfd end{DescriptorOf(m_reference), POLLIN, 0};
     while (true) {
         const auto left = std::chrono::ceil<std::chrono::milliseconds>(
             deadline - std::chrono::steady_clock::now());
@@ -122,8 +125,8 @@ bool OtherProcess::WaitForEnd(std::chrono::milliseconds nominalLimit) const {
 }
 
 bool OtherProcess::Kill() const {
-    return m_descriptor >= 0 &&
-           ::syscall(SYS_pidfd_send_signal, m_descriptor, SIGKILL, nullptr, 0) == 0;
+    return m_reference >= 0 &&
+           ::syscall(SYS_pidfd_send_signal, DescriptorOf(m_reference), SIGKILL, nullptr, 0) == 0;
 }
 
 void EndProcesses(const std::string& program) {

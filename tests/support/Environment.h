@@ -1,0 +1,23 @@
+#pragma once
+
+#include <filesystem>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace Korvex3Sync::tests {
+
+/// Changes the environment of this process. An empty value is a value.
+void SetVariable(const std::string& name, const std::string& value);
+void RemoveVariable(const std::string& name);
+
+/// Makes a folder in the folder for temporary files. Its path is short, because a socket path is.
+std::filesystem::path NewFolder(const std::string& beginning);
+
+/// The variables that make a process keep its sockets, lock files and logs in this folder.
+std::vector<std::pair<std::string, std::string>> FoldersIn(const std::filesystem::path& home);
+/// Where sockets and lock files then are, and where logs are.
+std::filesystem::path RuntimeFolderIn(const std::filesystem::path& home);
+std::filesystem::path LogFolderIn(const std::filesystem::path& home);
+
+}  // namespace Korvex3Sync::tests

@@ -1,0 +1,37 @@
+#include "support/Environment.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+
+namespace Korvex3Sync::tests {
+
+namespace fs = std::filesystem;
+
+void SetVariable(const std::string& name, const std::string& value) {
+    ::setenv(name.c_str(), value.c_str(), 1);
+}
+
+void RemoveVariable(const std::string& name) {
+    ::unsetenv(name.c_str());
+}
+
+fs::path NewFolder(const std::string& beginning) {
+    std::string path = "/tmp/" + beginning + "XXXXXX";
+    EXPECT_NE(::mkdtemp(path.data()), nullptr);
+    return path;
+}
+
+std::vector<std::pair<std::string, std::string>> FoldersIn(const fs::path& home) {
+    return {{"XDG_RUNTIME_DIR", (home / "r").string()}, {"XDG_STATE_HOME", (home / "s").string()}};
+}
+
+fs::path RuntimeFolderIn(const fs::path& home) {
+    return home / "r" / "korvex3sync";
+}
+
+fs::path LogFolderIn(const fs::path& home) {
+    return home / "s" / "korvex3sync";
+}
+
+}  // namespace Korvex3Sync::tests

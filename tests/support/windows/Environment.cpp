@@ -1,0 +1,48 @@
+#include "support/Environment.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <random>
+
+#include "platform/os/windows/System.h"
+
+namespace Korvex3Sync::tests {
+
+namespace fs = std::filesystem;
+
+void SetVariable(const std::string& name, const std::string& value) {
+    // An empty value would remove the variable.
+    EXPECT_FALSE(value.empty()) << name;
+    EXPECT_EQ(::_wputenv_s(os::Wide(name).c_str(), os::Wide(value).c_str()), 0);
+}
+
+void RemoveVariable(const std::string& name) {
+    ::_wputenv_s(os::Wide(name).c_str(), L"");
+}
+
+fs::path NewFolder(const std::string& beginning) {
+    std::random_device random;
+    while (true) {
+        fs::path path = fs::temp_directory_path() / (beginning + std::to_string(random()));
+        std::error_code error;
+        if (fs::create_directory(path, error) || error) {
+            EXPECT_FALSE(error) << path;
+            return path;
+        }
+    }
+}
+
+std::vector<std::pair<std::string, std::string>> FoldersIn(const fs::path& home) {
+    return {{"LOCALAPPDATA", home.string()}};
+}
+
+fs::path RuntimeFolderIn(const fs::path& home) {
+    return home / "korvex3sync" / "run";
+}
+
+fs::path LogFolderIn(const fs::path& home) {
+    return home / "korvex3sync" / "log";
+}
+
+}  // namespace Korvex3Sync::tests
