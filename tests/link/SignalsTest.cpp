@@ -181,6 +181,56 @@ TEST_F(Signals, ThatAClientDoesNotReadAreLostAndCounted) {
     EXPECT_EQ(log.Count(name + " does not keep up"), 1);
 }
 
+TEST_F(Signals, OfManyThreadsArriveWholeAndInOrderAtASlowReader) {
+    constexpr int kSenders = 4;
+    RawSocket slow = RawSocket::Introduced(m_service.Path());
+    const ClientId client = WaitForClient();
+    // Each sender goes on until the client's messages have waited twice, so that what is sent at
+    // once and what has waited mix.
+    std::atomic<int> refusals{0};
+    std::vector<int> sent(kSenders);
+    std::vector<std::thread> senders;
+    for (int sender = 0; sender < kSenders; ++sender) {
+        senders.emplace_back([&, sender] {
+            Signal signal = Numbered(sender);
+            signal.pluginName = QString(300 * (sender + 1), 'x');
+            int& count = sent[static_cast<std::size_t>(sender)];
+            for (int refused = 0; refused < 2;) {
+                signal.list = {sender, count};
+                if (m_service.Server().Send(client, signal)) {
+                    ++count;
+                    continue;
+                }
+                ++refused;
+                ++refusals;
+                EXPECT_TRUE(WaitUntil([&] { return m_service.Server().Send(client, signal); }));
+                ++count;
+            }
+        });
+    }
+    EXPECT_TRUE(WaitUntil([&] { return refusals > 0; }));
+    std::vector<int> received(kSenders);
+    std::thread reader([&] {
+        while (const std::optional<Message> message = slow.Receive()) {
+            if (const auto* const signal = std::get_if<Signal>(&*message)) {
+                if (signal->list.value(0).toInt() < 0) {
+                    return;
+                }
+                int& next = received.at(signal->list.value(0).toUInt());
+                EXPECT_EQ(signal->list.value(1).toInt(), next);
+                ++next;
+            }
+        }
+        ADD_FAILURE() << "the connection has ended";
+    });
+    for (std::thread& sender : senders) {
+        sender.join();
+    }
+    EXPECT_TRUE(WaitUntil([&] { return m_service.Server().Send(client, Numbered(-1)); }));
+    reader.join();
+    EXPECT_EQ(received, sent);
+}
+
 TEST_F(Signals, ReachNobodyWhoHasGone) {
     ClientId client = 0;
     {

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "platform/link/RunLogged.h"
+#include "platform/link/channel/RunLogged.h"
 #include "platform/os/Clock.h"
 #include "platform/os/Log.h"
 
@@ -71,10 +71,13 @@ RETSTATUS ClientCalls::Call(const CalledOperation& operation, const QByteArray& 
     const Time deadline = std::chrono::steady_clock::now() + os::Scaled(operation.limit);
     const auto pending = std::make_shared<Pending>();
     std::uint32_t number = 0;
-    if (!Enter(operation, deadline, arguments, pending, number)) {
+    const std::shared_ptr<Outlet> outlet = Enter(operation, deadline, pending, number);
+    if (outlet == nullptr) {
         return STATUS_FAILED;
     }
-    m_loop.Wake();
+    if (outlet->SendOrFail(Encoded(CallMessage{number, operation.number, arguments}))) {
+        m_loop.Wake();
+    }
     if (pending->ended.WaitUntil(deadline) == os::WaitResult::TimedOut) {
         os::MutexGuard lock(m_mutex);
         // An answer that arrives from now on finds nobody.
@@ -96,21 +99,20 @@ void ClientCalls::RefuseAnswer(const char* name) {
     m_loop.Wake();
 }
 
-bool ClientCalls::Enter(const CalledOperation& operation, Time deadline,
-                        const QByteArray& arguments, const std::shared_ptr<Pending>& pending,
-                        std::uint32_t& number) {
+std::shared_ptr<Outlet> ClientCalls::Enter(const CalledOperation& operation, Time deadline,
+                                           const std::shared_ptr<Pending>& pending,
+                                           std::uint32_t& number) {
     os::MutexGuard lock(m_mutex);
     if (m_closing) {
-        return false;
+        return nullptr;
     }
     StartIfStopped();
     if (!WaitForConnection(operation, deadline)) {
-        return false;
+        return nullptr;
     }
     number = ++m_lastNumber;
     m_pending[number] = pending;
-    m_outbox.push_back(Encoded(CallMessage{number, operation.number, arguments}));
-    return true;
+    return m_outlet;
 }
 
 bool ClientCalls::WaitForConnection(const CalledOperation& operation, Time deadline) {
@@ -147,8 +149,8 @@ void ClientCalls::Started() {
         m_loop, m_target,
         ClientConnection::Events{[this] { SetState(State::Trying); },
                                  [this] { SetState(State::Waiting); },
-                                 [this] {
-                                     SetState(State::Connected);
+                                 [this](const std::shared_ptr<Outlet>& outlet) {
+                                     SetState(State::Connected, outlet);
                                      if (m_sinks.connection) {
                                          m_sinks.connection(true);
                                      }
@@ -166,16 +168,12 @@ void ClientCalls::Woken() {
     if (!m_connection) {
         return;  // no memory at the start
     }
-    std::vector<QByteArray> outbox;
     std::string drop;
     {
         os::MutexGuard lock(m_mutex);
-        outbox.swap(m_outbox);
         drop.swap(m_drop);
     }
-    for (const QByteArray& message : outbox) {
-        m_connection->Send(message);
-    }
+    m_connection->Flush();
     if (!drop.empty()) {
         m_connection->Drop(drop);
     }
@@ -186,12 +184,13 @@ void ClientCalls::Stopping() {
     SetState(State::Stopped);
 }
 
-void ClientCalls::SetState(State state) {
+void ClientCalls::SetState(State state, std::shared_ptr<Outlet> outlet) {
     os::MutexGuard lock(m_mutex);
     if (m_state == State::Connected) {
         FailAll();
     }
     m_state = state;
+    m_outlet = std::move(outlet);
     m_changed.NotifyAll();
 }
 
@@ -224,7 +223,6 @@ void ClientCalls::TakeReply(ReplyMessage& reply) {
 }
 
 void ClientCalls::FailAll() {
-    m_outbox.clear();
     for (const auto& [number, pending] : m_pending) {
         pending->ended.Set();
     }

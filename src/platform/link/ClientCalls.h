@@ -9,14 +9,13 @@
 
 #include "platform/link/Client.h"
 #include "platform/link/ClientConnection.h"
-#include "platform/link/IoLoop.h"
+#include "platform/link/channel/IoLoop.h"
 #include "platform/os/Condition.h"
 #include "platform/os/Event.h"
 
 namespace Korvex3Sync::link {
 
-/// The calls of a client: callers leave them here, the I/O thread sends them and brings the
-/// answers.
+/// The calls of a client: callers send them, the I/O thread brings the answers.
 class ClientCalls {
 public:
     ClientCalls(Client::Target target, Client::Sinks sinks);
@@ -42,8 +41,9 @@ private:
     /// Counts a caller, so that the destructor waits for it.
     class Inside;
 
-    bool Enter(const CalledOperation& operation, Time deadline, const QByteArray& arguments,
-               const std::shared_ptr<Pending>& pending, std::uint32_t& number);
+    /// Registers a call and returns where to send it; null without a connection.
+    std::shared_ptr<Outlet> Enter(const CalledOperation& operation, Time deadline,
+                                  const std::shared_ptr<Pending>& pending, std::uint32_t& number);
     bool WaitForConnection(const CalledOperation& operation, Time deadline)
         KORVEX_REQUIRES(m_mutex);
     void StartIfStopped() KORVEX_REQUIRES(m_mutex);
@@ -52,7 +52,7 @@ private:
     void Started();
     void Woken();
     void Stopping();
-    void SetState(State state);
+    void SetState(State state, std::shared_ptr<Outlet> outlet = nullptr);
     std::string TakeMessage(Message& message);
     void TellSignal(const Signal& signal);
     void TakeReply(ReplyMessage& reply);
@@ -69,7 +69,7 @@ private:
     bool m_refusalLogged KORVEX_GUARDED_BY(m_mutex) = false;
     std::uint32_t m_lastNumber KORVEX_GUARDED_BY(m_mutex) = 0;
     std::map<std::uint32_t, std::shared_ptr<Pending>> m_pending KORVEX_GUARDED_BY(m_mutex);
-    std::vector<QByteArray> m_outbox KORVEX_GUARDED_BY(m_mutex);
+    std::shared_ptr<Outlet> m_outlet KORVEX_GUARDED_BY(m_mutex);  // while connected
     std::string m_drop
         KORVEX_GUARDED_BY(m_mutex);  // not empty: end the connection, for this reason
 

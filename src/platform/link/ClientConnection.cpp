@@ -41,9 +41,9 @@ ClientConnection::~ClientConnection() {
     }
 }
 
-void ClientConnection::Send(const QByteArray& message) {
+void ClientConnection::Flush() {
     if (m_connected) {
-        m_channel->Send(message);
+        m_channel->Flush();
     }
 }
 
@@ -69,10 +69,8 @@ void ClientConnection::ConnectHub() {
         return ConnectTarget(QtPath(path), Role::Hub);
     }
     Open(QtPath(path), Role::Hub,
-         {[this](long) { AskHub(); },
-          [this](Message& message) { return TakeHubAnswer(message); },
-          [this](const std::string& fault) { Fail("hub: " + Reason(fault)); },
-          {}});
+         {[this](long) { AskHub(); }, [this](Message& message) { return TakeHubAnswer(message); },
+          [this](const std::string& fault) { Fail("hub: " + Reason(fault)); }});
 }
 
 void ClientConnection::AskHub() {
@@ -106,11 +104,9 @@ void ClientConnection::ConnectTarget(const QString& path, Role role) {
               m_connected = true;
               m_lastReason.clear();
               LOG(INFO) << "Connected to the " << TargetName() << " (process " << process << ")";
-              m_events.connected();
+              m_events.connected(m_channel->Out());
           },
-          m_events.message,
-          [this](const std::string& fault) { Fail(Reason(fault)); },
-          {}});
+          m_events.message, [this](const std::string& fault) { Fail(Reason(fault)); }});
 }
 
 void ClientConnection::Open(const QString& path, Role role, Channel::Events events) {

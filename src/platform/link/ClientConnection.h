@@ -6,9 +6,9 @@
 #include <memory>
 #include <string>
 
-#include "platform/link/Channel.h"
 #include "platform/link/Client.h"
-#include "platform/link/IoLoop.h"
+#include "platform/link/channel/Channel.h"
+#include "platform/link/channel/IoLoop.h"
 
 namespace Korvex3Sync::link {
 
@@ -17,10 +17,11 @@ namespace Korvex3Sync::link {
 class ClientConnection {
 public:
     struct Events {
-        std::function<void()> trying;     ///< an attempt has started
-        std::function<void()> failed;     ///< it has failed; the next one follows
-        std::function<void()> connected;  ///< messages can be sent
-        std::function<void()> lost;       ///< the connection has ended; an attempt follows
+        std::function<void()> trying;  ///< an attempt has started
+        std::function<void()> failed;  ///< it has failed; the next one follows
+        /// Messages can be sent.
+        std::function<void(const std::shared_ptr<Outlet>&)> connected;
+        std::function<void()> lost;  ///< the connection has ended; an attempt follows
         std::function<std::string(Message&)> message;
     };
 
@@ -29,8 +30,8 @@ public:
     ClientConnection(const ClientConnection&) = delete;
     ClientConnection& operator=(const ClientConnection&) = delete;
 
-    /// Sends a message if there is a connection.
-    void Send(const QByteArray& message);
+    /// Takes over what waits in the outlet of the connection.
+    void Flush();
     /// Ends the connection for a fault of the other end.
     void Drop(const std::string& reason);
 

@@ -2,7 +2,7 @@
 
 #include <chrono>
 
-#include "platform/link/RunLogged.h"
+#include "platform/link/channel/RunLogged.h"
 #include "platform/os/Clock.h"
 #include "platform/os/Log.h"
 #include "platform/os/UserFolders.h"
@@ -93,28 +93,30 @@ bool ServerPeers::Bind(std::string& reason) {
     return true;
 }
 
+std::shared_ptr<ServerPeers::Line> ServerPeers::LineOf(ClientId client) {
+    os::MutexGuard lock(m_mutex);
+    const auto found = m_lines.find(client);
+    return found == m_lines.end() ? nullptr : found->second;
+}
+
 bool ServerPeers::Send(ClientId client, const Signal& signal) {
-    QByteArray message = Encoded(signal);
-    const qint64 size = message.size();
-    {
-        os::MutexGuard lock(m_mutex);
-        const auto found = m_backlogs.find(client);
-        if (found == m_backlogs.end()) {
-            return false;
-        }
-        Backlog& backlog = found->second;
-        if (static_cast<std::size_t>(size) > kMostMessageBytes ||
-            backlog.queued + backlog.unsent + size > kMostBacklog) {
-            if (backlog.lost++ == 0) {
-                LOG(WARNING) << "Client " << client << " does not keep up: signals are lost";
-            }
-            return false;
-        }
-        backlog.queued += size;
-        m_outbox.push_back({client, std::move(message), false});
+    const std::shared_ptr<Line> line = LineOf(client);
+    if (line == nullptr) {
+        return false;
     }
-    m_loop.Wake();
-    return true;
+    switch (line->outlet->Send(Encoded(signal), kMostBacklog)) {
+        case Outlet::Result::Sent:
+            return true;
+        case Outlet::Result::Waits:
+            m_loop.Wake();
+            return true;
+        case Outlet::Result::Refused:
+            break;
+    }
+    if (line->lost++ == 0) {
+        LOG(WARNING) << "Client " << client << " does not keep up: signals are lost";
+    }
+    return false;
 }
 
 bool ServerPeers::Close(std::chrono::milliseconds nominalLimit) {
@@ -126,31 +128,13 @@ bool ServerPeers::Close(std::chrono::milliseconds nominalLimit) {
 }
 
 void ServerPeers::Woken() {
-    std::vector<Outgoing> outbox;
-    {
-        os::MutexGuard lock(m_mutex);
-        outbox.swap(m_outbox);
-        for (auto& [client, backlog] : m_backlogs) {
-            backlog.queued = 0;
-        }
+    std::vector<ClientId> clients;
+    clients.reserve(m_peers.size());
+    for (const auto& [client, peer] : m_peers) {
+        clients.push_back(client);
     }
-    for (const Outgoing& out : outbox) {
-        const auto found = m_peers.find(out.client);
-        if (found == m_peers.end()) {
-            continue;
-        }
-        found->second.running -= out.isReply ? 1 : 0;
-        found->second.channel->Send(out.message);
-        NoteUnsent(out.client);
-    }
-}
-
-void ServerPeers::NoteUnsent(ClientId client) {
-    const auto found = m_peers.find(client);
-    os::MutexGuard lock(m_mutex);
-    const auto backlog = m_backlogs.find(client);
-    if (found != m_peers.end() && backlog != m_backlogs.end()) {
-        backlog->second.unsent = found->second.channel->Unsent();
+    for (const ClientId client : clients) {
+        m_peers[client].channel->Flush();  // may end this peer
     }
 }
 
@@ -163,7 +147,7 @@ void ServerPeers::Stopping() {
     m_check.reset();
     m_server.reset();
     os::MutexGuard lock(m_mutex);
-    m_backlogs.clear();
+    m_lines.clear();
 }
 
 void ServerPeers::OnConnection() {
@@ -179,19 +163,22 @@ void ServerPeers::OnConnection() {
             std::move(owned), m_role, Role::Client,
             Channel::Events{[this, client](long process) { OnReady(client, process); },
                             [this, client](Message& message) { return TakeCall(client, message); },
-                            [this, client](const std::string& fault) { OnClosed(client, fault); },
-                            [this, client] { NoteUnsent(client); }});
+                            [this, client](const std::string& fault) { OnClosed(client, fault); }});
         Channel& started = *channel;
-        m_peers[client].channel = std::move(channel);
+        Peer& peer = m_peers[client];
+        peer.line = std::make_shared<Line>();
+        peer.line->outlet = channel->Out();
+        peer.channel = std::move(channel);
         started.Start();
     }
 }
 
 void ServerPeers::OnReady(ClientId client, long process) {
-    m_peers[client].ready = true;
+    Peer& peer = m_peers[client];
+    peer.ready = true;
     {
         os::MutexGuard lock(m_mutex);
-        m_backlogs[client];
+        m_lines[client] = peer.line;
     }
     if (m_came) {
         m_came(client, process);
@@ -203,14 +190,14 @@ std::string ServerPeers::TakeCall(ClientId client, Message& message) {
     if (call == nullptr) {
         return "an unexpected message";
     }
-    Peer& peer = m_peers[client];
-    if (peer.running >= kMostRunning) {
+    const std::shared_ptr<Line> line = m_peers[client].line;
+    if (line->running >= kMostRunning) {
         return "too many calls at the same time";
     }
-    ++peer.running;
+    ++line->running;
     const auto handler = m_handlers.find(call->operation);
     if (handler == m_handlers.end()) {
-        Answer(client, {call->number, STATUS_NOT_SUPPORTED, {}});
+        Answer(*line, {call->number, STATUS_NOT_SUPPORTED, {}});
         return "";
     }
     std::optional<Work> work = handler->second(client, SpanOf(call->arguments));
@@ -226,13 +213,12 @@ std::string ServerPeers::TakeCall(ClientId client, Message& message) {
 void ServerPeers::OnClosed(ClientId client, const std::string& fault) {
     const auto found = m_peers.find(client);
     const bool cameBefore = found->second.ready;
+    const std::uint64_t lost = found->second.line->lost;
     m_loop.DeleteLater(std::move(found->second.channel));
     m_peers.erase(found);
-    std::uint64_t lost = 0;
     {
         os::MutexGuard lock(m_mutex);
-        lost = cameBefore ? m_backlogs[client].lost : 0;
-        m_backlogs.erase(client);
+        m_lines.erase(client);
     }
     if (!fault.empty()) {
         LOG(WARNING) << "The connection of client " << client << " is closed: " << fault;
@@ -246,30 +232,27 @@ void ServerPeers::OnClosed(ClientId client, const std::string& fault) {
 }
 
 void ServerPeers::RunCall(ClientId client, std::uint32_t number, const Work& work) {
-    {
-        os::MutexGuard lock(m_mutex);
-        if (!m_backlogs.contains(client)) {
-            return;  // it has gone
-        }
+    const std::shared_ptr<Line> line = LineOf(client);
+    if (line == nullptr) {
+        return;
     }
     ReplyMessage reply{number, STATUS_FAILED, {}};
     if (!RunLogged("A call of a client", [&] { reply.status = work(reply.results); })) {
         reply = {number, STATUS_FAILED, {}};
     }
-    Answer(client, std::move(reply));
+    Answer(*line, reply);
 }
 
-void ServerPeers::Answer(ClientId client, ReplyMessage reply) {
+void ServerPeers::Answer(Line& line, const ReplyMessage& reply) {
     QByteArray message = Encoded(reply);
     if (static_cast<std::size_t>(message.size()) > kMostMessageBytes) {
-        LOG(ERROR) << "An answer to client " << client << " is too long";
+        LOG(ERROR) << "The answer to a call is too long";
         message = Encoded(ReplyMessage{reply.number, STATUS_FAILED, {}});
     }
-    {
-        os::MutexGuard lock(m_mutex);
-        m_outbox.push_back({client, std::move(message), true});
+    --line.running;  // first, because the answer allows the client another call
+    if (line.outlet->SendOrFail(message)) {
+        m_loop.Wake();
     }
-    m_loop.Wake();
 }
 
 }  // namespace Korvex3Sync::link

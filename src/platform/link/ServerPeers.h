@@ -2,17 +2,19 @@
 
 #include <QLocalServer>
 
+#include <atomic>
 #include <cstddef>
+#include <cstdint>
 #include <map>
 #include <memory>
 #include <string>
 #include <utility>
 #include <vector>
 
-#include "platform/link/Channel.h"
-#include "platform/link/IoLoop.h"
 #include "platform/link/Server.h"
 #include "platform/link/WorkerPool.h"
+#include "platform/link/channel/Channel.h"
+#include "platform/link/channel/IoLoop.h"
 #include "platform/os/CriticalSection.h"
 #include "platform/os/Event.h"
 
@@ -36,22 +38,17 @@ public:
     bool Close(std::chrono::milliseconds nominalLimit);
 
 private:
+    /// What other threads use of a connection.
+    struct Line {
+        std::shared_ptr<Outlet> outlet;
+        std::atomic<std::size_t> running = 0;  // calls without an answer yet
+        std::atomic<std::uint64_t> lost = 0;   // signals
+    };
     /// A connection, on the I/O thread.
     struct Peer {
         std::unique_ptr<Channel> channel;
+        std::shared_ptr<Line> line;
         bool ready = false;
-        std::size_t running = 0;  // calls without an answer yet
-    };
-    /// What waits to be sent to a client.
-    struct Backlog {
-        qint64 queued = 0;  // bytes in the outbox
-        qint64 unsent = 0;  // bytes that the system has not taken
-        std::uint64_t lost = 0;
-    };
-    struct Outgoing {
-        ClientId client;
-        QByteArray message;
-        bool isReply;
     };
 
     // On the I/O thread.
@@ -64,11 +61,12 @@ private:
     void OnReady(ClientId client, long process);
     std::string TakeCall(ClientId client, Message& message);
     void OnClosed(ClientId client, const std::string& fault);
-    void NoteUnsent(ClientId client);
 
     // On any thread.
+    /// Null if the client has gone, or has not come yet.
+    std::shared_ptr<Line> LineOf(ClientId client);
     void RunCall(ClientId client, std::uint32_t number, const Work& work);
-    void Answer(ClientId client, ReplyMessage reply);
+    void Answer(Line& line, const ReplyMessage& reply);
 
     const std::string m_path;
     const Role m_role;
@@ -82,8 +80,8 @@ private:
     ClientId m_lastClient = 0;               // I/O thread only
 
     os::Mutex m_mutex;
-    std::vector<Outgoing> m_outbox KORVEX_GUARDED_BY(m_mutex);
-    std::map<ClientId, Backlog> m_backlogs KORVEX_GUARDED_BY(m_mutex);  // of clients that came
+    std::map<ClientId, std::shared_ptr<Line>> m_lines
+        KORVEX_GUARDED_BY(m_mutex);  // of clients that came
 
     os::Event m_started;
     IoLoop m_loop;

@@ -7,8 +7,8 @@
 #include <utility>
 
 #include "platform/link/Client.h"
-#include "platform/link/RunLogged.h"
 #include "platform/link/SnapshotImages.h"
+#include "platform/link/channel/RunLogged.h"
 
 using namespace Korvex3Sync;
 

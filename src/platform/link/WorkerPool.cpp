@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "platform/link/RunLogged.h"
+#include "platform/link/channel/RunLogged.h"
 
 namespace Korvex3Sync::link {
 namespace {}  // namespace

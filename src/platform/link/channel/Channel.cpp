@@ -1,4 +1,4 @@
-#include "platform/link/Channel.h"
+#include "platform/link/channel/Channel.h"
 
 #include <algorithm>
 #include <chrono>
@@ -12,8 +12,6 @@ namespace {
 
 /// How long the other end may take to introduce itself.
 constexpr std::chrono::milliseconds kHelloLimit{1'000};
-/// What a peer may leave unread. Notices stop much earlier.
-constexpr qint64 kMostUnsent = 8 * static_cast<qint64>(kMostMessageBytes);
 constexpr qint64 kReadAtOnce = 65'536;
 
 }  // namespace
@@ -32,11 +30,8 @@ Channel::Channel(std::unique_ptr<QLocalSocket> socket, Role own, Role expected, 
     m_helloLimit.start(TimerInterval(kHelloLimit));
     connect(m_socket.get(), &QLocalSocket::readyRead, this, &Channel::OnReadable);
     connect(m_socket.get(), &QLocalSocket::connected, this, &Channel::OnConnected);
-    connect(m_socket.get(), &QLocalSocket::bytesWritten, this, [this] {
-        if (!m_closed && m_events.written) {
-            m_events.written();
-        }
-    });
+    connect(m_socket.get(), &QLocalSocket::bytesWritten, this,
+            [this] { m_outlet->SetInSocket(m_socket->bytesToWrite()); });
     connect(m_socket.get(), &QLocalSocket::errorOccurred, this, &Channel::OnLost);
     connect(m_socket.get(), &QLocalSocket::disconnected, this, &Channel::OnLost);
 }
@@ -48,17 +43,28 @@ void Channel::OnConnected() {
     }
     m_process = peer->process;
     m_identified = true;
+    m_outlet->Open(m_socket->socketDescriptor());
     Send(Encoded(Hello{kProtocolVersion, m_own, os::CurrentProcess()}));
     OnReadable();
 }
 
 void Channel::Send(const QByteArray& message) {
+    if (m_outlet->SendOrFail(message)) {
+        Flush();
+    }
+}
+
+void Channel::Flush() {
     if (m_closed) {
         return;
     }
-    m_socket->write(Framed(message));
-    m_socket->flush();
-    if (Unsent() > kMostUnsent) {
+    const QByteArray waiting = m_outlet->TakeWaiting();
+    if (!waiting.isEmpty()) {
+        m_socket->write(waiting);
+        m_socket->flush();
+        m_outlet->SetInSocket(m_socket->bytesToWrite());
+    }
+    if (m_outlet->IsOverloaded()) {
         Fail("the other end does not read");
     }
 }
@@ -83,6 +89,7 @@ void Channel::Close() {
 
 void Channel::Silence() {
     m_closed = true;
+    m_outlet->Close();
     m_helloLimit.stop();
     m_socket->disconnect(this);
 }

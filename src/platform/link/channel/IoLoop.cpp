@@ -1,4 +1,4 @@
-#include "platform/link/IoLoop.h"
+#include "platform/link/channel/IoLoop.h"
 
 #include <QAbstractEventDispatcher>
 #include <QCoreApplication>
@@ -9,7 +9,7 @@
 #include <utility>
 #include <vector>
 
-#include "platform/link/RunLogged.h"
+#include "platform/link/channel/RunLogged.h"
 #include "platform/os/CriticalSection.h"
 
 namespace Korvex3Sync::link {

@@ -9,6 +9,7 @@
 #include <memory>
 #include <string>
 
+#include "platform/link/channel/Outlet.h"
 #include "platform/link/wire/Frames.h"
 #include "platform/link/wire/Messages.h"
 
@@ -30,8 +31,6 @@ public:
         std::function<std::string(Message&)> message;
         /// The channel is closed, for a fault, or without one by the other end. No event follows.
         std::function<void(const std::string& fault)> closed;
-        /// The system took bytes that were waiting; may be empty.
-        std::function<void()> written;
     };
 
     /// Takes over a socket. No event before Start or Connect.
@@ -42,10 +41,12 @@ public:
     /// Connects the socket to one of the file system.
     void Connect(const QString& path) { m_socket->connectToServer(path); }
 
-    /// Sends a message; the system takes what it can at once.
+    /// Where any thread sends messages. It works while the channel is open.
+    const std::shared_ptr<Outlet>& Out() const { return m_outlet; }
+    /// Sends a message.
     void Send(const QByteArray& message);
-    /// Bytes that the system has not taken yet.
-    qint64 Unsent() const { return m_socket->bytesToWrite(); }
+    /// Takes over what waits in the outlet.
+    void Flush();
     /// Closes without an event.
     void Close();
 
@@ -60,6 +61,7 @@ private:
     void Silence();
 
     const std::unique_ptr<QLocalSocket> m_socket;
+    const std::shared_ptr<Outlet> m_outlet = std::make_shared<Outlet>();
     const Role m_own;
     const Role m_expected;
     const Events m_events;
