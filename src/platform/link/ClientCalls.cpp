@@ -212,14 +212,20 @@ void ClientCalls::TellSignal(const Signal& signal) {
 }
 
 void ClientCalls::TakeReply(ReplyMessage& reply) {
-    os::MutexGuard lock(m_mutex);
-    const auto found = m_pending.find(reply.number);
-    if (found != m_pending.end()) {  // else the caller has given up
-        found->second->status = reply.status;
-        found->second->results = reply.results;
-        found->second->ended.Set();
+    std::shared_ptr<Pending> pending;
+    {
+        os::MutexGuard lock(m_mutex);
+        const auto found = m_pending.find(reply.number);
+        if (found == m_pending.end()) {
+            return;  // the caller has given up
+        }
+        pending = std::move(found->second);
         m_pending.erase(found);
+        pending->status = reply.status;
+        pending->results = reply.results;
     }
+    // Without the mutex, which the caller takes next.
+    pending->ended.Set();
 }
 
 void ClientCalls::FailAll() {

@@ -5,7 +5,6 @@
 #include "platform/link/channel/RunLogged.h"
 
 namespace Korvex3Sync::link {
-namespace {}  // namespace
 
 WorkerPool::~WorkerPool() {
     Close(std::chrono::steady_clock::now());
@@ -20,17 +19,20 @@ WorkerPool::~WorkerPool() {
 }
 
 void WorkerPool::Post(Job job) {
-    os::MutexGuard lock(m_mutex);
-    if (m_closed) {
-        return;
-    }
-    m_jobs.push_back(std::move(job));
-    if (m_jobs.size() > m_free && m_threads.size() < kMostThreads) {
-        auto thread = std::make_unique<os::Thread>();
-        if (thread->Start([this] { Run(); })) {
-            m_threads.push_back(std::move(thread));
+    {
+        os::MutexGuard lock(m_mutex);
+        if (m_closed) {
+            return;
+        }
+        m_jobs.push_back(std::move(job));
+        if (m_jobs.size() > m_free && m_threads.size() < kMostThreads) {
+            auto thread = std::make_unique<os::Thread>();
+            if (thread->Start([this] { Run(); })) {
+                m_threads.push_back(std::move(thread));
+            }
         }
     }
+    // Without the mutex, which the thread that wakes takes next.
     m_changed.NotifyOne();
 }
 
