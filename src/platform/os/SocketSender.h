@@ -16,8 +16,8 @@ public:
     SocketSender(const SocketSender&) = delete;
     SocketSender& operator=(const SocketSender&) = delete;
 
-    /// Hands over what the system takes without waiting, and returns how many bytes that are. 0 also
-    /// after an error: the owner of the socket finds out about it.
+    /// Hands over what the system takes without waiting, and returns how many bytes that are. 0
+    /// also after an error: the owner of the socket finds out about it.
     std::size_t Send(const char* bytes, std::size_t size);
 
 private:
