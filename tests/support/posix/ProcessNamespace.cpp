@@ -1,0 +1,56 @@
+#include "support/ProcessNamespace.h"
+
+#include <unistd.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <string>
+#include <system_error>
+#include <vector>
+
+namespace Korvex3Sync::tests {
+namespace {
+
+namespace fs = std::filesystem;
+
+/// Set in the process namespace; the folder is removed at the end.
+constexpr char kFolderVariable[] = "KORVEX_NAMESPACE_FOLDER";
+
+/// Returns only if it fails.
+void StartInOwnNamespace(char** argv) {
+    char name[] = "/tmp/korvex-names-XXXXXX";
+    if (::mkdtemp(name) == nullptr) {
+        return;
+    }
+    const fs::path self = fs::read_symlink("/proc/self/exe");
+    const fs::path program = fs::path(name) / self.filename();
+    fs::copy_file(self, program);
+    ::setenv(kFolderVariable, name, 1);
+    std::vector<const char*> command{"unshare", "--user",       "--map-root-user", "--pid",
+                                     "--fork",  "--mount-proc", "--kill-child",    program.c_str()};
+    for (char** argument = argv + 1; *argument != nullptr; ++argument) {
+        command.push_back(*argument);
+    }
+    command.push_back(nullptr);
+    ::execvp(command[0], const_cast<char* const*>(command.data()));
+}
+
+}  // namespace
+
+int RunInProcessNamespace(int argc, char** argv, int (*run)(int argc, char** argv)) {
+    const char* const variable = std::getenv(kFolderVariable);
+    if (variable == nullptr) {
+        StartInOwnNamespace(argv);
+        std::perror("cannot start in a process namespace");
+        return EXIT_FAILURE;
+    }
+    const fs::path folder = variable;
+    ::unsetenv(kFolderVariable);
+    const int result = run(argc, argv);
+    std::error_code error;
+    fs::remove_all(folder, error);
+    return result;
+}
+
+}  // namespace Korvex3Sync::tests
