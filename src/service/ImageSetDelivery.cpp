@@ -11,7 +11,13 @@
 namespace Korvex3Sync {
 namespace {
 
-enum NoticeElement : int { kKind = 2, kSegments = 3, kFrames = 4, kNoticeElements = 5 };
+enum NoticeElement : int {
+    kKind = 2,
+    kSegments = 3,
+    kFrames = 4,
+    kNoticeElements = 5,
+    kMoreFollow = 9
+};
 
 constexpr int kSetWidth = 1280;
 constexpr int kSetHeight = 1024;
@@ -50,6 +56,11 @@ private:
 };
 
 }  // namespace
+
+bool MoreSetsFollow(const QList<QVariant>& list) {
+    const QVariant follow = list.value(kMoreFollow);
+    return follow.type() != QVariant::Bool || follow.toBool();
+}
 
 std::optional<ImageSetNotice> ReadImageSetNotice(const QList<QVariant>& list) {
     if (list.size() < kNoticeElements) {

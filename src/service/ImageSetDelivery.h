@@ -20,6 +20,10 @@ struct ImageSetNotice {
     int frames = 0;  ///< size of each image, in mono images of 1280 x 1024 bytes
 };
 
+/// Whether more image sets are on their way. Only a notice of a scan whose trigger has been
+/// switched off says that none are.
+bool MoreSetsFollow(const QList<QVariant>& list);
+
 /// Reads a notice. Nothing if it is malformed or names no segment.
 std::optional<ImageSetNotice> ReadImageSetNotice(const QList<QVariant>& list);
 

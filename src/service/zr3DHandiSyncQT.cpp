@@ -32,9 +32,10 @@ zr3DHandiSyncQT::zr3DHandiSyncQT(QObject*)
       m_pRetryTimer(new QTimer(this)),
       m_pWorkThread(new QThread(this)) {
     qRegisterMetaType<QProcess::ProcessState>();
-    // On the worker thread, where timers stop and process objects are given up.
+    // On the worker thread, where timers stop and process objects are given up. Qt looks at the
+    // receiver once more afterwards, so it is not the client, which may be gone by then.
     connect(
-        m_pWorkThread, &QThread::finished, this,
+        m_pWorkThread, &QThread::finished, m_pWorkThread,
         [this] {
             if (m_ending.IsSet()) {  // otherwise there is no QCoreApplication: it ends at once
                 m_pStatusTimer->stop();
@@ -168,7 +169,9 @@ void zr3DHandiSyncQT::recvMessage(QString, QString, QList<QVariant> list, QStrin
 }
 
 void zr3DHandiSyncQT::recvCallback(QString, QString, QList<QVariant> list, QString) {
-    m_scanWatchdog.QueueStart();
+    if (MoreSetsFollow(list)) {
+        m_scanWatchdog.QueueStart();
+    }
     const auto notice = ReadImageSetNotice(list);
     if (!notice) {
         return;

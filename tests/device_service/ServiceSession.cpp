@@ -86,8 +86,9 @@ Notice::Notice(const QList<QVariant>& list)
       number(list.value(5).toULongLong()),
       notWritten(list.value(6).toULongLong()),
       noticesNotSent(list.value(7).toULongLong()),
-      statistics(list.value(8).toList()) {
-    EXPECT_EQ(list.size(), 9);
+      statistics(list.value(8).toList()),
+      moreFollow(list.value(9).toBool()) {
+    EXPECT_EQ(list.size(), 10);
 }
 
 ServiceClient::ServiceClient() : ServiceClient([](const Notice&) {}) {}

@@ -32,6 +32,7 @@ struct Notice {
     std::uint64_t notWritten = 0;
     std::uint64_t noticesNotSent = 0;
     QList<QVariant> statistics;
+    bool moreFollow = false;
 };
 
 struct StatusMessage {

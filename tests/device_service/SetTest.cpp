@@ -62,6 +62,14 @@ protected:
         return support::WaitUntil([&] { return client.Notices().back().number == number; });
     }
     bool ScanWithoutLoss(int periodMs);
+    /// What the service says of a loss; 0 while it says nothing.
+    static std::uint64_t LossOf(const QString& place) {
+        const auto state = State();
+        const auto losses = state ? state->losses : decltype(state->losses){};
+        const auto loss = std::find_if(losses.begin(), losses.end(),
+                                       [&place](const auto& one) { return one.first == place; });
+        return loss == losses.end() ? 0 : loss->second;
+    }
 
     SetReader m_reader;
 };
@@ -197,11 +205,7 @@ TEST_F(SetTest, ASetWithoutAFreePlaceIsCounted) {
     ASSERT_TRUE(client.WaitForNotices(1));
     ASSERT_TRUE(support::WaitUntil([&] {
         m_reader.Hold(client.Notices().back());
-        const auto state = State();
-        return state && !state->losses.empty() &&
-               std::any_of(state->losses.begin(), state->losses.end(), [](const auto& loss) {
-                   return loss.first == "setsNotWritten" && loss.second > 5;
-               });
+        return LossOf("setsNotWritten") > 5;
     }));
     const std::size_t before = client.Notices().size();
     m_reader.LetGo();
@@ -227,14 +231,7 @@ TEST_F(SetTest, NoticesThatTheClientDoesNotTakeAreCountedAndNothingWaitsForIt) {
     Connect(client);
     Trigger(client, TRIGGER_PATTERN, 2);
     ASSERT_EQ(entered.Wait(kDeadline), os::WaitResult::Signalled);
-    std::uint64_t lost = 0;
-    const bool counted = support::WaitUntil([&] {
-        const auto state = State();
-        for (const auto& [place, count] : state->losses) {
-            lost = place == "noticesNotSent" ? count : lost;
-        }
-        return lost > 20;
-    });
+    const bool counted = support::WaitUntil([] { return LossOf("noticesNotSent") > 20; });
     go.Set();
     ASSERT_TRUE(counted);
     // The client takes notices again.
@@ -265,12 +262,44 @@ TEST_F(SetTest, AStopIsAnsweredAfterAllSetsBeforeIt) {
         ASSERT_EQ(client.Notices().size(), stopped) << "a notice after the stop";
         ASSERT_EQ(client->setScanCallBackFunction(client.Id(), true), STATUS_SUCCESS);
     }
+    // Sets of a pause go nowhere, all others arrive.
+    StopSets(client);
+    EXPECT_TRUE(support::WaitUntil([] { return LossOf("setsWithoutCallback") > 0; }));
+    ASSERT_EQ(client->setScanCallBackFunction(client.Id(), true), STATUS_SUCCESS);
+    ASSERT_TRUE(client.WaitForNotices(client.Notices().size() + 1));
     TriggerOff(client);
     StopSets(client);
-    // Sets of the pauses went nowhere, all others have arrived.
     const auto notices = client.Notices();
-    EXPECT_EQ(notices.back().number, notices.size() + notices.back().notWritten);
-    EXPECT_GT(FigureOf(notices.back(), "setsWithoutCallback"), 0U);
+    const Notice& last = notices.back();
+    EXPECT_EQ(last.number, notices.size() + last.notWritten + last.noticesNotSent);
+    EXPECT_GT(FigureOf(last, "setsWithoutCallback"), 0U);
+}
+
+TEST_F(SetTest, AfterTheTriggerNoticesSayThatNoMoreFollow) {
+    Request();
+    ServiceClient client;
+    Connect(client);
+    for (int round = 0; round < 3; ++round) {
+        const std::size_t before = client.Notices().size();
+        Trigger(client, TRIGGER_LASER_LINES_COLOR, 5);
+        ASSERT_TRUE(client.WaitForNotices(before + 5));
+        ASSERT_TRUE(TheHead().GetFaults().Fail("zr3DSetVideoTrigleMode", 1));
+        EXPECT_EQ(client->enableVideoTrigger(client.Id(), TRIGGER_PATTERN, false), STATUS_FAILED);
+        const std::size_t refused = client.Notices().size();
+        ASSERT_TRUE(client.WaitForNotices(refused + 5));
+        TriggerOff(client);
+        // The answer comes after all notices that were sent before.
+        const std::size_t stopped = client.Notices().size();
+        ASSERT_TRUE(WaitForSet(client, TheHead().Counts().triggers));
+        const auto notices = client.Notices();
+        for (std::size_t i = 0; i < 5; ++i) {
+            EXPECT_TRUE(notices[before + i].moreFollow);
+            EXPECT_TRUE(notices[refused + i].moreFollow);
+        }
+        for (std::size_t i = stopped; i < notices.size(); ++i) {
+            EXPECT_FALSE(notices[i].moreFollow) << i;
+        }
+    }
 }
 
 TEST_F(SetTest, NoSetsComeWithoutBeingAskedForOrAfterADisconnect) {

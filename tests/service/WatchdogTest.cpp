@@ -67,9 +67,11 @@ TEST_F(Watchdog, OfTheStatusStartsWithTheFirstStatusAndRestartsWithEach) {
     EXPECT_TRUE(Timer(kStatusTimer).active);
     EXPECT_EQ(Timer(kStatusTimer).interval, 60000);
     ASSERT_TRUE(WaitUntil([this] { return Timer(kStatusTimer).remaining < 59950; }));
-    SendStatus("7", 1);
-    Settle();
-    EXPECT_GT(Timer(kStatusTimer).remaining, 59950 - 40);
+    EXPECT_TRUE(WaitUntil([this] {
+        SendStatus("7", 1);
+        Settle();
+        return Timer(kStatusTimer).remaining >= 59950;
+    }));
     RunSlot("StartStatusTimer", false);
     EXPECT_FALSE(Timer(kStatusTimer).active);
     RunSlot("StartStatusTimer");
@@ -132,6 +134,27 @@ TEST_F(Watchdog, APeriodHasTheRangeOfATimer) {
     RunSlot("StartScanCallBackTimer");
     EXPECT_EQ(Timer(kStatusTimer).interval, 0);
     EXPECT_EQ(Timer(kScanTimer).interval, 2147483647);
+}
+
+TEST_F(Watchdog, OfTheScanIsNotStartedByTheLastSetsAfterTheTrigger) {
+    ConnectWithCallbacks();
+    const os::ScopedTimeScale realTime(1);
+    const auto notice = [](const QVariant& moreFollow) {
+        return QList<QVariant>{
+            QVariant(), QVariant(), "GrayImage", QStringList{"a", "b"}, 1,
+            1,          0,          0,           QVariantList(),        moreFollow};
+    };
+    SendCallback(notice(false));
+    Settle();
+    EXPECT_FALSE(Timer(kScanTimer).active);
+    SendCallback(notice(true));
+    Settle();
+    EXPECT_TRUE(Timer(kScanTimer).active);
+    RunSlot("StartScanCallBackTimer", false);
+    // Another service may use this element for something else.
+    SendCallback(notice(0));
+    Settle();
+    EXPECT_TRUE(Timer(kScanTimer).active);
 }
 
 TEST_F(Watchdog, OfTheStatusStopsWithItsCallback) {

@@ -2,6 +2,7 @@
 
 #include <Korvex3Sync/Connection.h>
 #include <Korvex3Sync/Images.h>
+#include <Korvex3Sync/Light.h>
 #include <Korvex3Sync/Statistics.h>
 
 #include <utility>
@@ -109,6 +110,16 @@ RETSTATUS Device::SetStatusCallback(bool start) {
     const RETSTATUS status = SetStatusCallBackFunction(m_handle, nullptr, nullptr);
     if (status == STATUS_SUCCESS) {
         m_status->Stop();
+    }
+    return status;
+}
+
+RETSTATUS Device::EnableVideoTrigger(CAMERA_TRIGGER_MODE mode, bool enable) {
+    const os::MutexGuard guard(m_trigger);
+    const bool before = m_sets->MoreFollow(enable);
+    const RETSTATUS status = Korvex3Sync::EnableVideoTrigger(m_handle, mode, enable);
+    if (status != STATUS_SUCCESS) {
+        m_sets->MoreFollow(before);
     }
     return status;
 }

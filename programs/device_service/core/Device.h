@@ -52,6 +52,8 @@ public:
     /// come.
     RETSTATUS SetScanCallback(bool start);
     RETSTATUS SetStatusCallback(bool start);
+    /// The last sets come after the trigger has been switched off. Their notices say so.
+    RETSTATUS EnableVideoTrigger(CAMERA_TRIGGER_MODE mode, bool enable);
     RETSTATUS SnapColorImage(int cameraIndex, double& exposure, int& gain, CONTROLROUTE route,
                              SnapshotResult& result);
 
@@ -66,6 +68,7 @@ private:
     std::unique_ptr<SetDelivery> m_sets;
     std::unique_ptr<StatusRepeater> m_status;
     os::Mutex m_statusCallback;  // one change at a time
+    os::Mutex m_trigger;         // one change at a time
     os::Mutex m_snapshot;
     std::unique_ptr<tunnel::AreaWriter> m_snapshots KORVEX_PT_GUARDED_BY(m_snapshot);
     std::uint64_t m_lastSnapshot KORVEX_GUARDED_BY(m_snapshot) = 0;

@@ -218,7 +218,9 @@ void AddOperations(link::Server& server, DeviceOwner& owner) {
     table.Add<link::GetIRLaserDutioRatio>(GetIRLaserDutioRatio);
     table.Add<link::SetVideoTriggerPeriod>(SetVideoTriggerPeriod);
     table.Add<link::GetVideoTriggerPeriod>(GetVideoTriggerPeriod);
-    table.Add<link::EnableVideoTrigger>(EnableVideoTrigger);
+    table.Add<link::EnableVideoTrigger>([](Device& device, const auto& in, auto&) {
+        return device.EnableVideoTrigger(std::get<1>(in), std::get<2>(in));
+    });
     table.Add<link::SetDistanceIndicate>(SetDistanceIndicate);
     table.Add<link::SetCameraExposureAndGain>(SetCameraExposureAndGain);
     table.Add<link::GetCameraExposureAndGain>(GetCameraExposureAndGain);

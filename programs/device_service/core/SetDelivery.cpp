@@ -41,10 +41,21 @@ void SetDelivery::Deliver(const std::vector<unsigned char*>& images, int width, 
     notice.color = images.size() > 2;
     notice.counts = Counts();
     GetScanStatistics(m_handle, notice.statistics);
-    if (!m_send(notice)) {
+    if (!SendNotice(notice)) {
         const os::MutexGuard guard(m_mutex);
         ++m_counts.noticesNotSent;
     }
+}
+
+bool SetDelivery::SendNotice(SetNotice& notice) {
+    const os::MutexGuard guard(m_sending);
+    notice.moreFollow = m_moreFollow;
+    return m_send(notice);
+}
+
+bool SetDelivery::MoreFollow(bool follow) {
+    const os::MutexGuard guard(m_sending);
+    return std::exchange(m_moreFollow, follow);
 }
 
 SetCounts SetDelivery::Counts() const {

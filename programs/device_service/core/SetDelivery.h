@@ -28,6 +28,7 @@ struct SetNotice {
     std::vector<std::string> segments;  ///< their names: left, right, colour
     SetCounts counts;
     ScanStatistics statistics;  ///< of direct mode, before this set counts as delivered
+    bool moreFollow = true;     ///< false once the trigger has been switched off
 };
 
 /// Writes each set of a connection into shared memory and sends a notice of it. Runs in the scan
@@ -48,10 +49,13 @@ public:
 
     /// Any thread.
     SetCounts Counts() const;
+    /// From now on, notices say whether more sets follow. Waits for a notice that is being sent.
+    /// Returns what they said before. Any thread.
+    bool MoreFollow(bool follow);
 
 private:
     void Deliver(const std::vector<unsigned char*>& images, int width, int height);
-    bool Write(const std::vector<unsigned char*>& images, std::vector<std::string>& names);
+    bool SendNotice(SetNotice& notice);
 
     void* const m_handle;
     const std::uint64_t m_generation;
@@ -60,6 +64,8 @@ private:
     mutable os::Mutex m_mutex;
     SetCounts m_counts KORVEX_GUARDED_BY(m_mutex);
     SetRate m_rate KORVEX_GUARDED_BY(m_mutex);
+    os::Mutex m_sending;
+    bool m_moreFollow KORVEX_GUARDED_BY(m_sending) = true;
 };
 
 }  // namespace Korvex3Sync::device_service

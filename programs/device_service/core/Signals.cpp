@@ -60,7 +60,8 @@ link::Signal SignalOf(const SetNotice& notice) {
             {QVariant(), QVariant(), notice.color ? "ColorImage" : "GrayImage", segments, 1,
              QVariant::fromValue<qulonglong>(notice.counts.sets),
              QVariant::fromValue<qulonglong>(notice.counts.notWritten),
-             QVariant::fromValue<qulonglong>(notice.counts.noticesNotSent), QVariant(figures)},
+             QVariant::fromValue<qulonglong>(notice.counts.noticesNotSent), QVariant(figures),
+             notice.moreFollow},
             kSignalVersion};
 }
 

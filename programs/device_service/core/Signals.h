@@ -21,8 +21,8 @@ std::span<const Figure> Figures();
 
 /// What the client gets for a set in shared memory: nothing, nothing, "GrayImage" or "ColorImage",
 /// the names of the segments, the size of an image in units of 1280 x 1024 bytes (1), the number of
-/// the set since the connect, the sets that were not written, the notices that were not sent, and
-/// the figures of direct mode.
+/// the set since the connect, the sets that were not written, the notices that were not sent, the
+/// figures of direct mode, and whether more sets follow.
 link::Signal SignalOf(const SetNotice& notice);
 
 /// What the client gets for a status: the name of the service, nothing, the first byte as decimal
