@@ -17,11 +17,15 @@ namespace {
 
 std::atomic<SyncInterface*> g_syncInterface{nullptr};
 std::mutex g_textMutex;
-QString g_text;
+
+QString& Text() {
+    static QString text;
+    return text;
+}
 
 QString ServiceText() {
     std::lock_guard lock(g_textMutex);
-    return g_text;
+    return Text();
 }
 
 int ServiceValue(const char* name) {
@@ -60,7 +64,7 @@ SyncInterface* TheSyncInterface() {
 
 void SetServiceText(const QString& text) {
     std::lock_guard lock(g_textMutex);
-    g_text = text;
+    Text() = text;
 }
 
 }  // namespace Korvex3Sync::tests::recorder

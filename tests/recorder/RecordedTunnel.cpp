@@ -12,7 +12,12 @@ namespace {
 using Korvex3Sync::tests::recorder::Recorder;
 
 std::mutex g_segmentMutex;
-std::map<QString, QByteArray> g_segments;
+
+/// Made when it is needed: a preloaded recorder fills it before the program begins.
+std::map<QString, QByteArray>& Segments() {
+    static std::map<QString, QByteArray> segments;
+    return segments;
+}
 
 }  // namespace
 
@@ -71,8 +76,8 @@ SharedMemory* SharedMemory::open(const QString& name, unsigned long long size) {
 Segment* SharedMemory::segment(const QString& name, unsigned long long size) {
     const bool succeeds = Recorder::Get().Record("segment", name.toStdString(), size);
     std::lock_guard lock(g_segmentMutex);
-    const auto found = g_segments.find(name);
-    if (!succeeds || found == g_segments.end()) {
+    const auto found = Segments().find(name);
+    if (!succeeds || found == Segments().end()) {
         return nullptr;
     }
     return new Segment(
@@ -90,13 +95,13 @@ namespace Korvex3Sync::tests::recorder {
 
 void SetSegment(const QString& name, const QByteArray& bytes) {
     std::lock_guard lock(QtTunnel::g_segmentMutex);
-    QtTunnel::g_segments[name] = bytes;
+    QtTunnel::Segments()[name] = bytes;
 }
 
 void ResetService() {
     SetServiceText("KV00R1");
     std::lock_guard lock(QtTunnel::g_segmentMutex);
-    QtTunnel::g_segments.clear();
+    QtTunnel::Segments().clear();
 }
 
 }  // namespace Korvex3Sync::tests::recorder

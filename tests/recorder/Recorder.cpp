@@ -10,9 +10,13 @@ constexpr std::chrono::seconds kDeadline{30};
 /// A thread that makes this call is a grab thread; the times of its calls are not predictable.
 constexpr char kSnap[] = "SnapShot";
 
-/// Where a preloaded recorder writes the calls of the thread that called first.
-void WriteToFile(const std::string& text) {
-    if (const char* const file = std::getenv("KORVEX_RECORDER_LOG")) {
+/// The variables that name the files of a preloaded recorder: for the calls of the thread that
+/// called first, and for those of all threads but grab threads.
+constexpr char kFirstThreadLog[] = "KORVEX_RECORDER_LOG";
+constexpr char kFullLog[] = "KORVEX_RECORDER_FULL_LOG";
+
+void WriteTo(const char* variable, const std::string& text) {
+    if (const char* const file = std::getenv(variable)) {
         std::ofstream(file, std::ios::app) << text << "\n";
     }
 }
@@ -175,8 +179,9 @@ bool Recorder::Add(const std::string& name, const std::string& arguments) {
         }
         if (m_grabThreads.count(thread) == 0) {
             m_calls.push_back({thread, text});
+            WriteTo(kFullLog, text);
             if (thread == m_calls.front().thread) {
-                WriteToFile(text);
+                WriteTo(kFirstThreadLog, text);
             }
         }
         succeeds = m_failAlways.count(name) == 0 && m_failAt[name].count(number) == 0;

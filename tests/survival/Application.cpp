@@ -5,16 +5,12 @@
 //     survival_application scan     keeps a scan running
 //     survival_application calls    makes calls without a pause on several threads
 //     survival_application count    counts the cameras, without a device
-//
-// A time is that of the steady clock in nanoseconds, which all processes of the machine share.
 
 #include <unistd.h>
 #include <QCoreApplication>
 #include <atomic>
 #include <chrono>
-#include <cinttypes>
 #include <condition_variable>
-#include <cstdio>
 #include <deque>
 #include <mutex>
 #include <string>
@@ -23,41 +19,17 @@
 
 #include "platform/include/QtTunnel.h"
 #include "platform/include/SyncInterface.h"
+#include "survival/Lines.h"
 
 namespace Korvex3Sync::tests {
 
 namespace {
 
 using namespace std::chrono_literals;
-using Clock = std::chrono::steady_clock;
-
 constexpr qint64 kImageBytes = 1280LL * 1024;
 constexpr int kTriggerPeriodMs = 10;
 /// Longer than any pause of a scan that works.
 constexpr auto kSilence = 5s;
-
-std::int64_t Now() {
-    return std::chrono::nanoseconds(Clock::now().time_since_epoch()).count();
-}
-
-/// One line at once: lines of several threads do not mix.
-template <class... Values>
-void Say(const char* format, Values... values) {
-    std::printf(format, values...);
-    std::fflush(stdout);
-}
-
-/// Counts a call's time and says when it did not succeed.
-template <class Call>
-RETSTATUS Timed(const char* name, Call call) {
-    const std::int64_t begin = Now();
-    const RETSTATUS status = call();
-    const std::int64_t end = Now();
-    constexpr double kNanosecondsOfMillisecond = 1e6;
-    Say("call %" PRId64 " %s %d %.3f\n", end, name, static_cast<int>(status),
-        static_cast<double>(end - begin) / kNanosecondsOfMillisecond);
-    return status;
-}
 
 /// Keeps a scan running.
 class Scanner {
@@ -97,12 +69,12 @@ public:
             }
             std::this_thread::sleep_for(10ms);
             int period = 0;
-            const std::int64_t silent = Now() - m_lastSet;
+            const std::int64_t silent = Nanoseconds() - m_lastSet;
             if (Timed("getVideoTriggerPeriod",
                       [&] { return m_service.getVideoTriggerPeriod(m_id, period); }) !=
                     STATUS_SUCCESS ||
                 silent > std::chrono::nanoseconds(kSilence).count()) {
-                Say("down %" PRId64 "\n", Now());
+                Say("down %" PRId64 "\n", Nanoseconds());
                 m_id = 0;
             }
         }
@@ -128,9 +100,9 @@ private:
                 return m_service.enableVideoTrigger(id, TRIGGER_LASER_LINES_COLOR, true);
             }) == STATUS_SUCCESS;
         if (scans) {
-            m_lastSet = Now();
+            m_lastSet = Nanoseconds();
             m_id = id;
-            Say("up %" PRId64 " %lld\n", Now(), static_cast<long long>(id));
+            Say("up %" PRId64 " %lld\n", Nanoseconds(), static_cast<long long>(id));
         }
         return scans;
     }
@@ -155,13 +127,13 @@ private:
         QtTunnel::SharedMemory* const area =
             QtTunnel::SharedMemory::open("ZrSyncService_SharedMemory", kAreaSize);
         if (area == nullptr || names.empty()) {
-            Say("lost %" PRId64 " area\n", Now());
+            Say("lost %" PRId64 " area\n", Nanoseconds());
             return;
         }
         for (const std::string& name : names) {
             QtTunnel::Segment* const segment = area->segment(QString::fromStdString(name), 0);
             if (segment == nullptr) {
-                Say("lost %" PRId64 " segment\n", Now());
+                Say("lost %" PRId64 " segment\n", Nanoseconds());
                 return;
             }
             segment->lock();
@@ -169,12 +141,12 @@ private:
             segment->unlock();
             area->destroy(segment);
             if (got != kImageBytes) {
-                Say("bad %" PRId64 " %lld bytes\n", Now(), static_cast<long long>(got));
+                Say("bad %" PRId64 " %lld bytes\n", Nanoseconds(), static_cast<long long>(got));
                 return;
             }
         }
-        m_lastSet = Now();
-        Say("set %" PRId64 " %d\n", Now(), static_cast<int>(names.size()));
+        m_lastSet = Nanoseconds();
+        Say("set %" PRId64 " %d\n", Nanoseconds(), static_cast<int>(names.size()));
     }
 
     static constexpr unsigned long long kAreaSize = 1024;
@@ -207,7 +179,7 @@ public:
                                  return m_service.connectDevice("KV00", id);
                              }) == STATUS_SUCCESS) {
                 m_id = id;
-                Say("up %" PRId64 " %lld\n", Now(), static_cast<long long>(id));
+                Say("up %" PRId64 " %lld\n", Nanoseconds(), static_cast<long long>(id));
             }
             std::this_thread::sleep_for(5ms);
         }
@@ -229,19 +201,20 @@ private:
                 continue;
             }
             const int level = i % 100;
-            const std::int64_t begin = Now();
+            const std::int64_t begin = Nanoseconds();
             int got = 0;
             const RETSTATUS status = i % 2 == 0 ? m_service.setProjectorBrightness(id, level)
                                                 : m_service.getProjectorBrightness(id, got);
-            const double took = static_cast<double>(Now() - begin) / 1e6;
+            const double took = static_cast<double>(Nanoseconds() - begin) / 1e6;
             if (status != STATUS_SUCCESS) {
-                Say("call %" PRId64 " brightness %d %.3f\n", Now(), static_cast<int>(status), took);
+                Say("call %" PRId64 " brightness %d %.3f\n", Nanoseconds(),
+                    static_cast<int>(status), took);
                 qint64 lost = id;
                 m_id.compare_exchange_strong(lost, 0);
                 wrong = 1;
             } else if (took > 1000 || wrong != 0) {
                 wrong = 0;
-                Say("call %" PRId64 " brightness 7 %.3f\n", Now(), took);
+                Say("call %" PRId64 " brightness 7 %.3f\n", Nanoseconds(), took);
             }
         }
     }
@@ -260,7 +233,7 @@ public:
             int count = 0;
             if (Timed("getCameraCount", [&] { return m_service.getCameraCount("KV00", count); }) ==
                 STATUS_SUCCESS) {
-                Say("counted %" PRId64 " %d\n", Now(), count);
+                Say("counted %" PRId64 " %d\n", Nanoseconds(), count);
             }
             std::this_thread::sleep_for(5ms);
         }

@@ -25,6 +25,8 @@ Event ParseEvent(const std::string& line) {
     words >> event.kind >> event.time;
     if (event.kind == "call") {
         words >> event.word >> event.number >> event.milliseconds;
+    } else if (event.kind == "debug") {
+        std::getline(words >> std::ws, event.word);
     } else {
         words >> event.word;
     }
@@ -37,7 +39,12 @@ Moment Now() {
     return std::chrono::nanoseconds(std::chrono::steady_clock::now().time_since_epoch()).count();
 }
 
-ApplicationProcess::ApplicationProcess(const OwnFolders& folders, const std::string& use) {
+ApplicationProcess::ApplicationProcess(const OwnFolders& folders, const std::string& use)
+    : ApplicationProcess({KORVEX_SURVIVAL_APPLICATION, use}, folders.Environment()) {}
+
+ApplicationProcess::ApplicationProcess(
+    const std::vector<std::string>& command,
+    const std::vector<std::pair<std::string, std::string>>& environment) {
     std::array<int, 2> input{-1, -1};
     std::array<int, 2> output{-1, -1};
     if (::pipe2(input.data(), O_CLOEXEC) != 0 || ::pipe2(output.data(), O_CLOEXEC) != 0) {
@@ -45,8 +52,7 @@ ApplicationProcess::ApplicationProcess(const OwnFolders& folders, const std::str
         return;
     }
     m_input = input[1];
-    m_pid = StartProcess({KORVEX_SURVIVAL_APPLICATION, use}, folders.Environment(),
-                         {input[0], output[1]});
+    m_pid = StartProcess(command, environment, {input[0], output[1]});
     ::close(input[0]);
     ::close(output[1]);
     m_reader = std::thread([this, end = output[0]] { Read(end); });
@@ -56,6 +62,11 @@ ApplicationProcess::~ApplicationProcess() {
     if (m_pid > 0) {
         Kill();
     }
+}
+
+void ApplicationProcess::Tell(const std::string& line) const {
+    const std::string text = line + '\n';
+    EXPECT_EQ(::write(m_input, text.data(), text.size()), static_cast<ssize_t>(text.size()));
 }
 
 void ApplicationProcess::Read(int output) {

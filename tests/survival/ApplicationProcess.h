@@ -10,6 +10,7 @@
 #include <optional>
 #include <string>
 #include <thread>
+#include <utility>
 #include <vector>
 
 #include "support/OwnFolders.h"
@@ -22,9 +23,9 @@ Moment Now();
 
 /// One line that the application wrote.
 struct Event {
-    std::string kind;  // up, down, set, call, lost, bad
+    std::string kind;  // up, down, set, call, lost, bad, ...
     Moment time = 0;
-    std::string word;  // of a call: its name
+    std::string word;  // of a call: its name; of a debug line: its text
     int number = 0;    // of a call: its status
     double milliseconds = 0;
 };
@@ -35,11 +36,16 @@ class ApplicationProcess {
 public:
     /// `use` is "scan" or "calls".
     ApplicationProcess(const OwnFolders& folders, const std::string& use);
+    /// Another program that reads its input and writes its lines like that one.
+    ApplicationProcess(const std::vector<std::string>& command,
+                       const std::vector<std::pair<std::string, std::string>>& environment);
     ~ApplicationProcess();
     ApplicationProcess(const ApplicationProcess&) = delete;
     ApplicationProcess& operator=(const ApplicationProcess&) = delete;
 
     pid_t Number() const { return m_pid; }
+    /// Writes a line to its input.
+    void Tell(const std::string& line) const;
     /// Closes its input and waits for its end; it disconnects. Fails the test if it does not end,
     /// or ends with an error.
     void End();

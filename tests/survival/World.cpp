@@ -118,7 +118,45 @@ void Dice::Pause(int most) {
     std::this_thread::sleep_for(std::chrono::microseconds(From(0, most * 1000)));
 }
 
-World::World() : m_head(s_head->File()), m_firstHub(StartHere("hub.exe")) {
+Surroundings::Surroundings() : m_head(s_head->File()) {}
+
+std::string Surroundings::HeadFolder() {
+    return fs::path(s_head->File()).parent_path().string();
+}
+
+std::vector<std::pair<std::string, std::string>> Surroundings::Environment() const {
+    auto environment = m_folders.Environment();
+    environment.emplace_back("KORVEX_VIRTUAL_HEAD", m_head);
+    return environment;
+}
+
+pid_t Surroundings::HolderOf(const char* lock) const {
+    return static_cast<pid_t>(os::InstanceLockHolder(Socket(lock)));
+}
+
+void Surroundings::Kill(pid_t number, const std::string& program) {
+    ASSERT_GT(number, 0);
+    const os::OtherProcess process(number);
+    EXPECT_TRUE(process.Is(program));
+    EXPECT_TRUE(process.Kill());
+    EXPECT_TRUE(process.WaitForEnd(kDeadline));
+}
+
+void Surroundings::EndHub() const {
+    if (const pid_t hub = Hub(); hub > 0) {
+        ::kill(hub, SIGTERM);
+    }
+}
+
+void Surroundings::ExpectNothingLeft() const {
+    EXPECT_TRUE(support::WaitUntil([this] { return m_folders.Processes().empty(); }));
+    EXPECT_TRUE(SharedMemoryObjects().empty()) << SharedMemoryObjects().front();
+    for (const auto& entry : fs::directory_iterator(m_folders.Runtime())) {
+        EXPECT_FALSE(entry.is_socket()) << entry.path() << " was left";
+    }
+}
+
+World::World() : m_firstHub(StartHere("hub.exe")) {
     StartService();
 }
 
@@ -132,9 +170,7 @@ World::~World() {
 }
 
 pid_t World::StartHere(const std::string& program) const {
-    auto environment = m_folders.Environment();
-    environment.emplace_back("KORVEX_VIRTUAL_HEAD", m_head);
-    return StartProcess({(fs::path(KORVEX_PROGRAMS) / program).string()}, environment);
+    return StartProcess({(fs::path(KORVEX_PROGRAMS) / program).string()}, Environment());
 }
 
 pid_t World::StartAnotherService() const {
@@ -152,37 +188,18 @@ void World::KillService() {
     m_service = -1;
 }
 
-pid_t World::Hub() const {
-    return static_cast<pid_t>(os::InstanceLockHolder(Socket("hub.lock")));
-}
-
-void World::KillHub() const {
-    const pid_t hub = Hub();
-    ASSERT_GT(hub, 0);
-    const os::OtherProcess process(hub);
-    EXPECT_TRUE(process.Is("hub.exe"));
-    EXPECT_TRUE(process.Kill());
-    EXPECT_TRUE(process.WaitForEnd(kDeadline));
-}
-
 void World::End() {
     if (m_service > 0) {
         ::kill(m_service, SIGTERM);
         EXPECT_EQ(WaitForEnd(m_service), 0) << "the service ends in the orderly way";
         m_service = -1;
     }
-    if (const pid_t hub = Hub(); hub > 0) {
-        ::kill(hub, SIGTERM);
-    }
+    EndHub();
     if (m_firstHub > 0) {
         WaitForEnd(m_firstHub);
         m_firstHub = -1;
     }
-    EXPECT_TRUE(support::WaitUntil([this] { return m_folders.Processes().empty(); }));
-    EXPECT_TRUE(SharedMemoryObjects().empty()) << SharedMemoryObjects().front();
-    for (const auto& entry : fs::directory_iterator(m_folders.Runtime())) {
-        EXPECT_FALSE(entry.is_socket()) << entry.path() << " was left";
-    }
+    ExpectNothingLeft();
 }
 
 std::filesystem::path AreaOfSets() {

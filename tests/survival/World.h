@@ -5,6 +5,8 @@
 #include <optional>
 #include <random>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "support/OwnFolders.h"
 #include "survival/ApplicationProcess.h"
@@ -29,21 +31,51 @@ private:
     std::mt19937 m_engine;
 };
 
-/// Hub, service and the folders of one scenario.
-class World {
+/// The folders of one scenario, and the hub and the service that run there.
+class Surroundings {
 public:
-    /// Starts both.
-    World();
-    ~World();
-    World(const World&) = delete;
-    World& operator=(const World&) = delete;
+    Surroundings();
+    Surroundings(const Surroundings&) = delete;
+    Surroundings& operator=(const Surroundings&) = delete;
 
     const OwnFolders& Folders() const { return m_folders; }
     std::filesystem::path Socket(const std::string& name) const {
         return m_folders.Runtime() / name;
     }
+    /// With the images of the head.
+    static std::string HeadFolder();
+    /// Of the processes: the folders, and the head.
+    std::vector<std::pair<std::string, std::string>> Environment() const;
+    /// The process that holds the hub's lock; 0 without one.
+    pid_t Hub() const { return HolderOf("hub.lock"); }
+    /// The same for the service.
+    pid_t RunningService() const { return HolderOf("service.lock"); }
+    void KillHub() const { Kill(Hub(), "hub.exe"); }
+
+protected:
+    /// Kills a process of this program.
+    static void Kill(pid_t number, const std::string& program);
+    /// Asks the hub to end.
+    void EndHub() const;
+    /// Hub and service have been asked to end: no process, no socket, no shared memory is left.
+    void ExpectNothingLeft() const;
+
+private:
+    pid_t HolderOf(const char* lock) const;
+
+    OwnFolders m_folders;
+    std::string m_head;
+};
+
+/// Hub and service as children of this process.
+class World : public Surroundings {
+public:
+    /// Starts both.
+    World();
+    ~World();
+
     std::unique_ptr<ApplicationProcess> Application(const std::string& use) const {
-        return std::make_unique<ApplicationProcess>(m_folders, use);
+        return std::make_unique<ApplicationProcess>(Folders(), use);
     }
 
     pid_t Service() const { return m_service; }
@@ -52,19 +84,13 @@ public:
     /// Starts the service; its work is not waited for. Returns the moment.
     Moment StartService();
     void KillService();
-    /// The process that holds the hub's lock; 0 without one.
-    pid_t Hub() const;
-    void KillHub() const;
 
-    /// Ends service and hub in the orderly way, and expects that nothing is left: no process, no
-    /// socket, no shared memory.
+    /// Ends service and hub in the orderly way, and expects that nothing is left.
     void End();
 
 private:
     pid_t StartHere(const std::string& program) const;
 
-    OwnFolders m_folders;
-    std::string m_head;
     pid_t m_service = -1;
     pid_t m_firstHub = -1;
 };

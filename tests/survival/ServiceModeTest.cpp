@@ -1,0 +1,274 @@
+// What an application of service mode sees when the service or the hub dies or hangs: the client
+// of the library brings everything back by itself.
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <fstream>
+
+#include "support/WaitUntil.h"
+#include "survival/HostWorld.h"
+
+namespace Korvex3Sync::tests::survival {
+
+namespace {
+
+using ::testing::ElementsAreArray;
+
+/// Calls that wait for a reconnection take as long as the start of a service and one limit.
+constexpr double kReconnectMs = kStartMs + kCallLimitMs;
+
+/// Whether a reconnection has begun after a moment.
+bool HasReconnected(const ApplicationProcess& host, Moment after) {
+    for (const Event& event : host.Events()) {
+        if (event.time > after && event.kind == "debug" &&
+            event.word.starts_with("ReconnectCount =")) {
+            return true;
+        }
+    }
+    return false;
+}
+
+/// The service is another one, and its board and cameras were told all settings, in order.
+void ExpectRestored(const HostWorld& world, pid_t before, int settings) {
+    const pid_t service = world.RunningService();
+    EXPECT_NE(service, before);
+    EXPECT_THAT(world.JournalUntil(service, "zr3DSetVideoTrigleMode(6)"),
+                ElementsAreArray(ExpectedJournal(HostSettings(settings))));
+}
+
+/// Runs rounds in which `harm` does something to the service during a scan.
+void RunHarmfulRounds(const std::string& how,
+                      const std::function<void(HostWorld& world, Dice& dice)>& harm) {
+    HostWorld world;
+    const auto host = world.Host(how);
+    StartScan(*host, 0);
+    Do(*host, "ask 1");
+    RunRounds([&](int round, Dice& dice) {
+        const int settings = round + 1;
+        Do(*host, "settings " + std::to_string(settings));
+        EXPECT_TRUE(SteadySetsAfter(*host, Now()));
+        dice.Pause(kLongPauseMs);
+        const pid_t service = world.RunningService();
+        const pid_t hub = world.Hub();
+        const std::size_t scripts = world.ScriptRuns();
+        harm(world, dice);
+        const Moment harmed = Now();
+        const auto first = host->WaitFor(harmed, [&](const Event& event) {
+            return event.kind == "debug" && event.word == "ReConnect ConnectInner ret=1";
+        });
+        EXPECT_TRUE(first);
+        const auto recovered = SteadySetsAfter(*host, first ? first->time : harmed);
+        ExpectRestored(world, service, settings);
+        EXPECT_EQ(world.ScriptRuns(), scripts + 2);
+        EXPECT_GT(hub, 0);
+        return Recovery{harmed, recovered};
+    });
+    Do(*host, "ask 0");
+    ExpectCalls(*host, {STATUS_SUCCESS, STATUS_FAILED, STATUS_NOT_CONNECTED}, kReconnectMs);
+    EXPECT_EQ(StatusOf(*host, "disconnect"), STATUS_SUCCESS);
+    world.End(*host);
+}
+
+TEST(ServiceMode, ServiceKilledInAScan) {
+    RunHarmfulRounds("", [](HostWorld& world, Dice&) { world.KillService(); });
+}
+
+TEST(ServiceMode, ServiceKilledInAScanOfAHostWithoutAnEventLoop) {
+    RunHarmfulRounds("idle", [](HostWorld& world, Dice&) { world.KillService(); });
+}
+
+TEST(ServiceMode, ServiceStopped) {
+    RunHarmfulRounds("", [](HostWorld& world, Dice&) { world.StopService(); });
+}
+
+TEST(ServiceMode, HubKilledAndThenTheService) {
+    RunHarmfulRounds("", [](HostWorld& world, Dice& dice) {
+        const pid_t hub = world.Hub();
+        world.KillHub();
+        dice.Pause(kLongPauseMs);
+        world.KillService();
+        EXPECT_TRUE(support::WaitUntil([&] { return world.Hub() > 0 && world.Hub() != hub; }));
+    });
+}
+
+TEST(ServiceMode, ReconnectionsThatTheHeadRefusesAreRetried) {
+    HostWorld world({{"MaxReconnectCount", 2}, {"ReconnectPeriod", 2}});
+    const std::string head = (world.Folders().Path() / "refusing.toml").string();
+    const auto write = [&](const std::string& fault) {
+        std::ofstream(head) << "[replay]\nfolder = \"" << world.HeadFolder() << "\"\n" << fault;
+    };
+    write("");
+    world.SetEnvironment("KORVEX_VIRTUAL_HEAD", head);
+    const auto host = world.Host();
+    StartScan(*host, 7);
+    Moment refused = Now();
+    write(
+        "[[fault]]\nwhat = \"fail\"\ncall = \"zr3DOpenOrCloseStrobeFlicker\"\nat_ms = 0\n"
+        "times = 1000\n");
+    const pid_t service = world.RunningService();
+    world.KillService();
+    for (int attempt = 0; attempt < 3; ++attempt) {
+        const auto failed = host->WaitFor(refused, [](const Event& event) {
+            return event.kind == "debug" && event.word == "ReConnect ConnectInner ret=0";
+        });
+        ASSERT_TRUE(failed) << attempt;
+        refused = failed->time;
+    }
+    EXPECT_TRUE(host->WaitFor(0, [](const Event& event) {
+        return event.kind == "debug" && event.word == "Start ReStartDevice";
+    }));
+    write("");
+    EXPECT_TRUE(SteadySetsAfter(*host, refused));
+    ExpectRestored(world, service, 7);
+    EXPECT_EQ(StatusOf(*host, "disconnect"), STATUS_SUCCESS);
+    ExpectCalls(*host, {STATUS_SUCCESS}, kReconnectMs);
+    world.End(*host);
+}
+
+TEST(ServiceMode, HostKilledAndStartedAgain) {
+    HostWorld world;
+    auto host = world.Host();
+    StartScan(*host, 3);
+    RunRounds([&](int round, Dice& dice) {
+        dice.Pause(kLongPauseMs);
+        const pid_t service = world.RunningService();
+        const pid_t hub = world.Hub();
+        host->Kill();
+        dice.Pause(kLongPauseMs);
+        const Moment started = Now();
+        host = world.Host();
+        EXPECT_NE(world.RunningService(), service);
+        EXPECT_NE(world.Hub(), hub);
+        StartScan(*host, round);
+        return Recovery{started, SteadySetsAfter(*host, started)};
+    });
+    ExpectCalls(*host, {STATUS_SUCCESS}, kStartMs);
+    world.End(*host);
+}
+
+TEST(ServiceMode, WithoutCamerasEveryCallIsAnswered) {
+    HostWorld world;
+    world.SetEnvironment("KORVEX_VIRTUAL_HEAD", "");
+    const auto host = world.Host();
+    EXPECT_EQ(StatusOf(*host, "connect"), STATUS_CAMERA);
+    for (const Event& call : Do(*host, "every")) {
+        EXPECT_TRUE(call.number == STATUS_NOT_CONNECTED || call.number == STATUS_NOT_SUPPORTED)
+            << call.word << " gave " << call.number;
+    }
+    EXPECT_EQ(StatusOf(*host, "disconnect"), STATUS_NOT_CONNECTED);
+    EXPECT_EQ(StatusOf(*host, "switch 1"), STATUS_NOT_SUPPORTED);
+    ExpectCalls(*host, {STATUS_SUCCESS, STATUS_CAMERA, STATUS_NOT_CONNECTED, STATUS_NOT_SUPPORTED},
+                kStartMs);
+    world.End(*host);
+}
+
+TEST(ServiceMode, WithoutTheServiceEveryCallIsRefusedUntilOneIsThere) {
+    HostWorld world;
+    const auto host = world.Host();
+    ASSERT_EQ(StatusOf(*host, "connect"), STATUS_SUCCESS);
+    world.KillService();
+    const Moment killed = Now();
+    for (const Event& call : Do(*host, "every")) {
+        const int expected =
+            call.word == "EnableHeartbeat"       ? STATUS_SUCCESS
+            : call.word == "SnapColorImageForIR" ? STATUS_NOT_CONNECTED
+            : call.number == STATUS_SYNCHRONISM_TYPE || call.number == STATUS_NOT_SUPPORTED
+                ? call.number
+                : STATUS_FAILED;
+        EXPECT_EQ(call.number, expected) << call.word;
+    }
+    EXPECT_EQ(StatusOf(*host, "connect"), STATUS_FAILED);
+    EXPECT_EQ(StatusOf(*host, "disconnect"), STATUS_FAILED);
+    EXPECT_EQ(StatusOf(*host, "disconnect"), STATUS_NOT_CONNECTED) << "the handle is null";
+    world.StartServiceByHand();
+    EXPECT_TRUE(support::WaitUntil([&] { return StatusOf(*host, "connect") == STATUS_SUCCESS; }));
+    EXPECT_FALSE(HasReconnected(*host, killed)) << "only missing images start a reconnection";
+    EXPECT_EQ(StatusOf(*host, "disconnect"), STATUS_SUCCESS);
+    ExpectCalls(*host,
+                {STATUS_SUCCESS, STATUS_FAILED, STATUS_SYNCHRONISM_TYPE, STATUS_NOT_CONNECTED,
+                 STATUS_NOT_SUPPORTED},
+                kStartMs);
+    world.End(*host);
+}
+
+/// A scan is stopped in a way, at random moments, and no reconnection follows.
+void RunStops(const std::string& stop, const std::vector<std::string>& restart) {
+    HostWorld world({{"RestartProcessWaitTime", 2}});
+    const auto host = world.Host();
+    StartScan(*host, 5);
+    RunRounds([&](int, Dice& dice) {
+        constexpr int kStops = 7;
+        Moment stopped = 0;
+        for (int i = 0; i < kStops; ++i) {
+            // Most often a few milliseconds from a notice.
+            EXPECT_TRUE(host->WaitFor("set", Now()));
+            dice.Pause(10);
+            EXPECT_EQ(StatusOf(*host, stop), STATUS_SUCCESS);
+            stopped = Now();
+            // Twice the time in which the watchdog would find that there are no images.
+            constexpr Moment kTwoPeriods = 400'000'000;
+            EXPECT_TRUE(support::WaitUntil([&] { return Now() > stopped + kTwoPeriods; }));
+            const Moment restarted = Now();
+            for (const std::string& command : restart) {
+                EXPECT_EQ(StatusOf(*host, command), STATUS_SUCCESS) << command;
+            }
+            // While the trigger is on, a busy machine may let the sets pause.
+            for (const Event& event : host->Events()) {
+                EXPECT_FALSE(event.kind == "debug" && event.time > stopped &&
+                             event.time < restarted && event.word.starts_with("ScanCallBack"))
+                    << i;
+            }
+        }
+        return Recovery{stopped, SteadySetsAfter(*host, stopped)};
+    });
+    ExpectCalls(*host, {STATUS_SUCCESS}, kStartMs);
+    world.End(*host);
+}
+
+TEST(ServiceMode, TriggerDisabledAtANotice) {
+    RunStops("trigger 4 0", {"trigger 4 1"});
+}
+
+TEST(ServiceMode, DisconnectedAtANotice) {
+    RunStops("disconnect", {"connect", "status 1", "sets 1", "settings 5", "trigger 4 1"});
+}
+
+TEST(ServiceMode, ScanCallbackRemovedAtANotice) {
+    RunStops("sets 0", {"sets 1"});
+}
+
+TEST(ServiceMode, SwitchedToDirectModeAndBackWithConnectionsOpen) {
+    HostWorld world;
+    const auto host = world.Host();
+    StartScan(*host, 2);
+    const pid_t service = world.RunningService();
+    RunRounds([&](int, Dice& dice) {
+        EXPECT_EQ(StatusOf(*host, "switch 0"), STATUS_SUCCESS);
+        // The head of this process: each has its own virtual head.
+        Do(*host, "park");
+        EXPECT_EQ(StatusOf(*host, "connect"), STATUS_SUCCESS);
+        EXPECT_EQ(StatusOf(*host, "status 1"), STATUS_SUCCESS);
+        dice.Pause(kLongPauseMs);
+        const Moment returned = Now();
+        EXPECT_EQ(StatusOf(*host, "switch 1"), STATUS_NOT_SUPPORTED) << "the client exists";
+        Do(*host, "park");
+        EXPECT_EQ(StatusOf(*host, "trigger 4 1"), STATUS_SUCCESS);
+        const auto recovered = SteadySetsAfter(*host, returned);
+        EXPECT_EQ(StatusOf(*host, "switch 0"), STATUS_SUCCESS);
+        Do(*host, "park");
+        EXPECT_EQ(StatusOf(*host, "disconnect"), STATUS_SUCCESS) << "of direct mode";
+        EXPECT_EQ(StatusOf(*host, "switch 1"), STATUS_NOT_SUPPORTED);
+        Do(*host, "park");
+        return Recovery{returned, recovered};
+    });
+    EXPECT_EQ(world.RunningService(), service) << "the scan went on all the time";
+    EXPECT_FALSE(HasReconnected(*host, 0));
+    EXPECT_EQ(StatusOf(*host, "disconnect"), STATUS_SUCCESS);
+    ExpectCalls(*host, {STATUS_SUCCESS, STATUS_NOT_SUPPORTED}, kStartMs);
+    world.End(*host);
+}
+
+}  // namespace
+
+}  // namespace Korvex3Sync::tests::survival
