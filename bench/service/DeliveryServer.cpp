@@ -81,7 +81,7 @@ int ServeSharedMemory(const QString& path) {
 }
 
 /// The service's own parts, with images of this program instead of a head's.
-int ServeLink() {
+int ServeLink(bool withOwnHub) {
     std::string reason;
     link::HubServer hub("", [] {});
     const std::string path = os::SocketPath(link::kServiceSocket, reason).string();
@@ -93,7 +93,14 @@ int ServeLink() {
             std::get<0>(out) = 1;
             return STATUS_SUCCESS;
         });
-    if (!hub.Listen(reason) || !server.Listen(reason)) {
+    // What the library's client asks before it takes sets.
+    server.On<link::GetCamerasInformation>([](link::ClientId, const auto&, auto& out) {
+        std::get<int>(out) = 1;
+        return STATUS_SUCCESS;
+    });
+    server.On<link::SetScanCallBackFunction>(
+        [](link::ClientId, const auto&, auto&) { return STATUS_SUCCESS; });
+    if ((withOwnHub && !hub.Listen(reason)) || !server.Listen(reason)) {
         return EXIT_FAILURE;
     }
     const link::HubLink registered(
@@ -128,7 +135,9 @@ int ServeLink() {
 }  // namespace
 
 int ServeDelivery(const std::string& way, const QString& path) {
-    return way == "link" ? ServeLink() : way == "shm" ? ServeSharedMemory(path) : ServeSocket(path);
+    return way == "link" || way == "hub" ? ServeLink(way == "link")
+           : way == "shm"                ? ServeSharedMemory(path)
+                                         : ServeSocket(path);
 }
 
 }  // namespace bench
