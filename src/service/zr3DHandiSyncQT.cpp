@@ -32,16 +32,18 @@ zr3DHandiSyncQT::zr3DHandiSyncQT(QObject*)
       m_pRetryTimer(new QTimer(this)),
       m_pWorkThread(new QThread(this)) {
     qRegisterMetaType<QProcess::ProcessState>();
-    // On the worker thread, where timers stop and process objects are given up. Qt looks at the
-    // receiver once more afterwards, so it is not the client, which may be gone by then.
+    // On the worker thread, where timers stop and process objects are given up.
     connect(
-        m_pWorkThread, &QThread::finished, m_pWorkThread,
+        m_pWorkThread, &QThread::finished, this,
         [this] {
             if (m_ending.IsSet()) {  // otherwise there is no QCoreApplication: it ends at once
                 m_pStatusTimer->stop();
                 m_pRetryTimer->stop();
                 m_scanWatchdog.Timer().stop();
                 m_processes.LeaveRunning();
+                // A service that was killed tells the client when its object is deleted. Qt would
+                // do so later, when the client may be gone.
+                QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
             }
             m_ended.Set();
         },
