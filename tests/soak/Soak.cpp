@@ -5,12 +5,10 @@
 
 #include <glog/logging.h>
 
-#include <CLI/CLI.hpp>
 #include <atomic>
 #include <chrono>
 #include <cstdio>
 #include <map>
-#include <random>
 #include <string>
 #include <thread>
 #include <utility>
@@ -21,6 +19,7 @@
 #include "soak/Dice.h"
 #include "soak/RandomCalls.h"
 #include "soak/Resources.h"
+#include "soak/Soak.h"
 #include "soak/SoakHead.h"
 #include "soak/Watchdog.h"
 #include "support/Accounted.h"
@@ -42,11 +41,6 @@ constexpr int kMostScans = 5;
 constexpr unsigned long kMostSets = 150;
 /// So many steps of a scan without a set, and the scanner reconnects.
 constexpr int kMostFruitless = 8;
-
-struct Options {
-    int seconds = 30;
-    std::uint64_t seed = 0;
-};
 
 class Soak {
 public:
@@ -361,7 +355,9 @@ private:
     std::vector<std::string> m_wrong;
 };
 
-int Run(const Options& options) {
+}  // namespace
+
+int SoakDirectMode(const Options& options) {
     std::fprintf(stderr, "seed %llu\n", static_cast<unsigned long long>(options.seed));
     // The library prints a line for each failed snap.
     if (std::freopen("/dev/null", "w", stdout) == nullptr) {
@@ -382,17 +378,4 @@ int Run(const Options& options) {
     return Soak(options, virtual_head::RequestedVirtualHead()).Run() ? 0 : 1;
 }
 
-}  // namespace
 }  // namespace Korvex3Sync::tests::soak
-
-int main(int count, char** arguments) {
-    CLI::App app("Scans, random calls and random faults at once.", "korvex_soak");
-    Korvex3Sync::tests::soak::Options options;
-    options.seed = std::random_device()();
-    app.add_option("--seconds", options.seconds, "How long, in seconds")
-        ->check(CLI::Range(1, 1'000'000))
-        ->capture_default_str();
-    app.add_option("--seed", options.seed, "Of an earlier run, to throw its dice again");
-    CLI11_PARSE(app, count, arguments);
-    return Korvex3Sync::tests::soak::Run(options);
-}
