@@ -162,6 +162,26 @@ TEST_F(RefusedPeers, AreThoseThatSendAnything) {
     }
 }
 
+TEST_F(RefusedPeers, AreGoneAtOnceAlsoDuringACall) {
+    os::Event entered;
+    os::Event leave;
+    m_service.reset();
+    m_service.emplace([&](Server& server) {
+        server.On<GetConnectCameraCount>(
+            [&](ClientId, const GetConnectCameraCount::In&, GetConnectCameraCount::Out&) {
+                entered.Set();
+                leave.Wait();
+                return STATUS_SUCCESS;
+            });
+    });
+    const RawSocket peer = RawSocket::Introduced(m_service->Path());
+    peer.Send(Framed(Encoded(
+        CallMessage{1, GetConnectCameraCount::kNumber, WireBytes(GetConnectCameraCount::In{})})));
+    entered.Wait();
+    ExpectRefused(peer, {"no length", LengthOf(0), "a message of 0 bytes"});
+    leave.Set();
+}
+
 TEST_F(RefusedPeers, AreThoseThatFlood) {
     const QByteArray call =
         Framed(Encoded(CallMessage{1, GetCameraCount::kNumber, WireBytes(QString("KV00"))}));
