@@ -78,7 +78,7 @@ private:
     std::thread m_writer;
 };
 
-const JournalFile g_journalFile;
+JournalFile g_journalFile;
 
 }  // namespace
 }  // namespace Korvex3Sync::tests::survival
