@@ -22,6 +22,12 @@ namespace Korvex3Sync {
 /// lost in the grab thread, or that could not be split into images, counts there and again as a
 /// missing key.
 ///
+/// In service mode the figures are those of the last image set whose callback has returned: what is
+/// lost after it is counted with the next set. A set is delivered when the callback in this process
+/// has returned, and the equation has three more terms:
+///
+///     ... + setsNotWritten + setsOverwritten + noticesLost
+///
 /// A trigger of TRIGGER_SINGLE_COLOR gives no mono frame, so it is not part of the equation. Its
 /// colour frame counts in colorForSnapshot or colorWithoutMono.
 struct ScanStatistics {
@@ -84,14 +90,32 @@ struct ScanStatistics {
     std::uint64_t callbackP99Us = 0;
     /// The longest call; exact.
     std::uint64_t callbackLongestUs = 0;
+
+    // Lost between the device service and this process. Always 0 in direct mode.
+
+    /// Sets that the service could not write into shared memory, because readers held all places.
+    std::uint64_t setsNotWritten = 0;
+    /// Sets that the service had overwritten before this process read them, or that this process
+    /// could not read.
+    std::uint64_t setsOverwritten = 0;
+    /// Sets whose notice did not arrive. The service sends none while 256 KiB of notices wait for
+    /// this process.
+    std::uint64_t noticesLost = 0;
+    /// Reconnections that the client has made because the image sets had stopped. What the head
+    /// triggers in such a gap is counted by no other figure.
+    std::uint64_t serviceReconnects = 0;
+    /// The length of these gaps in milliseconds: each from the last set before it to the end of the
+    /// reconnection.
+    std::uint64_t serviceGapMs = 0;
 };
 
 /// Gets the counters of a connection. They start at 0 in ConnectDevice and continue over a
-/// reconnection. The counters in the equation above are read at the same moment.
+/// reconnection, in service mode also over a restart of the service. The counters in the equation
+/// above are read at the same moment.
 ///
-/// Returns 7; 6 for a handle that is not a live connection; 4 in service mode. `statistics` stays
-/// unchanged if the call fails. Any thread, including both callbacks, and at any time. Does not
-/// block.
+/// Returns 7; 6 for a handle that is not a live connection, and in service mode without a connected
+/// device. `statistics` stays unchanged if the call fails. Any thread, including both callbacks,
+/// and at any time. Does not block.
 KORVEX3SYNC_API RETSTATUS GetScanStatistics(void* const& handle, ScanStatistics& statistics);
 
 }  // namespace Korvex3Sync

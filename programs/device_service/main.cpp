@@ -80,7 +80,10 @@ std::shared_ptr<void> BeginService(const std::function<void()>& askToEnd, std::s
     KORVEX_LOG(kServiceLog) << "device service " << kVersion << " starts";
     LogCameras();
     const std::shared_ptr<DeviceService> service(
-        new DeviceService({.version = kVersion, .startHub = StartHub, .stop = askToEnd}),
+        new DeviceService({.version = kVersion,
+                           .virtualHead = qEnvironmentVariable("KORVEX_VIRTUAL_HEAD").toStdString(),
+                           .startHub = StartHub,
+                           .stop = askToEnd}),
         EndService);
     return service->Start(reason) ? service : nullptr;
 }

@@ -5,8 +5,8 @@
 namespace Korvex3Sync {
 
 RETSTATUS GetScanStatistics(void* const& handle, ScanStatistics& statistics) {
-    return ExportCall(DirectOnly{&FramePath::GetScanStatistics}, "GetScanStatistics", handle,
-                      statistics);
+    return ExportCall(Standard{&FramePath::GetScanStatistics, &zr3DHandiSyncQT::GetScanStatistics},
+                      "GetScanStatistics", handle, statistics);
 }
 
 }  // namespace Korvex3Sync

@@ -101,6 +101,9 @@ RETSTATUS zr3DHandiSyncQT::ConnectDevice(const char* deviceType, void*& handle) 
     qint64 id = m_llDeviceId;
     const RETSTATUS status = service->connectDevice(kDeviceType, id);
     m_llDeviceId = id;
+    if (status == STATUS_SUCCESS) {
+        m_account.Begin(id);
+    }
     KORVEX_LOG(kServiceLog) << "ConnectDevice = " << status;
     // A number in the shape of a pointer; nothing dereferences it.
     // NOLINTNEXTLINE(performance-no-int-to-ptr)
@@ -294,6 +297,14 @@ RETSTATUS zr3DHandiSyncQT::SnapColorImage(void*, std::vector<unsigned char*>& im
     });
     KORVEX_LOG(kServiceLog) << "SnapColorImage = " << status;
     return status;
+}
+
+RETSTATUS zr3DHandiSyncQT::GetScanStatistics(void*, ScanStatistics& statistics) {
+    if (ConnectedService() == nullptr) {
+        return STATUS_NOT_CONNECTED;
+    }
+    statistics = m_account.Read();
+    return STATUS_SUCCESS;
 }
 
 }  // namespace Korvex3Sync

@@ -44,6 +44,7 @@ bool zr3DHandiSyncQT::ConnectInner() {
     if (status != STATUS_SUCCESS) {
         return false;
     }
+    m_account.Continue(id);
     // A setter that comes meanwhile waits for m_csService and sends its value itself.
     const CachedSettings settings = m_settings.Now();
     PushExposuresAndGains(*service, settings);

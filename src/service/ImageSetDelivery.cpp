@@ -4,21 +4,17 @@
 
 #include <algorithm>
 #include <memory>
+#include <new>
 
+#include "platform/include/ImageSetNotice.h"
 #include "platform/include/QtTunnel.h"
 #include "service/ServiceLog.h"
 
 namespace Korvex3Sync {
 namespace {
 
-enum NoticeElement : int {
-    kKind = 2,
-    kSegments = 3,
-    kFrames = 4,
-    kNoticeElements = 5,
-    kMoreFollow = 9
-};
-
+/// Elements that a notice must have.
+constexpr int kNeededElements = notice::kFrames + 1;
 constexpr int kSetWidth = 1280;
 constexpr int kSetHeight = 1024;
 constexpr qint64 kFrameBytes = qint64{kSetWidth} * kSetHeight;
@@ -58,20 +54,20 @@ private:
 }  // namespace
 
 bool MoreSetsFollow(const QList<QVariant>& list) {
-    const QVariant follow = list.value(kMoreFollow);
+    const QVariant follow = list.value(notice::kMoreFollow);
     return follow.type() != QVariant::Bool || follow.toBool();
 }
 
 std::optional<ImageSetNotice> ReadImageSetNotice(const QList<QVariant>& list) {
-    if (list.size() < kNoticeElements) {
+    if (list.size() < kNeededElements) {
         return std::nullopt;
     }
-    ImageSetNotice notice{list[kKind].toString() == "GrayImage", list[kSegments].toStringList(),
-                          list[kFrames].toInt()};
-    if (notice.segments.isEmpty() || notice.frames <= 0) {
+    ImageSetNotice set{list[notice::kKind].toString() == "GrayImage",
+                       list[notice::kSegments].toStringList(), list[notice::kFrames].toInt()};
+    if (set.segments.isEmpty() || set.frames <= 0) {
         return std::nullopt;
     }
-    return notice;
+    return set;
 }
 
 ImageSetDelivery::~ImageSetDelivery() {
@@ -132,28 +128,33 @@ bool ImageSetDelivery::CopyImages(const ImageSetNotice& notice) {
     return true;
 }
 
-void ImageSetDelivery::CallBack(const ImageSetNotice& notice) {
+ImageSetDelivery::Result ImageSetDelivery::CallBack(const ImageSetNotice& notice) {
     const int count = notice.gray ? kGrayImages : kBuffers;
     std::vector<unsigned char*> images(m_vecImageBuffers.begin(),
                                        m_vecImageBuffers.begin() + count);
     std::vector<int> values(images.size(), notice.frames);
     os::CriticalSectionGuard guard(m_csScanCallBack);
     if (m_pScanCallBack == nullptr || m_pScanContext == nullptr) {
-        return;
+        return {SetFate::WithoutCallback, std::nullopt};
     }
+    SetFate fate = SetFate::Delivered;
+    const auto begin = std::chrono::steady_clock::now();
     try {
         m_pScanCallBack(m_pScanContext, images, kSetWidth, kSetHeight, values);
     } catch (...) {
         KORVEX_LOG_ERROR(kServiceLog) << "a scan callback threw";
+        fate = SetFate::WithoutCallback;
     }
+    return {fate, std::chrono::steady_clock::now() - begin};
 }
 
-void ImageSetDelivery::Deliver(const ImageSetNotice& notice) {
+ImageSetDelivery::Result ImageSetDelivery::Deliver(const ImageSetNotice& notice) try {
     MakeBuffers(notice);
     const QMutexLocker lock(&m_mutexSharedMemory);
-    if (CopyImages(notice)) {
-        CallBack(notice);
-    }
+    return CopyImages(notice) ? CallBack(notice) : Result{SetFate::Unreadable, std::nullopt};
+} catch (const std::bad_alloc&) {
+    KORVEX_LOG_ERROR(kServiceLog) << "image set skipped: no memory";
+    return {};
 }
 
 }  // namespace Korvex3Sync

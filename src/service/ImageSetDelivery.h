@@ -5,11 +5,13 @@
 #include <QStringList>
 #include <QVariant>
 
+#include <chrono>
 #include <optional>
 #include <vector>
 
 #include "Korvex3Sync/Types.h"
 #include "platform/os/CriticalSection.h"
+#include "service/SetAccount.h"
 
 namespace Korvex3Sync {
 
@@ -40,14 +42,18 @@ public:
     /// Waits for a running callback. Any thread.
     void Set(ScanCallBackFunction callback, void* context);
     /// Copies the images, then calls the callback, if there is one with a context. A set that
-    /// cannot be read is skipped, with a log record. Worker thread. Throws std::bad_alloc.
-    void Deliver(const ImageSetNotice& notice);
+    /// cannot be read is skipped, with a log record, and so is one without memory. Worker thread.
+    struct Result {
+        SetFate fate = SetFate::NoMemory;
+        std::optional<std::chrono::steady_clock::duration> took;  ///< in the callback
+    };
+    Result Deliver(const ImageSetNotice& notice);
 
 private:
     void MakeBuffers(const ImageSetNotice& notice);
     void FreeBuffers();
     bool CopyImages(const ImageSetNotice& notice);
-    void CallBack(const ImageSetNotice& notice);
+    Result CallBack(const ImageSetNotice& notice);
 
     QMutex m_mutexSharedMemory;
     /// Reused for every set; used by the worker thread only.

@@ -178,11 +178,8 @@ void zr3DHandiSyncQT::recvCallback(QString, QString, QList<QVariant> list, QStri
     if (!notice) {
         return;
     }
-    try {
-        m_imageSets.Deliver(*notice);
-    } catch (const std::bad_alloc&) {
-        KORVEX_LOG_ERROR(kServiceLog) << "image set skipped: no memory";
-    }
+    const ImageSetDelivery::Result result = m_imageSets.Deliver(*notice);
+    m_account.SetEnded(list, result.fate, result.took);
 }
 
 void zr3DHandiSyncQT::OnStatusTimerOut() {
@@ -229,6 +226,7 @@ void zr3DHandiSyncQT::ReConnect() {
     }
     ++m_iReconnectCount;
     if (connected) {
+        m_account.Reconnected();
         m_iStatusNoticeCount = 0;
         m_iReconnectCount = 0;
         m_pRetryTimer->stop();

@@ -25,6 +25,7 @@
 #include "service/ReconnectConfiguration.h"
 #include "service/ScanWatchdog.h"
 #include "service/ServiceProcesses.h"
+#include "service/SetAccount.h"
 #include "service/StatusDelivery.h"
 
 namespace Korvex3Sync {
@@ -117,6 +118,8 @@ public:
     RETSTATUS SnapColorImage(void* handle, std::vector<unsigned char*>& images, int& width,
                              int& height, int camOrder, double& exposure, int& gain,
                              CONTROLROUTE route);
+    /// Asks nobody: the figures have come with the image sets. Logs nothing.
+    RETSTATUS GetScanStatistics(void* handle, ScanStatistics& statistics);
 
 public Q_SLOTS:
     // Worker thread only. The order of the slots is fixed.
@@ -184,6 +187,7 @@ private:
     std::atomic<bool> m_scanCallbackOn{false};
     StatusDelivery m_status;
     ImageSetDelivery m_imageSets;
+    SetAccount m_account;
     const ReconnectConfiguration m_configuration;
     SettingsCache m_settings;
     ServiceProcesses m_processes;

@@ -87,8 +87,9 @@ Notice::Notice(const QList<QVariant>& list)
       notWritten(list.value(6).toULongLong()),
       noticesNotSent(list.value(7).toULongLong()),
       statistics(list.value(8).toList()),
-      moreFollow(list.value(9).toBool()) {
-    EXPECT_EQ(list.size(), 10);
+      moreFollow(list.value(9).toBool()),
+      device(list.value(10).toLongLong()) {
+    EXPECT_EQ(list.size(), 11);
 }
 
 ServiceClient::ServiceClient() : ServiceClient([](const Notice&) {}) {}
@@ -197,8 +198,9 @@ DirectDevice::~DirectDevice() {
 }
 
 void ServiceSession::StartService() {
-    m_service = std::make_unique<device_service::DeviceService>(
-        device_service::DeviceService::Options{"1.2.3", [] {}, [this] { ++m_stopRequests; }});
+    m_service =
+        std::make_unique<device_service::DeviceService>(device_service::DeviceService::Options{
+            "1.2.3", "default", [] {}, [this] { ++m_stopRequests; }});
     std::string reason;
     ASSERT_TRUE(m_service->Start(reason)) << reason;
 }

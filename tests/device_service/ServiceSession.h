@@ -33,6 +33,7 @@ struct Notice {
     std::uint64_t noticesNotSent = 0;
     QList<QVariant> statistics;
     bool moreFollow = false;
+    qint64 device = 0;
 };
 
 struct StatusMessage {

@@ -5,7 +5,7 @@
 
 #include "device_service/ServiceSession.h"
 #include "device_service/Sets.h"
-#include "device_service/core/Signals.h"
+#include "platform/include/ImageSetNotice.h"
 #include "platform/os/Event.h"
 #include "support/Deadline.h"
 #include "support/WaitUntil.h"
@@ -18,7 +18,7 @@ using testing::Key;
 
 /// A figure of direct mode in a notice.
 std::uint64_t FigureOf(const Notice& notice, const std::string& name) {
-    const auto figures = device_service::Figures();
+    const auto& figures = notice::kDirectModeFigures;
     EXPECT_EQ(static_cast<std::size_t>(notice.statistics.size()), figures.size());
     for (std::size_t i = 0; i < figures.size(); ++i) {
         if (figures[i].name == name) {
@@ -106,6 +106,7 @@ bool SetTest::ScanWithoutLoss(int periodMs) {
         EXPECT_EQ(notices[i].kind, "ColorImage");
         EXPECT_EQ(notices[i].segments.size(), 3);
         EXPECT_EQ(notices[i].factor, 1);
+        EXPECT_EQ(notices[i].device, client.Id());
         names.insert(notices[i].segments.begin(), notices[i].segments.end());
         if (read[i]) {
             ++complete;

@@ -98,7 +98,7 @@ const std::vector<Export>& EveryExport() {
          [](H h) { return SetScanCallBackFunction(h, OnSet, &g_int); }},
         {"SetStatusCallBackFunction", S,
          [](H h) { return SetStatusCallBackFunction(h, OnStatus, &g_int); }},
-        {"GetScanStatistics", D, [](H h) { return GetScanStatistics(h, g_statistics); }},
+        {"GetScanStatistics", S, [](H h) { return GetScanStatistics(h, g_statistics); }},
         {"SnapColorImage", S,
          [](H h) {
              double exposure = 1.0;

@@ -145,6 +145,7 @@ struct WireSamples<link::ServiceState> {
                 {"1.2.3",
                  4,
                  5,
+                 "default",
                  6,
                  "KV00",
                  std::numeric_limits<qint64>::max(),

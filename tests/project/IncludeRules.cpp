@@ -27,6 +27,7 @@ const std::string kHeaders = "src/platform/include/";
 const std::string kBoardHeader = "src/platform/include/zr3DHandiDLPdev.h";
 const std::string kBoardFacts = "src/platform/include/BoardFacts.h";
 const std::string kFrameLayout = "src/platform/include/PackedFrameLayout.h";
+const std::string kSetNotice = kHeaders + "ImageSetNotice.h";
 const std::string kLink = "src/platform/link/";
 const std::string kService = "src/service/";
 const std::string kToml = "src/toml/";
@@ -49,8 +50,11 @@ const std::vector<Arrows> kArrows{
      {kPublic, "src/camera/", kBoardHeader, "src/platform/include/USBTREE.h", kBoardFacts,
       kFrameLayout, kOs}},
     {"src/camera/", {kPublic, "src/platform/include/zr3DCamera.h", kBoardFacts, kFrameLayout, kOs}},
-    {kService, {kPublic, kHeaders + "SyncInterface.h", kHeaders + "QtTunnel.h", kOs}},
+    {kService,
+     {kPublic, kHeaders + "SyncInterface.h", kHeaders + "QtTunnel.h", kSetNotice,
+      "src/sync/frames/CallbackTimes.h", kOs}},
     {kHeaders + "SyncInterface.h", {kPublic, kHeaders}},
+    {kSetNotice, {kPublic, kHeaders}},
     {kHeaders, {}},
     {kOs, {}},
     {kText, {}},
@@ -71,7 +75,7 @@ const std::vector<Arrows> kArrows{
     {kSettings, {kCli, kProgramHead, kPublic, kToml, kOs, kText}},
     {kPictures, {kCli, kFiles, kOs}},
     {kScan, {kCli, kFiles, kProgramHead, kSettings, kPictures, kPublic, kOs}},
-    {kServiceCommands, {kCli, kFiles, kScan, kLink, kOs}},
+    {kServiceCommands, {kCli, kFiles, kProgramHead, kScan, kPublic, kLink, kOs}},
     {kKorvexctl + "health/",
      {kCli, kFiles, kProgramHead, kSettings, kPictures, kScan, kPublic, kHeadRequest, kBoardFacts,
       kFrameLayout, kOs}},
@@ -79,7 +83,8 @@ const std::vector<Arrows> kArrows{
      {kCli, kFiles, kProgramHead, kSettings, kPictures, kScan, kServiceCommands,
       kKorvexctl + "health/", kPublic, kHeadRequest, kOs, kText}},
     {kKorvexctl, {kPublic, kHeadRequest, kOs, kText}},
-    {"programs/device_service/core/", {kPublic, "src/platform/link/", "src/platform/tunnel/", kOs}},
+    {"programs/device_service/core/",
+     {kPublic, kSetNotice, "src/platform/link/", "src/platform/tunnel/", kOs}},
     {"programs/device_service/", {kBackground, kPublic, kOs}},
     {"examples/", {kPublic}},
     {"tests/", {"include/", "src/", "programs/", "tests/"}},

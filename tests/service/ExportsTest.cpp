@@ -69,7 +69,8 @@ TEST_F(ServiceExports, EachStandardFunctionCallsItsOperationOfTheService) {
         switch (one.kind) {
             case Kind::Standard: {
                 EXPECT_EQ(status, STATUS_SUCCESS);
-                if (std::string(one.name) == "EnableHeartbeat") {
+                const std::string answeredHere = one.name;
+                if (answeredHere == "EnableHeartbeat" || answeredHere == "GetScanStatistics") {
                     EXPECT_THAT(calls, IsEmpty());
                     break;
                 }

@@ -8,6 +8,7 @@
 #include "device_service/core/OperationTable.h"
 #include "device_service/core/ServiceLog.h"
 #include "device_service/core/Signals.h"
+#include "platform/include/ImageSetNotice.h"
 #include "platform/link/HubOperations.h"
 #include "platform/os/Process.h"
 #include "platform/os/UserFolders.h"
@@ -92,6 +93,7 @@ link::ServiceState DeviceService::State() {
     state.uptimeMs =
         std::chrono::duration_cast<milliseconds>(std::chrono::steady_clock::now() - m_start)
             .count();
+    state.virtualHead = QString::fromStdString(m_options.virtualHead);
     if (const auto owner = m_owner.CurrentOwner()) {
         state.clientProcess = owner->process;
         state.deviceType = QString::fromStdString(owner->type);
@@ -102,7 +104,7 @@ link::ServiceState DeviceService::State() {
     if (device && GetScanStatistics(device->Handle(), statistics) == STATUS_SUCCESS) {
         const SetCounts counts = device->Counts();
         state.setsPerSecond = counts.perSecond;
-        for (const Figure& figure : Figures()) {
+        for (const notice::Figure& figure : notice::kDirectModeFigures) {
             if (figure.loss) {
                 state.losses.emplace_back(figure.name, statistics.*figure.member);
             }

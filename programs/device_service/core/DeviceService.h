@@ -18,6 +18,8 @@ class DeviceService {
 public:
     struct Options {
         std::string version;
+        /// The simulated head that the environment requests; empty if it requests none.
+        std::string virtualHead;
         /// Called on another thread when no hub runs; must return.
         std::function<void()> startHub;
         /// Called on another thread when a client asks the service to end; must not wait for Stop.

@@ -39,6 +39,7 @@ void SetDelivery::Deliver(const std::vector<unsigned char*>& images, int width, 
         return;
     }
     notice.color = images.size() > 2;
+    notice.device = static_cast<std::int64_t>(m_generation);
     notice.counts = Counts();
     GetScanStatistics(m_handle, notice.statistics);
     if (!SendNotice(notice)) {

@@ -26,6 +26,7 @@ struct SetCounts {
 struct SetNotice {
     bool color = false;
     std::vector<std::string> segments;  ///< their names: left, right, colour
+    std::int64_t device = 0;            ///< id of the device that took it
     SetCounts counts;
     ScanStatistics statistics;  ///< of direct mode, before this set counts as delivered
     bool moreFollow = true;     ///< false once the trigger has been switched off
@@ -39,7 +40,7 @@ public:
     /// Returns false if the notice cannot be sent; does not wait.
     using Send = std::function<bool(const SetNotice&)>;
 
-    /// `generation` makes the names of the segments unique.
+    /// `generation` is the id of the device. It makes the names of the segments unique.
     SetDelivery(void* handle, std::uint64_t generation, std::unique_ptr<tunnel::AreaWriter> area,
                 Send send);
 

@@ -4,65 +4,40 @@
 #include <QVariant>
 #include <array>
 
+#include "platform/include/ImageSetNotice.h"
 #include "platform/link/HubOperations.h"
 
 namespace Korvex3Sync::device_service {
 
 namespace {
 
-using S = ScanStatistics;
-
-constexpr std::array<Figure, 19> kFigures{{
-    {"framesAccepted", &S::framesAccepted, false},
-    {"setsDelivered", &S::setsDelivered, false},
-    {"setsWithColor", &S::setsWithColor, false},
-    {"setsPending", &S::setsPending, false},
-    {"failedSnaps", &S::failedSnaps, false},
-    {"refusedFrames", &S::refusedFrames, true},
-    {"rejectedGeometry", &S::rejectedGeometry, true},
-    {"undecodableFrames", &S::undecodableFrames, true},
-    {"unroutedFrames", &S::unroutedFrames, true},
-    {"colorWithoutMono", &S::colorWithoutMono, true},
-    {"monoWithoutColor", &S::monoWithoutColor, true},
-    {"repeatedKeys", &S::repeatedKeys, false},
-    {"setsDropped", &S::setsDropped, true},
-    {"missingKeys", &S::missingKeys, true},
-    {"setsWithoutCallback", &S::setsWithoutCallback, true},
-    {"colorForSnapshot", &S::colorForSnapshot, false},
-    {"callbackP50Us", &S::callbackP50Us, false},
-    {"callbackP99Us", &S::callbackP99Us, false},
-    {"callbackLongestUs", &S::callbackLongestUs, false},
-}};
-static_assert(sizeof(ScanStatistics) == kFigures.size() * sizeof(std::uint64_t),
-              "a figure is missing");
-
 /// The version of the signals, which nobody examines.
 const QString kSignalVersion("1");
 
 }  // namespace
 
-std::span<const Figure> Figures() {
-    return kFigures;
-}
-
-link::Signal SignalOf(const SetNotice& notice) {
+link::Signal SignalOf(const SetNotice& set) {
+    using namespace notice;
     QStringList segments;
-    for (const std::string& segment : notice.segments) {
+    for (const std::string& segment : set.segments) {
         segments.append(QString::fromStdString(segment));
     }
     QVariantList figures;
-    for (const Figure& figure : kFigures) {
-        figures.append(QVariant::fromValue<qulonglong>(notice.statistics.*figure.member));
+    for (const Figure& figure : kDirectModeFigures) {
+        figures.append(QVariant::fromValue<qulonglong>(set.statistics.*figure.member));
     }
-    return {link::Signal::Kind::Callback,
-            link::kServiceName,
-            "ScanCallBack",
-            {QVariant(), QVariant(), notice.color ? "ColorImage" : "GrayImage", segments, 1,
-             QVariant::fromValue<qulonglong>(notice.counts.sets),
-             QVariant::fromValue<qulonglong>(notice.counts.notWritten),
-             QVariant::fromValue<qulonglong>(notice.counts.noticesNotSent), QVariant(figures),
-             notice.moreFollow},
-            kSignalVersion};
+    std::array<QVariant, kElements> list;
+    list[kKind] = set.color ? "ColorImage" : "GrayImage";
+    list[kSegments] = segments;
+    list[kFrames] = 1;
+    list[kNumber] = QVariant::fromValue<qulonglong>(set.counts.sets);
+    list[kNotWritten] = QVariant::fromValue<qulonglong>(set.counts.notWritten);
+    list[kNotSent] = QVariant::fromValue<qulonglong>(set.counts.noticesNotSent);
+    list[kFigures] = figures;
+    list[kMoreFollow] = set.moreFollow;
+    list[kDevice] = QVariant::fromValue<qlonglong>(set.device);
+    return {link::Signal::Kind::Callback, link::kServiceName, "ScanCallBack",
+            QVariantList(list.begin(), list.end()), kSignalVersion};
 }
 
 link::Signal SignalOf(unsigned char statusA, unsigned char statusB) {

@@ -9,8 +9,9 @@ auto Fields(auto& state) requires requires {
     state.losses;
 }
 {
-    return std::tie(state.version, state.process, state.uptimeMs, state.clientProcess,
-                    state.deviceType, state.deviceId, state.setsPerSecond, state.losses);
+    return std::tie(state.version, state.process, state.uptimeMs, state.virtualHead,
+                    state.clientProcess, state.deviceType, state.deviceId, state.setsPerSecond,
+                    state.losses);
 }
 
 auto Fields(auto& registration) requires requires {

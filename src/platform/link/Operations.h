@@ -167,6 +167,7 @@ struct ServiceState {
     QString version;
     qint64 process = 0;
     qint64 uptimeMs = 0;
+    QString virtualHead;       ///< the simulated head that it was started with; empty for none
     qint64 clientProcess = 0;  ///< of the client that owns the device; 0 without one
     QString deviceType;        ///< empty without a connected device
     qint64 deviceId = 0;       ///< 0 without a connected device
