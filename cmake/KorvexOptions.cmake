@@ -37,6 +37,20 @@ endif()
 # Programs find the libraries in the build tree and in the installed tree.
 set(CMAKE_INSTALL_RPATH "$ORIGIN/../${CMAKE_INSTALL_LIBDIR}:$ORIGIN")
 
+# Where the programs are installed, with the files that they look for beside them. Libraries lie
+# beside the programs on Windows, and some of the names are no names for a folder of commands.
+if(WIN32)
+    set(KORVEX_APPLICATION_DIR ${CMAKE_INSTALL_BINDIR})
+else()
+    set(KORVEX_APPLICATION_DIR ${CMAKE_INSTALL_LIBEXECDIR}/korvex3sync)
+endif()
+# korvex_install_program(TARGET): installs a program into the application directory.
+function(korvex_install_program target)
+    file(RELATIVE_PATH libraries /${KORVEX_APPLICATION_DIR} /${CMAKE_INSTALL_LIBDIR})
+    set_target_properties(${target} PROPERTIES INSTALL_RPATH "$ORIGIN/${libraries}")
+    install(TARGETS ${target} RUNTIME DESTINATION ${KORVEX_APPLICATION_DIR})
+endfunction()
+
 add_library(korvex_options INTERFACE)
 target_compile_options(korvex_options INTERFACE -Wall -Wextra -Wpedantic -Werror -Wshadow
     -Wnon-virtual-dtor -Woverloaded-virtual)

@@ -37,12 +37,29 @@ if(CMAKE_HOST_SYSTEM_NAME STREQUAL "Linux"
     fail("the udev rule was not installed")
 endif()
 
-foreach(file bin/korvexctl share/man/man1/korvexctl.1
+foreach(file bin/korvexctl ${APPLICATION_DIR}/korvexctl ${APPLICATION_DIR}/hub.exe
+        ${APPLICATION_DIR}/ZrSyncService.exe
+        ${APPLICATION_DIR}/restart_VID0219_PID0813_REV0221.bat
+        ${APPLICATION_DIR}/restart_VID05E3_PID0620_REV2307.bat
+        ${APPLICATION_DIR}/res/DeviceServiceConfig.ini share/man/man1/korvexctl.1
         share/bash-completion/completions/korvexctl)
     if(NOT EXISTS ${prefix}/${file})
         fail("${file} was not installed")
     endif()
 endforeach()
+
+# In a process namespace of its own, because service mode ends hubs and services by their names.
+file(MAKE_DIRECTORY ${WORK_DIR}/runtime)
+file(CHMOD ${WORK_DIR}/runtime PERMISSIONS OWNER_READ OWNER_WRITE OWNER_EXECUTE)
+execute_process(
+    COMMAND ${CMAKE_COMMAND} -E env XDG_RUNTIME_DIR=${WORK_DIR}/runtime
+        XDG_STATE_HOME=${WORK_DIR}/state unshare --user --map-root-user --pid --fork --mount-proc
+        --kill-child ${prefix}/bin/korvexctl --virtual --service list
+    RESULT_VARIABLE result OUTPUT_VARIABLE output ERROR_VARIABLE errors TIMEOUT 120)
+message("${output}${errors}")
+if(NOT result EQUAL 0 OR NOT output MATCHES "camera KV00")
+    fail("service mode in the installed tree ended with ${result}")
+endif()
 
 if(WAY STREQUAL "cmake")
     run(${CMAKE_COMMAND} -S ${WORK_DIR}/source -B ${WORK_DIR}/build -G ${GENERATOR}

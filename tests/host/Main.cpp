@@ -1,0 +1,29 @@
+#include <gtest/gtest.h>
+
+#include <QCoreApplication>
+
+#include <filesystem>
+
+#include "support/ProcessNamespace.h"
+
+namespace Korvex3Sync::tests {
+namespace {
+
+namespace fs = std::filesystem;
+
+int RunHostTests(int argc, char** argv) {
+    QCoreApplication application(argc, argv);
+    testing::InitGoogleTest(&argc, argv);
+    const fs::path folder = QCoreApplication::applicationDirPath().toStdString();
+    for (const char* program : {"hub.exe", "ZrSyncService.exe"}) {
+        fs::create_symlink(fs::path(KORVEX_PROGRAMS) / program, folder / program);
+    }
+    return RUN_ALL_TESTS();
+}
+
+}  // namespace
+}  // namespace Korvex3Sync::tests
+
+int main(int argc, char** argv) {
+    return Korvex3Sync::tests::RunInProcessNamespace(argc, argv, Korvex3Sync::tests::RunHostTests);
+}
