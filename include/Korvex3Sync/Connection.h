@@ -24,9 +24,12 @@ namespace Korvex3Sync {
 ///
 /// The first switch to service mode starts `hub.exe` and `ZrSyncService.exe` of the application
 /// directory, after it has ended running ones of this user, and waits for the service to find
-/// cameras. It needs a QCoreApplication. It returns 7 even if the start fails; only the log says
-/// so, and operations then return 6. Every later switch to service mode returns 5 and uses the same
-/// client. Switching back to direct mode returns 7; hub and service go on.
+/// cameras. Before that it runs the scripts that restart the USB hubs of the head, from the current
+/// directory of the process. It needs a QCoreApplication. It returns 7 even if the start fails;
+/// only the log says so, and operations then return 6. docs/service-mode.md describes the
+/// application directory, and what the application sees when a process dies. Every later switch to
+/// service mode returns 5 and uses the same client. Switching back to direct mode returns 7; hub
+/// and service go on.
 ///
 /// The first switch to service mode blocks for about 14 s, the others do not block.
 KORVEX3SYNC_API RETSTATUS SwitchOnDeviceService(bool on);
@@ -70,6 +73,10 @@ KORVEX3SYNC_API RETSTATUS ConnectDevice(const char* const& deviceType,
 ///
 /// Until the board is closed, the status callback runs as usual. Then it may receive 255 and 255
 /// once before the status thread ends.
+///
+/// In service mode the status callback is not removed: after the disconnect it still receives 255
+/// and 255 a few times. Remove it first, with SetStatusCallBackFunction. Without a connected device
+/// the function returns 3 there.
 ///
 /// Returns 7; 6 for a handle that is not a live connection. Of two calls at the same time one
 /// returns 7 and the other 6. Any thread, but never from a callback. Blocks for running calls of

@@ -58,6 +58,9 @@ enum DISTANCESTATUS : int {
 ///   mosaic.
 /// - `imageInfo`: the channel count of each image.
 ///
+/// In service mode each image has 1280 x 1024 bytes, times the number that `imageInfo` has for it,
+/// which is 1 with the included device service. Both callbacks run on one thread of the library.
+///
 /// The library owns the images, which are valid only during the call: copy what you need, and free
 /// nothing. Changes to the vectors have no effect on the library.
 ///

@@ -13,6 +13,7 @@
 #include "korvexctl/Version.h"
 #include "korvexctl/cli/HelpFormatter.h"
 #include "korvexctl/cli/NotEmpty.h"
+#include "korvexctl/head/HeadChoice.h"
 
 namespace Korvex3Sync::korvexctl {
 
@@ -23,6 +24,11 @@ void AddGlobalOptions(CLI::App& app, CommandLine& line) {
                  "Use a simulated head: the built-in one, or with =HEADFILE the one that this file "
                  "describes")
         ->type_name("[=HEADFILE]")
+        ->group(kGlobalOptions);
+    app.add_flag(
+           "--service", line.service,
+           "Reach the head through the device service, which is started again for it; firmware "
+           "and usb ask the board directly")
         ->group(kGlobalOptions);
     app.add_flag("--json", line.json, "Print one JSON document and nothing else to standard output")
         ->group(kGlobalOptions);
@@ -45,6 +51,29 @@ void RefuseValuesOfFlags(CLI::App& app) {
     for (CLI::App* below : app.get_subcommands({})) {
         RefuseValuesOfFlags(*below);
     }
+}
+
+/// Why these options of a command, or of one below it, are not for the device service; empty if
+/// they are.
+std::string NotInServiceMode(const CLI::App& command) {
+    const CLI::Option* const board = command.get_option_no_throw("--board");
+    if (board != nullptr && board->count() > 0) {
+        return "--board: the device service takes any board";
+    }
+    const std::string only = HeadChoice().cameraType;
+    const CLI::Option* const type = command.get_option_no_throw("--type");
+    if (type != nullptr && type->count() > 0 && type->as<std::string>() != only) {
+        return "--type: the device service takes cameras of type " + only;
+    }
+    const auto below = command.get_subcommands();
+    return below.empty() ? "" : NotInServiceMode(*below.front());
+}
+
+std::string NotInServiceMode(const Command& command, const CLI::App& typed) {
+    if (*command.notInServiceMode != 0) {
+        return std::string(command.name) + ": " + command.notInServiceMode;
+    }
+    return command.uses == Uses::Head ? NotInServiceMode(typed) : "";
 }
 
 CommandLineResult BadUsage(CommandLineResult result, const std::string& wrong) {
@@ -75,12 +104,12 @@ CommandLineResult ReadCommandLine(int count, const char* const* arguments, std::
 
     struct Asked {
         RunCommand run;
-        bool usesHead;
+        const Command* command;
     };
     std::map<const CLI::App*, Asked> runs;
     for (const Command& command : Commands()) {
         CLI::App& subcommand = *app.add_subcommand(command.name, command.help);
-        runs[&subcommand] = {command.add(subcommand), command.usesHead};
+        runs[&subcommand] = {command.add(subcommand), &command};
     }
     app.footer(
         "KORVEX_VIRTUAL_HEAD in the environment requests a simulated head too: default, or the "
@@ -113,7 +142,8 @@ CommandLineResult ReadCommandLine(int count, const char* const* arguments, std::
     }
     Asked& asked = runs[app.get_subcommands().front()];
     line.run = std::move(asked.run);
-    line.usesHead = asked.usesHead;
+    line.uses = asked.command->uses;
+    line.notInServiceMode = NotInServiceMode(*asked.command, *app.get_subcommands().front());
     result.run = true;
     return result;
 }

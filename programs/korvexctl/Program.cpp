@@ -7,7 +7,9 @@
 #include "korvexctl/CommandLine.h"
 #include "korvexctl/cli/Interrupt.h"
 #include "korvexctl/files/Logging.h"
+#include "korvexctl/files/QtMessages.h"
 #include "korvexctl/files/StandardOutput.h"
+#include "korvexctl/service/ServiceSwitch.h"
 #include "platform/os/InterruptWatch.h"
 #include "platform/os/Print.h"
 #include "platform/os/StandardOutput.h"
@@ -27,16 +29,26 @@ void RequestHead(const std::string& asked) {
 }
 
 Outcome RunAsked(const CommandLine& line, Output& output) {
-    if (line.usesHead) {
+    if (line.service && !line.notInServiceMode.empty()) {
+        throw CommandError(ExitCode::NotInServiceMode,
+                           "not available with --service: " + line.notInServiceMode);
+    }
+    if (line.uses != Uses::Nothing) {
         RequestHead(line.virtualHead);
     }
     const EndingOnInterrupt ending;
-    return ending.OutcomeOf([&] { return line.run(output); });
+    return ending.OutcomeOf([&] {
+        if (line.service && line.uses == Uses::Head) {
+            SwitchToService(line.virtualHead, output.ShowsProgress());
+        }
+        return line.run(output);
+    });
 }
 
 Outcome RunLogged(const CommandLine& line, StandardOutput& standardOutput, Output& output) {
     standardOutput.ShowPrints(line.logFile);
     const Logging logging("korvexctl", standardOutput, line.verbose, !line.logFile.empty());
+    const QtMessages messages(standardOutput, line.verbose);
     return RunAsked(line, output);
 }
 

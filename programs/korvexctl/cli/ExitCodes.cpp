@@ -31,7 +31,10 @@ constexpr std::array kTable{
     ExitCodeMeaning{ExitCode::SelftestFailed, "selftest: a step failed"},
     ExitCodeMeaning{ExitCode::ServiceNotRunning,
                     "service status: hub or service does not run, or does not answer"},
-    ExitCodeMeaning{ExitCode::ServiceFailed, "service: hub or service did not start or end"},
+    ExitCodeMeaning{ExitCode::ServiceFailed,
+                    "service, --service: hub or service did not start or end, or the service is in "
+                    "use"},
+    ExitCodeMeaning{ExitCode::NotInServiceMode, "--service: not available in service mode"},
     ExitCodeMeaning{
         ExitCode::Interrupted,
         "interrupted (Ctrl-C, SIGTERM, SIGHUP) and disconnected; reports what is still on"},

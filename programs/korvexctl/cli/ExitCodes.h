@@ -27,6 +27,7 @@ enum class ExitCode : int {
     SelftestFailed = 15,
     ServiceNotRunning = 16,
     ServiceFailed = 17,
+    NotInServiceMode = 18,
     Interrupted = 130
 };
 

@@ -15,6 +15,13 @@ namespace Korvex3Sync::korvexctl {
 /// when it could not start.
 using RunCommand = std::function<Outcome(Output& output)>;
 
+/// What a command works with.
+enum class Uses {
+    Head,          ///< the cameras, or a connection; with --service through the device service
+    HeadDirectly,  ///< the board, always in this process
+    Nothing        ///< no head: a refused head file does not matter
+};
+
 /// One command of the program.
 struct Command {
     const char* name;
@@ -22,8 +29,9 @@ struct Command {
     /// Adds the command's options to `command` and returns what runs it. The options belong to the
     /// returned function, and are filled in before it is called.
     RunCommand (*add)(CLI::App& command);
-    /// Whether it works with a head: without one, a refused head file does not matter.
-    bool usesHead = true;
+    Uses uses = Uses::Head;
+    /// Why it is not available with --service; empty if it is.
+    const char* notInServiceMode = "";
 };
 
 /// All commands, in the order of the help.

@@ -29,7 +29,7 @@ Outcome RunGet(const GetArguments& asked, Output& output) {
         settings = SettingsOf(count);
     }
     for (const Setting* setting : settings) {
-        RequireCamera(*setting, count);
+        RequireOnHead(*setting, count);
     }
 
     Outcome outcome;

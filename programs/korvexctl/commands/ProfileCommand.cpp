@@ -64,7 +64,7 @@ Outcome DiffProfile(const ProfileArguments& asked, Output& output) {
     const Profile profile = ReadProfileFile(asked.file);
     const ConnectedHead head(asked.head);
     for (const Assignment& assignment : profile.settings) {
-        RequireCamera(*assignment.setting, head.cameras.size());
+        RequireOnHead(*assignment.setting, head.cameras.size());
     }
     Outcome outcome;
     std::size_t different = 0;

@@ -82,7 +82,7 @@ Outcome SetSettings(const HeadChoice& choice, std::span<const Assignment> assign
     std::vector<Camera> cameras = FindCameras(choice.cameraType);
     if (!cameras.empty()) {
         for (const Assignment& assignment : assignments) {
-            RequireCamera(*assignment.setting, cameras.size());
+            RequireOnHead(*assignment.setting, cameras.size());
         }
     }
     const ConnectedHead head(choice, std::move(cameras));

@@ -92,7 +92,7 @@ Outcome TakeAndWrite(const SnapChoice& asked, LeftOn& leftOn, Output& output,
                      const StoreFile& store) {
     std::vector<Camera> cameras = FindCameras(asked.head.cameraType);
     if (!cameras.empty()) {
-        RequireCamera(CameraSetting(CameraPart::Exposure, asked.snapshot.camera), cameras.size());
+        RequireOnHead(CameraSetting(CameraPart::Exposure, asked.snapshot.camera), cameras.size());
         RequireColor(cameras);
         PrepareFolder(asked.folder);
     }

@@ -37,17 +37,24 @@ void TakeImageSet(const void* const&, std::vector<unsigned char*>&, const int&, 
 class RecoverySchedule {
 public:
     bool IsDue(const BoardStatus& status) {
-        constexpr int kSilentPolls = 10;  // two seconds
-        m_silentPolls = status.Answers() ? 0 : m_silentPolls + 1;
-        if (m_silentPolls < kSilentPolls) {
+        constexpr std::chrono::milliseconds kSilence{1800};  // a tenth poll is late
+        const auto now = std::chrono::steady_clock::now();
+        if (status.Answers()) {
+            m_silentSince.reset();
             return false;
         }
-        m_silentPolls = 0;
+        if (!m_silentSince) {
+            m_silentSince = now;
+        }
+        if (now - *m_silentSince < kSilence) {
+            return false;
+        }
+        m_silentSince.reset();
         return true;
     }
 
 private:
-    int m_silentPolls = 0;
+    std::optional<std::chrono::steady_clock::time_point> m_silentSince;
 };
 
 /// The losses that the library counts, by place; null when it does not report them.

@@ -1,6 +1,7 @@
 #include "korvexctl/head/Session.h"
 
 #include <Korvex3Sync/Connection.h>
+#include <Korvex3Sync/Images.h>
 #include <Korvex3Sync/Light.h>
 
 #include <memory>
@@ -8,6 +9,7 @@
 #include "korvexctl/cli/ExitCodes.h"
 #include "korvexctl/cli/Interrupt.h"
 #include "korvexctl/head/Boards.h"
+#include "korvexctl/head/ServiceUse.h"
 
 namespace Korvex3Sync::korvexctl {
 
@@ -63,6 +65,10 @@ Session::Session(const std::string& type, const std::string& board,
 }
 
 Session::~Session() {
+    if (ThroughService()) {
+        // Disconnecting does not end it there.
+        SetStatusCallBackFunction(m_handle, nullptr, nullptr);
+    }
     DisConnectDevice(m_handle);
 }
 

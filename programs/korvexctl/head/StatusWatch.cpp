@@ -23,14 +23,15 @@ bool BoardStatus::Answers() const {
 }
 
 void StatusWatch::Watch(const Session& session) {
-    Require(SetStatusCallBackFunction(session.Handle(), OnStatus, &m_self),
+    Require(SetStatusCallBackFunction(session.Handle(), OnStatus, m_context.Pointer()),
             "watch the board's status");
 }
 
 void StatusWatch::OnStatus(const void* const& context, const unsigned char& statusA,
                            const unsigned char& statusB) {
-    (*static_cast<StatusWatch* const*>(context))
-        ->Add({std::chrono::system_clock::now(), {statusA, statusB}});
+    CallbackContext<StatusWatch>::With(context, [&](StatusWatch& watch) {
+        watch.Add({std::chrono::system_clock::now(), {statusA, statusB}});
+    });
 }
 
 void StatusWatch::Add(const Poll& poll) {

@@ -5,6 +5,7 @@
 #include <deque>
 #include <optional>
 
+#include "korvexctl/head/CallbackContext.h"
 #include "platform/os/Condition.h"
 #include "platform/os/CriticalSection.h"
 
@@ -59,7 +60,7 @@ private:
     std::deque<Poll> m_polls KORVEX_GUARDED_BY(m_mutex);
     bool m_lost KORVEX_GUARDED_BY(m_mutex) = false;
     bool m_stopped KORVEX_GUARDED_BY(m_mutex) = false;
-    StatusWatch* m_self = this;
+    CallbackContext<StatusWatch> m_context{*this};
 };
 
 }  // namespace Korvex3Sync::korvexctl

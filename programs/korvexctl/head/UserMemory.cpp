@@ -4,7 +4,9 @@
 
 #include <algorithm>
 #include <charconv>
+#include <memory>
 
+#include "korvexctl/head/ServiceUse.h"
 #include "korvexctl/head/Session.h"
 
 namespace Korvex3Sync::korvexctl {
@@ -28,11 +30,21 @@ std::string PageName(int page) {
 std::string ReadUserMemory(void* const& handle, int page) {
     std::string bytes(kUserMemoryPageBytes, '\0');
     char* data = bytes.data();
-    Require(ReadUserInfomation(handle, page, data), "read " + PageName(page));
+    const RETSTATUS status = ReadUserInfomation(handle, page, data);
+    if (data != bytes.data()) {
+        // Service mode has made a text of its own.
+        const std::unique_ptr<char[]> text(data);
+        bytes = text.get();
+        bytes.resize(kUserMemoryPageBytes, '\0');
+    }
+    Require(status, "read " + PageName(page));
     return bytes;
 }
 
 void WriteUserMemory(void* const& handle, int page, const std::string& bytes) {
+    if (WithoutPadding(bytes).find('\0') != std::string_view::npos) {
+        RefuseInServiceMode(PageName(page), kUserMemoryIsText);
+    }
     Require(WriteUserInfomation(handle, page, bytes.data(), static_cast<int>(bytes.size())),
             "write " + PageName(page));
 }

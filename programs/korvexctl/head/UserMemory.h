@@ -11,10 +11,15 @@ namespace Korvex3Sync::korvexctl {
 inline constexpr int kUserMemoryPages = 16;
 inline constexpr std::size_t kUserMemoryPageBytes = 256;
 
-/// Reads a whole page of a connected head. Throws CommandError(DeviceRefused).
+inline constexpr const char* kUserMemoryIsText =
+    "service mode transfers a page up to its first zero byte";
+
+/// Reads a whole page of a connected head; in service mode up to its first zero byte, and zeros
+/// after it. Throws CommandError(DeviceRefused).
 std::string ReadUserMemory(void* const& handle, int page);
 
-/// Writes a page, with zeros after the bytes; 256 bytes at most. Throws as ReadUserMemory does.
+/// Writes a page, with zeros after the bytes; 256 bytes at most. Throws as ReadUserMemory does, and
+/// CommandError(NotInServiceMode) if service mode would cut the bytes short.
 void WriteUserMemory(void* const& handle, int page, const std::string& bytes);
 
 /// Bytes as pairs of hexadecimal digits without anything between.

@@ -12,7 +12,8 @@ constexpr unsigned kHalfRound = 0x80;
 
 void ImageSetCheck::OnImageSet(const void* const& context, std::vector<unsigned char*>& images,
                                const int& width, const int& height, std::vector<int>&) {
-    (*static_cast<ImageSetCheck* const*>(context))->Take(images, width, height);
+    CallbackContext<ImageSetCheck>::With(
+        context, [&](ImageSetCheck& check) { check.Take(images, width, height); });
 }
 
 bool ImageSetCheck::Fits(const std::vector<unsigned char*>& images, int width, int height) const {

@@ -5,6 +5,7 @@
 #include <optional>
 #include <vector>
 
+#include "korvexctl/head/CallbackContext.h"
 #include "korvexctl/pictures/ImageSet.h"
 #include "platform/os/Condition.h"
 #include "platform/os/CriticalSection.h"
@@ -37,7 +38,7 @@ public:
     /// The library's scan callback, with Context() as its context.
     static void OnImageSet(const void* const& context, std::vector<unsigned char*>& images,
                            const int& width, const int& height, std::vector<int>& imageInfo);
-    void* Context() { return &m_self; }
+    void* Context() { return m_context.Pointer(); }
 
     /// Waits until so many sets arrived, at most for the limit.
     void WaitFor(int sets, std::chrono::milliseconds limit);
@@ -48,7 +49,6 @@ private:
     void Take(const std::vector<unsigned char*>& images, int width, int height);
     bool Fits(const std::vector<unsigned char*>& images, int width, int height) const;
 
-    ImageSetCheck* m_self = this;
     const int m_width;
     const int m_height;
     os::Mutex m_mutex;
@@ -56,6 +56,7 @@ private:
     std::uint64_t m_waiting KORVEX_GUARDED_BY(m_mutex);
     std::optional<unsigned> m_key KORVEX_GUARDED_BY(m_mutex);
     Counts m_counts KORVEX_GUARDED_BY(m_mutex);
+    CallbackContext<ImageSetCheck> m_context{*this};
 };
 
 }  // namespace Korvex3Sync::korvexctl

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <nlohmann/json.hpp>
 
+#include "korvexctl/head/ServiceUse.h"
 #include "korvexctl/head/TriggerModes.h"
 #include "korvexctl/health/Examined.h"
 #include "korvexctl/health/Selftest.h"
@@ -73,6 +74,9 @@ Finding TestScan(Examined& examined, CAMERA_TRIGGER_MODE mode, const SelftestOpt
 }
 
 Finding TestNoReset(const Examined& examined) {
+    if (ThroughService()) {
+        return {Verdict::NotRun, kDirectModeOnly};
+    }
     const RETSTATUS status = ReconnectDevice(examined.head->Handle(), false, false);
     return status == STATUS_SUCCESS ? Finding{Verdict::Ok, "accepted"}
                                     : Finding{Verdict::Fault, StatusText(status)};
@@ -101,6 +105,9 @@ Finding TestSnapshot(Examined& examined, bool infrared) {
     if (std::none_of(examined.cameras.begin(), examined.cameras.end(),
                      [](const Camera& camera) { return camera.color; })) {
         return {Verdict::NotRun, "the head has no colour"};
+    }
+    if (infrared && ThroughService()) {
+        return {Verdict::NotRun, kDirectModeOnly};
     }
     const std::size_t images = infrared ? kInfraredImages : kSnapshotImages;
     SnapshotOptions options;

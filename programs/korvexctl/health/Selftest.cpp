@@ -3,6 +3,7 @@
 #include <iterator>
 #include <nlohmann/json.hpp>
 
+#include "korvexctl/head/ServiceUse.h"
 #include "korvexctl/health/Examined.h"
 #include "korvexctl/health/SettingTest.h"
 
@@ -33,6 +34,9 @@ std::vector<Step> SettingSteps(const std::shared_ptr<Examined>& examined) {
         }
         steps.push_back(HeadStep(
             examined, setting.name, kSettingLimit, [&setting](const Examined& head) -> Finding {
+                if (setting.directModeOnly && ThroughService()) {
+                    return {Verdict::NotRun, kDirectModeOnly};
+                }
                 const auto cameras = static_cast<int>(head.cameras.size());
                 if (setting.cameraOrder >= cameras) {
                     return {Verdict::NotRun,

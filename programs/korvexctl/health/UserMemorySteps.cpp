@@ -1,6 +1,7 @@
 #include <string>
 
 #include "korvexctl/cli/ExitCodes.h"
+#include "korvexctl/head/ServiceUse.h"
 #include "korvexctl/head/UserMemory.h"
 #include "korvexctl/health/Examined.h"
 #include "korvexctl/health/Selftest.h"
@@ -58,6 +59,10 @@ std::vector<Step> UserMemorySteps(const std::shared_ptr<Examined>& examined, boo
                      [write](const Examined& head) -> Finding {
                          if (!write) {
                              return {Verdict::NotRun, "only with --write-user-memory"};
+                         }
+                         if (ThroughService()) {
+                             // What follows a zero byte could not be restored.
+                             return {Verdict::NotRun, kUserMemoryIsText};
                          }
                          return TestWriting(head);
                      })};

@@ -9,6 +9,9 @@ namespace {
 constexpr const char* kLine =
     "check the USB connection (cable, port, hub, power) and what else this computer does";
 
+constexpr const char* kSlow =
+    "this computer is too slow for service mode: use a longer --period, and close other programs";
+
 constexpr std::array kPlaces{
     LossPlace{"refused_frames", &ScanStatistics::refusedFrames,
               "torn or incomplete frames, refused by the camera library",
@@ -35,6 +38,12 @@ constexpr std::array kPlaces{
               "frames arrive out of order: see the log (-v)"},
     LossPlace{"sets_without_callback", &ScanStatistics::setsWithoutCallback,
               "sets without a callback", "a bug in this program: see the log (-v)"},
+    LossPlace{"sets_not_written", &ScanStatistics::setsNotWritten,
+              "sets without room in shared memory", kSlow},
+    LossPlace{"sets_overwritten", &ScanStatistics::setsOverwritten,
+              "sets overwritten before they were read", kSlow},
+    LossPlace{"notices_lost", &ScanStatistics::noticesLost, "sets whose notice did not arrive",
+              kSlow},
 };
 
 }  // namespace

@@ -23,7 +23,7 @@ using std::chrono::milliseconds;
 /// The command line's values for every camera order, without those of orders that the head lacks.
 ScanSettings SettingsFor(const ScanOptions& options, std::size_t cameras) {
     for (const Assignment& assignment : options.profile) {
-        RequireCamera(*assignment.setting, cameras);
+        RequireOnHead(*assignment.setting, cameras);
     }
     std::vector<Assignment> given = options.commandLine;
     std::erase_if(given, [cameras](const Assignment& assignment) {

@@ -102,7 +102,8 @@ std::uint64_t ScanLosses::Sum() const {
     std::uint64_t sum = notKept + notRecorded + whileAway + notArrived;
     if (library) {
         sum += library->missingKeys + library->monoWithoutColor + library->setsDropped +
-               library->setsWithoutCallback;
+               library->setsWithoutCallback + library->setsNotWritten + library->setsOverwritten +
+               library->noticesLost;
     }
     return sum;
 }
@@ -128,7 +129,10 @@ void AddToJson(const ScanLosses& losses, nlohmann::json& figures) {
         places[place.key] = place.count;
     }
     figures["callback_us"] = nullptr;
+    figures["service_reconnects"] = nullptr;
     if (losses.library) {
+        figures["service_reconnects"] = {{"count", losses.library->serviceReconnects},
+                                         {"ms", losses.library->serviceGapMs}};
         places[kFailedSnapsKey] = losses.library->failedSnaps;
         figures["callback_us"] = {{"p50", losses.library->callbackP50Us},
                                   {"p99", losses.library->callbackP99Us},
@@ -137,6 +141,11 @@ void AddToJson(const ScanLosses& losses, nlohmann::json& figures) {
 }
 
 void Print(const ScanLosses& losses, Output& output) {
+    if (losses.library && losses.library->serviceReconnects > 0) {
+        output.Line("reconnected to the device service " +
+                    std::to_string(losses.library->serviceReconnects) + " times, no sets for " +
+                    std::to_string(losses.library->serviceGapMs) + " ms");
+    }
     std::vector<LossCount> places = losses.Places();
     std::erase_if(places, [](const LossCount& place) { return place.count == 0; });
     output.Line(places.empty() ? WithoutLoss(losses) : "lost:");

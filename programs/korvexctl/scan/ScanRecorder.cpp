@@ -54,7 +54,8 @@ std::size_t ScanRecorder::Waiting() {
 void ScanRecorder::OnImageSet(const void* const& context, std::vector<unsigned char*>& images,
                               const int& width, const int& height,
                               std::vector<int>& /*imageInfo*/) {
-    (*static_cast<ScanRecorder* const*>(context))->Take(images, width, height);
+    CallbackContext<ScanRecorder>::With(
+        context, [&](ScanRecorder& recorder) { recorder.Take(images, width, height); });
 }
 
 void ScanRecorder::Take(const std::vector<unsigned char*>& images, int width, int height) {

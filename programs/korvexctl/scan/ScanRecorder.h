@@ -7,6 +7,7 @@
 #include <optional>
 #include <vector>
 
+#include "korvexctl/head/CallbackContext.h"
 #include "korvexctl/pictures/ImageSet.h"
 #include "korvexctl/pictures/ImageSetChoice.h"
 #include "korvexctl/pictures/KeptImageSet.h"
@@ -65,7 +66,7 @@ public:
     /// The library's scan callback, with Context() as its context.
     static void OnImageSet(const void* const& context, std::vector<unsigned char*>& images,
                            const int& width, const int& height, std::vector<int>& imageInfo);
-    void* Context() { return &m_self; }
+    void* Context() { return m_context.Pointer(); }
 
     /// Ends the scan before all sets are there; also before it has begun.
     void Stop();
@@ -87,7 +88,6 @@ private:
     KeptImageSet* BufferFor(SetRecord& record) KORVEX_REQUIRES(m_mutex);
     int LostBefore(int key) KORVEX_REQUIRES(m_mutex);
 
-    ScanRecorder* m_self = this;
     const ScanPlan m_plan;
     std::function<void(const KeptImageSet&)> m_onKept;
     int m_width = 0;
@@ -103,6 +103,7 @@ private:
     std::vector<KeptImageSet*> m_free KORVEX_GUARDED_BY(m_mutex);
     std::vector<SetRecord> m_records KORVEX_GUARDED_BY(m_mutex);
     Counts m_counts KORVEX_GUARDED_BY(m_mutex);
+    CallbackContext<ScanRecorder> m_context{*this};
 };
 
 }  // namespace Korvex3Sync::korvexctl

@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "korvexctl/cli/ExitCodes.h"
+#include "korvexctl/head/ServiceUse.h"
 #include "korvexctl/scan/ScanProgress.h"
 
 namespace Korvex3Sync::korvexctl {
@@ -46,7 +47,8 @@ ScanRun::ScanRun(const ConnectedHead& head, StatusWatch& watch, ScanRecorder& re
       m_notes(notes),
       m_bar(showsProgress),
       m_period(report.settings.PeriodMs().value_or(0)) {
-    if (report.options.reconnect) {
+    // In service mode the library reconnects by itself.
+    if (report.options.reconnect && !ThroughService()) {
         m_recovery.emplace(head.session, head.cameras.size(), watch);
     }
 }
@@ -73,6 +75,10 @@ void ScanRun::Wait() {
             endedBy = EndedBy::Timeout;
         } else if (m_recovery && HeadIsAway(counts, now)) {
             Recover();
+        } else if (ThroughService() && m_silent != HeadIsSilent(counts, now)) {
+            // Another service has another head, or one that starts anew.
+            m_silent = !m_silent;
+            m_recorder.ExpectNewKeys(m_silent);
         }
     }
     m_report.endedBy = *endedBy;
@@ -82,11 +88,16 @@ void ScanRun::Wait() {
     m_notes.history.AddLosses(Seconds(now - std::max(m_start, counts.first)), m_report.losses);
 }
 
+std::uint64_t ScanRun::WhileAway(const ScanLosses& losses) const {
+    const auto period = static_cast<std::uint64_t>(m_period.count());
+    return m_whileAway + (losses.library && period > 0 ? losses.library->serviceGapMs / period : 0);
+}
+
 ScanLosses ScanRun::Losses(const ScanRecorder::Counts& counts) const {
     ScanLosses losses;
     losses.library = AskStatistics(m_head.session);
     losses.CountSets(counts, GivesColor(m_head.cameras, m_report.settings.asked.light.mode));
-    losses.whileAway = m_whileAway;
+    losses.whileAway = WhileAway(losses);
     return losses;
 }
 
@@ -96,7 +107,7 @@ void ScanRun::Note(const ScanRecorder::Counts& counts, Clock::time_point now) {
     for (const SetRecord& set : sets) {
         NoteSet(set, losses, counts.first);
     }
-    losses.whileAway = m_whileAway;
+    losses.whileAway = WhileAway(losses);
     if (counts.delivered > 0) {
         m_notes.history.AddLosses(Seconds(now - counts.first), losses);
     }
@@ -145,9 +156,12 @@ void ScanRun::AddOutage(Clock::time_point from, Clock::time_point to, Clock::tim
     m_report.outages.push_back(std::move(outage));
 }
 
+bool ScanRun::HeadIsSilent(const ScanRecorder::Counts& counts, Clock::time_point now) const {
+    return now - std::max({m_start, counts.last, m_back}) > kSilence + kPeriodsOfASet * m_period;
+}
+
 bool ScanRun::HeadIsAway(const ScanRecorder::Counts& counts, Clock::time_point now) const {
-    const Clock::time_point last = std::max({m_start, counts.last, m_back});
-    return m_watch.Lost() || now - last > kSilence + kPeriodsOfASet * m_period;
+    return m_watch.Lost() || HeadIsSilent(counts, now);
 }
 
 void ScanRun::Recover() {

@@ -42,7 +42,10 @@ private:
     void Note(const ScanRecorder::Counts& counts, Clock::time_point now);
     void NoteSet(const SetRecord& set, const ScanLosses& losses, Clock::time_point first);
     void AddOutage(Clock::time_point from, Clock::time_point to, Clock::time_point first);
+    /// Triggers of the outages, and of the gaps in service mode, by the period.
+    std::uint64_t WhileAway(const ScanLosses& losses) const;
     ScanLosses Losses(const ScanRecorder::Counts& counts) const;
+    bool HeadIsSilent(const ScanRecorder::Counts& counts, Clock::time_point now) const;
     bool HeadIsAway(const ScanRecorder::Counts& counts, Clock::time_point now) const;
     void Recover();
     std::uint64_t NotArrived(const ScanRecorder::Counts& counts, Clock::time_point now) const;
@@ -59,6 +62,7 @@ private:
     Clock::time_point m_back;  // when the head was last brought back
     double m_lastSeconds = 0;  // of the last set that was noted
     bool m_away = false;       // no set since the head was away
+    bool m_silent = false;     // in service mode: no sets
     std::vector<std::string> m_notRestored;
     std::uint64_t m_whileAway = 0;
     std::uint64_t m_lostByKeys = 0;

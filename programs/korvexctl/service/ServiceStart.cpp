@@ -29,15 +29,6 @@ constexpr std::chrono::seconds kEndLimit{10};
 constexpr std::chrono::seconds kUnaskedEndLimit{1};
 constexpr std::chrono::seconds kKillLimit{5};
 constexpr std::chrono::milliseconds kBetweenLooks{10};
-constexpr const char* kHeadVariable = "KORVEX_VIRTUAL_HEAD";
-
-/// The head for a process whose working folder is another one; empty for none.
-QString HeadOfService(const std::string& asked) {
-    const QString head =
-        asked.empty() ? qEnvironmentVariable(kHeadVariable) : QString::fromStdString(asked);
-    return head.isEmpty() || head == "default" ? head : QFileInfo(head).absoluteFilePath();
-}
-
 [[noreturn]] void Fail(const ServiceProgram& program, const std::string& message) {
     const fs::path log = NewestLogOf(program);
     throw CommandError(ExitCode::ServiceFailed,
@@ -88,14 +79,14 @@ private:
 /// A program that was just started.
 class Started {
 public:
-    Started(const ServiceProgram& program, const QString& virtualHead)
+    Started(const ServiceProgram& program, const std::string& virtualHead)
         : m_program(program), m_errors(program) {
         const fs::path folder = QCoreApplication::applicationDirPath().toStdString();
         const fs::path file = folder / program.file;
         QProcess process;
         QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-        if (!virtualHead.isEmpty()) {
-            environment.insert(kHeadVariable, virtualHead);
+        if (!virtualHead.empty()) {
+            environment.insert(kHeadVariable, QString::fromStdString(virtualHead));
         }
         process.setProgram(QString::fromStdString(file.string()));
         process.setWorkingDirectory(QString::fromStdString(folder.string()));
@@ -130,7 +121,7 @@ private:
     long m_number = 0;
 };
 
-void Start(const ServiceProgram& program, const QString& virtualHead,
+void Start(const ServiceProgram& program, const std::string& virtualHead,
            const std::function<bool()>& answers, Output& output) {
     const std::string name = std::string("the ") + program.word;
     const long before = ProcessOf(program);
@@ -171,6 +162,13 @@ void Stop(const ServiceProgram& program, bool (*askToEnd)(), Output& output) {
 }
 
 }  // namespace
+
+std::string HeadOfService(const std::string& asked) {
+    const QString head =
+        asked.empty() ? qEnvironmentVariable(kHeadVariable) : QString::fromStdString(asked);
+    return (head.isEmpty() || head == kDefaultHead ? head : QFileInfo(head).absoluteFilePath())
+        .toStdString();
+}
 
 void StartService(const std::string& virtualHead, Output& output) {
     Start(kHub, {}, HubAnswers, output);

@@ -7,6 +7,7 @@
 
 #include "korvexctl/files/Output.h"
 #include "korvexctl/scan/LossPlaces.h"
+#include "korvexctl/service/ServiceStart.h"
 
 namespace Korvex3Sync::korvexctl {
 
@@ -61,9 +62,6 @@ std::string KeyOf(const QString& name) {
 }
 
 std::string WordsOf(const std::string& key) {
-    if (key == "sets_not_written") {
-        return "sets without room in shared memory";
-    }
     if (key == "notices_not_sent") {
         return "sets that the client was too slow for";
     }
@@ -104,6 +102,12 @@ std::string Row(const std::string& name, const std::string& text) {
 
 }  // namespace
 
+std::string HeadText(const std::string& virtualHead) {
+    return virtualHead.empty()           ? "no simulated head"
+           : virtualHead == kDefaultHead ? "the default simulated head"
+                                         : "the simulated head " + virtualHead;
+}
+
 std::string DurationText(std::chrono::seconds duration) {
     using namespace std::chrono;
     const auto h = duration_cast<hours>(duration);
@@ -118,10 +122,14 @@ std::string DurationText(std::chrono::seconds duration) {
 
 nlohmann::json ToJson(const ServiceStatus& status) {
     nlohmann::json service = ProgramJson(status.service);
-    for (const char* key : {"client_pid", "device", "device_id", "sets_per_s", "losses"}) {
+    for (const char* key :
+         {"virtual_head", "client_pid", "device", "device_id", "sets_per_s", "losses"}) {
         service[key] = nullptr;
     }
     if (const std::optional<link::ServiceState>& state = status.service.state) {
+        if (!state->virtualHead.isEmpty()) {
+            service["virtual_head"] = state->virtualHead.toStdString();
+        }
         if (state->clientProcess != 0) {
             service["client_pid"] = state->clientProcess;
         }
@@ -150,6 +158,7 @@ void Print(const ServiceStatus& status, Output& output) {
     if (!state) {
         return;
     }
+    output.Line(Row("head", HeadText(state->virtualHead.toStdString())));
     output.Line(Row("client", state->clientProcess == 0
                                   ? "none"
                                   : "process " + std::to_string(state->clientProcess)));

@@ -35,6 +35,9 @@ nlohmann::json ToJson(const ServiceStatus& status);
 std::string NotWorkingText(const ServiceStatus& status);
 void Print(const ServiceStatus& status, Output& output);
 
+/// What a service was started with, from its state: "no simulated head", ...
+std::string HeadText(const std::string& virtualHead);
+
 /// "2 h 5 min", "3 min 7 s", "12 s".
 std::string DurationText(std::chrono::seconds duration);
 

@@ -49,6 +49,11 @@ bool On(const SettingValue& value, std::size_t index = 0) {
 using ReadNumber = RETSTATUS (*)(void* const& handle, int& value);
 using WriteNumber = RETSTATUS (*)(void* const& handle, const int& value);
 
+Setting DirectModeOnly(Setting setting) {
+    setting.directModeOnly = true;
+    return setting;
+}
+
 /// A setting that is one number, and can be read.
 Setting Number(const char* name, const char* unit, double low, double high, const char* help,
                ReadNumber read, WriteNumber write) {
@@ -70,7 +75,7 @@ Setting Percent(const char* name, const char* help, ReadNumber read, WriteNumber
 }
 
 Setting WorkTime(const char* name, const char* help, ReadNumber read, WriteNumber write) {
-    return Number(name, "us", 0, kLongestWorkTimeUs, help, read, write);
+    return DirectModeOnly(Number(name, "us", 0, kLongestWorkTimeUs, help, read, write));
 }
 
 using Write = RETSTATUS (*)(void* const& handle, const SettingValue& value);
@@ -147,12 +152,13 @@ std::vector<Setting> BoardSettings() {
                 SetIRLaserDutioRatio),
         WorkTime("ir-laser-work-time", "work time of the infrared laser", GetIRLaserWorkTime,
                  SetIRLaserWorkTime),
-        Told("ir-laser-level", {{"", FieldKind::Whole, 1, 10}}, "level of the infrared laser",
-             [](void* const& handle, const SettingValue& value) {
-                 return SetIRLaserBrightnessLevel(handle, Whole(value));
-             }),
+        DirectModeOnly(Told("ir-laser-level", {{"", FieldKind::Whole, 1, 10}},
+                            "level of the infrared laser",
+                            [](void* const& handle, const SettingValue& value) {
+                                return SetIRLaserBrightnessLevel(handle, Whole(value));
+                            })),
         StrobeDuty(),
-        StrobeWorkTime(),
+        DirectModeOnly(StrobeWorkTime()),
         Told("strobe", {{"route", FieldKind::Whole, 0, 2}, {"state", FieldKind::Whole, 1, 4}},
              "which strobe output follows the trigger, and how",
              [](void* const& handle, const SettingValue& value) {
@@ -183,12 +189,13 @@ std::vector<Setting> BoardSettings() {
              [](void* const& handle, const SettingValue& value) {
                  return SetDistanceIndicate(handle, static_cast<DISTANCESTATUS>(Whole(value)));
              }),
-        Told("heartbeat", {{"", FieldKind::Switch}},
-             "the board's heartbeat; disconnecting switches it off",
-             [](void* const& handle, const SettingValue& value) {
-                 bool on = On(value);
-                 return EnableHeartbeat(handle, on);
-             }),
+        // The service takes it, and has a heartbeat of its own.
+        DirectModeOnly(Told("heartbeat", {{"", FieldKind::Switch}},
+                            "the board's heartbeat; disconnecting switches it off",
+                            [](void* const& handle, const SettingValue& value) {
+                                bool on = On(value);
+                                return EnableHeartbeat(handle, on);
+                            })),
     };
 }
 
@@ -324,7 +331,8 @@ std::string SettingsTable(Notation notation) {
     text << "Settings (name: unit, range: meaning):\n";
     for (const Setting& setting : AllSettings()) {
         text << "  " << setting.name << ": " << RangeText(setting, notation) << "\n      "
-             << setting.help << (setting.read ? "" : " (not readable)") << '\n';
+             << setting.help << (setting.read ? "" : " (not readable)")
+             << (setting.directModeOnly ? " (not with --service)" : "") << '\n';
     }
     return text.str();
 }

@@ -32,6 +32,8 @@ struct Setting {
     const char* leavesOn = "";
     /// Whether this value does. Empty when nothing can stay on.
     std::function<bool(const SettingValue& value)> staysOn{};
+    /// Whether the device service does not forward it.
+    bool directModeOnly = false;
 };
 
 /// Exposures and gains are addressed by camera order, 0 to 3.

@@ -8,6 +8,7 @@
 
 #include "korvexctl/cli/ExitCodes.h"
 #include "korvexctl/cli/Interrupt.h"
+#include "korvexctl/head/ServiceUse.h"
 #include "korvexctl/head/Session.h"
 
 namespace Korvex3Sync::korvexctl {
@@ -117,14 +118,19 @@ Reading ReadSetting(void* const& handle, const Setting& setting) {
 std::vector<const Setting*> SettingsOf(std::size_t cameras) {
     std::vector<const Setting*> settings;
     for (const Setting& setting : AllSettings()) {
-        if (setting.cameraOrder < 0 || static_cast<std::size_t>(setting.cameraOrder) < cameras) {
+        const bool has =
+            setting.cameraOrder < 0 || static_cast<std::size_t>(setting.cameraOrder) < cameras;
+        if (has && !(setting.directModeOnly && ThroughService())) {
             settings.push_back(&setting);
         }
     }
     return settings;
 }
 
-void RequireCamera(const Setting& setting, std::size_t cameras) {
+void RequireOnHead(const Setting& setting, std::size_t cameras) {
+    if (setting.directModeOnly) {
+        RefuseInServiceMode(setting.name, kDirectModeOnly);
+    }
     if (setting.cameraOrder >= 0 && static_cast<std::size_t>(setting.cameraOrder) >= cameras) {
         throw CommandError(ExitCode::DeviceRefused,
                            setting.name + ": the head has " + std::to_string(cameras) +

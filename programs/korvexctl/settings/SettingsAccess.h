@@ -36,12 +36,12 @@ struct Reading {
 /// Reads one setting of a connected head.
 Reading ReadSetting(void* const& handle, const Setting& setting);
 
-/// The settings of a head with this many cameras.
+/// The settings of a head with this many cameras; in service mode those that the service forwards.
 std::vector<const Setting*> SettingsOf(std::size_t cameras);
 
-/// Throws CommandError(DeviceRefused) for a setting of a camera that a head with this many cameras
-/// does not have.
-void RequireCamera(const Setting& setting, std::size_t cameras);
+/// Throws CommandError: DeviceRefused for a setting of a camera that a head with this many cameras
+/// does not have, NotInServiceMode for one that the service does not forward.
+void RequireOnHead(const Setting& setting, std::size_t cameras);
 
 /// Sends the values to a connected head, in order; exposure and gain of one camera together, at the
 /// place of the first. A half that is not given is read from the head first and keeps its value.

@@ -1,0 +1,89 @@
+#include "korvexctl/service/ServiceSwitch.h"
+
+#include <Korvex3Sync/Connection.h>
+#include <Korvex3Sync/Discovery.h>
+
+#include <QCoreApplication>
+#include <filesystem>
+
+#include "korvexctl/cli/ExitCodes.h"
+#include "korvexctl/cli/Interrupt.h"
+#include "korvexctl/cli/Outcome.h"
+#include "korvexctl/head/HeadChoice.h"
+#include "korvexctl/head/ServiceUse.h"
+#include "korvexctl/service/ServicePrograms.h"
+#include "korvexctl/service/ServiceStart.h"
+#include "korvexctl/service/ServiceStatus.h"
+
+namespace Korvex3Sync::korvexctl {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+/// The library keeps threads of Qt until the process ends, so this object does, too.
+void MakeApplication() {
+    static int count = 1;
+    static char name[] = "korvexctl";
+    static char* arguments[] = {name, nullptr};
+    static const auto* const application = new QCoreApplication(count, arguments);
+    static_cast<void>(application);
+}
+
+void RequirePrograms() {
+    const fs::path folder = QCoreApplication::applicationDirPath().toStdString();
+    for (const ServiceProgram& program : {kHub, kService}) {
+        std::error_code unknown;
+        if (!fs::is_regular_file(folder / program.file, unknown)) {
+            throw CommandError(
+                ExitCode::ServiceFailed,
+                "cannot start " + (folder / program.file).string() + ": no such file");
+        }
+    }
+}
+
+/// The running service is about to be ended and started again.
+void LookAtRunningService(const link::ServiceState& running, const std::string& head) {
+    const std::string process = "process " + std::to_string(running.process);
+    if (running.clientProcess != 0) {
+        throw CommandError(ExitCode::ServiceFailed,
+                           "process " + std::to_string(running.clientProcess) +
+                               " is using the device service, and --service would start it again; "
+                               "end that process first");
+    }
+    if (const std::string before = running.virtualHead.toStdString(); before != head) {
+        Say("the running device service (" + process + ") has " + HeadText(before) +
+            "; it is started again with " + HeadText(head));
+    }
+}
+
+}  // namespace
+
+void SwitchToService(const std::string& virtualHead, bool showsProgress) {
+    MakeApplication();
+    RequirePrograms();
+    const std::string head = HeadOfService(virtualHead);
+    if (const ServiceStatus before = AskServiceStatus(); before.service.state) {
+        LookAtRunningService(*before.service.state, head);
+    }
+    if (!head.empty()) {
+        qputenv(kHeadVariable, QByteArray::fromStdString(head));
+    }
+    if (showsProgress) {
+        Say("starting the device service, which takes about 14 seconds");
+    }
+    SwitchOnDeviceService(true);
+    SetThroughService();
+    EndIfInterrupted();
+    int cameras = 0;
+    if (GetCameraCount(HeadChoice().cameraType.c_str(), cameras) != STATUS_SUCCESS) {
+        const ServiceStatus now = AskServiceStatus();
+        const fs::path log = NewestLogOf(kService);
+        throw CommandError(
+            ExitCode::ServiceFailed,
+            (now.Works() ? "the service does not answer in time" : NotWorkingText(now)) +
+                (log.empty() ? "" : "; its log is " + log.string()));
+    }
+}
+
+}  // namespace Korvex3Sync::korvexctl

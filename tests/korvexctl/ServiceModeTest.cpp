@@ -1,0 +1,320 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <sstream>
+
+#include "korvexctl/Korvexctl.h"
+#include "platform/os/InstanceLock.h"
+#include "platform/os/Process.h"
+#include "support/OwnFolders.h"
+#include "support/ProcessNamespace.h"
+#include "support/WaitUntil.h"
+#include "survival/ApplicationProcess.h"
+#include "virtual_head/TestFiles.h"
+
+namespace Korvex3Sync::tests {
+
+namespace {
+
+namespace fs = std::filesystem;
+using ::testing::AllOf;
+using ::testing::Contains;
+using ::testing::Each;
+using ::testing::HasSubstr;
+using ::testing::IsEmpty;
+using ::testing::SizeIs;
+
+constexpr int kUsage = 2;
+constexpr int kFailed = 17;
+constexpr int kNotInServiceMode = 18;
+
+/// korvexctl with --service, and a hub and a service of its own, which it starts.
+class KorvexctlServiceMode : public ::testing::Test {
+protected:
+    ~KorvexctlServiceMode() override {
+        EXPECT_THAT(m_folders.Processes(), SizeIs(::testing::Le(2U))) << "hub and service at most";
+    }
+    ChildOptions Options() const {
+        ChildOptions options;
+        options.environment = m_folders.Environment();
+        return options;
+    }
+    ChildResult Run(const std::vector<std::string>& words) const {
+        return RunKorvexctl(words, Options());
+    }
+    /// Runs `korvexctl --virtual --service --json ...`, which succeeds: one document and nothing
+    /// else.
+    nlohmann::json Document(const std::vector<std::string>& words) const {
+        std::vector<std::string> arguments{"--virtual", "--service", "--json"};
+        arguments.insert(arguments.end(), words.begin(), words.end());
+        const ChildResult result = Run(arguments);
+        EXPECT_EQ(result.exitCode, 0) << result.output;
+        EXPECT_EQ(result.error, "");
+        return ParseJson(result.output);
+    }
+    nlohmann::json Service() const {
+        return ParseJson(Run({"service", "status", "--json"}).output)["service"];
+    }
+    /// The command line is refused with this reason, before anything is started.
+    void ExpectRefused(const std::vector<std::string>& words, const std::string& reason) const {
+        std::vector<std::string> arguments{"--virtual", "--service"};
+        arguments.insert(arguments.end(), words.begin(), words.end());
+        const ChildResult result = Run(arguments);
+        EXPECT_EQ(result.exitCode, kNotInServiceMode);
+        EXPECT_EQ(result.error, "korvexctl: not available with --service: " + reason + "\n");
+        EXPECT_THAT(m_folders.Processes(), IsEmpty());
+    }
+
+    const OwnFolders m_folders;
+};
+
+TEST_F(KorvexctlServiceMode, ListsWhatDirectModeLists) {
+    const nlohmann::json through = Document({"list"});
+    EXPECT_EQ(through, ParseJson(Run({"--virtual", "--json", "list"}).output));
+    EXPECT_THAT(through["cameras"], SizeIs(2));
+    const nlohmann::json service = Service();
+    EXPECT_EQ(service["answers"], true) << "it goes on";
+    EXPECT_EQ(service["virtual_head"], "default");
+    EXPECT_TRUE(service["client_pid"].is_null());
+}
+
+TEST_F(KorvexctlServiceMode, ScansWithTheFiguresOfDirectMode) {
+    const fs::path folder = m_folders.Path() / "scan";
+    const std::vector<std::string> scan{"scan",   "--sets", "30",    "--period",     "20",
+                                        "--keep", "2",      "--out", folder.string()};
+    const nlohmann::json through = Document(scan);
+    std::vector<std::string> direct{"--virtual", "--json"};
+    direct.insert(direct.end(), scan.begin(), scan.end());
+    direct.back() += "-direct";
+    const nlohmann::json compared = ParseJson(Run(direct).output);
+    const auto keys = [](const nlohmann::json& document) {
+        std::vector<std::string> names;
+        for (const auto& [name, value] : document.items()) {
+            names.push_back(name);
+        }
+        return names;
+    };
+    EXPECT_EQ(keys(through), keys(compared));
+    EXPECT_EQ(keys(through["losses"]), keys(compared["losses"]));
+    EXPECT_EQ(through["sets"]["delivered"], 30);
+    EXPECT_EQ(keys(through["sets"]), keys(compared["sets"]));
+    for (const auto& [place, count] : through["losses"].items()) {
+        EXPECT_TRUE(count.is_number()) << place;
+    }
+    EXPECT_GT(through["sets_per_second"], 0);
+    EXPECT_GT(through["callback_us"]["longest"], 0);
+    EXPECT_EQ(through["service_reconnects"]["count"], 0);
+    EXPECT_EQ(through["settings"]["values"]["trigger-period"], 20);
+    EXPECT_FALSE(through["settings"]["values"].contains("strobe-work-time"));
+    EXPECT_EQ(FileNames(folder), FileNames(folder.string() + "-direct"));
+}
+
+TEST_F(KorvexctlServiceMode, ContinuesAScanWhoseServiceWasKilledAndCountsTheGap) {
+    ChildProcess scan(KorvexctlCommand({"--virtual", "--service", "--json", "scan", "--sets", "300",
+                                        "--period", "20", "--timeout", "60"}),
+                      WithoutHead(Options()));
+    ASSERT_TRUE(support::WaitUntil([&] {
+        const nlohmann::json service = Service();
+        return service["answers"] == true && service["sets_per_s"] > 0;
+    }));
+    const os::OtherProcess service(os::InstanceLockHolder(m_folders.Runtime() / "service.lock"));
+    ASSERT_TRUE(service.Kill());
+    const ChildResult result = scan.Wait();
+    EXPECT_EQ(result.exitCode, 0) << result.error;
+    const nlohmann::json figures = ParseJson(result.output);
+    EXPECT_EQ(figures["sets"]["delivered"], 300);
+    EXPECT_EQ(figures["service_reconnects"]["count"], 1);
+    const int gap = figures["service_reconnects"]["ms"];
+    EXPECT_GT(gap, 5 * 300) << "the watchdog waits 5 s, and time is scaled";
+    EXPECT_EQ(figures["losses"]["while_away"], gap / 20);
+    EXPECT_EQ(figures["settings"]["values"]["trigger-period"], 20);
+    EXPECT_NE(os::InstanceLockHolder(m_folders.Runtime() / "service.lock"), 0);
+}
+
+TEST_F(KorvexctlServiceMode, PassesTheSelftest) {
+    const nlohmann::json document = Document({"selftest", "--write-user-memory"});
+    EXPECT_EQ(document["failed"], 0);
+    std::vector<std::string> notRun;
+    for (const nlohmann::json& step : document["steps"]) {
+        if (step["verdict"] == "not run" && step["finding"] != "direct mode only") {
+            notRun.push_back(step["name"]);
+        }
+    }
+    EXPECT_THAT(notRun, Each(::testing::AnyOf(HasSubstr("exposure."), HasSubstr("gain."),
+                                              testing::Eq("user memory write"))));
+    const auto verdictOf = [&](const std::string& name) -> std::string {
+        for (const nlohmann::json& step : document["steps"]) {
+            if (step["name"] == name) {
+                return step["verdict"];
+            }
+        }
+        return "missing";
+    };
+    for (const char* step : {"strobe-work-time", "ir-laser-level", "heartbeat", "infrared snapshot",
+                             "reset of nothing", "user memory write"}) {
+        EXPECT_EQ(verdictOf(step), "not run") << step;
+    }
+    for (const char* step : {"firmware", "connect", "scan laser-color", "snapshot", "reconnect",
+                             "scan after reconnect", "status", "projector-brightness"}) {
+        EXPECT_EQ(verdictOf(step), "passed") << step;
+    }
+}
+
+TEST_F(KorvexctlServiceMode, SetsReadsAndTakesSnapshots) {
+    const nlohmann::json set = Document({"set", "projector-brightness", "37", "exposure.0", "2.5"});
+    EXPECT_EQ(set["settings"]["projector-brightness"]["value"], 37);
+    EXPECT_EQ(set["settings"]["exposure.0"]["value"], 2.5);
+    const nlohmann::json snap = Document({"snap", "--out", m_folders.Path().string()});
+    EXPECT_THAT(snap["images"], SizeIs(2));
+    const DecodedPng picture = DecodePng(ReadText(snap["images"][1]["file"].get<std::string>()));
+    EXPECT_EQ(picture.width, 1280);
+}
+
+TEST_F(KorvexctlServiceMode, ShowsEverySettingButThoseOfDirectMode) {
+    const nlohmann::json get = Document({"get"});
+    EXPECT_TRUE(get["settings"].contains("projector-brightness"));
+    EXPECT_FALSE(get["settings"].contains("strobe-work-time"));
+    for (const std::vector<std::string>& words :
+         {std::vector<std::string>{"get", "laser-line-work-time"}, {"set", "heartbeat", "on"}}) {
+        std::vector<std::string> arguments{"--virtual", "--service"};
+        arguments.insert(arguments.end(), words.begin(), words.end());
+        const ChildResult result = Run(arguments);
+        EXPECT_EQ(result.exitCode, kNotInServiceMode);
+        EXPECT_EQ(result.error,
+                  "korvexctl: not available with --service: " + words[1] + ": direct mode only\n");
+    }
+}
+
+TEST_F(KorvexctlServiceMode, KeepsTextInTheUserMemoryAndNothingBehindAZeroByte) {
+    EXPECT_EQ(Document({"user-info", "write", "2", "some text"})["text"], "some text");
+    const ChildResult result =
+        Run({"--virtual", "--service", "user-info", "write", "2", "--hex", "410042"});
+    EXPECT_EQ(result.exitCode, kNotInServiceMode);
+    EXPECT_THAT(result.error, HasSubstr("up to its first zero byte"));
+}
+
+TEST_F(KorvexctlServiceMode, ExaminesTheHead) {
+    const nlohmann::json doctor = Document({"doctor"});
+    EXPECT_EQ(doctor["healthy"], true) << doctor;
+    EXPECT_EQ(doctor["simulated"], true);
+}
+
+TEST_F(KorvexctlServiceMode, WatchesTheStatus) {
+    const ChildResult result =
+        Run({"--virtual", "--service", "--json", "status", "--seconds", "2"});
+    EXPECT_EQ(result.exitCode, 0) << result.error;
+    EXPECT_EQ(result.error, "");
+    EXPECT_THAT(result.output, Not(IsEmpty()));
+    std::istringstream lines(result.output);
+    for (std::string line; std::getline(lines, line);) {
+        EXPECT_FALSE(nlohmann::json::parse(line, nullptr, false).is_discarded()) << line;
+    }
+}
+
+TEST_F(KorvexctlServiceMode, ShowsWhatTheLibraryLogsOnlyWhenAsked) {
+    const fs::path log = m_folders.Path() / "log";
+    const ChildResult result = Run({"--virtual", "--service", "--log", log.string(), "list"});
+    EXPECT_EQ(result.exitCode, 0);
+    EXPECT_EQ(result.error, "");
+    EXPECT_THAT(ReadText(log), AllOf(HasSubstr("DeviceService Reconnect config"),
+                                     HasSubstr("no device start disable enable usb!!!!")));
+}
+
+TEST_F(KorvexctlServiceMode, RefusesWhatRunsInDirectModeOnly) {
+    ExpectRefused({"snap-ir"}, "snap-ir: infrared snapshots run in direct mode only");
+    ExpectRefused({"reset", "--fpga"}, "reset: resets run in direct mode only");
+    ExpectRefused({"info", "--board", "X"}, "--board: the device service takes any board");
+    ExpectRefused({"list", "--type", "GC"},
+                  "--type: the device service takes cameras of type KV00");
+    ExpectRefused({"profile", "save", "--board", "X", "file"},
+                  "--board: the device service takes any board");
+}
+
+TEST_F(KorvexctlServiceMode, AsksTheBoardDirectlyWithoutTheService) {
+    for (const char* command : {"firmware", "usb"}) {
+        const ChildResult result = Run({"--virtual", "--service", command});
+        EXPECT_EQ(result.exitCode, 0) << result.error;
+        EXPECT_EQ(result.output, Run({"--virtual", command}).output);
+    }
+    EXPECT_EQ(Run({"--virtual", "--service", "help"}).exitCode, 0);
+    EXPECT_EQ(Run({"--service=yes", "list"}).exitCode, kUsage);
+    EXPECT_THAT(m_folders.Processes(), IsEmpty());
+}
+
+TEST_F(KorvexctlServiceMode, NamesTheHeadOfTheServiceThatItEnds) {
+    const fs::path file = m_folders.Path() / "head.toml";
+    WriteText(file, "[camera]\nserial = \"KV00B2002\"\n");
+    ASSERT_EQ(Run({"--virtual=" + file.string(), "service", "start"}).exitCode, 0);
+    const long before = os::InstanceLockHolder(m_folders.Runtime() / "service.lock");
+    const ChildResult result = Run({"--virtual", "--service", "list"});
+    EXPECT_EQ(result.exitCode, 0);
+    EXPECT_EQ(result.error, "korvexctl: the running device service (process " +
+                                std::to_string(before) + ") has the simulated head " +
+                                file.string() +
+                                "; it is started again with the default simulated head\n");
+    EXPECT_THAT(result.output, Not(HasSubstr("KV00B2002")));
+    // The environment requests a head as well, relative to the folder of the command.
+    const std::string list = "cd '" + m_folders.Path().string() +
+                             "' && KORVEX_VIRTUAL_HEAD=head.toml '" + KORVEX_KORVEXCTL +
+                             "' --service list";
+    const ChildResult relative = RunChild({"sh", "-c", list}, Options());
+    EXPECT_EQ(relative.exitCode, 0) << relative.error;
+    EXPECT_THAT(relative.output, HasSubstr("KV00B2002"));
+}
+
+TEST_F(KorvexctlServiceMode, LeavesAServiceAloneThatSomebodyUses) {
+    ASSERT_EQ(Run({"--virtual", "service", "start"}).exitCode, 0);
+    const long service = os::InstanceLockHolder(m_folders.Runtime() / "service.lock");
+    survival::ApplicationProcess application(m_folders, "scan");
+    ASSERT_TRUE(application.WaitFor("set", 0));
+    ASSERT_TRUE(
+        support::WaitUntil([&] { return Service()["client_pid"] == application.Number(); }));
+    const ChildResult result = Run({"--virtual", "--service", "list"});
+    EXPECT_EQ(result.exitCode, kFailed);
+    EXPECT_EQ(result.error, "korvexctl: process " + std::to_string(application.Number()) +
+                                " is using the device service, and --service would start it "
+                                "again; end that process first\n");
+    EXPECT_EQ(os::InstanceLockHolder(m_folders.Runtime() / "service.lock"), service);
+    application.End();
+}
+
+TEST_F(KorvexctlServiceMode, SaysWhichProgramIsMissing) {
+    const fs::path folder = m_folders.Path() / "alone";
+    fs::create_directory(folder);
+    fs::copy_file(KORVEX_KORVEXCTL, folder / "korvexctl");
+    const ChildResult result =
+        RunChild({(folder / "korvexctl").string(), "--virtual", "--service", "list"},
+                 WithoutHead(Options()));
+    EXPECT_EQ(result.exitCode, kFailed);
+    EXPECT_EQ(result.error,
+              "korvexctl: cannot start " + (folder / "hub.exe").string() + ": no such file\n");
+}
+
+TEST_F(KorvexctlServiceMode, SaysThatTheServiceDidNotStart) {
+    const fs::path folder = m_folders.Path() / "broken";
+    fs::create_directory(folder);
+    fs::copy_file(KORVEX_KORVEXCTL, folder / "korvexctl");
+    fs::create_symlink(fs::path(KORVEX_KORVEXCTL).replace_filename("hub.exe"), folder / "hub.exe");
+    WriteText(folder / "ZrSyncService.exe", "#!/bin/sh\nexit 1\n");
+    fs::permissions(folder / "ZrSyncService.exe", fs::perms::owner_all);
+    const ChildResult result =
+        RunChild({(folder / "korvexctl").string(), "--virtual", "--service", "list"},
+                 WithoutHead(Options()));
+    EXPECT_EQ(result.exitCode, kFailed);
+    EXPECT_THAT(result.error, HasSubstr("korvexctl: the service is not running"));
+}
+
+}  // namespace
+
+}  // namespace Korvex3Sync::tests
+
+int main(int argc, char** argv) {
+    // In builds for tests, the pauses of the start are shorter.
+    ::setenv("KORVEX_TIME_SCALE", "0.3", 0);
+    return Korvex3Sync::tests::RunInProcessNamespace(argc, argv, [](int count, char** arguments) {
+        testing::InitGoogleTest(&count, arguments);
+        return RUN_ALL_TESTS();
+    });
+}
