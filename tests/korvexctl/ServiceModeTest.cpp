@@ -1,6 +1,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <filesystem>
 #include <sstream>
@@ -112,12 +113,18 @@ TEST_F(KorvexctlServiceMode, ScansWithTheFiguresOfDirectMode) {
 }
 
 TEST_F(KorvexctlServiceMode, ContinuesAScanWhoseServiceWasKilledAndCountsTheGap) {
-    ChildProcess scan(KorvexctlCommand({"--virtual", "--service", "--json", "scan", "--sets", "300",
-                                        "--period", "20", "--timeout", "60"}),
-                      WithoutHead(Options()));
+    const fs::path folder = m_folders.Path() / "scan";
+    ChildProcess scan(
+        KorvexctlCommand({"--virtual", "--service", "--json", "scan", "--sets", "300", "--period",
+                          "20", "--timeout", "60", "--keep", "10", "--out", folder.string()}),
+        WithoutHead(Options()));
+    // The picture of the first set.
     ASSERT_TRUE(support::WaitUntil([&] {
-        const nlohmann::json service = Service();
-        return service["answers"] == true && service["sets_per_s"] > 0;
+        std::error_code none;
+        fs::directory_iterator file(folder, none);
+        return std::any_of(fs::begin(file), fs::end(file), [](const fs::directory_entry& entry) {
+            return entry.path().extension() == ".png";
+        });
     }));
     const os::OtherProcess service(os::InstanceLockHolder(m_folders.Runtime() / "service.lock"));
     ASSERT_TRUE(service.Kill());
@@ -220,6 +227,22 @@ TEST_F(KorvexctlServiceMode, ShowsWhatTheLibraryLogsOnlyWhenAsked) {
     EXPECT_EQ(result.error, "");
     EXPECT_THAT(ReadText(log), AllOf(HasSubstr("DeviceService Reconnect config"),
                                      HasSubstr("no device start disable enable usb!!!!")));
+}
+
+TEST_F(KorvexctlServiceMode, PrintsNothingOfTheProgramsThatItStarts) {
+    // Found in the current folder of the command; their output is that of the library's process.
+    for (const char* script :
+         {"restart_VID0219_PID0813_REV0221.bat", "restart_VID05E3_PID0620_REV2307.bat"}) {
+        const fs::path file = m_folders.Path() / script;
+        WriteText(file, "#!/bin/sh\necho noise\necho ran >> ran\n");
+        fs::permissions(file, fs::perms::owner_all);
+    }
+    const std::string list = "cd '" + m_folders.Path().string() + "' && '" + KORVEX_KORVEXCTL +
+                             "' --virtual --service --json list";
+    const ChildResult result = RunChild({"sh", "-c", list}, WithoutHead(Options()));
+    EXPECT_EQ(result.exitCode, 0) << result.error;
+    EXPECT_THAT(ParseJson(result.output)["cameras"], SizeIs(2));
+    EXPECT_EQ(ReadText(m_folders.Path() / "ran"), "ran\nran\n");
 }
 
 TEST_F(KorvexctlServiceMode, RefusesWhatRunsInDirectModeOnly) {

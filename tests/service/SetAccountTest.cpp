@@ -189,6 +189,12 @@ TEST_F(ServiceStatistics, ComeWithTheSets) {
     EXPECT_EQ(s.noticesLost, 2U);
     EXPECT_EQ(s.setsWithoutCallback, 1U);
 
+    SendCallback(Nth(4, 1).List({"gone", "s2", "s3"}));
+    Settle();
+    ASSERT_EQ(m_client->GetScanStatistics(m_handle, s), STATUS_SUCCESS);
+    EXPECT_EQ(s.setsOverwritten, 1U);
+    EXPECT_EQ(s.setsDelivered, 0U);
+
     RunSlot("ReConnect");
     Settle();
     ASSERT_EQ(m_client->GetScanStatistics(m_handle, s), STATUS_SUCCESS);
