@@ -163,6 +163,17 @@ TEST_F(Supervision, TheEndOfTheServiceIsLoggedAndNothingElse) {
     EXPECT_EQ(Journaled("ZrSyncService.exe "), 1U);
 }
 
+TEST_F(Supervision, OtherStatesOfTheServiceAreNotLogged) {
+    MakeClient();
+    for (const auto state : {QProcess::Starting, QProcess::Running}) {
+        OnWorker([&] {
+            EXPECT_TRUE(QMetaObject::invokeMethod(m_client.get(), "OnDeviceServiceStateChanged",
+                                                  Q_ARG(QProcess::ProcessState, state)));
+        });
+    }
+    EXPECT_THAT(m_debug.Lines(), testing::IsEmpty());
+}
+
 TEST_F(Supervision, AServiceThatPrintsMuchIsNotBlocked) {
     const std::string journal = (Folder() / "journal").string();
     WriteScript(Folder() / "ZrSyncService.exe",
