@@ -180,6 +180,7 @@ TEST_F(RefusedPeers, AreGoneAtOnceAlsoDuringACall) {
     entered.Wait();
     ExpectRefused(peer, {"no length", LengthOf(0), "a message of 0 bytes"});
     leave.Set();
+    m_service.reset();  // ends the call, which uses both events
 }
 
 TEST_F(RefusedPeers, AreThoseThatFlood) {
