@@ -31,6 +31,9 @@ endif()
 if(MINGW)
     # Test programs made of many files have more sections than an object file usually can.
     add_compile_options(-Wa,-mbig-obj)
+    # For Windows, g++ relies on the registers that an inline function leaves alone, although the linker
+    # may take the copy of another object file.
+    add_compile_options(-fno-ipa-ra)
     # Imported data needs no mark in its declaration.
     add_link_options(-Wl,--enable-auto-import)
 endif()

@@ -40,7 +40,7 @@ std::atomic<long> g_maker{0};
 struct WithdrawAtExit {
     WithdrawAtExit() = default;
     ~WithdrawAtExit() {
-        if (g_maker == os::CurrentProcess()) {
+        if (g_maker == os::CurrentProcess() && !os::OtherThreadsAreGone()) {
             WithdrawVirtualHead();
         }
     }

@@ -15,6 +15,7 @@
 #include "korvexctl/ScanOverHead.h"
 #include "korvexctl/cli/Interrupt.h"
 #include "support/CaseName.h"
+#include "support/SignalName.h"
 #include "support/WaitUntil.h"
 #include "virtual_head/TestFiles.h"
 

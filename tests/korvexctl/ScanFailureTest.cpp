@@ -7,7 +7,7 @@
 
 #include "korvexctl/Korvexctl.h"
 #include "platform/os/Clock.h"
-#include "support/CaseName.h"
+#include "support/SignalName.h"
 #include "virtual_head/TestFiles.h"
 
 namespace Korvex3Sync::tests {

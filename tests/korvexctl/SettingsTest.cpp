@@ -125,7 +125,7 @@ TEST(Settings, AShortExposureWithoutGainOnlySelects) {
     EXPECT_THAT(FindSetting("exposure.0")->help, HasSubstr("with gain 0 no less than 0.4"));
 }
 
-std::string RefusalOf(const std::vector<std::string>& words) {
+std::string RefusalOfWords(const std::vector<std::string>& words) {
     try {
         ReadAssignments(words);
     } catch (const korvexctl::CommandError& error) {
@@ -148,16 +148,18 @@ TEST(Settings, AssignmentsAreNamesFollowedByTheirValues) {
 }
 
 TEST(Settings, AssignmentsThatDoNotAddUpAreRefused) {
-    EXPECT_THAT(RefusalOf({"laser-line-dutty", "60"}), HasSubstr("did you mean laser-line-duty"));
-    EXPECT_THAT(RefusalOf({"laser-line-duty"}), HasSubstr("takes 1 value: percent, 0 to 100"));
-    EXPECT_THAT(RefusalOf({"strobe-duty", "1", "2"}), HasSubstr("takes 3 values"));
-    EXPECT_THAT(RefusalOf({"laser-line-duty", "101"}), HasSubstr("101 is not in 0 to 100"));
-    EXPECT_THAT(RefusalOf({"trigger-mode", "dark"}),
+    EXPECT_THAT(RefusalOfWords({"laser-line-dutty", "60"}),
+                HasSubstr("did you mean laser-line-duty"));
+    EXPECT_THAT(RefusalOfWords({"laser-line-duty"}), HasSubstr("takes 1 value: percent, 0 to 100"));
+    EXPECT_THAT(RefusalOfWords({"strobe-duty", "1", "2"}), HasSubstr("takes 3 values"));
+    EXPECT_THAT(RefusalOfWords({"laser-line-duty", "101"}), HasSubstr("101 is not in 0 to 100"));
+    EXPECT_THAT(RefusalOfWords({"trigger-mode", "dark"}),
                 HasSubstr("\"dark\" is not one of off, laser"));
-    EXPECT_THAT(RefusalOf({"trigger-mode", "patern"}), HasSubstr("; did you mean pattern (see"));
-    EXPECT_THAT(RefusalOf({"trigger-period", "5", "trigger-period", "6"}),
+    EXPECT_THAT(RefusalOfWords({"trigger-mode", "patern"}),
+                HasSubstr("; did you mean pattern (see"));
+    EXPECT_THAT(RefusalOfWords({"trigger-period", "5", "trigger-period", "6"}),
                 HasSubstr("given twice"));
-    EXPECT_THAT(RefusalOf({"trigger-period", "5", "6"}), HasSubstr("unknown setting \"6\""));
+    EXPECT_THAT(RefusalOfWords({"trigger-period", "5", "6"}), HasSubstr("unknown setting \"6\""));
 }
 
 }  // namespace

@@ -12,7 +12,7 @@
 #include "korvexctl/ErrorIntoFile.h"
 #include "korvexctl/commands/SnapCommand.h"
 #include "korvexctl/files/StandardOutput.h"
-#include "support/CaseName.h"
+#include "support/SignalName.h"
 #include "support/WaitUntil.h"
 #include "virtual_head/TestFiles.h"
 

@@ -6,7 +6,7 @@
 
 #include "korvexctl/CommandOverHead.h"
 #include "korvexctl/commands/StatusReport.h"
-#include "support/CaseName.h"
+#include "support/SignalName.h"
 #include "virtual_head/TestFiles.h"
 
 namespace Korvex3Sync::tests {

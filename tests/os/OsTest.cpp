@@ -1,8 +1,4 @@
-#include <fcntl.h>
 #include <gtest/gtest.h>
-#include <pthread.h>
-#include <sys/stat.h>
-#include <unistd.h>
 
 #include <atomic>
 #include <cstdlib>
@@ -12,7 +8,6 @@
 #include <thread>
 #include <vector>
 
-#include "platform/os/Cancellation.h"
 #include "platform/os/Clock.h"
 #include "platform/os/Condition.h"
 #include "platform/os/CriticalSection.h"
@@ -286,45 +281,6 @@ TEST(Thread, CanBeStartedAgainAfterAJoin) {
     EXPECT_EQ(runs, 2);
 }
 
-TEST(Thread, CannotBeCancelled) {
-    Event begin;
-    std::atomic<bool> through{false};
-    std::atomic<pthread_t> self{};
-    Event ready;
-    os::Thread thread;
-    ASSERT_TRUE(thread.Start([&] {
-        self = pthread_self();
-        ready.Set();
-        begin.Wait();
-        pthread_testcancel();
-        through = true;
-    }));
-    ready.Wait();
-    EXPECT_EQ(pthread_cancel(self), 0);
-    begin.Set();
-    thread.Join();
-    EXPECT_TRUE(through);
-}
-
-TEST(CancellationOff, PutsACancellationOffUntilItsEnd) {
-    std::atomic<bool> inside{false};
-    std::atomic<bool> after{false};
-    std::thread thread([&] {
-        pthread_cancel(pthread_self());
-        {
-            const CancellationOff outer;
-            { const CancellationOff inner; }
-            pthread_testcancel();
-            inside = true;
-        }
-        pthread_testcancel();
-        after = true;
-    });
-    thread.join();
-    EXPECT_TRUE(inside);
-    EXPECT_FALSE(after);
-}
-
 TEST(ReadWithoutWaiting, GivesTheFirstBytes) {
     const TemporaryFolder folder;
     const auto file = folder.Path() / "file";
@@ -344,21 +300,6 @@ TEST(ReadWithoutWaiting, SaysWhatIsWrong) {
     EXPECT_EQ(error, std::errc::no_such_file_or_directory);
     ReadWithoutWaiting(folder.Path(), 10, error);
     EXPECT_EQ(error, std::errc::is_a_directory);
-}
-
-TEST(ReadWithoutWaiting, NeverWaitsForAWriter) {
-    const TemporaryFolder folder;
-    const auto fifo = folder.Path() / "fifo";
-    ASSERT_EQ(::mkfifo(fifo.c_str(), 0600), 0);
-    std::error_code error;
-    EXPECT_EQ(ReadWithoutWaiting(fifo, 10, error), "");
-    EXPECT_FALSE(error) << "nobody has it open";
-    const File writer(::open(fifo.c_str(), O_RDWR | O_CLOEXEC));
-    ReadWithoutWaiting(fifo, 10, error);
-    EXPECT_EQ(error, std::errc::resource_unavailable_try_again);
-    EXPECT_FALSE(writer.Write("abc"));
-    ReadWithoutWaiting(fifo, 10, error);
-    EXPECT_EQ(error, std::errc::resource_unavailable_try_again) << "more could come";
 }
 
 }  // namespace

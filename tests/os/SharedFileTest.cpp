@@ -1,57 +1,15 @@
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
-#include <sys/stat.h>
-#include <unistd.h>
+#include <memory>
 
-#include <algorithm>
-#include <filesystem>
-#include <fstream>
-
-#include "platform/os/SharedFile.h"
+#include "os/SharedFiles.h"
 
 namespace Korvex3Sync::tests {
 
 namespace {
 
-namespace fs = std::filesystem;
-using os::SharedFile;
 using ::testing::Contains;
 using ::testing::Not;
-
-constexpr std::uint64_t kSharedSize = 8192;
-
-class SharedFiles : public ::testing::Test {
-protected:
-    ~SharedFiles() override { fs::remove_all(m_path); }
-
-    static SharedFile Create() {
-        std::error_code error;
-        SharedFile file = SharedFile::Create(kSharedSize, error);
-        EXPECT_FALSE(error) << error.message();
-        EXPECT_TRUE(file);
-        return file;
-    }
-    SharedFile CreateNamed() const {
-        SharedFile file = Create();
-        EXPECT_FALSE(file.TakeName(m_name));
-        return file;
-    }
-    SharedFile Open() const {
-        std::error_code error;
-        SharedFile file = SharedFile::Open(m_name, error);
-        EXPECT_EQ(static_cast<bool>(file), !error);
-        return file;
-    }
-    std::error_code OpenError() const {
-        std::error_code error;
-        SharedFile::Open(m_name, error);
-        return error;
-    }
-
-    const std::string m_name = "test-" + std::to_string(::getpid());
-    const fs::path m_path = "/dev/shm/korvex3sync-" + std::to_string(::geteuid()) + "-" + m_name;
-};
 
 TEST_F(SharedFiles, HaveANameFromTheMomentThatTheyTakeIt) {
     const SharedFile file = Create();
@@ -65,7 +23,7 @@ TEST_F(SharedFiles, HaveANameFromTheMomentThatTheyTakeIt) {
     EXPECT_THAT(os::SharedFileNames(), Contains(m_name));
     file.DropName(m_name);
     EXPECT_FALSE(file.Now().usable);
-    EXPECT_FALSE(fs::exists(m_path));
+    EXPECT_EQ(OpenError(), std::errc::no_such_file_or_directory);
 }
 
 TEST_F(SharedFiles, TakeANameFromTheFileThatHasIt) {
@@ -93,42 +51,6 @@ TEST_F(SharedFiles, ShowWhatOthersWrite) {
     const os::SharedMapping none = opened.Map(0, error);
     EXPECT_TRUE(error);
     EXPECT_EQ(none.Data(), nullptr);
-}
-
-TEST_F(SharedFiles, AreOpenedOnlyIfTheyAreFilesOfThisUserAlone) {
-    {
-        const SharedFile file = CreateNamed();
-        for (const mode_t mode : {0601U, 0610U, 0604U, 0660U}) {
-            ASSERT_EQ(::chmod(m_path.c_str(), mode), 0);
-            EXPECT_EQ(OpenError(), std::errc::permission_denied) << std::oct << mode;
-            EXPECT_FALSE(file.Now().usable) << std::oct << mode;
-        }
-    }
-    fs::remove(m_path);
-    fs::create_directory(m_path);
-    fs::permissions(m_path, fs::perms::owner_all);
-    EXPECT_EQ(OpenError(), std::errc::permission_denied);
-    fs::remove(m_path);
-    ASSERT_EQ(::mkfifo(m_path.c_str(), 0600), 0);
-    EXPECT_EQ(OpenError(), std::errc::permission_denied);
-    fs::remove(m_path);
-    fs::create_symlink("/dev/zero", m_path);
-    EXPECT_EQ(OpenError(), std::errc::too_many_symbolic_link_levels);
-}
-
-TEST_F(SharedFiles, CannotTakeTheNameOfAFolder) {
-    fs::create_directory(m_path);
-    EXPECT_TRUE(Create().TakeName(m_name));
-    EXPECT_TRUE(fs::is_directory(m_path));
-}
-
-TEST_F(SharedFiles, ReserveTheirMemoryOrSayThatThereIsTooLittle) {
-    std::error_code error;
-    const SharedFile file = SharedFile::Create(std::uint64_t{1} << 50U, error);
-    ASSERT_FALSE(error);
-    EXPECT_FALSE(file.Reserve(std::uint64_t{1} << 40U, 10000));
-    EXPECT_EQ(file.Reserve(0, std::uint64_t{1} << 50U), std::errc::no_space_on_device);
-    EXPECT_EQ(file.Now().size, std::uint64_t{1} << 50U);
 }
 
 TEST_F(SharedFiles, LockPlacesAgainstOtherObjects) {

@@ -106,7 +106,7 @@ TEST(Documents, NameFilesAndFoldersThatExist) {
 
 TEST(Documents, ShowScriptsThatCanBeRun) {
     const int scripts = ForEachPlace(
-        std::regex("[ `]\\./((?:scripts|\\.ci)/[a-z_]+)"),
+        std::regex("[ `]\\./((?:scripts|\\.ci)/[a-z_-]+)"),
         [](const std::string& page, const std::smatch& match) {
             const fs::path script = kRoot / match[1].str();
             ASSERT_TRUE(fs::is_regular_file(script)) << page << ": " << match[0];

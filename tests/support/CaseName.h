@@ -1,7 +1,6 @@
 #pragma once
 
 #include <cctype>
-#include <cstring>
 #include <string>
 #include <vector>
 
@@ -43,11 +42,6 @@ inline std::string CaseName(const std::vector<std::string>& words) {
         text += (text.empty() ? "" : " ") + (word.empty() ? std::string("empty") : word);
     }
     return CaseName(text);
-}
-
-/// The name of a signal: "SIGINT".
-inline std::string SignalName(int signal) {
-    return std::string("SIG") + ::sigabbrev_np(signal);
 }
 
 }  // namespace Korvex3Sync::tests::support

@@ -40,7 +40,11 @@ public:
     /// Its process number; -1 after its end was waited for.
     long Number() const { return m_pid; }
     void Signal(int signal) const;
-    /// Whether SIGSTOP has stopped it.
+    void Kill() const;
+    /// None of its threads runs until Continue.
+    void Stop() const;
+    void Continue() const;
+    /// Whether it has stopped.
     bool IsStopped() const;
     /// Waits until standard output contains the text; false if the child ends or the deadline
     /// passes first.

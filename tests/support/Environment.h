@@ -11,6 +11,9 @@ namespace Korvex3Sync::tests {
 void SetVariable(const std::string& name, const std::string& value);
 void RemoveVariable(const std::string& name);
 
+/// From now on standard output gets the bytes that are printed: nothing is put before line ends.
+void KeepLineEnds();
+
 /// Makes a folder in the folder for temporary files. Its path is short, because a socket path is.
 std::filesystem::path NewFolder(const std::string& beginning);
 
@@ -19,5 +22,8 @@ std::vector<std::pair<std::string, std::string>> FoldersIn(const std::filesystem
 /// Where sockets and lock files then are, and where logs are.
 std::filesystem::path RuntimeFolderIn(const std::filesystem::path& home);
 std::filesystem::path LogFolderIn(const std::filesystem::path& home);
+
+/// The file of a shared-memory object of this user; empty on a system where it is no file.
+std::filesystem::path SharedMemoryFile(const std::string& name);
 
 }  // namespace Korvex3Sync::tests

@@ -11,6 +11,7 @@
 #include <sstream>
 #include <utility>
 
+#include "support/Environment.h"
 #include "support/GoldenSections.h"
 
 namespace Korvex3Sync::tests::support {
@@ -123,6 +124,7 @@ std::string Joined(const Lines& lines) {
 
 Output::Output(Of of) : m_of(of) {
     testing::internal::CaptureStdout();
+    KeepLineEnds();
     google::AddLogSink(this);
 }
 

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <cstdint>
@@ -16,9 +15,11 @@
 #include <vector>
 
 #include "link/Folders.h"
+#include "platform/os/SharedFile.h"
 #include "platform/tunnel/AreaName.h"
 #include "platform/tunnel/AreaReader.h"
 #include "platform/tunnel/AreaWriter.h"
+#include "support/Environment.h"
 
 namespace Korvex3Sync::tests {
 
@@ -27,7 +28,14 @@ inline std::filesystem::path FileOf(const std::string& area) {
     std::string reason;
     const std::string name = tunnel::SharedNameOf(area, reason);
     EXPECT_NE(name, "") << reason;
-    return "/dev/shm/korvex3sync-" + std::to_string(::geteuid()) + "-" + name;
+    return SharedMemoryFile(name);
+}
+
+/// Whether an area has its name, with or without a living owner.
+inline bool AreaExists(const std::string& area) {
+    std::string reason;
+    const std::vector<std::string> names = os::SharedFileNames();
+    return std::ranges::find(names, tunnel::SharedNameOf(area, reason)) != names.end();
 }
 
 inline std::unique_ptr<tunnel::AreaWriter> MakeArea(const std::string& area, std::size_t segments,

@@ -1,10 +1,10 @@
 // A process on one side of an area, which the tests stop and kill.
 
-#include <unistd.h>
-
+#include <chrono>
 #include <cstdlib>
 #include <iostream>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "tunnel/Areas.h"
@@ -16,7 +16,7 @@ namespace {
 /// Waits until the test ends this process.
 [[noreturn]] void WaitForTheEnd() {
     for (;;) {
-        ::pause();
+        std::this_thread::sleep_for(std::chrono::seconds(1));
     }
 }
 

@@ -1,7 +1,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <csignal>
 #include <random>
 
 #include "support/BlockingCall.h"
@@ -79,11 +78,11 @@ bool AnyEntryLocked(const os::SharedFile& file) {
 /// Stops the writer while it holds locks of entries; false if that does not happen.
 bool StopInASet(const ChildProcess& writer, const os::SharedFile& file) {
     return WaitUntil([&] {
-        writer.Signal(SIGSTOP);
+        writer.Stop();
         if (WaitUntil([&] { return writer.IsStopped(); }) && AnyEntryLocked(file)) {
             return true;
         }
-        writer.Signal(SIGCONT);
+        writer.Continue();
         return false;
     });
 }
@@ -100,12 +99,12 @@ TEST_F(Processes, KilledAtAnyMomentLeaveNothingTornAndNothingBehind) {
         ChildProcess writer(WritingPeer());
         ASSERT_TRUE(writer.WaitForOutput("writing"));
         ASSERT_TRUE(SeeSegments(std::uniform_int_distribution<int>(1, 20)(random)));
-        writer.Signal(SIGKILL);
+        writer.Kill();
         writer.Wait();
         FoundSegments();
     }
     tunnel::AreaWriter::ReclaimStaleAreas();
-    EXPECT_FALSE(std::filesystem::exists(FileOf("images")));
+    EXPECT_FALSE(AreaExists("images"));
 }
 
 TEST_F(Processes, KilledWithALockReleaseIt) {
@@ -114,7 +113,7 @@ TEST_F(Processes, KilledWithALockReleaseIt) {
         ASSERT_TRUE(writer.WaitForOutput("writing"));
         const os::SharedFile file = OpenFile();
         ASSERT_TRUE(StopInASet(writer, file));
-        writer.Signal(SIGKILL);
+        writer.Kill();
         writer.Wait();
         EXPECT_FALSE(AnyEntryLocked(file));
         EXPECT_FALSE(file.LockedElsewhere(tunnel::kOwnerLock));
@@ -135,7 +134,7 @@ TEST_F(Processes, StoppedWithALockDoNotStopAReader) {
     const support::BlockingCall calls([&] { FoundSegments(); });
     EXPECT_TRUE(calls.WaitUntilReturned());
     EXPECT_TRUE(AnyEntryLocked(file));
-    writer.Signal(SIGCONT);
+    writer.Continue();
     EXPECT_TRUE(SeeSegments(10));
 }
 
@@ -149,7 +148,7 @@ TEST_F(Processes, KilledWithAPinGiveItsPlaceBack) {
         EXPECT_TRUE(Write(*writer, {"d", "e"}, number, kPeerBytes));
         EXPECT_THAT(Found(*m_reader, "b"), Optional(Whole(1, kPeerBytes)));
     }
-    holder.Signal(SIGKILL);
+    holder.Kill();
     holder.Wait();
     EXPECT_TRUE(Write(*writer, {"d", "e", "f"}, 10, kPeerBytes));
     EXPECT_EQ(Found(*m_reader, "b"), std::nullopt);
@@ -160,7 +159,7 @@ TEST_F(Processes, StoppedWithAPinCostTheWriterOnePlace) {
     ASSERT_TRUE(Write(*writer, {"x"}, 1, kPeerBytes));
     ChildProcess holder(Peer({"hold", "images", "x"}));
     ASSERT_TRUE(holder.WaitForOutput("holding"));
-    holder.Signal(SIGSTOP);
+    holder.Stop();
     for (int number = 2; number < 10; ++number) {
         ASSERT_TRUE(Write(*writer, {"a", "b", "c"}, number, kPeerBytes));
         EXPECT_THAT(Found(*m_reader, "c"), Optional(Whole(number, kPeerBytes)));
@@ -172,27 +171,27 @@ TEST_F(Processes, LeaveTheAreasOfLivingOnesAlone) {
     ASSERT_TRUE(living.WaitForOutput("writing"));
     ChildProcess dead(Peer({"write", "other", "3", "1000"}));
     ASSERT_TRUE(dead.WaitForOutput("writing"));
-    ASSERT_TRUE(std::filesystem::exists(FileOf("other")));
-    dead.Signal(SIGKILL);
+    ASSERT_TRUE(AreaExists("other"));
+    dead.Kill();
     dead.Wait();
     const auto writer = MakeArea("third", 3, kPeerBytes);
-    EXPECT_FALSE(std::filesystem::exists(FileOf("other")));
+    EXPECT_FALSE(AreaExists("other"));
     EXPECT_TRUE(SeeSegments(10));
     // Stopped is not dead.
-    living.Signal(SIGSTOP);
+    living.Stop();
     tunnel::AreaWriter::ReclaimStaleAreas();
-    EXPECT_TRUE(std::filesystem::exists(FileOf("images")));
-    EXPECT_TRUE(std::filesystem::exists(FileOf("third")));
+    EXPECT_TRUE(AreaExists("images"));
+    EXPECT_TRUE(AreaExists("third"));
 }
 
 TEST_F(Processes, ReplaceTheAreaOfOneThatHangs) {
     ChildProcess hung(WritingPeer());
     ASSERT_TRUE(hung.WaitForOutput("writing"));
-    hung.Signal(SIGSTOP);
+    hung.Stop();
     const auto next = MakeArea("images", 3, kPeerBytes);
     ASSERT_TRUE(Write(*next, {"n"}, 8, kPeerBytes));
     EXPECT_THAT(Found(*m_reader, "n"), Optional(Whole(8, kPeerBytes)));
-    hung.Signal(SIGCONT);
+    hung.Continue();
     for (int i = 0; i < 20; ++i) {
         ASSERT_TRUE(Write(*next, {"n"}, 9 + i, kPeerBytes));
         EXPECT_THAT(Found(*m_reader, "n"), Optional(Whole(9 + i, kPeerBytes)));

@@ -153,7 +153,7 @@ TEST_F(Segments, KeepTheirBytesWhileTheyExist) {
 
 TEST_F(Segments, OfAFileThatIsCutShortGiveNothing) {
     Prepare();
-    ASSERT_EQ(::truncate(FileOf(AreaName().toStdString()).c_str(), 8192), 0);
+    std::filesystem::resize_file(FileOf(AreaName().toStdString()), 8192);
     EXPECT_FALSE(m_segment->lock());
     EXPECT_EQ(m_segment->bytesAvailable(), 0);
     char byte = 0;

@@ -1,10 +1,7 @@
 #include "virtual_head/Request.h"
 
 #include <gmock/gmock.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
-#include <csignal>
 #include <cstdlib>
 #include <iostream>
 #include <thread>
@@ -203,24 +200,6 @@ TEST_F(RequestByEnvironmentTest, RunningHeadEndsWithTheProcess) {
             Leave(true);
         },
         ExitedWithCode(0), "^left\n$");
-}
-
-TEST_F(RequestTest, AForkedChildEndsAlthoughTheThreadsOfTheHeadAreNotInIt) {
-    ASSERT_TRUE(RequestVirtualHead(Small(), m_error)) << m_error;
-    const pid_t child = ::fork();
-    if (child == 0) {
-        std::exit(0);
-    }
-    ASSERT_GT(child, 0);
-    int status = 0;
-    const bool ended = support::WaitUntil([&] { return ::waitpid(child, &status, WNOHANG) != 0; });
-    if (!ended) {
-        ::kill(child, SIGKILL);
-        ::waitpid(child, &status, 0);
-    }
-    EXPECT_TRUE(ended);
-    EXPECT_TRUE(WIFEXITED(status));
-    EXPECT_TRUE(RequestedVirtualHead()) << "the head of this process stays";
 }
 
 }  // namespace

@@ -9,6 +9,10 @@ namespace Korvex3Sync::os {
 /// The number of this process. A forked child has another one than its parent.
 long CurrentProcess();
 
+/// Whether the system has already ended the other threads of this process, which it does on Windows
+/// before it unloads the libraries. Then nothing may wait for a thread or for what one holds.
+bool OtherThreadsAreGone();
+
 /// Separates this process from the one that started it. Standard input, output and error become
 /// empty, so nobody has to read what it prints. Ctrl-C in the terminal of the starting process does
 /// not reach it, unless a shell started it as a command of its own.

@@ -80,10 +80,13 @@ public:
 private:
     explicit SharedFile(int descriptor, bool created) : m_file(descriptor), m_created(created) {}
 
+    bool Lock(std::uint64_t place, bool alone) const;
+
     File m_file;
     bool m_created = false;
-    /// The memory, on a system where a file cannot be memory only.
-    std::shared_ptr<void> m_memory;
+    /// What else there is on a system where a file cannot be memory only.
+    struct Memory;
+    std::shared_ptr<Memory> m_memory;
 };
 
 /// The names of all shared files of this user.

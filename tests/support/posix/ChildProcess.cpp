@@ -103,6 +103,18 @@ void ChildProcess::Signal(int signal) const {
     ASSERT_EQ(::kill(static_cast<pid_t>(m_process), signal), 0);
 }
 
+void ChildProcess::Kill() const {
+    Signal(SIGKILL);
+}
+
+void ChildProcess::Stop() const {
+    Signal(SIGSTOP);
+}
+
+void ChildProcess::Continue() const {
+    Signal(SIGCONT);
+}
+
 bool ChildProcess::IsStopped() const {
     return ProcessIsStopped(m_pid);
 }

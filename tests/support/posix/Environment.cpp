@@ -1,6 +1,7 @@
 #include "support/Environment.h"
 
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <cstdlib>
 
@@ -15,6 +16,8 @@ void SetVariable(const std::string& name, const std::string& value) {
 void RemoveVariable(const std::string& name) {
     ::unsetenv(name.c_str());
 }
+
+void KeepLineEnds() {}
 
 fs::path NewFolder(const std::string& beginning) {
     std::string path = "/tmp/" + beginning + "XXXXXX";
@@ -32,6 +35,10 @@ fs::path RuntimeFolderIn(const fs::path& home) {
 
 fs::path LogFolderIn(const fs::path& home) {
     return home / "s" / "korvex3sync";
+}
+
+fs::path SharedMemoryFile(const std::string& name) {
+    return "/dev/shm/korvex3sync-" + std::to_string(::geteuid()) + "-" + name;
 }
 
 }  // namespace Korvex3Sync::tests

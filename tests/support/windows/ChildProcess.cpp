@@ -11,6 +11,10 @@
 #include "platform/os/Descriptors.h"
 #include "platform/os/windows/System.h"
 
+// In no header of the system.
+extern "C" __declspec(dllimport) LONG NTAPI NtSuspendProcess(HANDLE process);
+extern "C" __declspec(dllimport) LONG NTAPI NtResumeProcess(HANDLE process);
+
 namespace Korvex3Sync::tests {
 
 namespace {
@@ -153,6 +157,23 @@ ChildProcess::~ChildProcess() {
 // The console's Ctrl-Break is the only signal here.
 void ChildProcess::Signal(int /*signal*/) const {
     ASSERT_NE(::GenerateConsoleCtrlEvent(CTRL_BREAK_EVENT, static_cast<DWORD>(m_pid)), 0);
+}
+
+void ChildProcess::Kill() const {
+    ASSERT_NE(::TerminateProcess(reinterpret_cast<HANDLE>(m_process), kKilled), 0);
+}
+
+void ChildProcess::Stop() const {
+    ASSERT_EQ(::NtSuspendProcess(reinterpret_cast<HANDLE>(m_process)), 0);
+}
+
+void ChildProcess::Continue() const {
+    ASSERT_EQ(::NtResumeProcess(reinterpret_cast<HANDLE>(m_process)), 0);
+}
+
+// Stop returns when it has.
+bool ChildProcess::IsStopped() const {
+    return true;
 }
 
 bool ChildProcess::ReadSome() {

@@ -1,7 +1,10 @@
 #include "support/Environment.h"
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <io.h>
 
+#include <cstdio>
 #include <cstdlib>
 #include <random>
 
@@ -19,6 +22,11 @@ void SetVariable(const std::string& name, const std::string& value) {
 
 void RemoveVariable(const std::string& name) {
     ::_wputenv_s(os::Wide(name).c_str(), L"");
+}
+
+void KeepLineEnds() {
+    std::fflush(stdout);
+    EXPECT_NE(::_setmode(::_fileno(stdout), _O_BINARY), -1);
 }
 
 fs::path NewFolder(const std::string& beginning) {
@@ -43,6 +51,10 @@ fs::path RuntimeFolderIn(const fs::path& home) {
 
 fs::path LogFolderIn(const fs::path& home) {
     return home / "korvex3sync" / "log";
+}
+
+fs::path SharedMemoryFile(const std::string& /*name*/) {
+    return {};
 }
 
 }  // namespace Korvex3Sync::tests

@@ -71,6 +71,10 @@ long CurrentProcess() {
     return ::getpid();
 }
 
+bool OtherThreadsAreGone() {
+    return false;
+}
+
 void BecomeBackgroundProcess() {
     // Fails for the leader of a process group, which only a shell starts.
     ::setsid();

@@ -151,11 +151,15 @@ SharedFile::State SharedFile::Now() const {
 }
 
 bool SharedFile::LockForReading(std::uint64_t place) const {
-    return SetLock(m_file, F_RDLCK, place);
+    return Lock(place, false);
 }
 
 bool SharedFile::LockForWriting(std::uint64_t place) const {
-    return SetLock(m_file, F_WRLCK, place);
+    return Lock(place, true);
+}
+
+bool SharedFile::Lock(std::uint64_t place, bool alone) const {
+    return SetLock(m_file, static_cast<short>(alone ? F_WRLCK : F_RDLCK), place);
 }
 
 void SharedFile::Unlock(std::uint64_t place) const {

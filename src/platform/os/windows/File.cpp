@@ -7,6 +7,7 @@
 
 #include "platform/os/Descriptors.h"
 #include "platform/os/windows/System.h"
+#include "platform/os/windows/UserFolder.h"
 
 namespace Korvex3Sync::os {
 
@@ -41,6 +42,10 @@ std::string ReadWithoutWaiting(const fs::path& path, std::size_t most, std::erro
     const File file = OpenedFile(
         ::CreateFileW(path.c_str(), GENERIC_READ, kShareAll, nullptr, OPEN_EXISTING, 0, nullptr),
         error);
+    if (std::error_code none;
+        error == std::errc::permission_denied && fs::is_directory(path, none)) {
+        error = std::make_error_code(std::errc::is_a_directory);
+    }
     std::string bytes;
     std::array<char, kReadAtOnce> part{};
     while (!error && bytes.size() < most) {
@@ -113,13 +118,32 @@ std::error_code SyncFileSystem(const fs::path& /*folder*/) noexcept {
 }
 
 File LockFolder(const fs::path& folder, std::error_code& error) {
-    // Two that ask for deletion and do not share it exclude each other; files in the folder are
-    // free.
-    return OpenedFile(::CreateFileW(folder.empty() ? L"." : folder.c_str(),
-                                    FILE_LIST_DIRECTORY | DELETE | SYNCHRONIZE,
-                                    FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_EXISTING,
-                                    FILE_FLAG_BACKUP_SEMANTICS, nullptr),
-                      error);
+    // A file of the user stands for the folder: it is gone with the last handle.
+    const Handle opened = Opened(::CreateFileW(folder.empty() ? L"." : folder.c_str(),
+                                               FILE_READ_ATTRIBUTES, kShareAll, nullptr,
+                                               OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr));
+    BY_HANDLE_FILE_INFORMATION identity{};
+    std::string reason;
+    const fs::path locks = UserFolder(L"run", reason);
+    if (!opened || ::GetFileInformationByHandle(opened.get(), &identity) == 0 || locks.empty()) {
+        error = LastError();
+        return {};
+    }
+    if ((identity.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) == 0) {
+        error = std::make_error_code(std::errc::not_a_directory);
+        return {};
+    }
+    const fs::path lock = locks / ("folder-" + std::to_string(identity.dwVolumeSerialNumber) + "-" +
+                                   std::to_string(identity.nFileIndexHigh) + "-" +
+                                   std::to_string(identity.nFileIndexLow) + ".lock");
+    File file = OpenedFile(::CreateFileW(lock.c_str(), GENERIC_WRITE, 0, nullptr, OPEN_ALWAYS,
+                                         FILE_FLAG_DELETE_ON_CLOSE, nullptr),
+                           error);
+    // While the last holder closes it, the file is neither there nor free to be made.
+    if (error == std::errc::permission_denied) {
+        error = std::make_error_code(std::errc::resource_unavailable_try_again);
+    }
+    return file;
 }
 
 bool MeansNoRoom(const std::error_code& error) {

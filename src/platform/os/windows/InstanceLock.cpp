@@ -18,15 +18,15 @@ namespace {
 constexpr std::uint64_t kLockedPlace = std::uint64_t{1} << 62;
 /// The system knows no question that takes no lock. One that is asked at the same moment must not
 /// keep the lock from a process that starts.
-constexpr int kAttempts = 10;
-constexpr std::chrono::milliseconds kBetweenAttempts{5};
+constexpr int kLockAttempts = 10;
+constexpr std::chrono::milliseconds kBetweenLockAttempts{5};
 
 bool TakeLock(HANDLE file) {
-    for (int attempt = 0; attempt < kAttempts; ++attempt) {
+    for (int attempt = 0; attempt < kLockAttempts; ++attempt) {
         if (LockPlace(file, kLockedPlace, true)) {
             return true;
         }
-        SleepFor(kBetweenAttempts);
+        SleepFor(kBetweenLockAttempts);
     }
     return false;
 }

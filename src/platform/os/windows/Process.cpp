@@ -14,6 +14,9 @@
 #include "platform/os/Clock.h"
 #include "platform/os/Descriptors.h"
 
+// In no header of the system.
+extern "C" __declspec(dllimport) BOOLEAN NTAPI RtlDllShutdownInProgress();
+
 namespace Korvex3Sync::os {
 
 namespace {
@@ -36,6 +39,10 @@ bool SameName(const std::wstring& one, const std::wstring& other) {
 
 long CurrentProcess() {
     return static_cast<long>(::GetCurrentProcessId());
+}
+
+bool OtherThreadsAreGone() {
+    return ::RtlDllShutdownInProgress() != FALSE;
 }
 
 void BecomeBackgroundProcess() {
@@ -90,7 +97,7 @@ bool OtherProcess::WaitForEnd(std::chrono::milliseconds nominalLimit) const {
 }
 
 bool OtherProcess::Kill() const {
-    return m_reference != 0 && ::TerminateProcess(HandleOf(m_reference), EXIT_FAILURE) != 0;
+    return Runs() && ::TerminateProcess(HandleOf(m_reference), EXIT_FAILURE) != 0;
 }
 
 void EndProcesses(const std::string& program) {

@@ -2,12 +2,16 @@
 
 #include <algorithm>
 #include <array>
+#include <chrono>
 #include <cstring>
 #include <filesystem>
 #include <functional>
 #include <random>
+#include <set>
 #include <utility>
 
+#include "platform/os/Clock.h"
+#include "platform/os/CriticalSection.h"
 #include "platform/os/Descriptors.h"
 #include "platform/os/windows/System.h"
 #include "platform/os/windows/UserFolder.h"
@@ -41,6 +45,8 @@ struct Label {
 };
 
 constexpr DWORD kAllAccess = GENERIC_READ | GENERIC_WRITE | DELETE;
+constexpr int kAttempts = 3;
+constexpr std::chrono::milliseconds kBetweenAttempts{1};
 constexpr const wchar_t* kExtension = L".area";
 
 bool ReadLabel(HANDLE file, Label& label) {
@@ -112,11 +118,15 @@ Handle LockNames() {
     return file;
 }
 
-std::shared_ptr<void> OwnedSection(HANDLE section) {
-    return {section, HandleCloser()};
-}
-
 }  // namespace
+
+struct SharedFile::Memory {
+    Handle section;
+    Mutex mutex;
+    /// The places that this object has locked: the system does not tell its locks from those of
+    /// others.
+    std::set<std::uint64_t> locked KORVEX_GUARDED_BY(mutex);
+};
 
 SharedMapping::~SharedMapping() {
     if (!m_bytes.empty()) {
@@ -161,7 +171,8 @@ SharedFile SharedFile::Create(std::uint64_t size, std::error_code& error) {
         return {};
     }
     SharedFile created(-1, true);
-    created.m_memory = OwnedSection(section);
+    created.m_memory = std::make_shared<Memory>();
+    created.m_memory->section.reset(section);
     created.m_file = File(DescriptorFor(std::move(file)));
     error = created ? std::error_code{} : std::make_error_code(std::errc::too_many_files_open);
     return created;
@@ -176,9 +187,8 @@ SharedFile SharedFile::Open(const std::string& name, std::error_code& error) {
         }
         // Without a section, its creator has ended and nobody uses it: what is left is a name.
         const HANDLE section = ::OpenFileMappingW(FILE_MAP_READ, FALSE, SectionName(label).c_str());
-        if (section != nullptr) {
-            opened.m_memory = OwnedSection(section);
-        }
+        opened.m_memory = std::make_shared<Memory>();
+        opened.m_memory->section.reset(section);
         opened.m_file = File(DescriptorFor(std::move(file)));
         error.clear();
         return true;
@@ -191,7 +201,7 @@ std::error_code SharedFile::Reserve(std::uint64_t offset, std::uint64_t size) co
     ::GetSystemInfo(&system);
     const std::uint64_t before = offset % system.dwAllocationGranularity;
     const OVERLAPPED start = Place(offset - before);
-    void* const view = ::MapViewOfFile(m_memory.get(), FILE_MAP_WRITE, start.OffsetHigh,
+    void* const view = ::MapViewOfFile(m_memory->section.get(), FILE_MAP_WRITE, start.OffsetHigh,
                                        start.Offset, static_cast<SIZE_T>(before + size));
     if (view == nullptr) {
         return LastError();
@@ -205,8 +215,12 @@ std::error_code SharedFile::Reserve(std::uint64_t offset, std::uint64_t size) co
 }
 
 SharedMapping SharedFile::Map(std::size_t size, std::error_code& error) const {
-    void* const start =
-        ::MapViewOfFile(m_memory.get(), m_created ? FILE_MAP_WRITE : FILE_MAP_READ, 0, 0, size);
+    if (size == 0) {
+        error = std::make_error_code(std::errc::invalid_argument);
+        return {};
+    }
+    void* const start = ::MapViewOfFile(m_memory->section.get(),
+                                        m_created ? FILE_MAP_WRITE : FILE_MAP_READ, 0, 0, size);
     error = start != nullptr ? std::error_code{} : LastError();
     return start != nullptr ? SharedMapping({static_cast<std::byte*>(start), size})
                             : SharedMapping();
@@ -249,23 +263,43 @@ SharedFile::State SharedFile::Now() const {
 }
 
 bool SharedFile::LockForReading(std::uint64_t place) const {
-    return LockPlace(HandleOf(m_file.Descriptor()), place, false);
+    return Lock(place, false);
 }
 
 bool SharedFile::LockForWriting(std::uint64_t place) const {
-    return LockPlace(HandleOf(m_file.Descriptor()), place, true);
+    return m_created && Lock(place, true);
+}
+
+bool SharedFile::Lock(std::uint64_t place, bool alone) const {
+    const MutexGuard guard(m_memory->mutex);
+    if (!LockPlace(HandleOf(m_file.Descriptor()), place, alone)) {
+        return false;
+    }
+    m_memory->locked.insert(place);
+    return true;
 }
 
 void SharedFile::Unlock(std::uint64_t place) const {
-    UnlockPlace(HandleOf(m_file.Descriptor()), place);
+    const MutexGuard guard(m_memory->mutex);
+    if (m_memory->locked.erase(place) > 0) {
+        UnlockPlace(HandleOf(m_file.Descriptor()), place);
+    }
 }
 
 bool SharedFile::LockedElsewhere(std::uint64_t place) const {
-    if (!LockPlace(HandleOf(m_file.Descriptor()), place, false)) {
-        return true;
+    const MutexGuard guard(m_memory->mutex);
+    if (m_memory->locked.contains(place)) {
+        return false;
     }
-    UnlockPlace(HandleOf(m_file.Descriptor()), place);
-    return false;
+    // The system answers only to who takes the lock. Another one that asks holds it for a moment.
+    for (int attempt = 0; attempt < kAttempts; ++attempt) {
+        if (LockPlace(HandleOf(m_file.Descriptor()), place, true)) {
+            UnlockPlace(HandleOf(m_file.Descriptor()), place);
+            return false;
+        }
+        SleepFor(kBetweenAttempts);
+    }
+    return true;
 }
 
 std::vector<std::string> SharedFileNames() {
