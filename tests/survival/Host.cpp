@@ -72,6 +72,11 @@ public:
             for (const Export& one : EveryExport()) {
                 Timed(one.name, [&] { return one.call(m_handle); });
             }
+        } else if (command == "gaps") {  // reconnections, and how long they took in milliseconds
+            ScanStatistics statistics;
+            Timed("GetScanStatistics", [&] { return GetScanStatistics(m_handle, statistics); });
+            Say("gaps %" PRId64 " %" PRIu64 "/%" PRIu64 "\n", Nanoseconds(),
+                statistics.serviceReconnects, statistics.serviceGapMs);
         } else if (command == "park") {  // keeps this handle and takes the other one
             std::swap(m_handle, m_parked);
         } else {

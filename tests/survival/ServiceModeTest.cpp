@@ -5,7 +5,9 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstdint>
 #include <fstream>
+#include <sstream>
 
 #include "support/WaitUntil.h"
 #include "survival/HostWorld.h"
@@ -18,6 +20,8 @@ using ::testing::ElementsAreArray;
 
 /// Calls that wait for a reconnection take as long as the start of a service and one limit.
 constexpr double kReconnectMs = kStartMs + kCallLimitMs;
+/// The scan watchdog's period: a gap in the images is never shorter.
+constexpr std::uint64_t kWatchdogMs = 1000;
 
 /// How many attempts to reconnect have begun after a moment.
 std::size_t Reconnections(const ApplicationProcess& host, Moment after) {
@@ -37,6 +41,24 @@ void ExpectRestored(const HostWorld& world, pid_t before, int settings) {
                 ElementsAreArray(ExpectedJournal(HostSettings(settings))));
 }
 
+/// What the library has counted of its reconnections.
+struct Gaps {
+    std::uint64_t reconnections = 0;
+    std::uint64_t milliseconds = 0;
+};
+
+Gaps GapsOf(ApplicationProcess& host) {
+    const Moment asked = Now();
+    Do(host, "gaps");
+    const auto said = host.WaitFor("gaps", asked);
+    EXPECT_TRUE(said);
+    Gaps gaps;
+    char slash = 0;
+    std::istringstream(said ? said->word : "") >> gaps.reconnections >> slash >> gaps.milliseconds;
+    EXPECT_EQ(slash, '/');
+    return gaps;
+}
+
 /// Runs rounds in which `harm` does something to the service during a scan.
 void RunHarmfulRounds(const std::string& how,
                       const std::function<void(HostWorld& world, Dice& dice)>& harm) {
@@ -51,6 +73,7 @@ void RunHarmfulRounds(const std::string& how,
         dice.Pause(kLongPauseMs);
         const pid_t service = world.RunningService();
         const std::size_t scripts = world.ScriptRuns();
+        const Gaps before = GapsOf(*host);
         const Moment begun = Now();
         harm(world, dice);
         const Moment harmed = Now();
@@ -62,6 +85,9 @@ void RunHarmfulRounds(const std::string& how,
         ExpectRestored(world, service, settings);
         // Each attempt runs both scripts. On a busy machine the first one may fail.
         EXPECT_EQ(world.ScriptRuns(), scripts + 2 * Reconnections(*host, begun));
+        const Gaps after = GapsOf(*host);
+        EXPECT_EQ(after.reconnections, before.reconnections + 1);
+        EXPECT_GE(after.milliseconds, before.milliseconds + kWatchdogMs);
         return Recovery{harmed, recovered};
     });
     Do(*host, "ask 0");
