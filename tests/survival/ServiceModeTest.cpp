@@ -189,6 +189,25 @@ TEST(ServiceMode, WithoutCamerasEveryCallIsAnswered) {
     world.End(*host);
 }
 
+TEST(ServiceMode, WhileAnotherClientHasTheDeviceEveryCallIsRefused) {
+    HostWorld world;
+    const auto host = world.Host();
+    ApplicationProcess owner(world.Folders(), "scan");
+    ASSERT_TRUE(SteadySetsAfter(owner, 0));
+    EXPECT_EQ(StatusOf(*host, "connect"), STATUS_FAILED);
+    for (const Event& call : Do(*host, "every")) {
+        EXPECT_TRUE(call.number == STATUS_NOT_CONNECTED || call.number == STATUS_NOT_SUPPORTED)
+            << call.word << " gave " << call.number;
+    }
+    EXPECT_TRUE(SteadySetsAfter(owner, Now())) << "the scan of the owner goes on";
+    owner.End();
+    EXPECT_TRUE(support::WaitUntil([&] { return StatusOf(*host, "connect") == STATUS_SUCCESS; }));
+    EXPECT_EQ(StatusOf(*host, "disconnect"), STATUS_SUCCESS);
+    ExpectCalls(*host, {STATUS_SUCCESS, STATUS_FAILED, STATUS_NOT_CONNECTED, STATUS_NOT_SUPPORTED},
+                kStartMs);
+    world.End(*host);
+}
+
 TEST(ServiceMode, WithoutTheServiceEveryCallIsRefusedUntilOneIsThere) {
     HostWorld world;
     const auto host = world.Host();
