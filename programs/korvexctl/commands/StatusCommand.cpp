@@ -37,24 +37,19 @@ void TakeImageSet(const void* const&, std::vector<unsigned char*>&, const int&, 
 class RecoverySchedule {
 public:
     bool IsDue(const BoardStatus& status) {
-        constexpr std::chrono::milliseconds kSilence{1800};  // a tenth poll is late
+        constexpr std::chrono::milliseconds kSilence{
+            1900};  // ten polls, of which the last is early
         const auto now = std::chrono::steady_clock::now();
-        if (status.Answers()) {
-            m_silentSince.reset();
-            return false;
+        const bool due = !status.Answers() && now - m_lastSign >= kSilence;
+        if (due || status.Answers()) {
+            m_lastSign = now;
         }
-        if (!m_silentSince) {
-            m_silentSince = now;
-        }
-        if (now - *m_silentSince < kSilence) {
-            return false;
-        }
-        m_silentSince.reset();
-        return true;
+        return due;
     }
 
 private:
-    std::optional<std::chrono::steady_clock::time_point> m_silentSince;
+    /// The last answer or attempt.
+    std::chrono::steady_clock::time_point m_lastSign = std::chrono::steady_clock::now();
 };
 
 /// The losses that the library counts, by place; null when it does not report them.
