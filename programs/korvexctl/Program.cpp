@@ -1,6 +1,7 @@
 #include "korvexctl/Program.h"
 
 #include <exception>
+#include <memory>
 #include <nlohmann/json.hpp>
 #include <string>
 
@@ -38,8 +39,9 @@ Outcome RunAsked(const CommandLine& line, Output& output) {
     }
     const EndingOnInterrupt ending;
     return ending.OutcomeOf([&] {
+        std::unique_ptr<QCoreApplication> application;
         if (line.service && line.uses == Uses::Head) {
-            SwitchToService(line.virtualHead, output.ShowsProgress());
+            application = SwitchToService(line.virtualHead, output.ShowsProgress());
         }
         return line.run(output);
     });

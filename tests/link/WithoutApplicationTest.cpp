@@ -2,11 +2,15 @@
 
 #include <QCoreApplication>
 
+#include <atomic>
 #include <memory>
+#include <string>
+#include <thread>
 
 #include "link/LinkSession.h"
 #include "link/LogText.h"
 #include "platform/include/SyncInterface.h"
+#include "platform/link/channel/IoLoop.h"
 #include "support/BlockingCall.h"
 
 namespace Korvex3Sync::tests {
@@ -55,6 +59,25 @@ TEST_F(WithoutApplication, AClientConnectsWhenThereIsOne) {
     const TestHub hub;
     const TestService service;
     EXPECT_TRUE(WaitUntilAnswers(client));
+}
+
+TEST_F(WithoutApplication, TheEndOfItWaitsForTheThread) {
+    auto application = NewApplication();
+    std::atomic<bool> stopped{false};
+    IoLoop loop;
+    std::string reason;
+    ASSERT_TRUE(loop.Start({[] {}, [] {},
+                            [&stopped] {
+                                constexpr int kAWhile = 10'000;
+                                for (int i = 0; i < kAWhile; ++i) {
+                                    std::this_thread::yield();
+                                }
+                                stopped = true;
+                            }},
+                           reason))
+        << reason;
+    application.reset();
+    EXPECT_TRUE(stopped) << "the process may end now";
 }
 
 TEST_F(WithoutApplication, AClientEndsItsConnectionWithItAndComesBackWithTheNext) {

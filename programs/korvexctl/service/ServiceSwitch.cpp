@@ -21,13 +21,11 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// The library keeps threads of Qt until the process ends, so this object does, too.
-void MakeApplication() {
+std::unique_ptr<QCoreApplication> MakeApplication() {
     static int count = 1;
     static char name[] = "korvexctl";
     static char* arguments[] = {name, nullptr};
-    static const auto* const application = new QCoreApplication(count, arguments);
-    static_cast<void>(application);
+    return std::make_unique<QCoreApplication>(count, arguments);
 }
 
 void RequirePrograms() {
@@ -59,8 +57,9 @@ void LookAtRunningService(const link::ServiceState& running, const std::string& 
 
 }  // namespace
 
-void SwitchToService(const std::string& virtualHead, bool showsProgress) {
-    MakeApplication();
+std::unique_ptr<QCoreApplication> SwitchToService(const std::string& virtualHead,
+                                                  bool showsProgress) {
+    auto application = MakeApplication();
     RequirePrograms();
     const std::string head = HeadOfService(virtualHead);
     if (const ServiceStatus before = AskServiceStatus(); before.service.state) {
@@ -84,6 +83,7 @@ void SwitchToService(const std::string& virtualHead, bool showsProgress) {
             (now.Works() ? "the service does not answer in time" : NotWorkingText(now)) +
                 (log.empty() ? "" : "; its log is " + log.string()));
     }
+    return application;
 }
 
 }  // namespace Korvex3Sync::korvexctl

@@ -5,17 +5,21 @@
 #include <QEventLoop>
 
 #include <atomic>
+#include <chrono>
 #include <thread>
 #include <utility>
 #include <vector>
 
 #include "platform/link/channel/RunLogged.h"
 #include "platform/os/CriticalSection.h"
+#include "platform/os/Event.h"
 
 namespace Korvex3Sync::link {
 namespace {
 
 constexpr const char* kThread = "The thread of the device service link";
+/// Longer than anything that runs on the thread of a loop.
+constexpr std::chrono::milliseconds kEndLimit{2'000};
 
 }  // namespace
 
@@ -27,6 +31,7 @@ public:
         os::MutexGuard lock(m_mutex);
         m_ended = false;
         m_woken = false;
+        m_left.Reset();
     }
 
     void Run(const Work& work) {
@@ -50,6 +55,7 @@ public:
         RunLogged(kThread, work.stopping);
         m_dead.clear();
         m_thread = std::thread::id();
+        m_left.Set();
     }
 
     void Wake() {
@@ -66,6 +72,9 @@ public:
             m_dispatcher->wakeUp();
         }
     }
+
+    /// The thread uses nothing of Qt any more.
+    void WaitForEnd() { m_left.Wait(kEndLimit); }
 
     void DeleteLater(std::unique_ptr<QObject> object) { m_dead.push_back(std::move(object)); }
 
@@ -84,6 +93,7 @@ private:
     }
 
     std::atomic<std::thread::id> m_thread{};
+    os::Event m_left;
     std::vector<std::unique_ptr<QObject>> m_dead;  // the loop's thread only
     os::Mutex m_mutex;
     QAbstractEventDispatcher* m_dispatcher KORVEX_GUARDED_BY(m_mutex) = nullptr;
@@ -105,8 +115,12 @@ bool IoLoop::Start(Work work, std::string& reason) {
     }
     Stop();
     m_running->Prepare();
-    m_applicationEnd = QObject::connect(application, &QObject::destroyed,
-                                        [running = m_running] { running->End(); });
+    // A process that has destroyed its application may end, and with it what Qt keeps for all
+    // threads.
+    m_applicationEnd = QObject::connect(application, &QObject::destroyed, [running = m_running] {
+        running->End();
+        running->WaitForEnd();
+    });
     if (!m_thread.Start([running = m_running, work = std::move(work)] { running->Run(work); })) {
         QObject::disconnect(m_applicationEnd);
         reason = "the system provides no thread";

@@ -29,8 +29,8 @@ public:
     IoLoop& operator=(const IoLoop&) = delete;
 
     /// Starts the thread. False, with a reason, without a QCoreApplication or without resources.
-    /// The loop also ends by itself when the QCoreApplication is destroyed; then it can be started
-    /// again.
+    /// The loop also ends when the QCoreApplication is destroyed, which waits for it; then it can
+    /// be started again.
     bool Start(Work work, std::string& reason);
     /// Ends the loop and waits for `stopping`.
     void Stop();
