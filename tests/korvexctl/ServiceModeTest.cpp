@@ -60,7 +60,7 @@ protected:
         return ParseJson(Run({"service", "status", "--json"}).output)["service"];
     }
     /// A head whose images come from files: with a scene, a machine that is busy loses images after
-    /// each change of light, because they are drawn anew.
+    /// each change of light, because they are drawn again.
     std::string HeadOfFiles() const {
         constexpr int kWidth = 1280;
         constexpr int kHeight = 1024;

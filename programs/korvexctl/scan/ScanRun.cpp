@@ -76,7 +76,7 @@ void ScanRun::Wait() {
         } else if (m_recovery && HeadIsAway(counts, now)) {
             Recover();
         } else if (ThroughService() && m_silent != HeadIsSilent(counts, now)) {
-            // Another service has another head, or one that starts anew.
+            // Another service has another head, or one that starts over.
             m_silent = !m_silent;
             m_recorder.ExpectNewKeys(m_silent);
         }
