@@ -16,7 +16,7 @@ using namespace Korvex3Sync::link;
 
 constexpr qint64 kAnyAmount = 1'000'000'000;
 
-/// An outlet to a peer that reads when it is told to. The test is the I/O thread.
+/// An outlet to a peer that reads only when the test asks it to. The test acts as the I/O thread.
 class OutletTest : public ::testing::Test {
 protected:
     OutletTest() {

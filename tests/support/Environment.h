@@ -23,7 +23,7 @@ std::vector<std::pair<std::string, std::string>> FoldersIn(const std::filesystem
 std::filesystem::path RuntimeFolderIn(const std::filesystem::path& home);
 std::filesystem::path LogFolderIn(const std::filesystem::path& home);
 
-/// The file of a shared-memory object of this user; empty on a system where it is no file.
+/// The file of a shared-memory object of this user; empty on a system that has no file for it.
 std::filesystem::path SharedMemoryFile(const std::string& name);
 
 }  // namespace Korvex3Sync::tests

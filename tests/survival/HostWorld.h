@@ -65,7 +65,7 @@ std::vector<Event> Do(ApplicationProcess& host, const std::string& command);
 int StatusOf(ApplicationProcess& host, const std::string& command);
 /// Connects, sets both callbacks and all settings, and starts a scan; waits until sets arrive.
 void StartScan(ApplicationProcess& host, int settings);
-/// What the board and the cameras are told by a reconnection, in order.
+/// The commands that a reconnection sends to the board and the cameras, in order.
 std::vector<std::string> ExpectedJournal(const HostSettings& settings);
 /// Every call so far gave one of these statuses within a real time.
 void ExpectCalls(const ApplicationProcess& host, const std::vector<int>& statuses,
