@@ -1,6 +1,7 @@
 // What the recording libraries of service mode answer in a program that they are preloaded into.
 
 #include <atomic>
+#include <cstdlib>
 
 #include "recorder/RecordedService.h"
 #include "recorder/Recorder.h"
@@ -21,6 +22,9 @@ void SendSignals() {
 class Orders {
 public:
     Orders() {
+        // Programs that the host starts, the one that names functions for a sanitizer among them,
+        // have libraries of their own.
+        ::unsetenv("LD_PRELOAD");
         ResetService();
         Recorder& recorder = Recorder::Get();
         recorder.SetValue("count", 2);
