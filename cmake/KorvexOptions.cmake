@@ -47,11 +47,23 @@ if(WIN32)
 else()
     set(KORVEX_APPLICATION_DIR ${CMAKE_INSTALL_LIBEXECDIR}/korvex3sync)
 endif()
+# What is installed belongs to a component: runtime, development or tools. Each is a package.
+
 # korvex_install_program(TARGET): installs a program into the application directory.
 function(korvex_install_program target)
     file(RELATIVE_PATH libraries /${KORVEX_APPLICATION_DIR} /${CMAKE_INSTALL_LIBDIR})
     set_target_properties(${target} PROPERTIES INSTALL_RPATH "$ORIGIN/${libraries}")
-    install(TARGETS ${target} RUNTIME DESTINATION ${KORVEX_APPLICATION_DIR})
+    install(TARGETS ${target} RUNTIME DESTINATION ${KORVEX_APPLICATION_DIR} COMPONENT tools)
+endfunction()
+
+# korvex_install_library(TARGET): installs a shared library, and what links it where that is a file of
+# its own.
+function(korvex_install_library target)
+    install(TARGETS ${target}
+        LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
+            COMPONENT runtime NAMELINK_COMPONENT development
+        ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT development
+        RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT runtime)
 endfunction()
 
 add_library(korvex_options INTERFACE)
