@@ -42,7 +42,8 @@ TEST_P(Script, RefusesWhatItDoesNotTake) {
 }
 
 INSTANTIATE_TEST_SUITE_P(All, Script,
-                         ::testing::Values("bench", "check", "coverage", "demo", "fuzz", "test"),
+                         ::testing::Values("abi", "bench", "check", "coverage", "demo", "fuzz",
+                                           "package", "test"),
                          [](const auto& row) { return std::string(row.param); });
 
 /// Runs a line of bash with scripts/lib/steps, as a user who is not root, in this folder.
