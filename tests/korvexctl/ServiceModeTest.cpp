@@ -59,15 +59,16 @@ protected:
     nlohmann::json Service() const {
         return ParseJson(Run({"service", "status", "--json"}).output)["service"];
     }
-    /// A head whose images come from files: with a scene, a machine that is busy loses images after
-    /// each change of light, because they are drawn again.
+    /// A head that loses nothing on a busy machine: its cameras have many buffers, and its images
+    /// come from files, while those of a scene are drawn again after each change of light.
     std::string HeadOfFiles() const {
         constexpr int kWidth = 1280;
         constexpr int kHeight = 1024;
         for (const char* name : {"left0.png", "right0.png", "color0.png"}) {
             WriteGrey(m_folders.Path() / name, RandomImage(kWidth, kHeight, 1));
         }
-        WriteText(m_folders.Path() / "head.toml", "[replay]\nfolder = \".\"\n");
+        WriteText(m_folders.Path() / "head.toml",
+                  "[camera]\nbuffers = 4096\n\n[replay]\nfolder = \".\"\n");
         return "--virtual=" + (m_folders.Path() / "head.toml").string();
     }
     /// The command line is refused with this reason, before anything is started.
@@ -95,10 +96,11 @@ TEST_F(KorvexctlServiceMode, ListsWhatDirectModeLists) {
 
 TEST_F(KorvexctlServiceMode, ScansWithTheFiguresOfDirectMode) {
     const fs::path folder = m_folders.Path() / "scan";
-    const std::vector<std::string> scan{"scan",   "--sets", "30",    "--period",     "20",
+    const std::string head = HeadOfFiles();
+    const std::vector<std::string> scan{"scan",   "--sets", "30",    "--period",     "50",
                                         "--keep", "2",      "--out", folder.string()};
-    const nlohmann::json through = Document(scan);
-    std::vector<std::string> direct{"--virtual", "--json"};
+    const nlohmann::json through = Document(scan, head);
+    std::vector<std::string> direct{head, "--json"};
     direct.insert(direct.end(), scan.begin(), scan.end());
     direct.back() += "-direct";
     const nlohmann::json compared = ParseJson(Run(direct).output);
@@ -119,7 +121,7 @@ TEST_F(KorvexctlServiceMode, ScansWithTheFiguresOfDirectMode) {
     EXPECT_GT(through["sets_per_second"], 0);
     EXPECT_GT(through["callback_us"]["longest"], 0);
     EXPECT_EQ(through["service_reconnects"]["count"], 0);
-    EXPECT_EQ(through["settings"]["values"]["trigger-period"], 20);
+    EXPECT_EQ(through["settings"]["values"]["trigger-period"], 50);
     EXPECT_FALSE(through["settings"]["values"].contains("strobe-work-time"));
     EXPECT_EQ(FileNames(folder), FileNames(folder.string() + "-direct"));
 }
