@@ -151,11 +151,12 @@ bool zr3DHandiSyncQT::StartLink() {
         KORVEX_LOG(kServiceLog) << "Create SyncInterface failed!";
         return false;
     }
-    // It is made on the worker thread, so it lives there.
-    connect(link.get(), &SyncInterface::sendMessage, this, &zr3DHandiSyncQT::recvMessage,
-            Qt::QueuedConnection);
-    connect(link.get(), &SyncInterface::sendCallback, this, &zr3DHandiSyncQT::recvCallback,
-            Qt::QueuedConnection);
+    // It is made on the worker thread, so it lives there. By name, because the address of a signal
+    // in a DLL that imports its class may differ from the one that the class knows.
+    connect(link.get(), SIGNAL(sendMessage(QString, QString, QList<QVariant>, QString)), this,
+            SLOT(recvMessage(QString, QString, QList<QVariant>, QString)), Qt::QueuedConnection);
+    connect(link.get(), SIGNAL(sendCallback(QString, QString, QList<QVariant>, QString)), this,
+            SLOT(recvCallback(QString, QString, QList<QVariant>, QString)), Qt::QueuedConnection);
     os::MutexGuard guard(m_linkMutex);
     m_pSyncInterface = link;
     return true;

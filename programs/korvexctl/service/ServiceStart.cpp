@@ -81,7 +81,7 @@ class Started {
 public:
     Started(const ServiceProgram& program, const std::string& virtualHead)
         : m_program(program), m_errors(program) {
-        const fs::path folder = QCoreApplication::applicationDirPath().toStdString();
+        const fs::path folder = QCoreApplication::applicationDirPath().toStdU16String();
         const fs::path file = folder / program.file;
         QProcess process;
         QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();

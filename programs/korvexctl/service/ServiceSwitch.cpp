@@ -29,7 +29,7 @@ std::unique_ptr<QCoreApplication> MakeApplication() {
 }
 
 void RequirePrograms() {
-    const fs::path folder = QCoreApplication::applicationDirPath().toStdString();
+    const fs::path folder = QCoreApplication::applicationDirPath().toStdU16String();
     for (const ServiceProgram& program : {kHub, kService}) {
         std::error_code unknown;
         if (!fs::is_regular_file(folder / program.file, unknown)) {
