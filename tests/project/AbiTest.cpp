@@ -127,6 +127,14 @@ TEST_F(Abi, ALibraryWithoutDebugInformationIsRefused) {
     EXPECT_THAT(check.error, HasSubstr("no debug information"));
 }
 
+TEST_F(Abi, ADamagedDescriptionIsRefused) {
+    const fs::path stored = m_folder.Path() / "stored.abi";
+    fs::resize_file(stored, fs::file_size(stored) / 2);
+    const ChildResult check = Run("check_abi", kApi, kSource);
+    EXPECT_NE(check.exitCode, 0) << check.output;
+    EXPECT_THAT(check.error, HasSubstr("is damaged"));
+}
+
 TEST(AbiOfTheLibrary, IsDescribedWithItsPublicTypes) {
     const std::string text = ReadProjectFile("packaging/abi/Korvex3Sync.abi");
     for (const char* part : {"soname='libKorvex3Sync.so.", "name='ScanStatistics' size-in-bits",
