@@ -6,6 +6,7 @@
 #include <utility>
 #include <vector>
 
+#include "platform/os/InheritedStreams.h"
 #include "platform/os/Process.h"
 #include "service/ServiceLog.h"
 
@@ -81,6 +82,7 @@ std::unique_ptr<QProcess> ServiceProcesses::Run(const char* program,
     auto process = std::make_unique<QProcess>();
     process->setProcessChannelMode(mode);
     process->setWorkingDirectory(m_applicationDirectory);
+    os::InheritOnlyStreams(*process);
     process->start(m_applicationDirectory + QDir::separator() + program, QStringList(),
                    QIODevice::ReadWrite);
     if (!process->waitForStarted(kStartLimitMs)) {

@@ -1,11 +1,11 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <csignal>
 #include <string>
 #include <vector>
 
 #include "support/ChildProcess.h"
+#include "support/Signals.h"
 #include "virtual_head/TestFiles.h"
 
 namespace Korvex3Sync::tests {
@@ -47,7 +47,7 @@ TEST(LiveStatistics, ShowsItsFigures) {
     const TemporaryFolder folder;
     ChildProcess program({KORVEX_LIVE_STATISTICS, "--plain"}, WithHead(SmallHead(folder)));
     ASSERT_TRUE(program.WaitForOutputMatching("\nsets +[1-9]"));
-    program.Signal(SIGINT);
+    program.Signal(kInterrupt);
     const ChildResult result = program.Wait();
     EXPECT_EQ(result.exitCode, 0) << result.error;
     EXPECT_THAT(result.output, AllOf(HasSubstr("\nrate      "), HasSubstr(" sets/s\n"),
@@ -59,7 +59,7 @@ TEST(LiveStatistics, CtrlCEndsItCleanly) {
     const TemporaryFolder folder;
     ChildProcess program({KORVEX_LIVE_STATISTICS}, WithHead(SmallHead(folder)));
     ASSERT_TRUE(program.WaitForOutput("sets/s"));
-    program.Signal(SIGINT);
+    program.Signal(kInterrupt);
     const ChildResult result = program.Wait();
     EXPECT_EQ(result.signal, 0);
     EXPECT_THAT(result.output, AllOf(HasSubstr("\033[H\033[2J"), HasSubstr("End Disconnect")));

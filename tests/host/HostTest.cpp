@@ -1,7 +1,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <cstring>
 
 #include "head/HeadSession.h"
@@ -27,9 +26,9 @@ class HostProcess : public ::testing::Environment {
 public:
     void SetUp() override {
         for (const auto& [name, value] : m_folders.Environment()) {
-            ::setenv(name.c_str(), value.c_str(), 1);
+            SetVariable(name, value);
         }
-        ::setenv("KORVEX_VIRTUAL_HEAD", "default", 1);
+        SetVariable("KORVEX_VIRTUAL_HEAD", "default");
         ASSERT_EQ(SwitchOnDeviceService(true), STATUS_SUCCESS);
     }
 

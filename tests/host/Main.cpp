@@ -4,6 +4,7 @@
 
 #include <filesystem>
 
+#include "support/Environment.h"
 #include "support/ProcessNamespace.h"
 
 namespace Korvex3Sync::tests {
@@ -16,7 +17,7 @@ int RunHostTests(int argc, char** argv) {
     testing::InitGoogleTest(&argc, argv);
     const fs::path folder = QCoreApplication::applicationDirPath().toStdString();
     for (const char* program : {"hub.exe", "ZrSyncService.exe"}) {
-        fs::create_symlink(fs::path(KORVEX_PROGRAMS) / program, folder / program);
+        LinkProgram(fs::path(KORVEX_PROGRAMS) / program, folder / program);
     }
     return RUN_ALL_TESTS();
 }

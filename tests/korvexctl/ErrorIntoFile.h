@@ -1,13 +1,14 @@
 #pragma once
 
-#include <fcntl.h>
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 #include <filesystem>
 #include <string>
+#include <system_error>
 
 #include "korvexctl/Korvexctl.h"
+#include "platform/os/Descriptors.h"
+#include "platform/os/File.h"
 #include "support/WaitUntil.h"
 
 namespace Korvex3Sync::tests {
@@ -16,15 +17,15 @@ namespace Korvex3Sync::tests {
 class ErrorIntoFile {
 public:
     explicit ErrorIntoFile(const std::filesystem::path& file)
-        : m_file(file), m_former(::dup(STDERR_FILENO)) {
-        const int descriptor = ::open(file.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0600);
-        EXPECT_GE(descriptor, 0);
-        ::dup2(descriptor, STDERR_FILENO);
-        ::close(descriptor);
+        : m_file(file), m_former(os::DuplicateDescriptor(kStandardError)) {
+        std::error_code error;
+        const os::File opened = os::OpenForAppending(file, error);
+        EXPECT_FALSE(error) << error.message();
+        EXPECT_TRUE(os::RedirectDescriptor(opened.Descriptor(), kStandardError));
     }
     ~ErrorIntoFile() {
-        ::dup2(m_former, STDERR_FILENO);
-        ::close(m_former);
+        os::RedirectDescriptor(m_former, kStandardError);
+        os::CloseDescriptor(m_former);
     }
     ErrorIntoFile(const ErrorIntoFile&) = delete;
     ErrorIntoFile& operator=(const ErrorIntoFile&) = delete;
@@ -36,6 +37,8 @@ public:
     }
 
 private:
+    static constexpr int kStandardError = 2;
+
     const std::filesystem::path m_file;
     const int m_former;
 };

@@ -3,7 +3,6 @@
 
 #include <atomic>
 #include <chrono>
-#include <csignal>
 #include <string>
 #include <thread>
 #include <tuple>
@@ -11,11 +10,12 @@
 
 #include "korvexctl/CommandOverHead.h"
 #include "korvexctl/ErrorIntoFile.h"
+#include "korvexctl/Interrupts.h"
 #include "korvexctl/Program.h"
 #include "korvexctl/ScanOverHead.h"
 #include "korvexctl/cli/Interrupt.h"
 #include "support/CaseName.h"
-#include "support/SignalName.h"
+#include "support/Signals.h"
 #include "support/WaitUntil.h"
 #include "virtual_head/TestFiles.h"
 
@@ -80,7 +80,7 @@ TEST_P(KorvexctlInterruptAnywhere, DoesNothingMoreAndDisconnectsAndTellsIt) {
         std::thread person([&, call = hanging.call, number = signal] {
             EXPECT_TRUE(head->GetFaults().WaitForHang(call, std::chrono::minutes(1)));
             before = BoardChanges(*head);
-            std::raise(number);
+            RaiseSignal(number);
             EXPECT_TRUE(errorIntoFile.WaitForMessage());
             head->GetFaults().ReleaseHangs(call);
         });
@@ -112,42 +112,21 @@ const Hanging kHangingCommands[] = {
 
 std::string NameOfHanging(const testing::TestParamInfo<std::tuple<Hanging, int>>& row) {
     const auto& [hanging, signal] = row.param;
-    return support::CaseName(hanging.words) + "_in_" + hanging.call + '_' +
-           support::SignalName(signal);
+    return support::CaseName(hanging.words) + "_in_" + hanging.call + '_' + SignalName(signal);
 }
 
 INSTANTIATE_TEST_SUITE_P(Signals, KorvexctlInterruptAnywhere,
                          ::testing::Combine(::testing::Values(kHangingCommands[0]),
-                                            ::testing::Values(SIGINT, SIGHUP)),
+                                            ::testing::Values(kInterrupt, kHangUp)),
                          NameOfHanging);
 INSTANTIATE_TEST_SUITE_P(Commands, KorvexctlInterruptAnywhere,
                          ::testing::Combine(::testing::ValuesIn(kHangingCommands),
-                                            ::testing::Values(SIGTERM)),
+                                            ::testing::Values(kTerminate)),
                          NameOfHanging);
-
-/// Counts its interrupts.
-class CountingInterrupt : public korvexctl::Interrupt {
-public:
-    explicit CountingInterrupt(std::atomic<int>& calls)
-        : Interrupt([&calls] {
-              ++calls;
-              return std::string();
-          }) {}
-};
-
-/// Fails the test when it is interrupted.
-class UnwantedInterrupt : public korvexctl::Interrupt {
-public:
-    explicit UnwantedInterrupt(const char* why)
-        : Interrupt([why] {
-              ADD_FAILURE() << why;
-              return std::string();
-          }) {}
-};
 
 TEST(KorvexctlInterruptWatch, IsNotMadeWithinOneThatHasMetASignal) {
     const korvexctl::EndingOnInterrupt ending;
-    std::raise(SIGINT);
+    RaiseSignal(kInterrupt);
     ASSERT_TRUE(support::WaitUntil(korvexctl::InterruptCame));
     std::atomic<int> calls{0};
     EXPECT_THROW(CountingInterrupt inner(calls), korvexctl::CommandError);
@@ -159,27 +138,11 @@ TEST(KorvexctlInterruptWatch, HasTheSignalsOfTheOneAroundIt) {
     std::atomic<int> calls{0};
     {
         const CountingInterrupt inner(calls);
-        std::raise(SIGTERM);
+        RaiseSignal(kTerminate);
         EXPECT_TRUE(support::WaitUntil([&calls] { return calls == 1; }));
         EXPECT_TRUE(inner.Came());
     }
     EXPECT_FALSE(korvexctl::InterruptCame());
-}
-
-TEST(KorvexctlInterruptWatch, AHandlerThatComesAfterItsEndTellsNoOther) {
-    struct sigaction late {};
-    {
-        const UnwantedInterrupt ended("no signal came");
-        ::sigaction(SIGINT, nullptr, &late);
-    }
-    late.sa_handler(SIGINT);
-    std::atomic<int> calls{0};
-    {
-        const CountingInterrupt next(calls);
-        std::raise(SIGINT);
-        EXPECT_TRUE(support::WaitUntil([&calls] { return calls > 0; }));
-    }
-    EXPECT_EQ(calls, 1);
 }
 
 TEST_F(ScanOverHead, PicturesThatAreStillWrittenAfterAnInterruptAreTold) {
@@ -193,7 +156,7 @@ TEST_F(ScanOverHead, PicturesThatAreStillWrittenAfterAnInterruptAreTold) {
     const korvexctl::Outcome outcome = Scan([&](const auto& file, const auto& bytes) {
         if (first) {
             first = false;
-            std::raise(SIGINT);
+            RaiseSignal(kInterrupt);
             EXPECT_TRUE(errorIntoFile.WaitForMessage());
         }
         korvexctl::StoreWhole(file, bytes);
@@ -211,7 +174,7 @@ TEST_F(KorvexctlInterrupted, ASearchWithoutAConnectionEndsWithItsAnswer) {
     std::thread person([&head] {
         EXPECT_TRUE(
             support::WaitUntil([&head] { return head->GetFaults().Holds("GetDeviceTotal"); }));
-        std::raise(SIGTERM);
+        RaiseSignal(kTerminate);
     });
     ::testing::internal::CaptureStdout();
     EXPECT_EQ(Run({"list"}), static_cast<int>(ExitCode::Interrupted));

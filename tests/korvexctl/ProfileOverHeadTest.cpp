@@ -1,10 +1,7 @@
-#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <sys/stat.h>
-#include <unistd.h>
 
-#include "korvexctl/CommandOverHead.h"
+#include "korvexctl/ProfileOverHead.h"
 #include "virtual_head/TestFiles.h"
 
 namespace Korvex3Sync::tests {
@@ -17,19 +14,6 @@ using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 using ::testing::StartsWith;
-
-class ProfileOverHead : public ::testing::Test {
-protected:
-    CommandResult Profile(const std::string& action) {
-        return RunHere({"profile", action, m_file.string()});
-    }
-
-    void WriteProfileText(const std::string& text) { WriteText(m_file, text); }
-
-    RequestedHead m_head{SmallHeadDescription()};
-    TemporaryFolder m_folder;
-    std::filesystem::path m_file = m_folder.Path() / "bench.toml";
-};
 
 TEST_F(ProfileOverHead, WhatIsSavedEqualsTheHead) {
     const CommandResult saved = Profile("save");
@@ -118,41 +102,6 @@ TEST_F(ProfileOverHead, AFolderThatIsNotThereCannotBeSavedTo) {
         RunHere({"profile", "save", (m_folder.Path() / "none" / "bench.toml").string()});
     EXPECT_EQ(result.code, ExitCode::NotWritable);
     EXPECT_THAT(m_head->GetJournal().Texts(), IsEmpty()) << "found out over a connected head";
-}
-
-TEST_F(ProfileOverHead, ADescriptorThatIsOpenForReadingOnlyCannotBeSavedTo) {
-    WriteProfileText("trigger-period = 5\n");
-    const int descriptor = ::open(m_file.c_str(), O_RDONLY | O_CLOEXEC);
-    ASSERT_GE(descriptor, 0);
-    const std::string name = "/dev/fd/" + std::to_string(descriptor);
-    const CommandResult result = RunHere({"profile", "save", name});
-    ::close(descriptor);
-    EXPECT_EQ(result.code, ExitCode::NotWritable);
-    EXPECT_EQ(result.message, "cannot write " + name + ": it is open for reading only");
-    EXPECT_THAT(m_head->GetJournal().Texts(), IsEmpty()) << "found out over a connected head";
-}
-
-TEST_F(ProfileOverHead, AFifoThatNobodyWritesToIsNoProfile) {
-    ASSERT_EQ(::mkfifo(m_file.c_str(), 0600), 0);
-    for (const char* action : {"load", "diff"}) {
-        const CommandResult result = Profile(action);
-        EXPECT_EQ(result.code, ExitCode::ProfileRefused);
-        EXPECT_EQ(result.message, m_file.string() + ": is not a regular file");
-    }
-}
-
-TEST_F(ProfileOverHead, AFifoThatIsReadGetsTheProfileOnceTheHeadIsFree) {
-    ASSERT_EQ(::mkfifo(m_file.c_str(), 0600), 0);
-    const int reader = ::open(m_file.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
-    ASSERT_GE(reader, 0);
-    const CommandResult result = Profile("save");
-    EXPECT_EQ(result.code, ExitCode::Done) << result.message;
-    std::string got(1 << 16, '\0');
-    const ssize_t size = ::read(reader, got.data(), got.size());
-    ::close(reader);
-    ASSERT_GT(size, 0);
-    EXPECT_THAT(got, HasSubstr("\ntrigger-period = 10\n"));
-    EXPECT_TRUE(std::filesystem::is_fifo(m_file));
 }
 
 }  // namespace

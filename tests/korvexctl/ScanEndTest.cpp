@@ -1,7 +1,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <csignal>
 #include <sstream>
 #include <thread>
 
@@ -9,6 +8,7 @@
 #include "korvexctl/ScanOverHead.h"
 #include "korvexctl/cli/ProgressBar.h"
 #include "korvexctl/scan/ScanProgress.h"
+#include "support/Signals.h"
 #include "virtual_head/TestFiles.h"
 
 namespace Korvex3Sync::tests {
@@ -40,7 +40,7 @@ TEST_F(ScanOverHead, AnEndlessScanEndsWellWithASignal) {
     m_options.end = {};
     std::thread person([this] {
         WaitForTriggers(20);
-        std::raise(SIGINT);
+        RaiseSignal(kInterrupt);
     });
     const Outcome outcome = Scan();
     person.join();
@@ -54,7 +54,7 @@ TEST_F(ScanOverHead, ASignalBeforeTheSecondsAreOverInterrupts) {
     m_options.end = {{}, 600.0};
     std::thread person([this] {
         WaitForTriggers(20);
-        std::raise(SIGINT);
+        RaiseSignal(kInterrupt);
     });
     const Outcome outcome = Scan();
     person.join();

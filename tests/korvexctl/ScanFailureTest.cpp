@@ -2,12 +2,11 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
-#include <csignal>
 #include <fstream>
 
 #include "korvexctl/Korvexctl.h"
 #include "platform/os/Clock.h"
-#include "support/SignalName.h"
+#include "support/Signals.h"
 #include "virtual_head/TestFiles.h"
 
 namespace Korvex3Sync::tests {
@@ -87,8 +86,9 @@ TEST_P(KorvexctlInterrupt, EndsTheScanWithCompleteFiles) {
     EXPECT_THAT(ReadText(log), HasSubstr("DisConnectDevice"));
 }
 
-INSTANTIATE_TEST_SUITE_P(Signals, KorvexctlInterrupt, ::testing::Values(SIGINT, SIGTERM, SIGHUP),
-                         [](const auto& row) { return support::SignalName(row.param); });
+INSTANTIATE_TEST_SUITE_P(Signals, KorvexctlInterrupt,
+                         ::testing::Values(kInterrupt, kTerminate, kHangUp),
+                         [](const auto& row) { return SignalName(row.param); });
 
 TEST_F(KorvexctlScanFailure, ABoardThatGoesMuteDuringTheScanIsToldWithWhatMayBeOn) {
     WriteSmallHead(m_folder.Path(), "[[fault]]\nwhat = \"board-mute\"\nat_trigger = 3\n");
@@ -123,7 +123,7 @@ TEST_F(KorvexctlScanFailure, WhatAHangupIgnoredByNohupDoesNotEnd) {
     }
     ChildProcess scan(command, WithoutHead());
     ASSERT_TRUE(WaitForFile(m_out / "set_000_color.png"));
-    scan.Signal(SIGHUP);
+    scan.Signal(kHangUp);
     const ChildResult result = scan.Wait();
     EXPECT_EQ(result.exitCode, 0) << result.error;
     EXPECT_EQ(ParseJson(result.output)["sets"]["delivered"], 300);

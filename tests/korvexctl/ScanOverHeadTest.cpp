@@ -1,16 +1,14 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <sys/stat.h>
 
 #include <array>
-#include <csignal>
 #include <optional>
 #include <thread>
 #include <utility>
 
-#include "korvexctl/AsNobody.h"
 #include "korvexctl/Korvexctl.h"
-#include "korvexctl/ScanOverHead.h"
+#include "korvexctl/ScanOverEarlierOne.h"
+#include "support/Signals.h"
 #include "virtual_head/TestFiles.h"
 
 namespace Korvex3Sync::tests {
@@ -133,7 +131,7 @@ TEST_F(ScanOverHead, AnInterruptedScanOfAMuteBoardTellsWhatIsLeftOn) {
     std::thread person([this] {
         WaitForTriggers(5);
         EXPECT_TRUE(m_head->GetFaults().Order({virtual_head::FaultKind::BoardMute}));
-        std::raise(SIGINT);
+        RaiseSignal(kInterrupt);
     });
     const Outcome outcome = Scan();
     person.join();
@@ -160,27 +158,6 @@ TEST_F(ScanOverHead, ABoardThatDoesNotOpenIsNotConnected) {
     EXPECT_THAT(outcome.message, HasSubstr("cannot connect: Connect projector failed"));
     EXPECT_THAT(Commands({"zr3DSetVideoTrigleMode"}), IsEmpty());
 }
-
-class ScanOverEarlierOne : public ScanOverHead {
-protected:
-    ScanOverEarlierOne() {
-        m_options.folder = m_folder.Path();
-        for (const char* name : kEarlier) {
-            WriteText(m_folder.Path() / name, "of before");
-        }
-    }
-
-    void ExpectEarlierScan() const {
-        EXPECT_THAT(FileNames(m_folder.Path()), ::testing::ElementsAreArray(kEarlier));
-        for (const char* name : kEarlier) {
-            EXPECT_EQ(ReadText(m_folder.Path() / name), "of before") << name;
-        }
-    }
-
-    static constexpr std::array kEarlier{"contact-sheet.png", "scan.json", "set_000_left.png",
-                                         "set_007_left.png"};
-    TemporaryFolder m_folder;
-};
 
 TEST_F(ScanOverEarlierOne, KeepsItWhenTheHeadRefusesToBegin) {
     GivePeriod(20);
@@ -216,27 +193,11 @@ TEST_F(ScanOverEarlierOne, RemovesItBeforeTheFirstPictureIsWritten) {
     EXPECT_THAT(FileNames(m_folder.Path()), ::testing::UnorderedElementsAreArray(names));
 }
 
-TEST_F(ScanOverEarlierOne, AFolderThatCannotBeLookedIntoIsToldBeforeTheScan) {
-    ASSERT_EQ(::chmod(m_folder.Path().c_str(), 0333), 0);
-    std::optional<AsNobody> nobody;
-    if (::geteuid() == 0) {
-        nobody.emplace();  // root may look everywhere
-    }
-    const Outcome outcome = Scan();
-    nobody.reset();
-    ASSERT_EQ(::chmod(m_folder.Path().c_str(), 0700), 0);
-    EXPECT_EQ(outcome.code, ExitCode::NotWritable);
-    EXPECT_EQ(outcome.message,
-              "cannot look into the folder " + m_folder.Path().string() + ": Permission denied");
-    EXPECT_THAT(m_head->GetJournal().Texts(), IsEmpty()) << "found out over a connected head";
-    ExpectEarlierScan();
-}
-
 TEST_F(ScanOverHead, AnInterruptLeavesTheHeadDark) {
     m_options.end.sets = 1'000'000;
     std::thread person([this] {
         WaitForTriggers(5);
-        std::raise(SIGINT);
+        RaiseSignal(kInterrupt);
     });
     const Outcome outcome = Scan();
     person.join();

@@ -2,7 +2,6 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
-#include <csignal>
 #include <thread>
 
 #include "korvexctl/CommandOverHead.h"
@@ -11,6 +10,7 @@
 #include "korvexctl/health/Selftest.h"
 #include "korvexctl/health/StepRun.h"
 #include "support/CaseName.h"
+#include "support/Signals.h"
 #include "support/WaitUntil.h"
 #include "virtual_head/TestFiles.h"
 
@@ -177,7 +177,7 @@ TEST_P(KorvexctlHealthInterrupt, IsAnsweredAtOnceAndCleansUp) {
     const ErrorIntoFile errorIntoFile(errorFile);
     std::thread person([&] {
         EXPECT_TRUE(head->GetFaults().WaitForHang("GetExposureTime", std::chrono::minutes(1)));
-        std::raise(SIGINT);
+        RaiseSignal(kInterrupt);
         EXPECT_TRUE(errorIntoFile.WaitForMessage());
         head->GetFaults().ReleaseHangs("GetExposureTime");
     });
@@ -192,7 +192,7 @@ TEST_P(KorvexctlHealthInterrupt, IsAnsweredAtOnceAndCleansUp) {
 TEST_P(KorvexctlHealthInterrupt, BeforeItBeginsNothingIsDone) {
     const RequestedHead head(m_head);
     const korvexctl::EndingOnInterrupt ending;
-    std::raise(SIGINT);
+    RaiseSignal(kInterrupt);
     ASSERT_TRUE(support::WaitUntil(korvexctl::InterruptCame));
     EXPECT_EQ(RunHere({GetParam()}).code, ExitCode::Interrupted);
     EXPECT_THAT(head->GetJournal().Texts({"zr3DInitHidDev"}), IsEmpty());

@@ -2,9 +2,6 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
-#include <csignal>
-#include <cstdlib>
-#include <memory>
 #include <string>
 #include <thread>
 
@@ -12,7 +9,7 @@
 #include "korvexctl/ErrorIntoFile.h"
 #include "korvexctl/commands/SnapCommand.h"
 #include "korvexctl/files/StandardOutput.h"
-#include "support/SignalName.h"
+#include "support/Signals.h"
 #include "support/WaitUntil.h"
 #include "virtual_head/TestFiles.h"
 
@@ -123,32 +120,7 @@ TEST_F(KorvexctlSnap, AFolderThatCannotBeMadeIsToldBeforeAnythingIsTaken) {
 }
 
 /// Snapshots that are interrupted.
-class KorvexctlSnapInterrupt : public KorvexctlSnap, public ::testing::WithParamInterface<int> {
-protected:
-    /// The child, once it waits for its first image: recorded cameras give none.
-    std::unique_ptr<ChildProcess> StartSnap() const {
-        // Ended at once, it joins no thread; the thread sanitizer has nothing to say about that.
-        ChildOptions options = WithoutHead();
-        const char* const sanitizer = std::getenv("TSAN_OPTIONS");
-        options.environment.emplace_back(
-            "TSAN_OPTIONS",
-            (sanitizer != nullptr ? std::string(sanitizer) + ":" : "") + "report_thread_leaks=0");
-        options.environment.emplace_back("LD_PRELOAD", KORVEX_RECORDER_PRELOAD);
-        options.environment.emplace_back("KORVEX_RECORDER_LOG", m_calls.string());
-        auto snap = std::make_unique<ChildProcess>(
-            KorvexctlCommand({"snap", "--out", m_out.string()}), options);
-        EXPECT_TRUE(support::WaitUntil([this] { return Called("zr3DSetVideoTrigleMode(B1, 4)"); }));
-        return snap;
-    }
-    /// Whether the child has made a call that begins so.
-    bool Called(const std::string& call) const {
-        return std::filesystem::exists(m_calls) &&
-               ReadText(m_calls).find(call) != std::string::npos;
-    }
-
-private:
-    const std::filesystem::path m_calls = m_folder.Path() / "calls";
-};
+class KorvexctlSnapInterrupt : public KorvexctlSnap, public ::testing::WithParamInterface<int> {};
 
 TEST_P(KorvexctlSnapInterrupt, PutsTheHeadBackAndWritesNothing) {
     const RequestedHead head(SmallHeadDescription());
@@ -163,7 +135,7 @@ TEST_P(KorvexctlSnapInterrupt, PutsTheHeadBackAndWritesNothing) {
             return !head->GetJournal().Texts({"zr3DOpenOrCloseStrobeFlicker"}).empty();
         }));
         before = head->GetJournal().Texts({"zr3DOpenOrCloseStrobeFlicker"}).size();
-        std::raise(GetParam());
+        RaiseSignal(GetParam());
         EXPECT_TRUE(errorIntoFile.WaitForMessage());
         head->GetFaults().ReleaseHangs("SnapShot");
     });
@@ -193,7 +165,7 @@ TEST_P(KorvexctlSnapInterrupt, WhileImagesAreWrittenTellsHowMany) {
     korvexctl::Output output(standardOutput, true);
     const korvexctl::Outcome outcome =
         korvexctl::RunSnap(choice, output, [&](const auto& file, const auto& bytes) {
-            std::raise(GetParam());
+            RaiseSignal(GetParam());
             EXPECT_TRUE(errorIntoFile.WaitForMessage());
             korvexctl::StoreWhole(file, bytes);
         });
@@ -205,22 +177,9 @@ TEST_P(KorvexctlSnapInterrupt, WhileImagesAreWrittenTellsHowMany) {
     EXPECT_EQ(outcome.figures["images"][1]["file"], nullptr);
 }
 
-TEST_P(KorvexctlSnapInterrupt, ASecondTimeEndsAtOnce) {
-    const auto snap = StartSnap();
-    snap->Signal(GetParam());
-    ASSERT_TRUE(snap->WaitForError("\n"));
-    // A terminal that goes may tell it twice; a person has to ask for this end.
-    snap->Signal(GetParam() == SIGHUP ? SIGTERM : GetParam());
-    const ChildResult result = snap->Wait();
-    EXPECT_EQ(result.exitCode, static_cast<int>(ExitCode::Interrupted));
-    EXPECT_THAT(result.error, HasSubstr("press Ctrl-C again to quit now"));
-    EXPECT_FALSE(Called("zr3DExitHidDev")) << "it did not disconnect first";
-    EXPECT_THAT(FileNames(m_out), IsEmpty());
-}
-
 INSTANTIATE_TEST_SUITE_P(Signals, KorvexctlSnapInterrupt,
-                         ::testing::Values(SIGINT, SIGTERM, SIGHUP),
-                         [](const auto& row) { return support::SignalName(row.param); });
+                         ::testing::Values(kInterrupt, kTerminate, kHangUp),
+                         [](const auto& row) { return SignalName(row.param); });
 
 }  // namespace
 

@@ -1,12 +1,11 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <csignal>
 #include <sstream>
 
 #include "korvexctl/CommandOverHead.h"
 #include "korvexctl/commands/StatusReport.h"
-#include "support/SignalName.h"
+#include "support/Signals.h"
 #include "virtual_head/TestFiles.h"
 
 namespace Korvex3Sync::tests {
@@ -35,7 +34,7 @@ TEST(KorvexctlStatus, ShowsTheFirstStatus) {
         KorvexctlCommand({"--virtual=" + WriteSmallHead(folder.Path()).string(), "status"}),
         WithoutHead());
     ASSERT_TRUE(status.WaitForOutput("\n"));
-    status.Signal(SIGINT);
+    status.Signal(kInterrupt);
     const ChildResult result = status.Wait();
     EXPECT_EQ(result.exitCode, 0) << result.error;
     EXPECT_THAT(result.output, MatchesRegex("[0-9T:.-]+Z  status 1 0  [^\n]*\n"));
@@ -55,7 +54,7 @@ TEST(KorvexctlStatus, EachChangeIsOneRecord) {
     ChildProcess status(KorvexctlCommand({"--virtual=" + head.string(), "status", "--json"}),
                         WithoutHead());
     ASSERT_TRUE(status.WaitForOutput("\"status_a\":1,"));
-    status.Signal(SIGINT);
+    status.Signal(kInterrupt);
     const ChildResult result = status.Wait();
     EXPECT_EQ(result.exitCode, 0) << result.error;
     const std::vector<nlohmann::json> records = Records(result.output);
@@ -86,8 +85,9 @@ TEST_P(KorvexctlStatusSignal, EndsItCleanly) {
     EXPECT_THAT(ReadText(log), HasSubstr("DisConnectDevice"));
 }
 
-INSTANTIATE_TEST_SUITE_P(Signals, KorvexctlStatusSignal, ::testing::Values(SIGINT, SIGTERM, SIGHUP),
-                         [](const auto& row) { return support::SignalName(row.param); });
+INSTANTIATE_TEST_SUITE_P(Signals, KorvexctlStatusSignal,
+                         ::testing::Values(kInterrupt, kTerminate, kHangUp),
+                         [](const auto& row) { return SignalName(row.param); });
 
 TEST(KorvexctlStatus, WithoutAHeadTheErrorIsOneLine) {
     const ChildResult result = RunKorvexctl({"status", "--json"});
@@ -116,7 +116,7 @@ TEST(KorvexctlStatus, ABoardThatIsPluggedInAgainIsReconnectedWithItsSettings) {
     ChildProcess status(KorvexctlCommand({"--virtual=" + head.string(), "status"}), WithoutHead());
     ASSERT_TRUE(status.WaitForOutput("the board does not answer (255 255)  losses unknown\n"));
     EXPECT_TRUE(status.WaitForOutputMatching("losses unknown\n[0-9T:.-]+Z  status 1 0  "));
-    status.Signal(SIGINT);
+    status.Signal(kInterrupt);
     EXPECT_EQ(status.Wait().exitCode, 0);
 }
 
@@ -127,7 +127,7 @@ TEST(KorvexctlStatus, AHeadWithoutColourMissesNone) {
                                           "--mode", "laser-color"}),
                         WithoutHead());
     ASSERT_TRUE(status.WaitForOutput("\"status_a\":1"));
-    status.Signal(SIGINT);
+    status.Signal(kInterrupt);
     const std::vector<nlohmann::json> records = Records(status.Wait().output);
     ASSERT_FALSE(records.empty());
     EXPECT_EQ(records[0]["losses"]["mono_without_color"], 0);

@@ -1,6 +1,5 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <sys/stat.h>
 
 #include <sstream>
 
@@ -266,16 +265,6 @@ TEST(KorvexctlUsage, ALogThatIsFullIsWarnedOfOnceAndTheCommandGoesOn) {
     const std::size_t first = result.error.find(warning);
     ASSERT_NE(first, std::string::npos) << result.error;
     EXPECT_EQ(result.error.find(warning, first + 1), std::string::npos) << result.error;
-}
-
-TEST(KorvexctlUsage, ALogThatNobodyReadsIsRefused) {
-    const TemporaryFolder folder;
-    const auto fifo = folder.Path() / "log";
-    ASSERT_EQ(::mkfifo(fifo.c_str(), 0600), 0);
-    const ChildResult result = RunKorvexctl({"list", "--virtual", "--log", fifo.string()});
-    EXPECT_EQ(result.exitCode, 6);
-    EXPECT_THAT(result.error, HasSubstr("cannot open the log file " + fifo.string() +
-                                        ": the pipe has no reader"));
 }
 
 class EmptyName : public ::testing::TestWithParam<std::vector<std::string>> {};

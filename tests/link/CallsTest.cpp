@@ -219,14 +219,14 @@ protected:
         return {};
     }
     RawSocket AcceptIntroduced() const {
-        RawSocket peer = m_socket.Accept();
+        RawSocket peer = m_socket->Accept();
         peer.Send(Framed(Encoded(Hello{kProtocolVersion, Role::Service, 1})));
         return peer;
     }
 
     Folders m_folders;
     const std::string m_path;
-    RawSocket m_socket;
+    std::optional<RawSocket> m_socket;
     TestHub m_hub;
 };
 
@@ -286,11 +286,11 @@ TEST_F(BrokenService, ThatHangsCostsACallItsShortWaitAndIsLeftForAnother) {
     auto hung = std::make_unique<HubLink>(RegistrationAt(m_path), [] {});
     const LogText log;
     Client client;
-    const RawSocket peer = m_socket.Accept();  // and never a word
+    const RawSocket peer = m_socket->Accept();  // and never a word
     EXPECT_FALSE(Answers(client));
     ASSERT_TRUE(WaitUntil([&] { return log.Contains("no first message within the limit"); }));
     hung.reset();
-    ::unlink(m_path.c_str());
+    m_socket.reset();
     const TestService service;
     EXPECT_TRUE(WaitUntilAnswers(client));
 }

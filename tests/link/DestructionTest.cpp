@@ -1,7 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <malloc.h>
-
 #include <atomic>
 #include <filesystem>
 #include <future>
@@ -164,17 +162,6 @@ TEST_F(Destruction, OfAServiceLetsRunningCallsAnswer) {
     EXPECT_EQ(call.get(), STATUS_SUCCESS);
 }
 
-std::size_t OpenDescriptors() {
-    const std::filesystem::directory_iterator descriptors("/proc/self/fd");
-    return static_cast<std::size_t>(std::distance(begin(descriptors), end(descriptors)));
-}
-
-/// Memory in use, in bytes. The sanitizers, which have an allocator of their own, look for leaks
-/// themselves.
-std::size_t UsedMemory() {
-    return ::mallinfo2().uordblks;
-}
-
 constexpr std::size_t kLittle = 1024 * 1024;
 
 TEST_F(Destruction, TenThousandConnectsLeaveNothing) {
@@ -189,16 +176,16 @@ TEST_F(Destruction, TenThousandConnectsLeaveNothing) {
         Client client;
         return Answers(client);
     }));
-    const std::size_t descriptors = OpenDescriptors();
+    const std::size_t descriptors = support::OpenFiles();
     const std::size_t threads = support::ThreadCount() + kPoolThreads;
-    const std::size_t memory = UsedMemory();
+    const std::size_t memory = support::UsedMemory();
     for (int i = 0; i < 10'000; ++i) {
         connect();
     }
-    EXPECT_TRUE(WaitUntil([&] { return OpenDescriptors() <= descriptors; }))
-        << OpenDescriptors() << " instead of " << descriptors;
+    EXPECT_TRUE(WaitUntil([&] { return support::OpenFiles() <= descriptors; }))
+        << support::OpenFiles() << " instead of " << descriptors;
     EXPECT_LE(support::ThreadCount(), threads);
-    EXPECT_LT(UsedMemory(), memory + kLittle);
+    EXPECT_LT(support::UsedMemory(), memory + kLittle);
 }
 
 TEST_F(Destruction, AThousandClientsLeaveNothing) {
@@ -209,16 +196,16 @@ TEST_F(Destruction, AThousandClientsLeaveNothing) {
     for (int i = 0; i < 100; ++i) {
         connect();
     }
-    const std::size_t descriptors = OpenDescriptors();
+    const std::size_t descriptors = support::OpenFiles();
     const std::size_t threads = support::ThreadCount() + kPoolThreads;
-    const std::size_t memory = UsedMemory();
+    const std::size_t memory = support::UsedMemory();
     for (int i = 0; i < 1000; ++i) {
         connect();
     }
-    EXPECT_TRUE(WaitUntil([&] { return OpenDescriptors() <= descriptors; }))
-        << OpenDescriptors() << " instead of " << descriptors;
+    EXPECT_TRUE(WaitUntil([&] { return support::OpenFiles() <= descriptors; }))
+        << support::OpenFiles() << " instead of " << descriptors;
     EXPECT_TRUE(WaitUntil([&] { return support::ThreadCount() <= threads; }));
-    EXPECT_LT(UsedMemory(), memory + kLittle);
+    EXPECT_LT(support::UsedMemory(), memory + kLittle);
 }
 
 }  // namespace

@@ -1,7 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <sys/resource.h>
-
 #include <atomic>
 #include <optional>
 
@@ -10,6 +8,7 @@
 #include "platform/link/hub/HubQuery.h"
 #include "platform/os/Clock.h"
 #include "platform/os/Event.h"
+#include "platform/os/Process.h"
 
 namespace Korvex3Sync::tests {
 namespace {
@@ -33,7 +32,7 @@ TEST_F(Hub, SaysWhoItIsAndWhomItKnows) {
     HubState state;
     ASSERT_TRUE(QueryHub(state));
     EXPECT_EQ(state.version, "1.2.3");
-    EXPECT_EQ(state.process, ::getpid());
+    EXPECT_EQ(state.process, os::CurrentProcess());
     EXPECT_GE(state.uptimeMs, 0);
     EXPECT_TRUE(state.services.empty());
     const TestService service;
@@ -41,7 +40,7 @@ TEST_F(Hub, SaysWhoItIsAndWhomItKnows) {
     const Registration known = Services().front();
     EXPECT_EQ(known.service, kServiceName);
     EXPECT_EQ(known.socket.toStdString(), service.Path());
-    EXPECT_EQ(known.process, ::getpid());
+    EXPECT_EQ(known.process, os::CurrentProcess());
     EXPECT_EQ(known.version, kProtocolVersion);
     EXPECT_FALSE(known.instance.isEmpty());
     HubState later;
@@ -135,63 +134,11 @@ TEST_F(Listening, OnASocketThatSomebodyUsesIsRefused) {
     EXPECT_TRUE(second.Listen(reason)) << reason;
 }
 
-TEST_F(Listening, ReplacesWhatADeadProcessLeft) {
-    const std::string path = SocketOf("x");
-    { const RawSocket dead = RawSocket::Listening(path); }
-    ASSERT_TRUE(std::filesystem::is_socket(path));
-    Server server(path, Role::Service);
-    std::string reason;
-    EXPECT_TRUE(server.Listen(reason)) << reason;
-}
-
 TEST_F(Listening, NeedsAFolder) {
     Server server("/nowhere/at/all", Role::Service);
     std::string reason;
     EXPECT_FALSE(server.Listen(reason));
     EXPECT_NE(reason.find("cannot listen on /nowhere/at/all: "), std::string::npos);
-}
-
-TEST_F(Listening, ContinuesAfterTheSocketWasRemoved) {
-    const TestHub hub;
-    const TestService service;
-    std::filesystem::remove(service.Path());
-    std::filesystem::remove(SocketOf(kHubSocket));
-    Client client;
-    EXPECT_TRUE(WaitUntilAnswers(client));
-}
-
-TEST_F(Listening, ContinuesAfterTheProcessRanOutOfDescriptors) {
-    const std::string path = SocketOf("x");
-    Server server(path, Role::Service);
-    std::string reason;
-    ASSERT_TRUE(server.Listen(reason)) << reason;
-    {
-        RawSocket peer(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0));
-        rlimit limit{};
-        ASSERT_EQ(::getrlimit(RLIMIT_NOFILE, &limit), 0);
-        rlimit none = limit;
-        none.rlim_cur = 0;
-        ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &none), 0);
-        EXPECT_TRUE(peer.TryConnectTo(path));
-        peer.WaitUntilClosed();
-        ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &limit), 0);
-    }
-    EXPECT_TRUE(WaitUntil([&] {
-        RawSocket peer(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0));
-        return peer.TryConnectTo(path) && peer.Receive().has_value();
-    }));
-}
-
-TEST_F(Listening, LeavesASocketForThisUserAlone) {
-    const std::string path = SocketOf("x");
-    Server server(path, Role::Service);
-    std::string reason;
-    ASSERT_TRUE(server.Listen(reason)) << reason;
-    using std::filesystem::perms;
-    EXPECT_EQ(std::filesystem::status(path).permissions() & (perms::group_all | perms::others_all),
-              perms::none);
-    server.Close();
-    EXPECT_FALSE(std::filesystem::exists(path));
 }
 
 }  // namespace

@@ -16,6 +16,7 @@
 #include "link/SignalReceiver.h"
 #include "link/WireSamples.h"
 #include "platform/include/SyncInterface.h"
+#include "platform/os/Process.h"
 
 namespace Korvex3Sync::tests {
 namespace {
@@ -236,7 +237,7 @@ TEST_F(Signals, ReachNobodyWhoHasGone) {
     {
         const RawSocket peer = RawSocket::Introduced(m_service.Path());
         client = WaitForClient();
-        EXPECT_EQ(m_processes.back(), ::getpid());
+        EXPECT_EQ(m_processes.back(), os::CurrentProcess());
         EXPECT_TRUE(m_service.Server().Send(client, Numbered(1)));
     }
     ASSERT_TRUE(WaitUntil([&] { return HasGone(client); }));

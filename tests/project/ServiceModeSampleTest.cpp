@@ -3,6 +3,7 @@
 #include <cstdlib>
 
 #include "support/ChildProcess.h"
+#include "support/Environment.h"
 #include "support/OwnFolders.h"
 #include "support/ProcessNamespace.h"
 
@@ -25,7 +26,9 @@ TEST(GuideInServiceMode, TakesSetsThroughTheService) {
 
 int main(int argc, char** argv) {
     // In builds for tests, the pauses of the start are shorter.
-    ::setenv("KORVEX_TIME_SCALE", "0.3", 0);
+    if (std::getenv("KORVEX_TIME_SCALE") == nullptr) {
+        Korvex3Sync::tests::SetVariable("KORVEX_TIME_SCALE", "0.3");
+    }
     return Korvex3Sync::tests::RunInProcessNamespace(argc, argv, [](int count, char** arguments) {
         testing::InitGoogleTest(&count, arguments);
         return RUN_ALL_TESTS();

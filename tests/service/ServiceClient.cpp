@@ -25,7 +25,8 @@ void TakeLine(QtMsgType type, const QMessageLogContext&, const QString& text) {
 }
 
 fs::path JournalFile() {
-    return fs::path(QCoreApplication::applicationDirPath().toStdString()) / "journal";
+    const fs::path folder = QCoreApplication::applicationDirPath().toStdString();
+    return (folder / "journal").make_preferred();
 }
 
 }  // namespace
@@ -56,17 +57,15 @@ ServiceClient::ServiceClient() {
     Recorder::Get().SetValue("id", 77);
     fs::remove(JournalFile());
     fs::remove_all(Folder() / "res");
-    for (const std::string name : {"hub.exe", "ZrSyncService.exe"}) {
-        WriteScript(Folder() / name,
-                    "echo " + name + " $$ $# $PWD >> " + JournalFile().string() + "\nread x");
+    for (const char* name : {"hub.exe", "ZrSyncService.exe"}) {
+        WriteProgram(name);
     }
     // The host's current directory is not the application directory.
     const fs::path current = Folder() / "current";
     fs::create_directory(current);
-    for (const std::string name :
+    for (const char* name :
          {"restart_VID0219_PID0813_REV0221.bat", "restart_VID05E3_PID0620_REV2307.bat"}) {
-        WriteScript(current / name,
-                    "echo " + name + " $# $PWD >> " + JournalFile().string() + "\nexit 3");
+        WriteScript(current / name, JournalFile());
     }
     fs::current_path(current);
 }
@@ -93,10 +92,8 @@ void ServiceClient::Configure(const std::map<std::string, std::string>& keys) {
     WriteConfiguration(text);
 }
 
-void ServiceClient::WriteScript(const fs::path& path, const std::string& body) {
-    fs::remove(path);  // a running script keeps its file
-    std::ofstream(path) << "#!/bin/sh\n" << body << "\n";
-    fs::permissions(path, fs::perms::owner_all);
+void ServiceClient::WriteProgram(const std::string& name, const StandIn& does) {
+    WriteStandIn(Folder() / name, JournalFile(), does);
 }
 
 bool ServiceClient::Start() {

@@ -15,6 +15,7 @@
 #include "platform/os/TimeScale.h"
 #include "recorder/RecordedService.h"
 #include "recorder/Recorder.h"
+#include "service/StandIn.h"
 #include "service/zr3DHandiSyncQT.h"
 #include "support/WaitUntil.h"
 
@@ -36,8 +37,8 @@ private:
     const QtMessageHandler m_previous;
 };
 
-/// The client over a recording service. The hub, the service and the scripts are shell scripts,
-/// which write into a journal and, if they are to go on, wait for the end of their input.
+/// The client over a recording service. Small programs and scripts, which write into a journal,
+/// stand in for the hub, the service and the scripts.
 class ServiceClient : public testing::Test {
 protected:
     ServiceClient();
@@ -47,8 +48,8 @@ protected:
     /// Keys of the group "Reconnect".
     static void Configure(const std::map<std::string, std::string>& keys);
     static void WriteConfiguration(const std::string& text);
-    /// Makes an executable shell script of the application directory.
-    static void WriteScript(const std::filesystem::path& path, const std::string& body);
+    /// Makes a program of the application directory.
+    static void WriteProgram(const std::string& name, const StandIn& does = {});
 
     void MakeClient() { m_client = std::make_unique<zr3DHandiSyncQT>(); }
     /// Makes the client and starts it.

@@ -1,10 +1,10 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "os/Sleeper.h"
 #include "platform/os/Clock.h"
 #include "platform/os/Process.h"
 #include "service/ServiceClient.h"
-#include "support/ChildProcess.h"
 #include "support/Golden.h"
 
 namespace Korvex3Sync::tests {
@@ -40,15 +40,11 @@ protected:
         });
     }
     /// A process of an earlier host.
-    static std::unique_ptr<ChildProcess> Stale(const std::string& name) {
+    static std::unique_ptr<Sleeper> Stale(const std::string& name) {
         const fs::path program = Folder() / "earlier" / name;
         fs::create_directories(program.parent_path());
         fs::remove(program);
-        fs::copy_file("/bin/sleep", program);
-        auto process =
-            std::make_unique<ChildProcess>(std::vector<std::string>{program.string(), "1000"});
-        EXPECT_TRUE(WaitUntil([&] { return os::OtherProcess(process->Number()).Is(name); }));
-        return process;
+        return std::make_unique<Sleeper>(SleeperAs(program));
     }
 };
 
@@ -108,8 +104,9 @@ TEST_F(Supervision, EndsScriptsOfAnEarlierHostFirst) {
 }
 
 TEST_F(Supervision, NeverEndsTheHostItself) {
-    ASSERT_TRUE(os::OtherProcess(os::CurrentProcess()).Is("service_tests"));
-    os::EndProcesses("service_tests");
+    const fs::path program = QCoreApplication::applicationFilePath().toStdString();
+    ASSERT_TRUE(os::OtherProcess(os::CurrentProcess()).Is(program.filename().string()));
+    os::EndProcesses(program.filename().string());
     EXPECT_TRUE(os::OtherProcess(os::CurrentProcess()).Runs());
 }
 
@@ -175,19 +172,16 @@ TEST_F(Supervision, OtherStatesOfTheServiceAreNotLogged) {
 }
 
 TEST_F(Supervision, AServiceThatPrintsMuchIsNotBlocked) {
-    const std::string journal = (Folder() / "journal").string();
-    WriteScript(Folder() / "ZrSyncService.exe",
-                "head -c 1000000 /dev/zero >&2; echo said >> " + journal + "; read x");
-    WriteScript(Folder() / "hub.exe",
-                "head -c 1000000 /dev/zero; head -c 1000000 /dev/zero >&2; echo said >> " +
-                    journal + "; read x");
+    constexpr std::size_t kMuch = 1'000'000;
+    WriteProgram("ZrSyncService.exe", {.errorBytes = kMuch, .line = "", .journal = "said"});
+    WriteProgram("hub.exe",
+                 {.outputBytes = kMuch, .errorBytes = kMuch, .line = "", .journal = "said"});
     ASSERT_TRUE(Start());
     EXPECT_TRUE(WaitUntil([] { return Journaled("said") == 2; }));
 }
 
 TEST_F(Supervision, StandardOutputOfTheServiceIsThatOfTheHost) {
-    WriteScript(Folder() / "ZrSyncService.exe", "echo from the service; echo said >> " +
-                                                    (Folder() / "journal").string() + "; read x");
+    WriteProgram("ZrSyncService.exe", {.line = "from the service", .journal = "said"});
     Output output(Output::Of::kThisThread);
     EXPECT_TRUE(Start());
     EXPECT_TRUE(WaitUntil([] { return Journaled("said") == 1; }));
@@ -204,7 +198,7 @@ TEST_F(Supervision, AHubThatDoesNotStartIsNotTriedAgain) {
     EXPECT_TRUE(m_debug.Has("debug startScanServiceProcess failed"));
     EXPECT_EQ(recorder::TheSyncInterface(), nullptr);
     EXPECT_EQ(Journaled("ZrSyncService.exe "), 0U);
-    WriteScript(Folder() / "hub.exe", "echo hub.exe >> " + (Folder() / "journal").string());
+    WriteProgram("hub.exe", {.line = "", .journal = "hub.exe", .waits = false});
     const auto stale = Stale("hub.exe");
     EXPECT_TRUE(m_client->Init());
     EXPECT_TRUE(WaitUntil([] { return Journaled("ZrSyncService.exe ") == 1; }));

@@ -11,11 +11,14 @@ namespace Korvex3Sync::tests {
 void SetVariable(const std::string& name, const std::string& value);
 void RemoveVariable(const std::string& name);
 
-/// From now on standard output gets the bytes that are printed: nothing is put before line ends.
-void KeepLineEnds();
+/// GoogleTest's CaptureStdout; nothing is put before line ends.
+void CaptureLines();
 
 /// Makes a folder in the folder for temporary files. Its path is short, because a socket path is.
 std::filesystem::path NewFolder(const std::string& beginning);
+
+/// Gives a program a second name, under which it finds the same libraries.
+void LinkProgram(const std::filesystem::path& program, const std::filesystem::path& name);
 
 /// The variables that make a process keep its sockets, lock files and logs in this folder.
 std::vector<std::pair<std::string, std::string>> FoldersIn(const std::filesystem::path& home);

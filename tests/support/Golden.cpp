@@ -123,8 +123,7 @@ std::string Joined(const Lines& lines) {
 }  // namespace
 
 Output::Output(Of of) : m_of(of) {
-    testing::internal::CaptureStdout();
-    KeepLineEnds();
+    CaptureLines();
     google::AddLogSink(this);
 }
 

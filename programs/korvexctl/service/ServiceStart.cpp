@@ -12,6 +12,7 @@
 #include "korvexctl/service/ServiceLink.h"
 #include "korvexctl/service/ServicePrograms.h"
 #include "platform/os/Clock.h"
+#include "platform/os/InheritedStreams.h"
 #include "platform/os/Process.h"
 
 namespace Korvex3Sync::korvexctl {
@@ -94,6 +95,7 @@ public:
         process.setStandardInputFile(QProcess::nullDevice());
         process.setStandardOutputFile(QProcess::nullDevice());
         process.setStandardErrorFile(m_errors.File());
+        os::InheritOnlyStreams(process);
         qint64 number = 0;
         if (!process.startDetached(&number)) {
             Fail(program, "cannot start " + file.string() +

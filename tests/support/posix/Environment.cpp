@@ -17,12 +17,18 @@ void RemoveVariable(const std::string& name) {
     ::unsetenv(name.c_str());
 }
 
-void KeepLineEnds() {}
+void CaptureLines() {
+    testing::internal::CaptureStdout();
+}
 
 fs::path NewFolder(const std::string& beginning) {
     std::string path = "/tmp/" + beginning + "XXXXXX";
     EXPECT_NE(::mkdtemp(path.data()), nullptr);
     return path;
+}
+
+void LinkProgram(const fs::path& program, const fs::path& name) {
+    fs::create_symlink(program, name);
 }
 
 std::vector<std::pair<std::string, std::string>> FoldersIn(const fs::path& home) {

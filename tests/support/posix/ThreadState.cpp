@@ -1,5 +1,6 @@
 #include "support/ThreadState.h"
 
+#include <malloc.h>
 #include <sys/syscall.h>
 #include <unistd.h>
 
@@ -10,6 +11,15 @@
 #include "support/BlockingCall.h"
 
 namespace Korvex3Sync::tests::support {
+
+namespace {
+
+std::size_t EntriesOf(const char* folder) {
+    const std::filesystem::directory_iterator entries(folder);
+    return static_cast<std::size_t>(std::distance(begin(entries), end(entries)));
+}
+
+}  // namespace
 
 int ThisThread() {
     return static_cast<int>(::syscall(SYS_gettid));
@@ -30,8 +40,15 @@ std::string SleepOf(int thread) {
 }
 
 std::size_t ThreadCount() {
-    const std::filesystem::directory_iterator tasks("/proc/self/task");
-    return static_cast<std::size_t>(std::distance(begin(tasks), end(tasks)));
+    return EntriesOf("/proc/self/task");
+}
+
+std::size_t OpenFiles() {
+    return EntriesOf("/proc/self/fd");
+}
+
+std::size_t UsedMemory() {
+    return ::mallinfo2().uordblks;
 }
 
 }  // namespace Korvex3Sync::tests::support

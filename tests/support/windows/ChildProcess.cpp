@@ -9,7 +9,9 @@
 #include <thread>
 
 #include "platform/os/Descriptors.h"
+#include "platform/os/InheritedStreams.h"
 #include "platform/os/windows/System.h"
+#include "support/windows/Signals.h"
 
 // In no header of the system.
 extern "C" __declspec(dllimport) LONG NTAPI NtSuspendProcess(HANDLE process);
@@ -132,9 +134,11 @@ ChildProcess::ChildProcess(const std::vector<std::string>& command, ChildOptions
     std::wstring line = CommandLine(command);
     std::wstring environment = EnvironmentBlock(m_options.environment);
     PROCESS_INFORMATION child{};
-    const BOOL started = ::CreateProcessW(nullptr, line.data(), nullptr, nullptr, TRUE,
-                                          CREATE_UNICODE_ENVIRONMENT | CREATE_NEW_PROCESS_GROUP,
-                                          environment.data(), nullptr, &start, &child);
+    os::InheritedStreams streams;
+    const BOOL started = ::CreateProcessW(
+        nullptr, line.data(), nullptr, nullptr, TRUE,
+        CREATE_UNICODE_ENVIRONMENT | os::InheritedStreams::Flag(), environment.data(), nullptr,
+        static_cast<STARTUPINFOW*>(streams.Extended(&start)), &child);
     EXPECT_NE(started, 0) << command.front() << ": " << os::LastError().message();
     os::CloseDescriptor(output[1]);
     os::CloseDescriptor(error[1]);
@@ -154,9 +158,8 @@ ChildProcess::~ChildProcess() {
     os::CloseDescriptor(m_error);
 }
 
-// The console's Ctrl-Break is the only signal here.
-void ChildProcess::Signal(int /*signal*/) const {
-    ASSERT_NE(::GenerateConsoleCtrlEvent(CTRL_BREAK_EVENT, static_cast<DWORD>(m_pid)), 0);
+void ChildProcess::Signal(int signal) const {
+    SendConsoleEvent(reinterpret_cast<HANDLE>(m_process), signal);
 }
 
 void ChildProcess::Kill() const {

@@ -7,6 +7,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <random>
+#include <utility>
 
 #include "platform/os/windows/System.h"
 
@@ -24,9 +25,12 @@ void RemoveVariable(const std::string& name) {
     ::_wputenv_s(os::Wide(name).c_str(), L"");
 }
 
-void KeepLineEnds() {
-    std::fflush(stdout);
-    EXPECT_NE(::_setmode(::_fileno(stdout), _O_BINARY), -1);
+void CaptureLines() {
+    // How GoogleTest opens its file. Another thread may print before anything could be changed
+    // after.
+    const int usual = std::exchange(_fmode, _O_BINARY);
+    testing::internal::CaptureStdout();
+    _fmode = usual;
 }
 
 fs::path NewFolder(const std::string& beginning) {
@@ -39,6 +43,11 @@ fs::path NewFolder(const std::string& beginning) {
             return path;
         }
     }
+}
+
+// The libraries are found by the search path.
+void LinkProgram(const fs::path& program, const fs::path& name) {
+    fs::copy_file(program, name);
 }
 
 std::vector<std::pair<std::string, std::string>> FoldersIn(const fs::path& home) {

@@ -2,6 +2,8 @@
 
 #include "platform/os/windows/System.h"
 
+#include <gtest/gtest.h>
+#include <malloc.h>
 #include <tlhelp32.h>
 
 #include "support/BlockingCall.h"
@@ -36,6 +38,23 @@ std::size_t ThreadCount() {
         count += entry.th32OwnerProcessID == ::GetCurrentProcessId() ? 1 : 0;
     }
     return count;
+}
+
+std::size_t OpenFiles() {
+    DWORD count = 0;
+    EXPECT_NE(::GetProcessHandleCount(::GetCurrentProcess(), &count), 0);
+    return count;
+}
+
+std::size_t UsedMemory() {
+    std::size_t used = 0;
+    _HEAPINFO block{};
+    int result = ::_heapwalk(&block);
+    for (; result == _HEAPOK; result = ::_heapwalk(&block)) {
+        used += block._useflag == _USEDENTRY ? block._size : 0;
+    }
+    EXPECT_EQ(result, _HEAPEND);
+    return used;
 }
 
 }  // namespace Korvex3Sync::tests::support
