@@ -1,6 +1,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <QCoreApplication>
+
 #include "os/Sleeper.h"
 #include "platform/os/Clock.h"
 #include "platform/os/Process.h"

@@ -9,13 +9,12 @@ namespace fs = std::filesystem;
 // The program reads what it does from a file of its own name (StandInProgram.cpp).
 void WriteStandIn(const fs::path& program, const fs::path& journal, const StandIn& does) {
     fs::copy_file(KORVEX_STAND_IN, program, fs::copy_options::overwrite_existing);
-    std::ofstream(fs::path(program).replace_extension(".txt"))
-        << journal.string() << '\n'
-        << does.outputBytes << '\n'
-        << does.errorBytes << '\n'
-        << does.line << '\n'
-        << does.journal << '\n'
-        << does.waits << '\n';
+    std::ofstream(fs::path(program).replace_extension(".txt")) << journal.string() << '\n'
+                                                               << does.outputBytes << '\n'
+                                                               << does.errorBytes << '\n'
+                                                               << does.line << '\n'
+                                                               << does.journal << '\n'
+                                                               << does.waits << '\n';
 }
 
 void WriteScript(const fs::path& script, const fs::path& journal) {
