@@ -2,12 +2,16 @@
 
 #include <fstream>
 
+#include "platform/os/Process.h"
+
 namespace Korvex3Sync::tests {
 
 namespace fs = std::filesystem;
 
 // The program reads what it does from a file of its own name (StandInProgram.cpp).
 void WriteStandIn(const fs::path& program, const fs::path& journal, const StandIn& does) {
+    // The file of a program that runs cannot be replaced.
+    os::EndProcesses(program.filename().string());
     fs::copy_file(KORVEX_STAND_IN, program, fs::copy_options::overwrite_existing);
     std::ofstream(fs::path(program).replace_extension(".txt")) << journal.string() << '\n'
                                                                << does.outputBytes << '\n'
