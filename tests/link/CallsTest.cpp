@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <ctime>
 #include <future>
 #include <thread>
 #include <vector>
@@ -60,6 +61,19 @@ protected:
     }};
     Client m_client;
 };
+
+TEST_F(Calls, ThatWaitLongUseNoProcessor) {
+    constexpr std::chrono::milliseconds kWait{400};
+    const os::ScopedTimeScale scale(std::chrono::duration<double>(kWait) /
+                                    GetVideoTriggerPeriod::kLimit);
+    int answer = -1;
+    const std::clock_t before = std::clock();
+    EXPECT_EQ(SlowCall(5, answer), STATUS_FAILED);
+    // Of the caller and of all threads of the link, at both ends.
+    const std::chrono::duration<double> used(static_cast<double>(std::clock() - before) /
+                                             CLOCKS_PER_SEC);
+    EXPECT_LT(used, kWait / 2);
+}
 
 TEST_F(Calls, EndAtTheirLimitAndALateAnswerHarmsNobody) {
     int answer = -1;

@@ -78,6 +78,9 @@ RETSTATUS ClientCalls::Call(const CalledOperation& operation, const QByteArray& 
     if (outlet->SendOrFail(Encoded(CallMessage{number, operation.number, arguments}))) {
         m_loop.Wake();
     }
+    if (pending->alone) {
+        m_activeWait.Wait([&pending] { return pending->ended.IsSet(); });
+    }
     if (pending->ended.WaitUntil(deadline) == os::WaitResult::TimedOut) {
         os::MutexGuard lock(m_mutex);
         // An answer that arrives from now on finds nobody.
@@ -112,6 +115,7 @@ std::shared_ptr<Outlet> ClientCalls::Enter(const CalledOperation& operation, Tim
     }
     number = ++m_lastNumber;
     m_pending[number] = pending;
+    pending->alone = m_callers == 1;
     return m_outlet;
 }
 

@@ -10,6 +10,7 @@
 #include "platform/link/Client.h"
 #include "platform/link/ClientConnection.h"
 #include "platform/link/channel/IoLoop.h"
+#include "platform/os/ActiveWait.h"
 #include "platform/os/Condition.h"
 #include "platform/os/Event.h"
 
@@ -34,6 +35,7 @@ private:
 
     struct Pending {
         os::Event ended;
+        bool alone = false;                // no other call ran: a core is free to wait actively
         RETSTATUS status = STATUS_FAILED;  // with the results: written before `ended` is set
         QByteArray results;
     };
@@ -74,6 +76,7 @@ private:
         KORVEX_GUARDED_BY(m_mutex);  // not empty: end the connection, for this reason
 
     std::unique_ptr<ClientConnection> m_connection;  // I/O thread only
+    os::ActiveWait m_activeWait;                     // for the answer to a call
     IoLoop m_loop;
 };
 

@@ -48,6 +48,7 @@ private:
 class KORVEX_CAPABILITY("mutex") Mutex {
 public:
     void Lock() KORVEX_ACQUIRE() { m_mutex.lock(); }
+    bool TryLock() KORVEX_TRY_ACQUIRE(true) { return m_mutex.try_lock(); }
     void Unlock() KORVEX_RELEASE() { m_mutex.unlock(); }
     /// For std::condition_variable_any and std::unique_lock.
     void lock() KORVEX_ACQUIRE() { m_mutex.lock(); }

@@ -16,24 +16,19 @@ void Event::Reset() {
     m_set = false;
 }
 
-bool Event::IsSet() const {
-    std::lock_guard lock(m_mutex);
-    return m_set;
-}
-
 WaitResult Event::Wait(std::chrono::milliseconds nominalLimit) {
     return WaitUntil(std::chrono::steady_clock::now() + Scaled(nominalLimit));
 }
 
 WaitResult Event::WaitUntil(std::chrono::steady_clock::time_point deadline) {
     std::unique_lock lock(m_mutex);
-    return m_changed.wait_until(lock, deadline, [this] { return m_set; }) ? WaitResult::Signalled
-                                                                          : WaitResult::TimedOut;
+    return m_changed.wait_until(lock, deadline, [this] { return IsSet(); }) ? WaitResult::Signalled
+                                                                            : WaitResult::TimedOut;
 }
 
 void Event::Wait() {
     std::unique_lock lock(m_mutex);
-    m_changed.wait(lock, [this] { return m_set; });
+    m_changed.wait(lock, [this] { return IsSet(); });
 }
 
 }  // namespace Korvex3Sync::os

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <chrono>
 #include <condition_variable>
 #include <mutex>
@@ -14,7 +15,8 @@ class Event {
 public:
     void Set();
     void Reset();
-    bool IsSet() const;
+    /// Does not block.
+    bool IsSet() const { return m_set; }
     /// Blocks until the event is signalled, but not longer than the nominal limit.
     WaitResult Wait(std::chrono::milliseconds nominalLimit);
     /// The same until a real time: `steady_clock::now() + Scaled(nominal)`.
@@ -23,9 +25,9 @@ public:
     void Wait();
 
 private:
-    mutable std::mutex m_mutex;
+    std::mutex m_mutex;
     std::condition_variable m_changed;
-    bool m_set = false;
+    std::atomic<bool> m_set = false;  // changes under the mutex
 };
 
 }  // namespace Korvex3Sync::os
