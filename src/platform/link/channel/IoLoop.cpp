@@ -60,17 +60,15 @@ public:
 
     void Wake() {
         os::MutexGuard lock(m_mutex);
-        if (!std::exchange(m_woken, true) && m_dispatcher != nullptr) {
-            m_dispatcher->wakeUp();
+        if (!std::exchange(m_woken, true)) {
+            Interrupt();
         }
     }
 
     void End() {
         os::MutexGuard lock(m_mutex);
         m_ended = true;
-        if (m_dispatcher != nullptr) {
-            m_dispatcher->wakeUp();
-        }
+        Interrupt();
     }
 
     /// The thread uses nothing of Qt any more.
@@ -84,6 +82,13 @@ private:
     void SetDispatcher(QAbstractEventDispatcher* dispatcher) {
         os::MutexGuard lock(m_mutex);
         m_dispatcher = dispatcher;
+    }
+
+    // Ends the next wait of the loop if none is under way. wakeUp() does not do so on Windows.
+    void Interrupt() KORVEX_REQUIRES(m_mutex) {
+        if (m_dispatcher != nullptr) {
+            m_dispatcher->interrupt();
+        }
     }
 
     bool Continues(bool& woken) {
