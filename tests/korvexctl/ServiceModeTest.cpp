@@ -47,8 +47,7 @@ protected:
     }
     /// Runs `korvexctl --virtual --service --json ...`, which succeeds: one document and nothing
     /// else.
-    nlohmann::json Document(const std::vector<std::string>& words,
-                            const std::string& head = "--virtual") const {
+    nlohmann::json Document(const std::vector<std::string>& words, const std::string& head) const {
         std::vector<std::string> arguments{head, "--service", "--json"};
         arguments.insert(arguments.end(), words.begin(), words.end());
         const ChildResult result = Run(arguments);
@@ -56,20 +55,11 @@ protected:
         EXPECT_EQ(result.error, "");
         return ParseJson(result.output);
     }
+    nlohmann::json Document(const std::vector<std::string>& words) const {
+        return Document(words, m_head);
+    }
     nlohmann::json Service() const {
         return ParseJson(Run({"service", "status", "--json"}).output)["service"];
-    }
-    /// A head that loses nothing on a busy machine: its cameras have many buffers, and its images
-    /// come from files, while those of a scene are drawn again after each change of light.
-    std::string HeadOfFiles() const {
-        constexpr int kWidth = 1280;
-        constexpr int kHeight = 1024;
-        for (const char* name : {"left0.png", "right0.png", "color0.png"}) {
-            WriteGrey(m_folders.Path() / name, RandomImage(kWidth, kHeight, 1));
-        }
-        WriteText(m_folders.Path() / "head.toml",
-                  "[camera]\nbuffers = 4096\n\n[replay]\nfolder = \".\"\n");
-        return "--virtual=" + (m_folders.Path() / "head.toml").string();
     }
     /// The command line is refused with this reason, before anything is started.
     void ExpectRefused(const std::vector<std::string>& words, const std::string& reason) const {
@@ -82,10 +72,26 @@ protected:
     }
 
     const OwnFolders m_folders;
+    const std::string m_head = HeadOfFiles();
+
+private:
+    /// A head for a busy machine: its images come from files, while those of a scene are drawn when
+    /// it is connected and after each change of light, and its cameras have many buffers.
+    std::string HeadOfFiles() const {
+        constexpr int kWidth = 1280;
+        constexpr int kHeight = 1024;
+        const fs::path folder = m_folders.Path() / "head";
+        fs::create_directory(folder);
+        for (const char* name : {"left0.png", "right0.png", "color0.png"}) {
+            WriteGrey(folder / name, RandomImage(kWidth, kHeight, 1));
+        }
+        WriteText(folder / "head.toml", "[camera]\nbuffers = 4096\n\n[replay]\nfolder = \".\"\n");
+        return "--virtual=" + (folder / "head.toml").string();
+    }
 };
 
 TEST_F(KorvexctlServiceMode, ListsWhatDirectModeLists) {
-    const nlohmann::json through = Document({"list"});
+    const nlohmann::json through = Document({"list"}, "--virtual");
     EXPECT_EQ(through, ParseJson(Run({"--virtual", "--json", "list"}).output));
     EXPECT_THAT(through["cameras"], SizeIs(2));
     const nlohmann::json service = Service();
@@ -96,11 +102,10 @@ TEST_F(KorvexctlServiceMode, ListsWhatDirectModeLists) {
 
 TEST_F(KorvexctlServiceMode, ScansWithTheFiguresOfDirectMode) {
     const fs::path folder = m_folders.Path() / "scan";
-    const std::string head = HeadOfFiles();
     const std::vector<std::string> scan{"scan",   "--sets", "30",    "--period",     "50",
                                         "--keep", "2",      "--out", folder.string()};
-    const nlohmann::json through = Document(scan, head);
-    std::vector<std::string> direct{head, "--json"};
+    const nlohmann::json through = Document(scan);
+    std::vector<std::string> direct{m_head, "--json"};
     direct.insert(direct.end(), scan.begin(), scan.end());
     direct.back() += "-direct";
     const nlohmann::json compared = ParseJson(Run(direct).output);
@@ -129,8 +134,8 @@ TEST_F(KorvexctlServiceMode, ScansWithTheFiguresOfDirectMode) {
 TEST_F(KorvexctlServiceMode, ContinuesAScanWhoseServiceWasKilledAndCountsTheGap) {
     const fs::path folder = m_folders.Path() / "scan";
     ChildProcess scan(
-        KorvexctlCommand({"--virtual", "--service", "--json", "scan", "--sets", "300", "--period",
-                          "20", "--timeout", "60", "--keep", "10", "--out", folder.string()}),
+        KorvexctlCommand({m_head, "--service", "--json", "scan", "--sets", "300", "--period", "20",
+                          "--timeout", "60", "--keep", "10", "--out", folder.string()}),
         WithoutHead(Options()));
     // The picture of the first set.
     ASSERT_TRUE(support::WaitUntil([&] {
@@ -155,7 +160,7 @@ TEST_F(KorvexctlServiceMode, ContinuesAScanWhoseServiceWasKilledAndCountsTheGap)
 }
 
 TEST_F(KorvexctlServiceMode, PassesTheSelftest) {
-    const nlohmann::json document = Document({"selftest", "--write-user-memory"}, HeadOfFiles());
+    const nlohmann::json document = Document({"selftest", "--write-user-memory"});
     EXPECT_EQ(document["failed"], 0);
     std::vector<std::string> notRun;
     for (const nlohmann::json& step : document["steps"]) {
@@ -199,7 +204,7 @@ TEST_F(KorvexctlServiceMode, ShowsEverySettingButThoseOfDirectMode) {
     EXPECT_FALSE(get["settings"].contains("strobe-work-time"));
     for (const std::vector<std::string>& words :
          {std::vector<std::string>{"get", "laser-line-work-time"}, {"set", "heartbeat", "on"}}) {
-        std::vector<std::string> arguments{"--virtual", "--service"};
+        std::vector<std::string> arguments{m_head, "--service"};
         arguments.insert(arguments.end(), words.begin(), words.end());
         const ChildResult result = Run(arguments);
         EXPECT_EQ(result.exitCode, kNotInServiceMode);
@@ -211,13 +216,13 @@ TEST_F(KorvexctlServiceMode, ShowsEverySettingButThoseOfDirectMode) {
 TEST_F(KorvexctlServiceMode, KeepsTextInTheUserMemoryAndNothingBehindAZeroByte) {
     EXPECT_EQ(Document({"user-info", "write", "2", "some text"})["text"], "some text");
     const ChildResult result =
-        Run({"--virtual", "--service", "user-info", "write", "2", "--hex", "410042"});
+        Run({m_head, "--service", "user-info", "write", "2", "--hex", "410042"});
     EXPECT_EQ(result.exitCode, kNotInServiceMode);
     EXPECT_THAT(result.error, HasSubstr("up to its first zero byte"));
 }
 
 TEST_F(KorvexctlServiceMode, ExaminesTheHead) {
-    const ChildResult result = Run({"--virtual", "--service", "--json", "doctor"});
+    const ChildResult result = Run({m_head, "--service", "--json", "doctor"});
     constexpr int kWarnings = 14;  // a busy machine may lose a set
     EXPECT_THAT(result.exitCode, ::testing::AnyOf(0, kWarnings)) << result.output;
     const nlohmann::json doctor = ParseJson(result.output);
@@ -226,8 +231,7 @@ TEST_F(KorvexctlServiceMode, ExaminesTheHead) {
 }
 
 TEST_F(KorvexctlServiceMode, WatchesTheStatus) {
-    const ChildResult result =
-        Run({"--virtual", "--service", "--json", "status", "--seconds", "2"});
+    const ChildResult result = Run({m_head, "--service", "--json", "status", "--seconds", "2"});
     EXPECT_EQ(result.exitCode, 0) << result.error;
     EXPECT_EQ(result.error, "");
     EXPECT_THAT(result.output, Not(IsEmpty()));
