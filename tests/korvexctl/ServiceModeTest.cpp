@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cstdlib>
 #include <filesystem>
+#include <map>
 #include <sstream>
 
 #include "korvexctl/Korvexctl.h"
@@ -21,11 +22,13 @@ namespace {
 
 namespace fs = std::filesystem;
 using ::testing::AllOf;
+using ::testing::AnyOf;
 using ::testing::Contains;
 using ::testing::Each;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 using ::testing::SizeIs;
+using ::testing::StartsWith;
 
 constexpr int kUsage = 2;
 constexpr int kFailed = 17;
@@ -161,36 +164,35 @@ TEST_F(KorvexctlServiceMode, ContinuesAScanWhoseServiceWasKilledAndCountsTheGap)
 
 TEST_F(KorvexctlServiceMode, PassesTheSelftest) {
     ChildResult result;
-    // On a busy machine a scan may lose sets.
-    EXPECT_TRUE(support::WaitUntil([&] {
+    // A scan fails where a busy machine loses sets, and says so.
+    support::WaitUntil([&] {
         result = Run({m_head, "--service", "--json", "selftest", "--write-user-memory"});
         return result.exitCode == 0;
-    })) << result.output;
+    });
     const nlohmann::json document = ParseJson(result.output);
-    EXPECT_EQ(document["failed"], 0);
-    std::vector<std::string> notRun;
+    std::map<std::string, std::string> verdicts;
     for (const nlohmann::json& step : document["steps"]) {
-        if (step["verdict"] == "not run" && step["finding"] != "direct mode only") {
-            notRun.push_back(step["name"]);
+        const std::string name = step["name"];
+        const std::string finding = step["finding"];
+        verdicts[name] = step["verdict"];
+        if (verdicts[name] == "FAILED") {
+            EXPECT_THAT(name, StartsWith("scan "));
+            EXPECT_THAT(finding, HasSubstr("lost: ")) << name;
+        } else if (verdicts[name] == "not run" && finding != "direct mode only") {
+            EXPECT_THAT(name, AnyOf(HasSubstr("exposure."), HasSubstr("gain."),
+                                    ::testing::Eq("user memory write")));
         }
     }
-    EXPECT_THAT(notRun, Each(::testing::AnyOf(HasSubstr("exposure."), HasSubstr("gain."),
-                                              testing::Eq("user memory write"))));
-    const auto verdictOf = [&](const std::string& name) -> std::string {
-        for (const nlohmann::json& step : document["steps"]) {
-            if (step["name"] == name) {
-                return step["verdict"];
-            }
-        }
-        return "missing";
-    };
     for (const char* step : {"strobe-work-time", "ir-laser-level", "heartbeat", "infrared snapshot",
                              "reset of nothing", "user memory write"}) {
-        EXPECT_EQ(verdictOf(step), "not run") << step;
+        EXPECT_EQ(verdicts[step], "not run") << step;
     }
-    for (const char* step : {"firmware", "connect", "scan laser-color", "snapshot", "reconnect",
-                             "scan after reconnect", "status", "projector-brightness"}) {
-        EXPECT_EQ(verdictOf(step), "passed") << step;
+    for (const char* step :
+         {"firmware", "connect", "snapshot", "reconnect", "status", "projector-brightness"}) {
+        EXPECT_EQ(verdicts[step], "passed") << step;
+    }
+    for (const char* step : {"scan laser-color", "scan after reconnect"}) {
+        EXPECT_THAT(verdicts[step], AnyOf("passed", "FAILED")) << step;
     }
 }
 
@@ -229,11 +231,17 @@ TEST_F(KorvexctlServiceMode, KeepsTextInTheUserMemoryAndNothingBehindAZeroByte) 
 
 TEST_F(KorvexctlServiceMode, ExaminesTheHead) {
     const ChildResult result = Run({m_head, "--service", "--json", "doctor"});
-    constexpr int kWarnings = 14;  // a busy machine may lose a set
-    EXPECT_THAT(result.exitCode, ::testing::AnyOf(0, kWarnings)) << result.output;
+    constexpr int kCannotScan = 13;
+    constexpr int kWarnings = 14;
+    // A busy machine may lose sets, or be too slow.
+    EXPECT_THAT(result.exitCode, AnyOf(0, kCannotScan, kWarnings)) << result.output;
     const nlohmann::json doctor = ParseJson(result.output);
-    EXPECT_EQ(doctor["can_scan"], true);
+    EXPECT_EQ(doctor["can_scan"], result.exitCode != kCannotScan);
     EXPECT_EQ(doctor["simulated"], true);
+    for (const nlohmann::json& check : doctor["checks"]) {
+        EXPECT_TRUE(check["verdict"] != "FAULT" || check["name"] == "trial scan") << check;
+    }
+    EXPECT_EQ(doctor["checks"].back()["name"], "disconnect");
 }
 
 TEST_F(KorvexctlServiceMode, WatchesTheStatus) {
