@@ -1,5 +1,6 @@
 #include "support/ProcessNamespace.h"
 
+#include <sys/mount.h>
 #include <unistd.h>
 
 #include <cstdio>
@@ -47,6 +48,10 @@ int RunInProcessNamespace(int argc, char** argv, int (*run)(int argc, char** arg
     }
     const fs::path folder = variable;
     ::unsetenv(kFolderVariable);
+    if (::mount("tmpfs", "/dev/shm", "tmpfs", MS_NOSUID | MS_NODEV, "mode=1777") != 0) {
+        std::perror("cannot mount a /dev/shm of its own");
+        return EXIT_FAILURE;
+    }
     const int result = run(argc, argv);
     std::error_code error;
     fs::remove_all(folder, error);
