@@ -6,7 +6,9 @@
 #include <csignal>
 #include <fstream>
 
+#include "platform/os/Process.h"
 #include "support/ChildProcess.h"
+#include "support/Deadline.h"
 #include "support/WaitUntil.h"
 #include "survival/Processes.h"
 
@@ -106,7 +108,10 @@ std::size_t HostWorld::ScriptRuns() const {
 void HostWorld::End(ApplicationProcess& host) {
     host.End();
     if (const pid_t service = RunningService(); service > 0) {
+        const os::OtherProcess process(service);
         ::kill(service, SIGTERM);
+        // It would start another hub.
+        EXPECT_TRUE(process.WaitForEnd(kDeadline));
     }
     EndHub();
     ExpectNothingLeft();
