@@ -6,21 +6,21 @@
 
 namespace Korvex3Sync::os {
 
-/// Saves short waits the way into sleep and back: a core that has nothing to do goes idle, and then
-/// wakes up slower than the work that it waits for takes.
+/// A short wait that keeps its core busy instead of sleeping. A core with nothing to do goes idle,
+/// and waking it up can take longer than the work that the thread waits for.
 ///
-/// One thread at a time waits actively; others are told to sleep at once. Where active waits bring
-/// nothing, because what they wait for takes long or needs the same core, most are left out.
+/// Only one thread at a time waits actively; for any other, Wait returns at once. If active waits
+/// keep ending in vain, because the work takes long or needs the same core, most are skipped.
 class ActiveWait {
 public:
     /// Twice what a call over the link takes with this wait: 53 us at the median, measured on an
     /// idle virtual machine with two cores.
     static constexpr std::chrono::microseconds kLongest{100};
-    /// After waits in vain in a row 1, 3, 7, ... up to this many are left out.
+    /// After each wait in vain more of the following ones are skipped: 1, 3, 7, up to this many.
     static constexpr int kMostLeftOut = 127;
 
-    /// Uses the processor until `done()` is true, for at most 100 us; perhaps not at all. A caller
-    /// that goes on waiting sleeps. `done` must be cheap and must not throw.
+    /// Returns once `done()` is true, after 100 us at the latest, or at once. If `done()` is still
+    /// false, the caller has to wait in another way. `done` must be cheap and must not throw.
     template <class Done>
     void Wait(Done done) {
         if (!m_mutex.TryLock()) {

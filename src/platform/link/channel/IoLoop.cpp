@@ -84,7 +84,8 @@ private:
         m_dispatcher = dispatcher;
     }
 
-    // Ends the next wait of the loop if none is under way. wakeUp() does not do so on Windows.
+    // Ends the wait of the loop, or the next one if none is under way. On Windows wakeUp() may
+    // get lost in the second case.
     void Interrupt() KORVEX_REQUIRES(m_mutex) {
         if (m_dispatcher != nullptr) {
             m_dispatcher->interrupt();
