@@ -33,6 +33,8 @@ using ::testing::StartsWith;
 constexpr int kUsage = 2;
 constexpr int kFailed = 17;
 constexpr int kNotInServiceMode = 18;
+/// Under a sanitizer, a busy machine is too slow for a scan at the usual rate.
+constexpr bool kMayBeTooSlow = KORVEX_SANITIZED;
 
 /// korvexctl with --service, and a hub and a service of its own, which it starts.
 class KorvexctlServiceMode : public ::testing::Test {
@@ -170,6 +172,7 @@ TEST_F(KorvexctlServiceMode, PassesTheSelftest) {
         return result.exitCode == 0;
     });
     const nlohmann::json document = ParseJson(result.output);
+    EXPECT_TRUE(kMayBeTooSlow || document["failed"] == 0);
     std::map<std::string, std::string> verdicts;
     for (const nlohmann::json& step : document["steps"]) {
         const std::string name = step["name"];
@@ -237,6 +240,7 @@ TEST_F(KorvexctlServiceMode, ExaminesTheHead) {
     EXPECT_THAT(result.exitCode, AnyOf(0, kCannotScan, kWarnings)) << result.output;
     const nlohmann::json doctor = ParseJson(result.output);
     EXPECT_EQ(doctor["can_scan"], result.exitCode != kCannotScan);
+    EXPECT_TRUE(kMayBeTooSlow || doctor["can_scan"]);
     EXPECT_EQ(doctor["simulated"], true);
     for (const nlohmann::json& check : doctor["checks"]) {
         EXPECT_TRUE(check["verdict"] != "FAULT" || check["name"] == "trial scan") << check;
