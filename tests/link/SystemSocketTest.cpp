@@ -1,9 +1,13 @@
 #include <gtest/gtest.h>
 
+#include <fcntl.h>
 #include <sys/resource.h>
+#include <unistd.h>
 
+#include <cerrno>
 #include <filesystem>
 #include <string>
+#include <vector>
 
 #include "link/LinkSession.h"
 #include "link/RawSocket.h"
@@ -13,6 +17,35 @@ namespace {
 
 using namespace Korvex3Sync::link;
 using support::WaitUntil;
+
+/// While this lives, the process gets no further descriptor. The limit stays above the number of
+/// descriptors that a thread waits for, because poll() refuses more.
+class NoDescriptors {
+public:
+    NoDescriptors() {
+        EXPECT_EQ(::getrlimit(RLIMIT_NOFILE, &m_before), 0);
+        rlimit few = m_before;
+        few.rlim_cur = 256;
+        EXPECT_EQ(::setrlimit(RLIMIT_NOFILE, &few), 0);
+        int taken = -1;
+        while ((taken = ::open("/dev/null", O_RDONLY | O_CLOEXEC)) >= 0) {
+            m_taken.push_back(taken);
+        }
+        EXPECT_EQ(errno, EMFILE);
+    }
+    ~NoDescriptors() {
+        for (const int taken : m_taken) {
+            ::close(taken);
+        }
+        EXPECT_EQ(::setrlimit(RLIMIT_NOFILE, &m_before), 0);
+    }
+    NoDescriptors(const NoDescriptors&) = delete;
+    NoDescriptors& operator=(const NoDescriptors&) = delete;
+
+private:
+    rlimit m_before{};
+    std::vector<int> m_taken;
+};
 
 /// A server's socket as a file.
 class SystemSocket : public ::testing::Test {
@@ -45,14 +78,9 @@ TEST_F(SystemSocket, ContinuesAfterTheProcessRanOutOfDescriptors) {
     ASSERT_TRUE(server.Listen(reason)) << reason;
     {
         RawSocket peer;
-        rlimit limit{};
-        ASSERT_EQ(::getrlimit(RLIMIT_NOFILE, &limit), 0);
-        rlimit none = limit;
-        none.rlim_cur = 0;
-        ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &none), 0);
+        const NoDescriptors none;
         EXPECT_TRUE(peer.TryConnectTo(path));
-        peer.WaitUntilClosed();
-        ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &limit), 0);
+        EXPECT_TRUE(peer.WaitUntilClosed());
     }
     EXPECT_TRUE(WaitUntil([&] {
         RawSocket peer;

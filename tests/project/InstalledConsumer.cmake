@@ -48,16 +48,22 @@ foreach(file bin/korvexctl ${APPLICATION_DIR}/korvexctl ${APPLICATION_DIR}/hub.e
     endif()
 endforeach()
 
-# In a process namespace of its own, because service mode ends hubs and services by their names.
-file(MAKE_DIRECTORY ${WORK_DIR}/runtime)
-file(CHMOD ${WORK_DIR}/runtime PERMISSIONS OWNER_READ OWNER_WRITE OWNER_EXECUTE)
+# In a process namespace of its own, because service mode ends hubs and services by their names, and
+# with a /dev/shm of its own, where the names of the shared memory are the same for all of a user. The
+# sockets lie there too, because the path of a socket has to be short.
 execute_process(
-    COMMAND ${CMAKE_COMMAND} -E env XDG_RUNTIME_DIR=${WORK_DIR}/runtime
-        XDG_STATE_HOME=${WORK_DIR}/state unshare --user --map-root-user --pid --fork --mount-proc
-        --kill-child ${prefix}/bin/korvexctl --virtual --service list
+    COMMAND ${CMAKE_COMMAND} -E env XDG_RUNTIME_DIR=/dev/shm/run XDG_STATE_HOME=${WORK_DIR}/state
+        unshare --user --map-root-user --mount --pid --fork --mount-proc --kill-child
+        sh -c "mount -t tmpfs tmpfs /dev/shm && mkdir -m 700 /dev/shm/run && exec \"$@\"" sh
+        ${prefix}/bin/korvexctl --virtual --service list
     RESULT_VARIABLE result OUTPUT_VARIABLE output ERROR_VARIABLE errors TIMEOUT 120)
 message("${output}${errors}")
 if(NOT result EQUAL 0 OR NOT output MATCHES "camera KV00")
+    file(GLOB logs ${WORK_DIR}/state/korvex3sync/*)
+    foreach(log ${logs})
+        file(READ ${log} text)
+        message("${log}:\n${text}")
+    endforeach()
     fail("service mode in the installed tree ended with ${result}")
 endif()
 
