@@ -180,7 +180,9 @@ TEST_F(KorvexctlServiceMode, PassesTheSelftest) {
         verdicts[name] = step["verdict"];
         if (verdicts[name] == "FAILED") {
             EXPECT_THAT(name, StartsWith("scan "));
-            EXPECT_THAT(finding, HasSubstr("lost: ")) << name;
+            // The second one where sets of the scan before came late.
+            EXPECT_THAT(finding, AnyOf(HasSubstr("lost: "), HasSubstr("keys out of order")))
+                << name;
         } else if (verdicts[name] == "not run" && finding != "direct mode only") {
             EXPECT_THAT(name, AnyOf(HasSubstr("exposure."), HasSubstr("gain."),
                                     ::testing::Eq("user memory write")));
