@@ -3,6 +3,7 @@
 #include <QCoreApplication>
 
 #include <atomic>
+#include <chrono>
 #include <memory>
 #include <string>
 #include <thread>
@@ -68,8 +69,9 @@ TEST_F(WithoutApplication, TheEndOfItWaitsForTheThread) {
     std::string reason;
     ASSERT_TRUE(loop.Start({[] {}, [] {},
                             [&stopped] {
-                                constexpr int kAWhile = 10'000;
-                                for (int i = 0; i < kAWhile; ++i) {
+                                const auto end = std::chrono::steady_clock::now() +
+                                                 std::chrono::milliseconds(20);
+                                while (std::chrono::steady_clock::now() < end) {
                                     std::this_thread::yield();
                                 }
                                 stopped = true;

@@ -7,9 +7,9 @@ namespace Korvex3Sync::korvexctl {
 namespace {
 
 /// The mosaic with mirrored edges, which keep each colour on its own rows and columns.
-class Mosaic {
+class MosaicView {
 public:
-    Mosaic(const std::uint8_t* bytes, int width, int height)
+    MosaicView(const std::uint8_t* bytes, int width, int height)
         : m_bytes(bytes), m_width(width), m_height(height) {}
 
     int At(int x, int y) const {
@@ -38,7 +38,7 @@ std::uint8_t Mean(int a, int b, int c, int d) {
     return static_cast<std::uint8_t>((a + b + c + d + 2) / 4);
 }
 
-std::array<std::uint8_t, 3> ColorAt(const Mosaic& mosaic, int x, int y) {
+std::array<std::uint8_t, 3> ColorAt(const MosaicView& mosaic, int x, int y) {
     const auto self = static_cast<std::uint8_t>(mosaic.At(x, y));
     const int left = mosaic.At(x - 1, y);
     const int right = mosaic.At(x + 1, y);
@@ -60,7 +60,7 @@ std::array<std::uint8_t, 3> ColorAt(const Mosaic& mosaic, int x, int y) {
 }  // namespace
 
 Picture Demosaic(const std::uint8_t* mosaic, int width, int height) {
-    const Mosaic source(mosaic, width, height);
+    const MosaicView source(mosaic, width, height);
     Picture picture{width, height, 3, {}};
     picture.bytes.resize(static_cast<std::size_t>(width) * static_cast<std::size_t>(height) * 3);
     auto to = picture.bytes.begin();

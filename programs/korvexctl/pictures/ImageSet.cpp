@@ -6,7 +6,7 @@ namespace Korvex3Sync::korvexctl {
 
 namespace {
 
-constexpr std::size_t kRight = 1;
+constexpr std::size_t kRightImage = 1;
 // The head writes the key into this pixel of the right image.
 constexpr std::size_t kKeyPixel = 3;
 
@@ -19,7 +19,7 @@ bool IsWhole(const std::vector<unsigned char*>& images) {
 
 unsigned KeyOf(const std::vector<unsigned char*>& images, int width, int height) {
     const std::size_t pixels = static_cast<std::size_t>(width) * static_cast<std::size_t>(height);
-    return kKeyPixel < pixels ? images[kRight][kKeyPixel] : 0U;
+    return kKeyPixel < pixels ? images[kRightImage][kKeyPixel] : 0U;
 }
 
 std::optional<double> ImageSetsPerSecond(int sets, std::chrono::duration<double> time) {

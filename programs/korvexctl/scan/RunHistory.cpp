@@ -3,11 +3,11 @@
 #include <algorithm>
 #include <cmath>
 
+#include "korvexctl/cli/TimeText.h"
+
 namespace Korvex3Sync::korvexctl {
 
 namespace {
-
-constexpr double kMillisecondsPerSecond = 1000;
 
 void Merge(const RunHistory::Bin& from, RunHistory::Bin& into) {
     if (from.intervals > 0) {

@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "korvexctl/cli/ExitCodes.h"
+#include "korvexctl/cli/TimeText.h"
 #include "korvexctl/head/ServiceUse.h"
 #include "korvexctl/scan/ScanProgress.h"
 
@@ -23,7 +24,6 @@ constexpr milliseconds kShortestOutage{100};
 constexpr int kPeriodsOfASet = 2;
 
 milliseconds Milliseconds(double seconds) {
-    constexpr double kMillisecondsPerSecond = 1000;
     return milliseconds(std::llround(seconds * kMillisecondsPerSecond));
 }
 

@@ -3,13 +3,14 @@
 #include <iomanip>
 #include <sstream>
 
+#include "korvexctl/cli/TimeText.h"
+
 namespace Korvex3Sync::korvexctl {
 
 void SetsTable::Add(std::span<const SetRecord> sets) {
     if (sets.empty()) {
         return;
     }
-    constexpr double kMillisecondsPerSecond = 1000;
     std::ostringstream lines;
     if (!m_file) {
         m_file.emplace(m_path, "cannot write " + m_path.string());
