@@ -356,6 +356,20 @@ TEST_F(KorvexctlServiceMode, SaysWhichProgramIsMissing) {
               "korvexctl: cannot start " + (folder / "hub.exe").string() + ": no such file\n");
 }
 
+TEST_F(KorvexctlServiceMode, SaysThatTheFolderOfTheSocketsHasTooLongAPath) {
+    const fs::path folder = m_folders.Path() / std::string(90, 'x');
+    fs::create_directory(folder);
+    ChildOptions options = Options();
+    options.environment.emplace_back("XDG_RUNTIME_DIR", folder.string());
+    for (const auto& words : {std::vector<std::string>{"--virtual", "--service", "list"},
+                              std::vector<std::string>{"service", "start"}}) {
+        const ChildResult result = RunKorvexctl(words, options);
+        EXPECT_EQ(result.exitCode, kFailed);
+        EXPECT_THAT(result.error, HasSubstr("characters; set XDG_RUNTIME_DIR to a shorter path"));
+    }
+    EXPECT_THAT(m_folders.Processes(), IsEmpty()) << "nothing was started";
+}
+
 TEST_F(KorvexctlServiceMode, SaysThatTheServiceDidNotStart) {
     const fs::path folder = m_folders.Path() / "broken";
     fs::create_directory(folder);

@@ -5,10 +5,9 @@
 #include <algorithm>
 #include <csignal>
 #include <fstream>
+#include <set>
 
-#include "platform/os/Process.h"
 #include "support/ChildProcess.h"
-#include "support/Deadline.h"
 #include "support/WaitUntil.h"
 #include "survival/Processes.h"
 
@@ -63,8 +62,8 @@ std::unique_ptr<ApplicationProcess> HostWorld::Host(const std::string& how) {
         command.push_back(how);
     }
     auto environment = Environment();
-    // The library never sets up its log, so it would go to standard error.
-    environment.emplace_back("GLOG_minloglevel", "2");
+    // The library never sets up its log, so it goes to standard error; warnings explain a failure.
+    environment.emplace_back("GLOG_minloglevel", "1");
     environment.insert(environment.end(), m_environment.begin(), m_environment.end());
     auto host = std::make_unique<ApplicationProcess>(command, environment);
     EXPECT_EQ(StatusOf(*host, "switch 1"), STATUS_SUCCESS);
@@ -107,13 +106,17 @@ std::size_t HostWorld::ScriptRuns() const {
 
 void HostWorld::End(ApplicationProcess& host) {
     host.End();
-    if (const pid_t service = RunningService(); service > 0) {
-        const os::OtherProcess process(service);
-        ::kill(service, SIGTERM);
-        // It would start another hub.
-        EXPECT_TRUE(process.WaitForEnd(kDeadline));
-    }
-    EndHub();
+    // The hub after the service, which would start another one. A service that the host started a
+    // moment ago holds no lock yet.
+    std::set<pid_t> told;
+    support::WaitUntil([&] {
+        const pid_t service = RunningService();
+        const pid_t next = service > 0 ? service : Hub();
+        if (next > 0 && told.insert(next).second) {
+            ::kill(next, SIGTERM);
+        }
+        return Folders().Processes().empty();
+    });
     ExpectNothingLeft();
 }
 

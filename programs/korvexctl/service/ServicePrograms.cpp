@@ -4,6 +4,7 @@
 #include <fstream>
 
 #include "korvexctl/cli/ExitCodes.h"
+#include "platform/link/HubOperations.h"
 #include "platform/os/InstanceLock.h"
 #include "platform/os/LogFiles.h"
 #include "platform/os/UserFolders.h"
@@ -14,23 +15,29 @@ namespace {
 
 namespace fs = std::filesystem;
 
-fs::path UserFolder(fs::path (*find)(std::string& reason)) {
+/// What `find` finds.
+template <class Find>
+fs::path UserPath(Find find) {
     std::string reason;
-    fs::path folder = find(reason);
-    if (folder.empty()) {
+    fs::path path = find(reason);
+    if (path.empty()) {
         throw CommandError(ExitCode::ServiceFailed, reason);
     }
-    return folder;
+    return path;
 }
 
 }  // namespace
 
 long ProcessOf(const ServiceProgram& program) {
-    return os::InstanceLockHolder(UserFolder(os::RuntimeFolder) / program.lockFile);
+    const fs::path folder = UserPath(os::RuntimeFolder);
+    // The programs could say only in their logs that a socket cannot have so long a path. The other
+    // name is shorter.
+    UserPath([](std::string& reason) { return os::SocketPath(link::kServiceSocket, reason); });
+    return os::InstanceLockHolder(folder / program.lockFile);
 }
 
 fs::path ServiceLogFolder() {
-    return UserFolder(os::LogFolder);
+    return UserPath(os::LogFolder);
 }
 
 fs::path NewestLogOf(const ServiceProgram& program) {

@@ -19,7 +19,7 @@ inline constexpr ServiceProgram kService{"service", "ZrSyncService.exe", "servic
                                          "ZrSyncService"};
 
 /// The process that runs the program for this user; 0 if none does. Throws CommandError if the
-/// folder of sockets and lock files is refused.
+/// folder of sockets and lock files is refused or its path is too long.
 long ProcessOf(const ServiceProgram& program);
 
 /// The folder of the log files. Throws CommandError if there is none.
