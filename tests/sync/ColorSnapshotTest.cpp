@@ -305,6 +305,7 @@ TEST_F(ColorSnapshot, WhatTheBoardAndTheCameraRefuseDoesNotStopIt) {
 
 TEST_F(ColorSnapshot, ColourFramesGoTheNormalWayOnceItIsOver) {
     EXPECT_EQ(Snap(), STATUS_SUCCESS);
+    ASSERT_TRUE(Recorder::Get().WaitForHandled(m_pushed)) << "the last one is counted";
     EXPECT_EQ(Caught(), 2u);
     PushColor();
     ASSERT_TRUE(Recorder::Get().WaitForHandled(m_pushed));
