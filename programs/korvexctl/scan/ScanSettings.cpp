@@ -131,10 +131,10 @@ void Print(const SettingsInUse& settings, Output& output) {
                 (ShowsPattern(light.mode) ? ", pattern " + std::to_string(light.pattern)
                                           : ", laser mode " + std::to_string(light.laserMode)) +
                 (light.infrared ? ", with the infrared laser" : ""));
-    constexpr std::size_t kWidth = 80;
+    constexpr std::size_t kLineWidth = 80;
     std::string line;
     for (const std::string& text : settings.Texts()) {
-        if (!line.empty() && line.size() + text.size() + 2 > kWidth) {
+        if (!line.empty() && line.size() + text.size() + 2 > kLineWidth) {
             output.Line(line + ",");
             line.clear();
         }
