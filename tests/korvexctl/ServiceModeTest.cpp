@@ -2,6 +2,8 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <chrono>
+#include <csignal>
 #include <cstdlib>
 #include <filesystem>
 #include <map>
@@ -342,6 +344,37 @@ TEST_F(KorvexctlServiceMode, LeavesAServiceAloneThatSomebodyUses) {
                                 "again; end that process first\n");
     EXPECT_EQ(os::InstanceLockHolder(m_folders.Runtime() / "service.lock"), service);
     application.End();
+}
+
+TEST_F(KorvexctlServiceMode, WaitsForAServiceThatIsBusy) {
+    ASSERT_EQ(Run({"--virtual", "service", "start"}).exitCode, 0);
+    const auto service =
+        static_cast<pid_t>(os::InstanceLockHolder(m_folders.Runtime() / "service.lock"));
+    survival::ApplicationProcess application(m_folders, "scan");
+    ASSERT_TRUE(application.WaitFor("set", 0));
+    ASSERT_EQ(::kill(service, SIGSTOP), 0);
+    ChildProcess list(KorvexctlCommand({"--virtual", "--service", "list"}), WithoutHead(Options()));
+    // Longer than one attempt to connect may take.
+    const auto end = std::chrono::steady_clock::now() + std::chrono::milliseconds(700);
+    support::WaitUntil([end] { return std::chrono::steady_clock::now() > end; });
+    ASSERT_EQ(::kill(service, SIGCONT), 0);
+    const ChildResult result = list.Wait();
+    EXPECT_EQ(result.exitCode, kFailed);
+    EXPECT_THAT(result.error, HasSubstr("is using the device service"));
+    EXPECT_EQ(os::InstanceLockHolder(m_folders.Runtime() / "service.lock"), service);
+    application.End();
+}
+
+TEST_F(KorvexctlServiceMode, SaysThatAServiceDoesNotAnswer) {
+    ASSERT_EQ(Run({"--virtual", "service", "start"}).exitCode, 0);
+    const auto service =
+        static_cast<pid_t>(os::InstanceLockHolder(m_folders.Runtime() / "service.lock"));
+    ASSERT_EQ(::kill(service, SIGSTOP), 0);
+    const ChildResult result = Run({"--virtual", "--service", "list"});
+    EXPECT_EQ(result.exitCode, 0);
+    EXPECT_THAT(result.error, HasSubstr("(process " + std::to_string(service) +
+                                        ") does not answer; it is started again"));
+    EXPECT_NE(os::InstanceLockHolder(m_folders.Runtime() / "service.lock"), service);
 }
 
 TEST_F(KorvexctlServiceMode, SaysWhichProgramIsMissing) {

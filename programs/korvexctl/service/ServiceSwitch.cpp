@@ -4,6 +4,7 @@
 #include <Korvex3Sync/Discovery.h>
 
 #include <QCoreApplication>
+#include <chrono>
 #include <filesystem>
 
 #include "korvexctl/cli/ExitCodes.h"
@@ -14,6 +15,7 @@
 #include "korvexctl/service/ServicePrograms.h"
 #include "korvexctl/service/ServiceStart.h"
 #include "korvexctl/service/ServiceStatus.h"
+#include "platform/os/Clock.h"
 
 namespace Korvex3Sync::korvexctl {
 
@@ -40,6 +42,21 @@ void RequirePrograms() {
     }
 }
 
+/// A busy service may answer late, and one that is in use must not be taken for a broken one.
+ServiceStatus WaitForServiceStatus() {
+    constexpr std::chrono::seconds kBusyLimit{10};
+    constexpr std::chrono::milliseconds kBetweenAsks{10};
+    const auto end = std::chrono::steady_clock::now() + os::Scaled(kBusyLimit);
+    ServiceStatus status = AskServiceStatus();
+    while (status.service.process != 0 && !status.service.state &&
+           std::chrono::steady_clock::now() < end) {
+        EndIfInterrupted();
+        os::SleepFor(kBetweenAsks);
+        status = AskServiceStatus();
+    }
+    return status;
+}
+
 /// The running service is about to be ended and started again.
 void LookAtRunningService(const link::ServiceState& running, const std::string& head) {
     const std::string process = "process " + std::to_string(running.process);
@@ -62,8 +79,11 @@ std::unique_ptr<QCoreApplication> SwitchToService(const std::string& virtualHead
     auto application = MakeApplication();
     RequirePrograms();
     const std::string head = HeadOfService(virtualHead);
-    if (const ServiceStatus before = AskServiceStatus(); before.service.state) {
+    if (const ServiceStatus before = WaitForServiceStatus(); before.service.state) {
         LookAtRunningService(*before.service.state, head);
+    } else if (before.service.process != 0) {
+        Say("the running device service (process " + std::to_string(before.service.process) +
+            ") does not answer; it is started again");
     }
     if (!head.empty()) {
         qputenv(kHeadVariable, QByteArray::fromStdString(head));
