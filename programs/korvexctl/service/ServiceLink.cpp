@@ -1,9 +1,11 @@
 #include "korvexctl/service/ServiceLink.h"
 
+#include "korvexctl/cli/Interrupt.h"
 #include "korvexctl/service/ServicePrograms.h"
 #include "korvexctl/service/ServiceStatus.h"
 #include "platform/link/Client.h"
 #include "platform/link/hub/HubQuery.h"
+#include "platform/os/Clock.h"
 
 namespace Korvex3Sync::korvexctl {
 
@@ -15,6 +17,20 @@ bool AskService(typename Op::Out& out) {
 }
 
 }  // namespace
+
+bool AnswersWithin(std::chrono::milliseconds limit, const std::function<bool()>& answers,
+                   const std::function<bool()>& mayAnswer) {
+    constexpr std::chrono::milliseconds kBetweenLooks{10};
+    const auto end = std::chrono::steady_clock::now() + os::Scaled(limit);
+    while (!answers()) {
+        EndIfInterrupted();
+        if (std::chrono::steady_clock::now() > end || !mayAnswer()) {
+            return false;
+        }
+        os::SleepFor(kBetweenLooks);
+    }
+    return true;
+}
 
 bool HubAnswers() {
     link::HubState state;

@@ -7,11 +7,9 @@
 #include <filesystem>
 #include <functional>
 
-#include "korvexctl/cli/Interrupt.h"
 #include "korvexctl/files/Output.h"
 #include "korvexctl/service/ServiceLink.h"
 #include "korvexctl/service/ServicePrograms.h"
-#include "platform/os/Clock.h"
 #include "platform/os/InheritedStreams.h"
 #include "platform/os/Process.h"
 
@@ -20,7 +18,6 @@ namespace Korvex3Sync::korvexctl {
 namespace {
 
 namespace fs = std::filesystem;
-using Clock = std::chrono::steady_clock;
 
 /// The service prepares its head before it answers.
 constexpr std::chrono::seconds kStartLimit{20};
@@ -29,7 +26,7 @@ constexpr std::chrono::seconds kAnswerLimit{5};
 constexpr std::chrono::seconds kEndLimit{10};
 constexpr std::chrono::seconds kUnaskedEndLimit{1};
 constexpr std::chrono::seconds kKillLimit{5};
-constexpr std::chrono::milliseconds kBetweenLooks{10};
+
 [[noreturn]] void Fail(const ServiceProgram& program, const std::string& message) {
     const fs::path log = NewestLogOf(program);
     throw CommandError(ExitCode::ServiceFailed,
@@ -38,20 +35,6 @@ constexpr std::chrono::milliseconds kBetweenLooks{10};
 
 std::string ProcessText(long number) {
     return "process " + std::to_string(number);
-}
-
-/// Waits until the program answers; false at the limit, or when there is no more reason to wait.
-bool AnswersWithin(std::chrono::milliseconds limit, const std::function<bool()>& answers,
-                   const std::function<bool()>& mayAnswer) {
-    const auto end = Clock::now() + os::Scaled(limit);
-    while (!answers()) {
-        EndIfInterrupted();
-        if (Clock::now() > end || !mayAnswer()) {
-            return false;
-        }
-        os::SleepFor(kBetweenLooks);
-    }
-    return true;
 }
 
 /// Where a program's standard error goes while it starts. The file goes with the object.

@@ -12,10 +12,10 @@
 #include "korvexctl/cli/Outcome.h"
 #include "korvexctl/head/HeadChoice.h"
 #include "korvexctl/head/ServiceUse.h"
+#include "korvexctl/service/ServiceLink.h"
 #include "korvexctl/service/ServicePrograms.h"
 #include "korvexctl/service/ServiceStart.h"
 #include "korvexctl/service/ServiceStatus.h"
-#include "platform/os/Clock.h"
 
 namespace Korvex3Sync::korvexctl {
 
@@ -45,15 +45,14 @@ void RequirePrograms() {
 /// A busy service may answer late, and one that is in use must not be taken for a broken one.
 ServiceStatus WaitForServiceStatus() {
     constexpr std::chrono::seconds kBusyLimit{10};
-    constexpr std::chrono::milliseconds kBetweenAsks{10};
-    const auto end = std::chrono::steady_clock::now() + os::Scaled(kBusyLimit);
-    ServiceStatus status = AskServiceStatus();
-    while (status.service.process != 0 && !status.service.state &&
-           std::chrono::steady_clock::now() < end) {
-        EndIfInterrupted();
-        os::SleepFor(kBetweenAsks);
-        status = AskServiceStatus();
-    }
+    ServiceStatus status;
+    AnswersWithin(
+        kBusyLimit,
+        [&status] {
+            status = AskServiceStatus();
+            return status.service.state.has_value();
+        },
+        [&status] { return status.service.process != 0; });
     return status;
 }
 
