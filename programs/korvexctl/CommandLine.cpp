@@ -99,6 +99,8 @@ CommandLineResult ReadCommandLine(int count, const char* const* arguments, std::
     app.set_version_flag("--version", std::string("korvexctl ") + kVersion,
                          "Show the version and exit");
     app.fallthrough();
+    // On every system, a path may begin with a slash.
+    app.allow_windows_style_options(false);
     app.require_subcommand(1);
     AddGlobalOptions(app, line);
 

@@ -39,7 +39,7 @@ Outcome RunNew(const NewHeadFile& asked, Output& output) {
     const bool stream =
         FindPlace(asked.file, "cannot write " + asked.file).kind == Place::Kind::Stream;
     std::error_code unknown;
-    if (!asked.force && fs::exists(fs::symlink_status(asked.file, unknown))) {
+    if (!asked.force && (stream || fs::exists(fs::symlink_status(asked.file, unknown)))) {
         throw CommandError(
             ExitCode::NotWritable,
             asked.file + (stream ? " is not a regular file; --force writes to it, and "

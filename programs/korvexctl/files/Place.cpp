@@ -19,7 +19,7 @@ constexpr int kReaderPolls = 250;  // 5 s
 /// Follows links, also one that leads to nothing yet, as far as a descriptor of this process.
 fs::path Follow(fs::path path) {
     std::error_code error;
-    for (int i = 0; i < kMostLinks && fs::is_symlink(path, error) && !os::IsOpenDescriptor(path);
+    for (int i = 0; i < kMostLinks && fs::is_symlink(path, error) && !os::IsNamedStream(path);
          ++i) {
         const fs::path target = fs::read_symlink(path, error);
         if (error) {
@@ -34,13 +34,13 @@ fs::path Follow(fs::path path) {
 
 Place FindPlace(const fs::path& asked, const std::string& what) {
     const fs::path path = Follow(asked);
+    if (os::IsNamedStream(path)) {
+        return {Place::Kind::Stream, path};
+    }
     std::error_code error;
     const fs::file_type type = fs::status(path, error).type();
     if (error && error != std::errc::no_such_file_or_directory) {
         throw FileError(what, error);
-    }
-    if (type != fs::file_type::not_found && os::IsOpenDescriptor(path)) {
-        return {Place::Kind::Stream, path};
     }
     switch (type) {
         case fs::file_type::not_found:

@@ -58,8 +58,9 @@ File OpenStream(const std::filesystem::path& path, std::error_code& error);
 /// errc::bad_file_descriptor for a descriptor that is open only for reading.
 std::error_code CheckStreamAccess(const std::filesystem::path& path);
 
-/// Whether the path names an open descriptor of this process, as /dev/stdout does.
-bool IsOpenDescriptor(const std::filesystem::path& path);
+/// Whether the path names an open descriptor of this process, such as /dev/stdout, or a device that
+/// is in no folder, such as NUL on Windows. Such a path is for OpenStream.
+bool IsNamedStream(const std::filesystem::path& path);
 
 /// Gives the file the owner, the group and the permissions of the file that it replaces, as far as
 /// this user and the file system can. If the group cannot be kept, the new group gets no

@@ -121,8 +121,9 @@ std::error_code CheckStreamAccess(const fs::path& path) {
     return ErrorUnless(::faccessat(AT_FDCWD, path.c_str(), W_OK, AT_EACCESS) == 0);
 }
 
-bool IsOpenDescriptor(const fs::path& path) {
-    return DescriptorOf(path).has_value();
+bool IsNamedStream(const fs::path& path) {
+    std::error_code unknown;
+    return DescriptorOf(path) && fs::exists(path, unknown);
 }
 
 void CopyPermissions(const fs::path& replaced, const File& file) noexcept {

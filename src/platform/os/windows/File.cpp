@@ -86,9 +86,12 @@ std::error_code CheckStreamAccess(const fs::path& path) {
                                                                          : LastError();
 }
 
-// This system has no paths of descriptors.
-bool IsOpenDescriptor(const fs::path& /*path*/) {
-    return false;
+// This system has no paths of descriptors. Its devices have names in every folder.
+bool IsNamedStream(const fs::path& path) {
+    constexpr DWORD kLongestPath = 32768;
+    std::wstring full(kLongestPath, L'\0');
+    full.resize(::GetFullPathNameW(path.c_str(), kLongestPath, full.data(), nullptr));
+    return full.starts_with(LR"(\\.\)");
 }
 
 void CopyPermissions(const fs::path& replaced, const File& file) noexcept {

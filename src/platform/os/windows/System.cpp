@@ -54,6 +54,7 @@ std::error_code SystemError(DWORD code) {
             return std::make_error_code(std::errc::resource_unavailable_try_again);
         case ERROR_NO_DATA:
         case ERROR_BROKEN_PIPE:
+        case ERROR_PIPE_NOT_CONNECTED:
             return std::make_error_code(std::errc::broken_pipe);
         case ERROR_DISK_FULL:
         case ERROR_HANDLE_DISK_FULL:
