@@ -62,7 +62,7 @@ Outcome Run(const CommandLineResult& asked) {
         return {};
     }
     // A progress bar would mix with the lines of the library.
-    Output output(standardOutput, line.json, os::StandardErrorIsTerminal() && !line.verbose);
+    Output output(standardOutput, line.json, os::StandardErrorTakesEscapes() && !line.verbose);
     Outcome outcome = OutcomeOf([&] {
         if (asked.badUsage) {
             throw CommandError(ExitCode::Usage, asked.text);

@@ -2,6 +2,12 @@
 
 #include <gtest/gtest.h>
 
+#include <string>
+
+#include "platform/os/CriticalSection.h"
+#include "platform/os/StandardOutput.h"
+#include "support/WaitUntil.h"
+
 namespace Korvex3Sync::tests {
 namespace {
 
@@ -18,6 +24,36 @@ TEST(Print, FormatsToStandardError) {
     testing::internal::CaptureStderr();
     PrintError("%s: %d\n", "error", 7);
     EXPECT_EQ(testing::internal::GetCapturedStderr(), "error: 7\n");
+    for (const std::size_t length : {2047U, 2048U, 100'000U}) {
+        const std::string text(length, 'x');
+        testing::internal::CaptureStderr();
+        PrintError("%s", text.c_str());
+        EXPECT_EQ(testing::internal::GetCapturedStderr(), text);
+    }
+}
+
+TEST(Print, IsPassedOnBeforeTheNextOne) {
+    Mutex mutex;
+    std::string passed;
+    RealStandardOutput real;
+    real.PassPrints([&](std::string_view line) {
+        const MutexGuard guard(mutex);
+        passed += std::string(line) + ';';
+    });
+    const auto has = [&](const std::string& text) {
+        return support::WaitUntil([&] {
+            const MutexGuard guard(mutex);
+            return passed == text;
+        });
+    };
+    Print("one\n");
+    EXPECT_TRUE(has("one;"));
+    Print("two, ");
+    Print("three\n");
+    EXPECT_TRUE(has("one;two, three;"));
+    Print("without an end");
+    real.EndPrints();
+    EXPECT_EQ(passed, "one;two, three;without an end;");
 }
 
 }  // namespace

@@ -14,6 +14,9 @@ namespace Korvex3Sync::os {
 /// order. All prints of the library use this function. Any thread.
 void Print(const char* format, ...) KORVEX_PRINTF(1, 2);
 
+/// From now on each Print ends with its text written, and none waits in the buffer.
+void FlushEachPrint();
+
 /// Writes to standard error like printf, unbuffered.
 void PrintError(const char* format, ...) KORVEX_PRINTF(1, 2);
 

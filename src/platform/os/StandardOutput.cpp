@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "platform/os/Descriptors.h"
+#include "platform/os/Print.h"
 
 namespace Korvex3Sync::os {
 
@@ -78,7 +79,7 @@ void RealStandardOutput::PassPrints(std::function<void(std::string_view line)> t
         [take = std::move(take), readEnd = File(pipe[0])] { PassLines(readEnd, take); });
     // Each line is passed on when it is printed.
     std::fflush(stdout);
-    std::setvbuf(stdout, nullptr, _IOLBF, 0);
+    FlushEachPrint();
     RedirectDescriptor(writeEnd.Descriptor(), kStandardOutput);
 }
 

@@ -40,7 +40,8 @@ int DescriptorBefore(int number);
 
 /// How many characters a line of standard output has; nothing when it is no terminal.
 std::optional<std::size_t> TerminalColumns();
-/// Whether standard error is a terminal.
-bool StandardErrorIsTerminal();
+/// Whether standard error is a terminal that understands escape sequences. Switches them on where
+/// the system leaves that to the program.
+bool StandardErrorTakesEscapes();
 
 }  // namespace Korvex3Sync::os

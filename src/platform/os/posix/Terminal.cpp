@@ -13,7 +13,7 @@ std::optional<std::size_t> TerminalColumns() {
     return size.ws_col;
 }
 
-bool StandardErrorIsTerminal() {
+bool StandardErrorTakesEscapes() {
     return ::isatty(STDERR_FILENO) == 1;
 }
 

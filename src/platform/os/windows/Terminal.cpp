@@ -1,6 +1,8 @@
 #include "platform/os/StandardOutput.h"
 #include "platform/os/windows/System.h"
 
+#include <cstdio>
+
 namespace Korvex3Sync::os {
 
 std::optional<std::size_t> TerminalColumns() {
@@ -11,9 +13,12 @@ std::optional<std::size_t> TerminalColumns() {
     return static_cast<std::size_t>(screen.srWindow.Right - screen.srWindow.Left + 1);
 }
 
-bool StandardErrorIsTerminal() {
+bool StandardErrorTakesEscapes() {
+    const HANDLE error = ::GetStdHandle(STD_ERROR_HANDLE);
     DWORD mode = 0;
-    return ::GetConsoleMode(::GetStdHandle(STD_ERROR_HANDLE), &mode) != 0;
+    // To a console, the C runtime writes each character by itself unless it is told not to buffer.
+    return ::GetConsoleMode(error, &mode) != 0 && std::setvbuf(stderr, nullptr, _IONBF, 0) == 0 &&
+           ::SetConsoleMode(error, mode | ENABLE_VIRTUAL_TERMINAL_PROCESSING) != 0;
 }
 
 }  // namespace Korvex3Sync::os
