@@ -7,6 +7,7 @@
 #include "korvexctl/CommandOverHead.h"
 #include "korvexctl/head/UserMemory.h"
 #include "support/CaseName.h"
+#include "support/Environment.h"
 
 namespace Korvex3Sync::tests {
 
@@ -168,7 +169,7 @@ INSTANTIATE_TEST_SUITE_P(
                       std::vector<std::string>{"user-info", "read", "0"},
                       std::vector<std::string>{"user-info", "write", "0", "x"},
                       std::vector<std::string>{"distance", "1"}, std::vector<std::string>{"usb"},
-                      std::vector<std::string>{"profile", "save", "/dev/null"}),
+                      std::vector<std::string>{"profile", "save", NothingFile()}),
     [](const auto& row) { return support::CaseName(row.param); });
 
 class BadCommandLines : public ::testing::TestWithParam<std::vector<std::string>> {};

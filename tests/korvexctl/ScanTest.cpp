@@ -7,6 +7,7 @@
 
 #include "korvexctl/Korvexctl.h"
 #include "korvexctl/cli/TimeText.h"
+#include "support/Terminal.h"
 #include "virtual_head/TestFiles.h"
 
 namespace Korvex3Sync::tests {
@@ -167,15 +168,11 @@ TEST_F(KorvexctlScan, EveryModeDeliversItsSets) {
 }
 
 TEST_F(KorvexctlScan, ATerminalShowsProgressAndAFileDoesNot) {
-    ASSERT_EQ(
-        RunChild({"script", "--quiet", "--return", "--command", "true", "/dev/null"}).exitCode, 0)
-        << "script cannot make a pseudo terminal here (is /dev/pts mounted?), so no progress bar "
-           "can be shown";
-    const std::string scan =
-        "'" KORVEX_KORVEXCTL "' '--virtual=" + m_head.string() + "' scan --sets 20";
-    const ChildResult onTerminal =
-        RunChild({"script", "--quiet", "--return", "--command", scan, "/dev/null"}, WithoutHead());
+    const ChildResult onTerminal = RunChild(
+        OnTerminal(KorvexctlCommand({"--virtual=" + m_head.string(), "scan", "--sets", "20"})),
+        WithoutHead());
     EXPECT_EQ(onTerminal.exitCode, 0) << onTerminal.output;
+    EXPECT_THAT(onTerminal.error, IsEmpty());
     EXPECT_THAT(onTerminal.output, HasSubstr("[########################] 20/20 sets  "));
     EXPECT_THAT(onTerminal.output, HasSubstr("/s  0 lost  0 s left"));
     const ChildResult intoFile = Scan({"--sets", "20"});

@@ -9,6 +9,7 @@
 #include "platform/os/InstanceLock.h"
 #include "platform/os/Process.h"
 #include "support/OwnFolders.h"
+#include "support/Pattern.h"
 #include "support/WaitUntil.h"
 #include "survival/ApplicationProcess.h"
 #include "virtual_head/TestFiles.h"
@@ -18,10 +19,8 @@ namespace Korvex3Sync::tests {
 namespace {
 
 namespace fs = std::filesystem;
-using ::testing::ContainsRegex;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
-using ::testing::MatchesRegex;
 
 constexpr int kNotRunning = 16;
 constexpr int kFailed = 17;
@@ -176,8 +175,8 @@ TEST_F(Hub, SaysWhatItIs) {
     const std::string version = ParseJson(RunKorvexctl({"--version", "--json"}).output)["version"];
     EXPECT_EQ(hub["version"], version);
     EXPECT_THAT(Run({"status"}).output,
-                MatchesRegex("hub      process " + std::to_string(m_hub.Number()) +
-                             ", up [0-9]+ s, version " + version + "\nservice  not running\n"));
+                MatchesPattern("hub      process " + std::to_string(m_hub.Number()) +
+                               ", up [0-9]+ s, version " + version + "\nservice  not running\n"));
 }
 
 TEST_F(Hub, RunsOnce) {
@@ -234,9 +233,9 @@ TEST_F(Hub, LeavesTheStreamsOfItsStarter) {
 TEST_F(Hub, WritesALog) {
     const ChildResult result = Run({"log", "--lines", "1"});
     const std::string hub = m_folders.Logs().string() + "/hub.";
-    EXPECT_THAT(result.output, MatchesRegex("hub: " + hub +
-                                            "[-0-9.]+\n  I.* hub.* at work.*\n"
-                                            "service: no log file in .*\n"));
+    EXPECT_THAT(result.output, MatchesPattern("hub: " + hub +
+                                              "[-0-9.]+\n  I.* hub.* at work.*\n"
+                                              "service: no log file in .*\n"));
     const nlohmann::json document = ParseJson(Run({"log", "--json"}).output);
     EXPECT_GT(document["hub"]["lines"].size(), 1U);
     EXPECT_TRUE(fs::exists(document["hub"]["file"].get<std::string>()));
@@ -308,8 +307,8 @@ TEST_F(Service, ShowsItsClientAndTheDevice) {
     })) << shown.error;
     EXPECT_THAT(shown.output,
                 HasSubstr("\nclient   process " + std::to_string(application.Number()) + "\n"));
-    EXPECT_THAT(shown.output, ContainsRegex("\ndevice   KV00 \\(id [0-9]+\\), [0-9.]+ sets/s\n"));
-    EXPECT_THAT(shown.output, ContainsRegex("\nlosses   .*lost"));
+    EXPECT_THAT(shown.output, ContainsPattern("\ndevice   KV00 \\(id [0-9]+\\), [0-9.]+ sets/s\n"));
+    EXPECT_THAT(shown.output, ContainsPattern("\nlosses   .*lost"));
     nlohmann::json service;
     EXPECT_TRUE(support::WaitUntil([&] {
         service = Status()["service"];

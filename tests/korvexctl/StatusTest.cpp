@@ -5,6 +5,7 @@
 
 #include "korvexctl/CommandOverHead.h"
 #include "korvexctl/commands/StatusReport.h"
+#include "support/Pattern.h"
 #include "support/Signals.h"
 #include "virtual_head/TestFiles.h"
 
@@ -17,7 +18,6 @@ using korvexctl::ExitCode;
 using ::testing::EndsWith;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
-using ::testing::MatchesRegex;
 
 std::vector<nlohmann::json> Records(const std::string& output) {
     std::vector<nlohmann::json> records;
@@ -37,7 +37,7 @@ TEST(KorvexctlStatus, ShowsTheFirstStatus) {
     status.Signal(kInterrupt);
     const ChildResult result = status.Wait();
     EXPECT_EQ(result.exitCode, 0) << result.error;
-    EXPECT_THAT(result.output, MatchesRegex("[0-9T:.-]+Z  status 1 0  [^\n]*\n"));
+    EXPECT_THAT(result.output, MatchesPattern("[0-9T:.-]+Z  status 1 0  [^\n]*\n"));
 }
 
 TEST(KorvexctlStatus, EndsByItself) {
@@ -104,7 +104,7 @@ TEST(KorvexctlStatus, AMuteBoardIsOneLineAndTheCodeOfOne) {
     EXPECT_EQ(result.code, ExitCode::NotConnected);
     EXPECT_EQ(result.message, "the board does not answer");
     EXPECT_THAT(result.output,
-                MatchesRegex("[0-9T:.-]+Z  the board does not answer .255 255.  [^\n]*\n"));
+                MatchesPattern("[0-9T:.-]+Z  the board does not answer .255 255.  [^\n]*\n"));
     head->GetFaults().Clear();
 }
 

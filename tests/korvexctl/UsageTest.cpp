@@ -7,6 +7,7 @@
 #include "korvexctl/Korvexctl.h"
 #include "korvexctl/cli/ExitCodes.h"
 #include "support/CaseName.h"
+#include "support/Pattern.h"
 #include "virtual_head/TestFiles.h"
 
 namespace Korvex3Sync::tests {
@@ -15,7 +16,6 @@ namespace {
 
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
-using ::testing::MatchesRegex;
 
 constexpr int kUsage = 2;
 
@@ -113,7 +113,7 @@ TEST(KorvexctlUsage, HelpOfScanNamesTheUnitOfEachOption) {
 }
 
 TEST(KorvexctlUsage, VersionIsPrinted) {
-    EXPECT_THAT(RunKorvexctl({"--version"}).output, MatchesRegex("korvexctl [0-9.]+\n"));
+    EXPECT_THAT(RunKorvexctl({"--version"}).output, MatchesPattern("korvexctl [0-9.]+\n"));
 }
 
 TEST(KorvexctlUsage, VersionIsADocumentWhenOneIsAskedFor) {
@@ -122,7 +122,7 @@ TEST(KorvexctlUsage, VersionIsADocumentWhenOneIsAskedFor) {
         const ChildResult result = RunKorvexctl(words);
         EXPECT_EQ(result.exitCode, 0);
         EXPECT_THAT(ParseJson(result.output)["version"].get<std::string>(),
-                    MatchesRegex("[0-9.]+"));
+                    MatchesPattern("[0-9.]+"));
     }
 }
 
@@ -194,7 +194,7 @@ TEST_P(BadUsage, IsRefusedWithOneLine) {
     const ChildResult result = RunKorvexctl(GetParam());
     EXPECT_EQ(result.exitCode, kUsage);
     EXPECT_THAT(result.output, IsEmpty());
-    EXPECT_THAT(result.error, MatchesRegex("korvexctl: [^\n]+--help[^\n]*\n"));
+    EXPECT_THAT(result.error, MatchesPattern("korvexctl: [^\n]+--help[^\n]*\n"));
 }
 
 INSTANTIATE_TEST_SUITE_P(

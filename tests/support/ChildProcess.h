@@ -17,6 +17,8 @@ struct ChildOptions {
     std::optional<unsigned long> fileSizeLimit;
     /// Where standard output goes; empty: it is collected.
     std::string outputFile;
+    /// Standard output is a pipe that nobody reads any more.
+    bool outputUnread = false;
     /// If the child runs longer, it is killed and the test fails.
     std::chrono::seconds deadline{120};
 };

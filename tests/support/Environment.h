@@ -17,6 +17,9 @@ void CaptureLines();
 /// Makes a folder in the folder for temporary files. Its path is short, because a socket path is.
 std::filesystem::path NewFolder(const std::string& beginning);
 
+/// The path of a device that takes everything and keeps nothing.
+std::string NothingFile();
+
 /// Gives a program a second name, under which it finds the same libraries.
 void LinkProgram(const std::filesystem::path& program, const std::filesystem::path& name);
 

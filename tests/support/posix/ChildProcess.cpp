@@ -16,6 +16,7 @@
 #include <fstream>
 #include <iterator>
 #include <system_error>
+#include <utility>
 
 namespace Korvex3Sync::tests {
 
@@ -67,6 +68,9 @@ ChildProcess::ChildProcess(const std::vector<std::string>& command, ChildOptions
     }
     m_output = output[0];
     m_error = error[0];
+    if (m_options.outputUnread) {
+        ::close(std::exchange(m_output, -1));
+    }
     int target = output[1];
     if (!m_options.outputFile.empty()) {
         target = ::open(m_options.outputFile.c_str(), O_WRONLY | O_CLOEXEC);

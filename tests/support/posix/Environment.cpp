@@ -27,6 +27,10 @@ fs::path NewFolder(const std::string& beginning) {
     return path;
 }
 
+std::string NothingFile() {
+    return "/dev/null";
+}
+
 void LinkProgram(const fs::path& program, const fs::path& name) {
     fs::create_symlink(program, name);
 }

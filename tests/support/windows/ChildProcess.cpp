@@ -7,6 +7,7 @@
 #include <cwctype>
 #include <map>
 #include <thread>
+#include <utility>
 
 #include "platform/os/Descriptors.h"
 #include "platform/os/InheritedStreams.h"
@@ -116,6 +117,9 @@ ChildProcess::ChildProcess(const std::vector<std::string>& command, ChildOptions
     }
     m_output = output[0];
     m_error = error[0];
+    if (m_options.outputUnread) {
+        os::CloseDescriptor(std::exchange(m_output, -1));
+    }
     EXPECT_FALSE(m_options.fileSizeLimit) << "this system has no such limit";
     os::Handle file;
     STARTUPINFOW start{};
@@ -206,6 +210,9 @@ ChildResult ChildProcess::Wait() {
 
 void ChildProcess::Reap() {
     const os::Handle process(reinterpret_cast<HANDLE>(m_process));
+    if (!process) {
+        return;  // it was not started
+    }
     DWORD code = 0;
     ::WaitForSingleObject(process.get(), INFINITE);
     ::GetExitCodeProcess(process.get(), &code);

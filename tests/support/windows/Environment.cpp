@@ -45,6 +45,10 @@ fs::path NewFolder(const std::string& beginning) {
     }
 }
 
+std::string NothingFile() {
+    return "NUL";
+}
+
 // The libraries are found by the search path.
 void LinkProgram(const fs::path& program, const fs::path& name) {
     fs::copy_file(program, name);
