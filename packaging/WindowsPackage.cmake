@@ -1,7 +1,7 @@
 # The ZIP for 64-bit Windows (scripts/build-windows package): everything that is installed, and what it
 # loads.
-foreach(library Qt5Core Qt5Network libgcc_s_seh-1 libglog libhwy libspng libstdc++-6 libwinpthread-1
-        zlib1)
+foreach(library Qt5Core Qt5Network libgcc_s_seh-1 libglog libhidapi libhwy libspng libstdc++-6
+        libwinpthread-1 zlib1)
     install(FILES ${KORVEX_WINDOWS_DEPENDENCIES}/bin/${library}.dll
         DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT runtime)
 endforeach()

@@ -23,6 +23,9 @@ struct Requests {
     os::Mutex mutex;
     /// There was a request, or the environment has been read.
     bool decided KORVEX_GUARDED_BY(mutex) = false;
+    /// Without a head, too, real devices stay untouched: the environment names a head that cannot
+    /// be made, or the process that had one ends.
+    bool simulatedOnly KORVEX_GUARDED_BY(mutex) = false;
     std::shared_ptr<VirtualHead> head KORVEX_GUARDED_BY(mutex);
 };
 
@@ -34,20 +37,6 @@ Requests& TheRequests() {
 
 /// The process that made the present head; 0 without one.
 std::atomic<long> g_maker{0};
-
-/// Ends the clock of the last head in an orderly way at the end of the process. A forked child does
-/// nothing: the clock does not run there, and threads that are not there may hold locks.
-struct WithdrawAtExit {
-    WithdrawAtExit() = default;
-    ~WithdrawAtExit() {
-        if (g_maker == os::CurrentProcess() && !os::OtherThreadsAreGone()) {
-            WithdrawVirtualHead();
-        }
-    }
-    WithdrawAtExit(const WithdrawAtExit&) = delete;
-    WithdrawAtExit& operator=(const WithdrawAtExit&) = delete;
-};
-const WithdrawAtExit g_withdrawAtExit;
 
 std::shared_ptr<VirtualHead> MakeHead(const HeadDescription& description, std::string& error) {
     try {
@@ -89,11 +78,12 @@ std::shared_ptr<VirtualHead> MakeHead(const std::string& request, std::string& e
 }
 
 /// Replaces the head by another one or none. Calls that hang in the previous head end.
-void Replace(std::shared_ptr<VirtualHead> head) {
+void Replace(std::shared_ptr<VirtualHead> head, bool simulatedOnly = false) {
     Requests& requests = TheRequests();
     {
         os::MutexGuard lock(requests.mutex);
         requests.decided = true;
+        requests.simulatedOnly = simulatedOnly;
         requests.head.swap(head);
         g_maker = requests.head ? os::CurrentProcess() : 0;
     }
@@ -101,6 +91,20 @@ void Replace(std::shared_ptr<VirtualHead> head) {
         head->GetFaults().ReleaseHangs();
     }
 }
+
+/// Ends the clock of the last head in an orderly way at the end of the process. A forked child does
+/// nothing: the clock does not run there, and threads that are not there may hold locks.
+struct WithdrawAtExit {
+    WithdrawAtExit() = default;
+    ~WithdrawAtExit() {
+        if (g_maker == os::CurrentProcess() && !os::OtherThreadsAreGone()) {
+            Replace(nullptr, true);
+        }
+    }
+    WithdrawAtExit(const WithdrawAtExit&) = delete;
+    WithdrawAtExit& operator=(const WithdrawAtExit&) = delete;
+};
+const WithdrawAtExit g_withdrawAtExit;
 
 /// Reads the environment if nothing is decided yet. If the head that it names is refused, returns
 /// false with one line in `error`.
@@ -112,10 +116,11 @@ bool Decide(Requests& requests, std::string& error) KORVEX_REQUIRES(requests.mut
     }
     requests.head = MakeHead(std::string(request), error);
     g_maker = requests.head ? os::CurrentProcess() : 0;
-    if (!requests.head) {
+    requests.simulatedOnly = requests.head == nullptr;
+    if (requests.simulatedOnly) {
         error = std::string(kVariable) + ": " + error;
     }
-    return requests.head != nullptr;
+    return !requests.simulatedOnly;
 }
 
 }  // namespace
@@ -156,6 +161,15 @@ std::shared_ptr<VirtualHead> RequestedVirtualHead() {
         os::PrintError("%s\n", error.c_str());
     }
     return requests.head;
+}
+
+bool MayUseRealDevices() {
+    if (RequestedVirtualHead()) {
+        return false;
+    }
+    Requests& requests = TheRequests();
+    os::MutexGuard lock(requests.mutex);
+    return !requests.simulatedOnly;
 }
 
 std::optional<std::vector<std::string>> SimulatedBoards() {

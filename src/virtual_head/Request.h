@@ -25,13 +25,17 @@ KORVEX_VIRTUAL_HEAD_API bool RequestVirtualHead(const HeadDescription& descripti
 /// calls this first. If the file is refused, returns false with one line in `error`; returns true
 /// if the variable is not set.
 KORVEX_VIRTUAL_HEAD_API bool RequestHeadOfEnvironment(std::string& error);
-/// Withdraws the request; from then on the platform libraries find nothing.
+/// Withdraws the request; from then on the platform libraries look for real devices.
 KORVEX_VIRTUAL_HEAD_API void WithdrawVirtualHead();
 
 /// The requested head, or null. The first call reads the environment variable KORVEX_VIRTUAL_HEAD,
 /// unless there was a request before. If its head file is refused, the reason is printed to
 /// standard error once, and there is no head.
 KORVEX_VIRTUAL_HEAD_API std::shared_ptr<VirtualHead> RequestedVirtualHead();
+/// Whether the platform libraries may look for real devices: no virtual head is requested, and
+/// KORVEX_VIRTUAL_HEAD does not name one that was refused. A program that was meant to simulate
+/// never moves a real device.
+KORVEX_VIRTUAL_HEAD_API bool MayUseRealDevices();
 /// The serials of the boards that are plugged in at the requested head: one or none. Nothing
 /// without a head.
 KORVEX_VIRTUAL_HEAD_API std::optional<std::vector<std::string>> SimulatedBoards();

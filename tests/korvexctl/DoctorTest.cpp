@@ -145,7 +145,7 @@ TEST_F(KorvexctlDoctor, WithoutAHeadNothingThatNeedsOneIsChecked) {
 
 TEST_F(KorvexctlDoctor, ABoardThatThisUserMayNotOpenIsNamedWithTheRule) {
     virtual_head::WithdrawVirtualHead();
-    m_usb.Add("2-1.4", "3267", "5752", "480", "hidraw3");
+    m_usb.AddBoard("2-1.4", 480, "/dev/hidraw3");
     m_options.machine = m_usb.Machine(EACCES);
     const Outcome outcome = Examine();
     EXPECT_EQ(outcome.code, ExitCode::NotHealthy);

@@ -103,12 +103,12 @@ TEST(KorvexctlList, AnUnknownTypeFindsNoCamera) {
 
 TEST(KorvexctlList, NamesTheBoardsThatTheSystemLists) {
     virtual_head::WithdrawVirtualHead();
-    const FakeUsb usb;
-    usb.Add("2-1", "3267", "5752", "5000", "hidraw3", "K3-0007");
-    usb.Add("2-2", "3267", "5752", "5000", "hidraw4");
+    FakeUsb usb;
+    usb.AddBoard("2-1", 5000, "/dev/hidraw3", "K3-0007");
+    usb.AddBoard("2-2", 5000, "/dev/hidraw4");
     const auto boards = korvexctl::FindBoards(usb.Machine());
     EXPECT_EQ(korvexctl::SerialsText(boards), "K3-0007");
-    const std::string where = "USB port 2-1, " + (usb.Path() / "dev" / "hidraw3").string();
+    const std::string where = "USB port 2-1, /dev/hidraw3";
     EXPECT_EQ(ToJson(boards)[0], (nlohmann::json{{"serial", "K3-0007"}, {"where", where}}));
     EXPECT_EQ(ToJson(boards)[1]["serial"], nullptr);
     ::testing::internal::CaptureStdout();

@@ -9,8 +9,8 @@
 
 namespace Korvex3Sync::board {
 
-BoardLink::BoardLink(std::unique_ptr<ByteTransport> transport)
-    : m_transport(std::move(transport)) {}
+BoardLink::BoardLink(std::unique_ptr<ByteTransport> transport, std::uint16_t before)
+    : m_transport(std::move(transport)), m_sequence(before) {}
 
 BoardLink::~BoardLink() {
     Close();

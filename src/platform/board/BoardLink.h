@@ -26,7 +26,9 @@ public:
         Payload payload;
     };
 
-    explicit BoardLink(std::unique_ptr<ByteTransport> transport);
+    /// `before` is the number before that of the first command. Users of a board begin at random
+    /// numbers, so that none takes a reply for its own that the board gave to another.
+    explicit BoardLink(std::unique_ptr<ByteTransport> transport, std::uint16_t before = 0);
     /// Closes.
     ~BoardLink();
     BoardLink(const BoardLink&) = delete;
@@ -48,7 +50,7 @@ private:
 
     const std::unique_ptr<ByteTransport> m_transport;
     os::Mutex m_turn;
-    std::uint16_t m_sequence KORVEX_GUARDED_BY(m_turn) = 0;
+    std::uint16_t m_sequence KORVEX_GUARDED_BY(m_turn);
 };
 
 }  // namespace Korvex3Sync::board

@@ -8,7 +8,8 @@
 
 namespace Korvex3Sync::board {
 
-/// Opens the selected board through the first transport that finds it. Null if none does.
+/// Opens the selected board: that of the virtual head if one was requested, otherwise an attached
+/// one. Null if there is none or it cannot be opened.
 std::shared_ptr<BoardLink> OpenBoard(const BoardSelection& selection, Purpose purpose);
 
 /// The boards that this process has open.

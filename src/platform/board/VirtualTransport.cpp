@@ -1,9 +1,6 @@
 #include "platform/board/VirtualTransport.h"
 
-#include <glog/logging.h>
-
 #include <algorithm>
-#include <atomic>
 #include <functional>
 #include <string>
 #include <utility>
@@ -44,15 +41,6 @@ bool Announce(const std::shared_ptr<VirtualHead>& head, const std::string& call,
     return inTime && done;
 }
 
-void SayAbsentOnce() {
-    static std::atomic_flag said;
-    if (!said.test_and_set()) {
-        LOG(WARNING) << "No synchronization board: none is attached and no virtual head was "
-                        "requested. Set KORVEX_VIRTUAL_HEAD to \"default\" or to a head file to "
-                        "work with a simulated one.";
-    }
-}
-
 std::string FunctionOf(const Report& report) {
     const auto decoded = DecodeCommand(report);
     const auto* const message = std::get_if<CommandMessage>(&decoded);
@@ -66,7 +54,6 @@ std::unique_ptr<ByteTransport> VirtualTransport::Open(const BoardSelection& sele
                                                       Purpose purpose) {
     const auto head = virtual_head::RequestedVirtualHead();
     if (!head) {
-        SayAbsentOnce();
         return nullptr;
     }
     const bool meant = Selects(selection, hardware::kBoardVendor, hardware::kBoardProduct,

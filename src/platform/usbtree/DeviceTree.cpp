@@ -1,11 +1,34 @@
 #include "platform/usbtree/DeviceTree.h"
 
+#include <cstddef>
 #include <utility>
 
 namespace Korvex3Sync::usbtree {
 
-std::string DevicePath(int speed) {
-    return "HCD[0]-RHUB-PORT[2]-HUB-PORT[1]-UPT[" + std::to_string(speed) + "]-DEV";
+namespace {
+
+constexpr double kFull = 12;
+constexpr double kHigh = 480;
+constexpr double kSuper = 5000;
+
+}  // namespace
+
+std::string DevicePath(const std::string& port, int speed) {
+    const std::size_t bus = port.find('-');
+    std::string path = "HCD[" + port.substr(0, bus) + "]-RHUB";
+    for (std::size_t end = bus; end != std::string::npos;) {
+        const std::size_t from = end + 1;
+        end = port.find('.', from);
+        path += (from == bus + 1 ? "-PORT[" : "-HUB-PORT[") + port.substr(from, end - from) + "]";
+    }
+    return path + "-UPT[" + std::to_string(speed) + "]-DEV";
+}
+
+int SpeedNumber(std::optional<double> megabits) {
+    if (!megabits) {
+        return 0;
+    }
+    return *megabits < kFull ? 1 : *megabits < kHigh ? 2 : *megabits < kSuper ? 3 : 4;
 }
 
 void DeviceTree::Replace(std::vector<Device> devices) {

@@ -16,9 +16,11 @@ struct Device {
     std::string path;
 };
 
-/// The path of a device that negotiated this speed: hubs and ports, then `UPT[speed]-DEV`. That
-/// text appears only at the end of a path.
-std::string DevicePath(int speed);
+/// The path of the device at a port ("2-1.4": bus, then port by port): hubs and ports, then
+/// `UPT[speed]-DEV`. That text appears only at the end of a path.
+std::string DevicePath(const std::string& port, int speed);
+/// The number of a speed in a path: 1 low, 2 full, 3 high, 4 everything faster, 0 unknown.
+int SpeedNumber(std::optional<double> megabits);
 
 /// The devices of the last enumeration. Thread-safe.
 class DeviceTree {

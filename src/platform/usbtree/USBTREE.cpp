@@ -6,6 +6,7 @@
 #include <memory>
 
 #include "platform/include/BoardFacts.h"
+#include "platform/os/UsbDevices.h"
 #include "platform/usbtree/DeviceTree.h"
 #include "virtual_head/Request.h"
 #include "virtual_head/VirtualHead.h"
@@ -22,21 +23,45 @@ usbtree::DeviceTree& Tree() {
     return *tree;
 }
 
+// Where the board of the virtual head is attached.
+constexpr const char* kVirtualPort = "0-2.1";
+
 std::vector<usbtree::Device> Devices(VirtualHead& head) {
     if (!head.GetFaults().Board().Reach("EnumAllHCD")) {
         return {};
     }
     return {{hardware::kBoardVendor, hardware::kBoardProduct,
-             usbtree::DevicePath(head.Description().usbSpeed)}};
+             usbtree::DevicePath(kVirtualPort, head.Description().usbSpeed)}};
 }
 
-void SayEmptyOnce() {
+void SayNoBoardOnce() {
     static std::atomic_flag said;
     if (!said.test_and_set()) {
-        LOG(WARNING) << "The USB tree is empty: no virtual head was requested. Set "
-                        "KORVEX_VIRTUAL_HEAD to \"default\" or to a head file to work with a "
-                        "simulated one.";
+        LOG(WARNING) << "The USB tree has no synchronization board: none is attached and no "
+                        "virtual head was requested. Set KORVEX_VIRTUAL_HEAD to \"default\" or to "
+                        "a head file to work with a simulated one.";
     }
+}
+
+std::vector<usbtree::Device> RealDevices() {
+    std::vector<usbtree::Device> devices;
+    bool board = false;
+    for (const os::UsbDevice& device : os::ListUsbDevices()) {
+        board |=
+            device.vendor == hardware::kBoardVendor && device.product == hardware::kBoardProduct;
+        devices.push_back(
+            {device.vendor, device.product,
+             usbtree::DevicePath(device.port, usbtree::SpeedNumber(device.megabits))});
+    }
+    if (!board) {
+        SayNoBoardOnce();
+    }
+    return devices;
+}
+
+// Nothing if there is no head, but one was requested.
+std::vector<usbtree::Device> DevicesWithoutHead() {
+    return virtual_head::MayUseRealDevices() ? RealDevices() : std::vector<usbtree::Device>{};
 }
 
 // Runs a call on the requested head: applies the faults that are ordered for it and enters it in
@@ -68,10 +93,7 @@ bool EnumAllHCD() {
     return Guarded([] {
         Tree().Erase();
         return Run("EnumAllHCD", "", [](VirtualHead* head) {
-            if (!head) {
-                SayEmptyOnce();
-            }
-            Tree().Replace(head ? Devices(*head) : std::vector<usbtree::Device>{});
+            Tree().Replace(head ? Devices(*head) : DevicesWithoutHead());
             return true;
         });
     });
