@@ -341,7 +341,7 @@ TEST(AttachedBoard, ThatThisUserMayNotOpenIsNamedWithTheRemedy) {
     const MockBoard refused(machine, {"2-1", "5000", "K3-0001"});
     const MockBoard other(machine, {"2-2", "5000", "K3-0002"});
     const std::filesystem::path node = machine.Root() + refused.Node();
-    std::filesystem::permissions(machine.Root(), std::filesystem::perms(0755));
+    machine.OpenToAll();
     std::filesystem::permissions(node, std::filesystem::perms::none);
     testing::internal::CaptureStderr();
     // Also root needs the rights then.

@@ -93,6 +93,15 @@ std::string MockMachine::Root() const {
     return text;
 }
 
+void MockMachine::OpenToAll() const {
+    for (const auto& each : std::filesystem::recursive_directory_iterator(Root())) {
+        // Some of the links are notes that lead nowhere.
+        std::error_code nowhere;
+        std::filesystem::permissions(each, std::filesystem::perms(0777), nowhere);
+    }
+    std::filesystem::permissions(Root(), std::filesystem::perms(0777));
+}
+
 Firmware VirtualFirmware() {
     virtual_head::HeadDescription description;
     const auto head = std::make_shared<virtual_head::VirtualHead>(

@@ -25,6 +25,8 @@ public:
     UMockdevTestbed* Testbed() const { return m_testbed; }
     /// The folder that stands for the root of the file system.
     std::string Root() const;
+    /// Lets every user use what is attached so far.
+    void OpenToAll() const;
     /// A number that no HID device has had.
     int NextNumber() { return m_next++; }
 

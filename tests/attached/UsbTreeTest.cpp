@@ -21,7 +21,8 @@ using testing::IsEmpty;
 std::vector<std::string> Paths() {
     std::vector<std::string> paths;
     EXPECT_TRUE(USBTREE::EnumAllHCD());
-    EXPECT_EQ(USBTREE::GetSpecifyDeviceTreePath(0x3267, 0x5752, paths), !paths.empty());
+    const bool found = USBTREE::GetSpecifyDeviceTreePath(0x3267, 0x5752, paths);
+    EXPECT_EQ(found, !paths.empty());
     USBTREE::EraseList();
     return paths;
 }
