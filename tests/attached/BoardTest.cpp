@@ -8,6 +8,7 @@
 #include <csignal>
 #include <filesystem>
 #include <future>
+#include <iterator>
 #include <memory>
 #include <mutex>
 #include <set>
@@ -155,6 +156,24 @@ TEST(AttachedBoard, MayBeOpenSeveralTimes) {
         EXPECT_TRUE(zr3DSetVideoTriggerPeriod(second.handle, 12));
     }
     EXPECT_EQ(Period(first.handle), 12);
+}
+
+TEST(AttachedBoard, LeavesNoDescriptorOpen) {
+    MockMachine machine;
+    const MockBoard board(machine, {});
+    const auto descriptors = [] {
+        const std::filesystem::directory_iterator list("/proc/self/fd");
+        return std::distance(begin(list), end(list));
+    };
+    std::string version;
+    EXPECT_TRUE(Opens(""));
+    const auto before = descriptors();
+    for (int round = 0; round < 10; ++round) {
+        EXPECT_TRUE(Opens(""));
+        EXPECT_FALSE(Opens("K3-0008"));
+        EXPECT_TRUE(zr3DQueryFirmwareVersionFast("", version));
+    }
+    EXPECT_EQ(descriptors(), before);
 }
 
 TEST(AttachedBoard, TellsItsFirmwareWithoutBeingOpen) {

@@ -11,6 +11,7 @@
 #include <cerrno>
 #include <cstdlib>
 #include <filesystem>
+#include <mutex>
 
 #include "virtual_head/VirtualHead.h"
 #include "virtual_head/images/ImageSource.h"
@@ -33,6 +34,13 @@ std::string Hex(const std::uint8_t* bytes, int count) {
         text.push_back(kDigits[bytes[number] & 0xF]);
     }
     return text;
+}
+
+/// Between the test and the thread of the test bed, whose own locks the thread sanitizer does not
+/// see.
+void HandOver() {
+    static std::mutex mutex;
+    const std::lock_guard lock(mutex);
 }
 
 /// What umockdev reads of each part, which is below the one before.
@@ -133,6 +141,7 @@ MockBoard::MockBoard(MockMachine& machine, const Place& place, Firmware firmware
     m_handler = umockdev_ioctl_base_new();
     g_signal_connect(m_handler, "handle-ioctl", G_CALLBACK(OnIoctl), this);
     g_signal_connect(m_handler, "handle-write", G_CALLBACK(OnWrite), this);
+    HandOver();
     EXPECT_TRUE(umockdev_testbed_attach_ioctl(machine.Testbed(), m_node.c_str(), m_handler, &error))
         << error->message;
 }
@@ -149,6 +158,7 @@ void MockBoard::Unplug() {
     if (m_handler) {
         umockdev_testbed_detach_ioctl(m_machine.Testbed(), m_node.c_str(), nullptr);
         g_object_unref(m_handler);
+        HandOver();
         // umockdev keeps this note, although the next board can get the same terminal.
         std::string terminal = ::ptsname(m_terminal);
         std::replace(terminal.begin(), terminal.end(), '/', '_');
@@ -190,21 +200,25 @@ gboolean MockBoard::OnIoctl(UMockdevIoctlBase*, UMockdevIoctlClient* client, voi
     }
 }
 
-gboolean MockBoard::OnWrite(UMockdevIoctlBase*, UMockdevIoctlClient* client, void* self) {
-    const auto& mock = *static_cast<MockBoard*>(self);
-    const UMockdevIoctlData* const sent = umockdev_ioctl_client_get_arg(client);
+bool MockBoard::Take(const guint8* bytes, int count) const {
     board::Report report{};
     // The number of the report, which is 0, is not for the board.
-    const bool good = sent->data_len == static_cast<int>(report.size()) + 1 && sent->data[0] == 0;
-    if (!good || !mock.m_firmware) {
-        umockdev_ioctl_client_complete(client, -1, EPIPE);
-        return TRUE;
+    if (count != static_cast<int>(report.size()) + 1 || bytes[0] != 0 || !m_firmware) {
+        return false;
     }
-    std::copy_n(sent->data + 1, report.size(), report.begin());
-    for (const board::Report& reply : mock.m_firmware(report)) {
-        mock.Give(reply);
+    std::copy_n(bytes + 1, report.size(), report.begin());
+    for (const board::Report& reply : m_firmware(report)) {
+        Give(reply);
     }
-    umockdev_ioctl_client_complete(client, sent->data_len, 0);
+    return true;
+}
+
+gboolean MockBoard::OnWrite(UMockdevIoctlBase*, UMockdevIoctlClient* client, void* self) {
+    const UMockdevIoctlData* const sent = umockdev_ioctl_client_get_arg(client);
+    HandOver();
+    const bool taken = static_cast<MockBoard*>(self)->Take(sent->data, sent->data_len);
+    HandOver();
+    umockdev_ioctl_client_complete(client, taken ? sent->data_len : -1, taken ? 0 : EPIPE);
     return TRUE;
 }
 

@@ -68,6 +68,9 @@ private:
     static gboolean OnIoctl(UMockdevIoctlBase* base, UMockdevIoctlClient* client, void* self);
     static gboolean OnWrite(UMockdevIoctlBase* base, UMockdevIoctlClient* client, void* self);
 
+    /// A report that was sent. False if the board refuses it.
+    bool Take(const guint8* bytes, int count) const;
+
     MockMachine& m_machine;
     const Firmware m_firmware;
     const std::string m_node;

@@ -138,7 +138,7 @@ TEST_F(KorvexctlDoctor, WithoutAHeadNothingThatNeedsOneIsChecked) {
     EXPECT_EQ(outcome.message, "cannot scan: head");
     EXPECT_THAT(With(outcome, "FAULT"), UnorderedElementsAre("head"));
     EXPECT_EQ(With(outcome, "not checked").size(), outcome.figures["checks"].size() - 1);
-    EXPECT_THAT(Check(outcome, "head")["finding"], HasSubstr("no driver for a real head"));
+    EXPECT_THAT(Check(outcome, "head")["finding"], HasSubstr("no driver for real cameras"));
     EXPECT_THAT(Check(outcome, "head")["advice"], HasSubstr("use --virtual"));
     EXPECT_EQ(Check(outcome, "firmware")["finding"], "no board");
 }

@@ -87,8 +87,8 @@ TEST(KorvexctlList, WithoutAHeadNothingIsSimulated) {
     EXPECT_THAT(result.output, IsEmpty());
     EXPECT_EQ(
         result.error,
-        "korvexctl: no camera found (type KV00): the platform libraries of this build have no "
-        "driver for a real head; use --virtual for a simulated head\n");
+        "korvexctl: no camera found (type KV00): the camera library of this build has no driver "
+        "for real cameras; use --virtual for a simulated head\n");
 }
 
 TEST(KorvexctlList, AnUnknownTypeFindsNoCamera) {

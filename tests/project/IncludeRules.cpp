@@ -91,6 +91,9 @@ const std::vector<Arrows> kArrows{
     {"bench/", {"include/", "src/", "programs/", "tests/"}},
 };
 
+/// Where a library that is not ours may be included: drivers hide theirs.
+const std::map<std::string, std::string> kForeign{{"hidapi/", "src/platform/board/"}};
+
 /// Where the compiler looks for headers of the project.
 const Strings kRoots{"src/", "include/", "programs/", "tests/", kHeaders};
 
@@ -183,6 +186,11 @@ bool MayInclude(const Arrows& arrows, const std::string& target) {
 }
 
 bool Allowed(const SourceTree& tree, const std::string& file, const Include& include) {
+    for (const auto& [library, room] : kForeign) {
+        if (include.name.starts_with(library) && !file.starts_with(room)) {
+            return false;
+        }
+    }
     const auto arrows = std::find_if(kArrows.begin(), kArrows.end(),
                                      [&file](const Arrows& a) { return file.starts_with(a.room); });
     const auto target = Resolve(tree, file, include);

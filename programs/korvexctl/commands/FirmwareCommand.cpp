@@ -23,7 +23,7 @@ Outcome RunFirmware(const std::string& board, Output& output) {
         outcome.code = ExitCode::NotConnected;
         outcome.message = "cannot read the firmware version" +
                           (board.empty() ? "" : " of board " + board) + ": " + StatusText(status) +
-                          WhyNoDevice("");
+                          WhyNoBoard();
         return outcome;
     }
     outcome.figures["firmware"] = version;

@@ -34,7 +34,7 @@ Outcome RunReset(const ResetArguments& asked, Output& output) {
         const bool answers = status != STATUS_PROJECTOR && AskHead(asked.head.board).firmware;
         outcome.code = answers ? ExitCode::DeviceRefused : ExitCode::NotConnected;
         outcome.message =
-            "reset the " + what + ": " + StatusText(status) + (answers ? "" : WhyNoDevice(""));
+            "reset the " + what + ": " + StatusText(status) + (answers ? "" : WhyNoBoard());
         return outcome;
     }
     outcome.figures["reset"] = asked.device ? "device" : "fpga";

@@ -18,7 +18,7 @@ Outcome RunUsb(Output& output) {
     if (IsConnectedOnU3("", onU3) != STATUS_SUCCESS) {
         outcome.code = ExitCode::NotConnected;
         outcome.message =
-            "no board found on USB" + WhyNoDevice("; is the head switched on and plugged in?");
+            "no board found on USB; is the head switched on and plugged in?" + WhyNoBoard();
         return outcome;
     }
     outcome.figures["usb3"] = onU3;

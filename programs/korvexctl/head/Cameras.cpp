@@ -41,7 +41,7 @@ bool GivesColor(const std::vector<Camera>& cameras, CAMERA_TRIGGER_MODE mode) {
 }
 
 std::string NoCameraMessage(const std::string& type) {
-    return "no camera found (type " + type + ")" + WhyNoDevice("; the simulated head has none");
+    return "no camera found (type " + type + ")" + WhyNoCamera("; the simulated head has none");
 }
 
 nlohmann::json ToJson(const std::vector<Camera>& cameras) {

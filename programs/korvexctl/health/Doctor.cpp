@@ -72,7 +72,8 @@ Finding CheckHead(Patient& patient) {
                                          hardware::kBoardProduct);
     GetCameraCount(patient.choice.cameraType.c_str(), patient.attached);
     if (!patient.Board() && patient.attached == 0) {
-        return {Verdict::Fault, std::string("none found: ") + kNoDriver, kNoDriverAdvice, figures};
+        return {Verdict::Fault, std::string("no board is attached; ") + kNoDriver, kNoDriverAdvice,
+                figures};
     }
     patient.there = true;
     return {Verdict::Ok, "real devices; nothing is simulated", "", figures};
@@ -98,9 +99,9 @@ Finding CheckBoard(const Patient& patient) {
     if (!where.empty()) {
         return {
             Verdict::Fault,
-            "the system lists it at " + where + ", but the library does not find it: " + kNoDriver,
-            "see \"permissions\"; a real head needs platform libraries with its drivers in "
-            "place of ours (docs/architecture.md)"};
+            "the system lists it at " + where + ", but the library does not find it",
+            "plug the head in again; if that does not help, see whether the USB-tree library is "
+            "another one than ours (docs/architecture.md)"};
     }
     return {Verdict::Fault, "not found on USB", kPlugIn};
 }
