@@ -12,6 +12,7 @@
 #include "korvexctl/health/StepRun.h"
 #include "os/FakeUsb.h"
 #include "project/SourceTree.h"
+#include "virtual_head/TestFiles.h"
 
 namespace Korvex3Sync::tests {
 

@@ -160,6 +160,15 @@ TEST(IncludeRules, AngleBracketsAndSpacesHideNothing) {
                 SizeIs(2));
 }
 
+TEST(IncludeRules, ADriverHidesItsLibrary) {
+    const std::string text = "#include <hidapi/hidapi.h>\n";
+    EXPECT_THAT(ForbiddenIncludes(TreeWith("src/platform/board/Device.cpp", text)), IsEmpty());
+    for (const char* file : {"src/platform/os/Device.cpp", "src/interface/Frame.cpp",
+                             "programs/korvexctl/Program.cpp", "tests/board/Test.cpp"}) {
+        EXPECT_THAT(ForbiddenIncludes(TreeWith(file, text)), SizeIs(1)) << file;
+    }
+}
+
 TEST(IncludeRules, AnIncludeInACommentIsNone) {
     EXPECT_THAT(
         ForbiddenIncludes(TreeWith("src/sync/A.cpp", "// #include \"virtual_head/Request.h\"\n")),
