@@ -17,8 +17,7 @@ Outcome RunUsb(Output& output) {
     bool onU3 = false;
     if (IsConnectedOnU3("", onU3) != STATUS_SUCCESS) {
         outcome.code = ExitCode::NotConnected;
-        outcome.message =
-            "no board found on USB; is the head switched on and plugged in?" + WhyNoBoard();
+        outcome.message = "no board found on USB: switch the head on and plug it in" + WhyNoBoard();
         return outcome;
     }
     outcome.figures["usb3"] = onU3;
