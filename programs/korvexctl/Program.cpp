@@ -78,6 +78,7 @@ Outcome Run(const CommandLineResult& asked) {
 int RunProgram(int count, const char* const* arguments) noexcept {
     try {
         os::TurnWriteSignalsIntoErrors();
+        os::ShowUtf8();
         const Outcome outcome = OutcomeOf([&] {
             return Run(
                 ReadCommandLine(count, arguments, os::TerminalColumns().value_or(kUsualWidth)));

@@ -8,6 +8,7 @@
 #include "korvexctl/cli/ExitCodes.h"
 #include "support/CaseName.h"
 #include "support/Pattern.h"
+#include "support/Terminal.h"
 #include "virtual_head/TestFiles.h"
 
 namespace Korvex3Sync::tests {
@@ -247,6 +248,13 @@ TEST(KorvexctlUsage, AMissingHeadFileIsRefused) {
     EXPECT_EQ(result.exitCode, 8);
     EXPECT_THAT(ParseJson(result.output)["error"]["message"].get<std::string>(),
                 HasSubstr("/no/such/head.toml"));
+}
+
+TEST(KorvexctlUsage, ATerminalShowsWordsInTheirOwnLetters) {
+    const std::string word = "k\xC3\xB6pfe";
+    const ChildResult result = RunChild(OnTerminal(KorvexctlCommand({word})));
+    EXPECT_EQ(result.exitCode, kUsage);
+    EXPECT_THAT(result.output, HasSubstr("korvexctl: unknown command \"" + word + "\""));
 }
 
 TEST(KorvexctlUsage, ALogFileThatCannotBeOpenedIsRefused) {

@@ -5,14 +5,30 @@
 #include <cstdarg>
 #include <cstddef>
 #include <cstdio>
+#include <string_view>
+
+#include "platform/os/Descriptors.h"
 
 namespace Korvex3Sync::os {
 
 namespace {
 
 constexpr std::size_t kUsualText = 2048;
+constexpr int kErrorDescriptor = 2;
 
 std::atomic<bool> s_flushes{false};
+
+/// Not through the C runtime: to a console of Windows it writes character by character, and in the
+/// code page of its locale.
+void WriteError(std::string_view text) {
+    while (!text.empty()) {
+        const std::ptrdiff_t written = WriteDescriptor(kErrorDescriptor, text.data(), text.size());
+        if (written <= 0) {
+            return;
+        }
+        text.remove_prefix(static_cast<std::size_t>(written));
+    }
+}
 
 }  // namespace
 
@@ -33,14 +49,12 @@ void FlushEachPrint() {
 void PrintError(const char* format, ...) {
     std::va_list values;
     va_start(values, format);
-    // Not every C runtime keeps what goes to standard error together: there, each character would
-    // be written by itself.
     std::array<char, kUsualText> text{};
     std::va_list again;
     va_copy(again, values);
     const int length = std::vsnprintf(text.data(), text.size(), format, values);
     if (length >= 0 && static_cast<std::size_t>(length) < text.size()) {
-        std::fwrite(text.data(), 1, static_cast<std::size_t>(length), stderr);
+        WriteError({text.data(), static_cast<std::size_t>(length)});
     } else {
         std::vfprintf(stderr, format, again);
     }

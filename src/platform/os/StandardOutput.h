@@ -40,6 +40,9 @@ int DescriptorBefore(int number);
 
 /// How many characters a line of standard output has; nothing when it is no terminal.
 std::optional<std::size_t> TerminalColumns();
+/// Makes the terminal show the texts of this process, which are UTF-8. A terminal that showed other
+/// texts before does so again when the process ends by itself.
+void ShowUtf8();
 /// Whether standard error is a terminal that understands escape sequences. Switches them on where
 /// the system leaves that to the program.
 bool StandardErrorTakesEscapes();

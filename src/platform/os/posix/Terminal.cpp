@@ -13,6 +13,8 @@ std::optional<std::size_t> TerminalColumns() {
     return size.ws_col;
 }
 
+void ShowUtf8() {}
+
 bool StandardErrorTakesEscapes() {
     return ::isatty(STDERR_FILENO) == 1;
 }

@@ -1,7 +1,7 @@
 #include "platform/os/StandardOutput.h"
 #include "platform/os/windows/System.h"
 
-#include <cstdio>
+#include <cstdlib>
 
 namespace Korvex3Sync::os {
 
@@ -13,11 +13,17 @@ std::optional<std::size_t> TerminalColumns() {
     return static_cast<std::size_t>(screen.srWindow.Right - screen.srWindow.Left + 1);
 }
 
+void ShowUtf8() {
+    static const UINT before = ::GetConsoleOutputCP();
+    if (before != 0 && before != CP_UTF8 && ::SetConsoleOutputCP(CP_UTF8) != 0) {
+        std::atexit([] { ::SetConsoleOutputCP(before); });
+    }
+}
+
 bool StandardErrorTakesEscapes() {
     const HANDLE error = ::GetStdHandle(STD_ERROR_HANDLE);
     DWORD mode = 0;
-    // To a console, the C runtime writes each character by itself unless it is told not to buffer.
-    return ::GetConsoleMode(error, &mode) != 0 && std::setvbuf(stderr, nullptr, _IONBF, 0) == 0 &&
+    return ::GetConsoleMode(error, &mode) != 0 &&
            ::SetConsoleMode(error, mode | ENABLE_VIRTUAL_TERMINAL_PROCESSING) != 0;
 }
 
