@@ -36,8 +36,14 @@ using support::BlockingCall;
 using testing::HasSubstr;
 
 constexpr double kQuick = 0.1;
+/// For answers on a busy machine.
+constexpr double kPatient = 20;
 /// With it, only a board that answers or is gone ends a call within the time of a test.
 constexpr double kEndless = 1000;
+
+class AttachedBoard : public testing::Test {
+    const os::ScopedTimeScale m_patient{kPatient};
+};
 
 /// A virtual board that keeps what it is sent, and is silent while it has to be.
 class Recorded {
@@ -92,7 +98,7 @@ Report Stale(std::uint16_t number) {
                                board::ValuesPayload(values)});
 }
 
-TEST(AttachedBoard, TakesEveryCall) {
+TEST_F(AttachedBoard, TakesEveryCall) {
     MockMachine machine;
     const MockBoard board(machine, {});
     const OpenedBoard opened;
@@ -101,7 +107,7 @@ TEST(AttachedBoard, TakesEveryCall) {
     }
 }
 
-TEST(AttachedBoard, AnswersWithItsOwnValues) {
+TEST_F(AttachedBoard, AnswersWithItsOwnValues) {
     MockMachine machine;
     const MockBoard board(machine, {});
     const OpenedBoard opened;
@@ -111,7 +117,7 @@ TEST(AttachedBoard, AnswersWithItsOwnValues) {
     }
 }
 
-TEST(AttachedBoard, IsSelectedByVendorProductAndSerial) {
+TEST_F(AttachedBoard, IsSelectedByVendorProductAndSerial) {
     MockMachine machine;
     EXPECT_FALSE(Opens(""));
     const MockBoard board(machine, {});
@@ -127,7 +133,7 @@ TEST(AttachedBoard, IsSelectedByVendorProductAndSerial) {
     }
 }
 
-TEST(AttachedBoard, OfSeveralIsTheOneWithTheSerial) {
+TEST_F(AttachedBoard, OfSeveralIsTheOneWithTheSerial) {
     MockMachine machine;
     Recorded left;
     Recorded right;
@@ -147,7 +153,7 @@ TEST(AttachedBoard, OfSeveralIsTheOneWithTheSerial) {
     EXPECT_TRUE(nameless.Reports().empty());
 }
 
-TEST(AttachedBoard, MayBeOpenSeveralTimes) {
+TEST_F(AttachedBoard, MayBeOpenSeveralTimes) {
     MockMachine machine;
     const MockBoard board(machine, {});
     const OpenedBoard first;
@@ -158,7 +164,7 @@ TEST(AttachedBoard, MayBeOpenSeveralTimes) {
     EXPECT_EQ(Period(first.handle), 12);
 }
 
-TEST(AttachedBoard, LeavesNoDescriptorOpen) {
+TEST_F(AttachedBoard, LeavesNoDescriptorOpen) {
     MockMachine machine;
     const MockBoard board(machine, {});
     const auto descriptors = [] {
@@ -177,7 +183,7 @@ TEST(AttachedBoard, LeavesNoDescriptorOpen) {
     EXPECT_TRUE(support::WaitUntil([&] { return descriptors() <= before; }));
 }
 
-TEST(AttachedBoard, TellsItsFirmwareWithoutBeingOpen) {
+TEST_F(AttachedBoard, TellsItsFirmwareWithoutBeingOpen) {
     MockMachine machine;
     const MockBoard board(machine, {});
     std::string version;
@@ -186,7 +192,7 @@ TEST(AttachedBoard, TellsItsFirmwareWithoutBeingOpen) {
     EXPECT_FALSE(zr3DQueryFirmwareVersionFast("K3-0008", version));
 }
 
-TEST(AttachedBoard, IsNotTouchedWhenAVirtualHeadIsRequested) {
+TEST_F(AttachedBoard, IsNotTouchedWhenAVirtualHeadIsRequested) {
     MockMachine machine;
     Recorded recorded;
     const MockBoard board(machine, {}, recorded.Get());
@@ -200,7 +206,7 @@ TEST(AttachedBoard, IsNotTouchedWhenAVirtualHeadIsRequested) {
     EXPECT_TRUE(Opens("K3-0007"));
 }
 
-TEST(AttachedBoard, UnpluggedEndsARunningCallAndFailsLaterOnes) {
+TEST_F(AttachedBoard, UnpluggedEndsARunningCallAndFailsLaterOnes) {
     const os::ScopedTimeScale scale(kEndless);
     MockMachine machine;
     Recorded recorded;
@@ -219,7 +225,7 @@ TEST(AttachedBoard, UnpluggedEndsARunningCallAndFailsLaterOnes) {
     EXPECT_TRUE(zr3DExitHidDev(handle));
 }
 
-TEST(AttachedBoard, UnpluggedBetweenCallsFailsTheNextOne) {
+TEST_F(AttachedBoard, UnpluggedBetweenCallsFailsTheNextOne) {
     const os::ScopedTimeScale scale(kEndless);
     MockMachine machine;
     MockBoard board(machine, {});
@@ -230,7 +236,7 @@ TEST(AttachedBoard, UnpluggedBetweenCallsFailsTheNextOne) {
     EXPECT_FALSE(zr3DResetFPGA(opened.handle));
 }
 
-TEST(AttachedBoard, PluggedInAgainIsOpenedAnew) {
+TEST_F(AttachedBoard, PluggedInAgainIsOpenedAnew) {
     MockMachine machine;
     auto board = std::make_unique<MockBoard>(machine, MockBoard::Place{});
     const OpenedBoard old;
@@ -244,7 +250,7 @@ TEST(AttachedBoard, PluggedInAgainIsOpenedAnew) {
     }
 }
 
-TEST(AttachedBoard, ClosedEndsARunningCall) {
+TEST_F(AttachedBoard, ClosedEndsARunningCall) {
     const os::ScopedTimeScale scale(kEndless);
     MockMachine machine;
     Recorded recorded;
@@ -263,10 +269,11 @@ TEST(AttachedBoard, ClosedEndsARunningCall) {
     }
 }
 
-TEST(AttachedBoard, ClosedAtAnyMomentOfAnExchange) {
+TEST_F(AttachedBoard, ClosedAtAnyMomentOfAnExchange) {
     MockMachine machine;
-    const MockBoard board(machine, {});
     for (int round = 0; round < 30; ++round) {
+        // A terminal, unlike a HID device, can leave half a report to who opens it next.
+        const MockBoard board(machine, {});
         void* handle = nullptr;
         ASSERT_TRUE(zr3DInitHidDev(handle, "3267", "5752", ""));
         void* const used = handle;
@@ -282,7 +289,7 @@ TEST(AttachedBoard, ClosedAtAnyMomentOfAnExchange) {
     }
 }
 
-TEST(AttachedBoard, ThatIsSilentFailsACallAndServesTheNext) {
+TEST_F(AttachedBoard, ThatIsSilentFailsACallAndServesTheNext) {
     const os::ScopedTimeScale scale(kQuick);
     MockMachine machine;
     Recorded recorded;
@@ -292,13 +299,13 @@ TEST(AttachedBoard, ThatIsSilentFailsACallAndServesTheNext) {
     recorded.BeSilent(true);
     EXPECT_EQ(Period(opened.handle), 0);
     const std::uint16_t unanswered = Number(recorded.Reports().back());
-    const os::ScopedTimeScale patient(1);
+    const os::ScopedTimeScale patient(kPatient);
     recorded.BeSilent(false);
     board.Give(Stale(unanswered));
     EXPECT_EQ(Period(opened.handle), 12);
 }
 
-TEST(AttachedBoard, AnswersLeftByAnotherClientAreNotTaken) {
+TEST_F(AttachedBoard, AnswersLeftByAnotherClientAreNotTaken) {
     MockMachine machine;
     Recorded recorded;
     const MockBoard board(machine, {}, recorded.Get());
@@ -312,7 +319,7 @@ TEST(AttachedBoard, AnswersLeftByAnotherClientAreNotTaken) {
     EXPECT_EQ(Period(opened.handle), 12);
 }
 
-TEST(AttachedBoard, BeginsAtARandomNumber) {
+TEST_F(AttachedBoard, BeginsAtARandomNumber) {
     MockMachine machine;
     Recorded recorded;
     const MockBoard board(machine, {}, recorded.Get());
@@ -325,7 +332,7 @@ TEST(AttachedBoard, BeginsAtARandomNumber) {
     EXPECT_GE(numbers.size(), 7U);
 }
 
-TEST(AttachedBoard, ThatTakesNoReportFailsTheCallInTime) {
+TEST_F(AttachedBoard, ThatTakesNoReportFailsTheCallInTime) {
     MockMachine machine;
     std::promise<void> go;
     const std::shared_future<void> going = go.get_future().share();
@@ -348,7 +355,7 @@ TEST(AttachedBoard, ThatTakesNoReportFailsTheCallInTime) {
     EXPECT_TRUE(support::WaitUntil([&] { return Period(opened.handle) == 11; }));
 }
 
-TEST(AttachedBoard, TakesAReportBehindOneThatItHeld) {
+TEST_F(AttachedBoard, TakesAReportBehindOneThatItHeld) {
     MockMachine machine;
     std::promise<void> go;
     const std::shared_future<void> going = go.get_future().share();
@@ -372,7 +379,7 @@ TEST(AttachedBoard, TakesAReportBehindOneThatItHeld) {
     EXPECT_EQ(Period(opened.handle), 12);
 }
 
-TEST(AttachedBoard, ThatRefusesAReportIsGone) {
+TEST_F(AttachedBoard, ThatRefusesAReportIsGone) {
     const os::ScopedTimeScale scale(kEndless);
     MockMachine machine;
     const MockBoard board(machine, {}, Firmware());
@@ -381,7 +388,7 @@ TEST(AttachedBoard, ThatRefusesAReportIsGone) {
     EXPECT_FALSE(zr3DResetFPGA(opened.handle));
 }
 
-TEST(AttachedBoard, ThatThisUserMayNotOpenIsNamedWithTheRemedy) {
+TEST_F(AttachedBoard, ThatThisUserMayNotOpenIsNamedWithTheRemedy) {
     MockMachine machine;
     const MockBoard refused(machine, {"2-1", "5000", "K3-0001"});
     const MockBoard other(machine, {"2-2", "5000", "K3-0002"});
@@ -407,7 +414,7 @@ TEST(AttachedBoard, ThatThisUserMayNotOpenIsNamedWithTheRemedy) {
 
 std::atomic<int> g_signals{0};
 
-TEST(AttachedBoard, AnswersAlthoughSignalsArrive) {
+TEST_F(AttachedBoard, AnswersAlthoughSignalsArrive) {
     const os::ScopedTimeScale scale(kEndless);
     struct sigaction counting {};
     struct sigaction former {};
