@@ -278,11 +278,8 @@ TEST_F(OwnerTest, AThousandConnectsLeaveNothingBehind) {
     virtual_head::HeadDescription description = Head();
     description.scene.poses = 1;
     Request(description);
-    const auto descriptors = [] {
-        return std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {});
-    };
     StopService();
-    const auto descriptorsBefore = descriptors();
+    const std::size_t filesBefore = support::OpenFiles();
     const std::size_t threadsBefore = support::ThreadCount();
     StartService();
     for (int i = 0; i < 1000; ++i) {
@@ -302,8 +299,8 @@ TEST_F(OwnerTest, AThousandConnectsLeaveNothingBehind) {
     // The hub keeps up to 16 threads for its calls.
     EXPECT_TRUE(support::WaitUntil([&] { return support::ThreadCount() <= threadsBefore + 16; }))
         << support::ThreadCount() << " after " << threadsBefore;
-    EXPECT_TRUE(support::WaitUntil([&] { return descriptors() <= descriptorsBefore; }))
-        << descriptors() << " after " << descriptorsBefore;
+    EXPECT_TRUE(support::WaitUntil([&] { return support::OpenFiles() <= filesBefore; }))
+        << support::OpenFiles() << " after " << filesBefore;
 }
 
 }  // namespace

@@ -4,7 +4,7 @@
 #include <cstring>
 
 #include "head/HeadSession.h"
-#include "support/OwnFolders.h"
+#include "support/Environment.h"
 #include "support/WaitUntil.h"
 
 namespace Korvex3Sync::tests {
@@ -25,15 +25,9 @@ constexpr std::size_t kSets = 20;
 class HostProcess : public ::testing::Environment {
 public:
     void SetUp() override {
-        for (const auto& [name, value] : m_folders.Environment()) {
-            SetVariable(name, value);
-        }
         SetVariable("KORVEX_VIRTUAL_HEAD", "default");
         ASSERT_EQ(SwitchOnDeviceService(true), STATUS_SUCCESS);
     }
-
-private:
-    OwnFolders m_folders;
 };
 
 const auto* const kHostProcess = ::testing::AddGlobalTestEnvironment(new HostProcess);

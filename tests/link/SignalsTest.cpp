@@ -101,8 +101,10 @@ TEST_F(Signals, CarryEveryElementAndAreOfTwoKinds) {
             lists.append(list);
         };
     };
-    QObject::connect(&sync, &SyncInterface::sendMessage, note(messages));
-    QObject::connect(&sync, &SyncInterface::sendCallback, note(callbacks));
+    SignalReceiver messageReceiver(note(messages));
+    SignalReceiver callbackReceiver(note(callbacks));
+    messageReceiver.Connect(sync, SIGNAL(sendMessage(QString, QString, QList<QVariant>, QString)));
+    callbackReceiver.Connect(sync);
     const ClientId client = WaitForClient();
     const auto samples = WireSamples<QVariantList>::All();
     for (const QVariantList& list : samples) {
@@ -111,8 +113,9 @@ TEST_F(Signals, CarryEveryElementAndAreOfTwoKinds) {
     EXPECT_TRUE(m_service.Server().Send(client, Numbered(7)));
     ASSERT_TRUE(WaitUntil([&] {
         const std::lock_guard lock(mutex);
-        return callbacks.size() == 1;
+        return callbacks.size() == 1 && messages.size() >= static_cast<int>(samples.size());
     }));
+    const std::lock_guard lock(mutex);
     EXPECT_EQ(messages, QList<QVariantList>(samples.begin(), samples.end()));
     EXPECT_EQ(callbacks.first(), QVariantList{7});
 }
@@ -120,7 +123,8 @@ TEST_F(Signals, CarryEveryElementAndAreOfTwoKinds) {
 TEST_F(Signals, ArriveBetweenCallsOfOtherThreads) {
     std::atomic<int> received{0};
     SyncInterface sync;
-    QObject::connect(&sync, &SyncInterface::sendCallback, [&] { ++received; });
+    SignalReceiver receiver([&](const auto&...) { ++received; });
+    receiver.Connect(sync);
     const ClientId client = WaitForClient();
     std::atomic<int> good{0};
     std::vector<std::thread> callers;

@@ -6,6 +6,8 @@
 #include <algorithm>
 #include <fstream>
 
+#include "platform/os/Process.h"
+
 namespace Korvex3Sync::tests {
 namespace {
 
@@ -55,11 +57,13 @@ ServiceClient::ServiceClient() {
     recorder::ResetService();
     Recorder::Get().SetValue("count", 2);
     Recorder::Get().SetValue("id", 77);
-    fs::remove(JournalFile());
-    fs::remove_all(Folder() / "res");
     for (const char* name : {"hub.exe", "ZrSyncService.exe"}) {
+        // One of the test before, which has only just started, would write into the journal.
+        os::EndProcesses(name);
         WriteProgram(name);
     }
+    fs::remove(JournalFile());
+    fs::remove_all(Folder() / "res");
     // The host's current directory is not the application directory.
     const fs::path current = Folder() / "current";
     fs::create_directory(current);

@@ -3,10 +3,10 @@
 
 #include <QByteArray>
 #include <atomic>
-#include <iterator>
 #include <thread>
 
 #include "platform/include/QtTunnel.h"
+#include "support/ThreadState.h"
 #include "tunnel/Areas.h"
 
 namespace Korvex3Sync::tests {
@@ -26,11 +26,6 @@ QString AreaName() {
 
 QByteArray Bytes(std::uint64_t number, std::size_t size = kSegmentBytes) {
     return QByteArray::fromStdString(BytesOf(number, size));
-}
-
-std::size_t OpenFiles() {
-    const std::filesystem::directory_iterator entries("/proc/self/fd");
-    return static_cast<std::size_t>(std::distance(begin(entries), end(entries)));
 }
 
 /// The objects of an area live as long as the process, and so does its runtime folder.
@@ -302,7 +297,7 @@ TEST_F(Segments, CannotBeOfAnImpossibleSize) {
 
 TEST_F(Segments, LeaveNothingBehindAfter10000OfThem) {
     Prepare();
-    const std::size_t before = OpenFiles();
+    const std::size_t before = support::OpenFiles();
     for (int i = 0; i < 10000; ++i) {
         SharedMemory* const area = SharedMemory::open(AreaName(), 1024);
         Segment* const segment = area->segment("a", 0);
@@ -310,7 +305,7 @@ TEST_F(Segments, LeaveNothingBehindAfter10000OfThem) {
         ASSERT_EQ(segment->read(8), Bytes(1).left(8));
         area->destroy(segment);
     }
-    EXPECT_EQ(OpenFiles(), before);
+    EXPECT_EQ(support::OpenFiles(), before);
     m_area->destroy(m_segment);
     EXPECT_TRUE(Write(*m_writer, {"b", "c", "d", "e"}, 2, kSegmentBytes)) << "no pin is left";
 }

@@ -12,7 +12,9 @@ namespace fs = std::filesystem;
 void WriteStandIn(const fs::path& program, const fs::path& journal, const StandIn& does) {
     // The file of a program that runs cannot be replaced.
     os::EndProcesses(program.filename().string());
-    fs::copy_file(KORVEX_STAND_IN, program, fs::copy_options::overwrite_existing);
+    // Removed first: the C++ library takes any two files for the same one, and does not overwrite.
+    fs::remove(program);
+    fs::copy_file(KORVEX_STAND_IN, program);
     std::ofstream(fs::path(program).replace_extension(".txt")) << journal.string() << '\n'
                                                                << does.outputBytes << '\n'
                                                                << does.errorBytes << '\n'

@@ -1,8 +1,10 @@
 #include "support/ProcessNamespace.h"
 
 #include <sys/mount.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
@@ -37,6 +39,15 @@ void StartInOwnNamespace(char** argv) {
     ::execvp(command[0], const_cast<char* const*>(command.data()));
 }
 
+/// Ends all other processes of the namespace, whose first process this is.
+void EndOtherProcesses() {
+    if (::getpid() == 1) {
+        ::kill(-1, SIGKILL);
+        while (::wait(nullptr) > 0) {
+        }
+    }
+}
+
 }  // namespace
 
 int RunInProcessNamespace(int argc, char** argv, int (*run)(int argc, char** argv)) {
@@ -53,6 +64,7 @@ int RunInProcessNamespace(int argc, char** argv, int (*run)(int argc, char** arg
         return EXIT_FAILURE;
     }
     const int result = run(argc, argv);
+    EndOtherProcesses();
     std::error_code error;
     fs::remove_all(folder, error);
     return result;

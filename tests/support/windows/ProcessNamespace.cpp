@@ -67,7 +67,8 @@ int RunInProcessNamespace(int argc, char** argv, int (*run)(int argc, char** arg
         return run(argc, argv);
     }
     const fs::path folder = NewFolder("korvex-names-");
-    const fs::path program = folder / ThisProgram().filename();
+    // Of another name, so that a test that ends all programs of its own name does not end this one.
+    const fs::path program = folder / ("own-" + ThisProgram().filename().string());
     fs::copy_file(ThisProgram(), program);
     SetVariable(kFolderVariable, folder.string());
     const int result = RunInJob(program);
