@@ -19,7 +19,8 @@ int RunHostTests(int argc, char** argv) {
     for (const char* program : {"hub.exe", "ZrSyncService.exe"}) {
         LinkProgram(fs::path(KORVEX_PROGRAMS) / program, folder / program);
     }
-    // In the folder that is removed last: some systems do not remove a file that this process has open.
+    // In the folder that is removed last: some systems do not remove a file that this process has
+    // open.
     const fs::path runtime = RuntimeFolderIn(folder).parent_path();
     fs::create_directory(runtime);
     fs::permissions(runtime, fs::perms::owner_all);

@@ -11,7 +11,7 @@
 
 namespace Korvex3Sync::tests {
 
-/// Receives a signal of a SyncInterface on a thread of its own, connected by name and queued.
+/// Receives the signals of a SyncInterface on a thread of its own, connected by name and queued.
 class SignalReceiver : public QObject {
     Q_OBJECT
 
@@ -28,14 +28,13 @@ public:
         m_thread.wait();
     }
 
-    void Connect(SyncInterface& sync,
-                 const char* signal = SIGNAL(sendCallback(QString, QString, QList<QVariant>,
-                                                          QString))) {
+    void Connect(SyncInterface& sync) {
         // The thread sanitizer does not see how Qt hands a signal over: a lock at both ends shows
         // it.
-        connect(&sync, signal, this, SLOT(HandOver()), Qt::DirectConnection);
-        connect(&sync, signal, this, SLOT(Take(QString, QString, QList<QVariant>, QString)),
-                Qt::QueuedConnection);
+        connect(&sync, SIGNAL(sendCallback(QString, QString, QList<QVariant>, QString)), this,
+                SLOT(HandOver()), Qt::DirectConnection);
+        connect(&sync, SIGNAL(sendCallback(QString, QString, QList<QVariant>, QString)), this,
+                SLOT(Take(QString, QString, QList<QVariant>, QString)), Qt::QueuedConnection);
     }
     const QThread* Thread() const { return &m_thread; }
 

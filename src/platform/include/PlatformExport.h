@@ -5,10 +5,11 @@
 #if defined(_WIN32)
 #if defined(KORVEX_PLATFORM_BUILD)
 #define KORVEX_PLATFORM_API __declspec(dllexport)
-#elif defined(_MSC_VER)
+#elif defined(_MSC_VER) || defined(KORVEX_PLATFORM_IMPORT)
 #define KORVEX_PLATFORM_API __declspec(dllimport)
 #else
-// The linker of other compilers finds an import by itself.
+// The linker of other compilers finds an import by itself, but gives it another address than the
+// library has: a program that connects a signal by its address defines KORVEX_PLATFORM_IMPORT.
 #define KORVEX_PLATFORM_API
 #endif
 #else
