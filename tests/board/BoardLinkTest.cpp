@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
-#include <latch>
 #include <thread>
 
 #include "board/ScriptedTransport.h"
@@ -30,9 +29,12 @@ Report GoodReply(const Report& sent, std::int32_t value) {
 
 // Runs two callers at the same time.
 void RunTwo(const std::function<void(int)>& call, int first, int second) {
-    std::latch start(2);
+    std::atomic<int> ready{0};
     const auto begin = [&](int argument) {
-        start.arrive_and_wait();
+        ++ready;
+        while (ready < 2) {
+            std::this_thread::yield();
+        }
         call(argument);
     };
     std::thread one(begin, first);

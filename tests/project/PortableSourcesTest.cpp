@@ -75,6 +75,15 @@ std::vector<std::string> LongMembers(SourceTree tree) {
     });
 }
 
+/// Waits without a limit that lose a wake-up where the C++ library of g++ 12 has no system call for
+/// them.
+std::vector<std::string> LosingWaits(const SourceTree& tree) {
+    static const std::regex kWait("std::(latch|barrier)\\b|\\.acquire\\(\\)");
+    return LinesWith(kWait, tree, [](const std::string& file) {
+        return file != "tests/project/PortableSourcesTest.cpp";
+    });
+}
+
 TEST(PortableSources, ExtensionsAreFoundWithFileAndLine) {
     EXPECT_THAT(Extensions({{"src/sync/A.cpp", "int a;\nint b __attribute__((unused));\n"}}),
                 ElementsAre("src/sync/A.cpp:2: int b __attribute__((unused));"));
@@ -117,6 +126,22 @@ TEST(PortableSources, HaveNoExtensionsOfOneCompiler) {
     ASSERT_TRUE(tree.contains("src/interface/CallFrame.cpp"));
     EXPECT_THAT(Extensions(tree), IsEmpty());
     EXPECT_THAT(LongMembers(tree), IsEmpty());
+}
+
+TEST(PortableSources, WaitsThatLoseAWakeUpAreFound) {
+    for (const char* line :
+         {"std::latch begun(1);", "std::barrier<> both(2);", "free.acquire();"}) {
+        EXPECT_THAT(LosingWaits({{"tests/os/A.cpp", line}}), SizeIs(1)) << line;
+    }
+    for (const char* line : {"m_changed.notify_all();", "arrived.try_acquire_for(limit)"}) {
+        EXPECT_THAT(LosingWaits({{"tests/os/A.cpp", line}}), IsEmpty()) << line;
+    }
+}
+
+TEST(PortableSources, HaveNoWaitsThatLoseAWakeUp) {
+    const SourceTree tree = ReadSourceTree({"include", "src", "programs", "tests", "examples"});
+    ASSERT_TRUE(tree.contains("tests/board/BoardLinkTest.cpp"));
+    EXPECT_THAT(LosingWaits(tree), IsEmpty());
 }
 
 TEST(PortableSources, AreCompiledWithoutOtherExtensions) {

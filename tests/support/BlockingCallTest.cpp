@@ -56,14 +56,15 @@ TEST(BlockingCall, OneThatReturnsIsNotBlocked) {
 }
 
 TEST(BlockingCall, AThreadCanBeWaitedForByItsNumber) {
+    os::Event known;
     os::Event open;
     std::atomic<int> number{0};
     std::thread thread([&] {
         number = ThisThread();
-        number.notify_one();
+        known.Set();
         open.Wait();
     });
-    number.wait(0);
+    known.Wait();
     EXPECT_NE(number, ThisThread());
     EXPECT_TRUE(WaitUntilBlocked(number));
     open.Set();

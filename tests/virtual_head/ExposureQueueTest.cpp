@@ -2,8 +2,9 @@
 
 #include <gtest/gtest.h>
 
-#include <latch>
 #include <thread>
+
+#include "platform/os/Event.h"
 
 namespace Korvex3Sync::tests {
 namespace {
@@ -15,13 +16,13 @@ TEST(ExposureQueue, ClosingEndsAPopThatWaits) {
     // A round in which the closing comes first proves nothing; of many, most find a waiting one.
     for (int round = 0; round < 200; ++round) {
         ExposureQueue queue(1);
-        std::latch begun(1);
+        os::Event begun;
         std::thread waiting([&] {
-            begun.count_down();
+            begun.Set();
             EXPECT_FALSE(queue.Pop(std::chrono::steady_clock::now() + 24h)
                              .has_value());  // unless closed, longer than a test may take
         });
-        begun.wait();
+        begun.Wait();
         std::this_thread::yield();
         queue.Close();
         waiting.join();
