@@ -164,12 +164,10 @@ std::shared_ptr<VirtualHead> RequestedVirtualHead() {
 }
 
 bool MayUseRealDevices() {
-    if (RequestedVirtualHead()) {
-        return false;
-    }
+    RequestedVirtualHead();  // reads the environment
     Requests& requests = TheRequests();
     os::MutexGuard lock(requests.mutex);
-    return !requests.simulatedOnly;
+    return !requests.head && !requests.simulatedOnly;
 }
 
 std::optional<std::vector<std::string>> SimulatedBoards() {

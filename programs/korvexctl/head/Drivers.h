@@ -10,8 +10,7 @@ inline constexpr const char* kNoDriver =
     "the camera library of this build has no driver for real cameras";
 inline constexpr const char* kNoDriverAdvice =
     "use --virtual for a simulated head; for a real one install a camera library with its driver "
-    "in "
-    "place of ours (docs/architecture.md), then switch the head on and plug it in";
+    "in place of ours (docs/architecture.md), then switch the head on and plug it in";
 
 /// The end of a message that no camera was found: the reason when no head is simulated, otherwise
 /// `simulated`.
