@@ -36,6 +36,7 @@ if(MINGW)
     add_compile_options(-fno-ipa-ra)
     # Imported data needs no mark in its declaration.
     add_link_options(-Wl,--enable-auto-import)
+    enable_language(RC)
 endif()
 # Programs find the libraries in the build tree and in the installed tree.
 set(CMAKE_INSTALL_RPATH "$ORIGIN/../${CMAKE_INSTALL_LIBDIR}:$ORIGIN")
@@ -47,6 +48,14 @@ if(WIN32)
 else()
     set(KORVEX_APPLICATION_DIR ${CMAKE_INSTALL_LIBEXECDIR}/korvex3sync)
 endif()
+# korvex_utf8_program(TARGET): gives a program its arguments, and narrow file names, in UTF-8.
+function(korvex_utf8_program target)
+    if(MINGW)
+        target_sources(${target} PRIVATE ${PROJECT_SOURCE_DIR}/cmake/windows/program.rc)
+        target_include_directories(${target} PRIVATE ${PROJECT_SOURCE_DIR}/cmake/windows)
+    endif()
+endfunction()
+
 # What is installed belongs to a component: runtime, development or tools. Each is a package.
 
 # korvex_install_program(TARGET): installs a program into the application directory.

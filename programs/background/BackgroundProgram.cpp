@@ -7,6 +7,7 @@
 #include <system_error>
 
 #include "platform/os/Event.h"
+#include "platform/os/FileName.h"
 #include "platform/os/InstanceLock.h"
 #include "platform/os/InterruptWatch.h"
 #include "platform/os/Log.h"
@@ -56,7 +57,8 @@ os::File Lock(const fs::path& file) {
                         "already running, process " + std::to_string(holder));
     }
     if (error) {
-        throw CannotRun(ExitCode::Failed, "cannot lock " + file.string() + ": " + error.message());
+        throw CannotRun(ExitCode::Failed,
+                        "cannot lock " + os::TextOf(file) + ": " + error.message());
     }
     return lock;
 }

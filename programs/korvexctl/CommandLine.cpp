@@ -12,7 +12,7 @@
 #include "korvexctl/UsageErrors.h"
 #include "korvexctl/Version.h"
 #include "korvexctl/cli/HelpFormatter.h"
-#include "korvexctl/cli/NotEmpty.h"
+#include "korvexctl/cli/PathOption.h"
 #include "korvexctl/head/HeadChoice.h"
 
 namespace Korvex3Sync::korvexctl {
@@ -35,10 +35,9 @@ void AddGlobalOptions(CLI::App& app, CommandLine& line) {
     app.add_flag("-v,--verbose", line.verbose,
                  "Show what the library prints and logs on standard error")
         ->group(kGlobalOptions);
-    app.add_option("--log", line.logFile, "Append what the library prints and logs to this file")
-        ->type_name("FILE")
-        ->group(kGlobalOptions)
-        ->check(NotEmpty());
+    AddPathOption(app, "--log", line.logFile, "FILE",
+                  "Append what the library prints and logs to this file")
+        .group(kGlobalOptions);
 }
 
 /// A flag given a value is an error, except the one that takes a head file.

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <filesystem>
 #include <string>
 
 #include "korvexctl/commands/Commands.h"
@@ -9,11 +10,11 @@ namespace Korvex3Sync::korvexctl {
 
 /// The result of parsing the command line.
 struct CommandLine {
-    std::string virtualHead;       // as for RequestVirtualHead; empty: not requested
-    bool service = false;          // --service
-    Uses uses = Uses::Head;        // what the command works with
-    std::string notInServiceMode;  // why this command line is not available with --service
-    std::string logFile;           // empty: none
+    std::string virtualHead;        // as for RequestVirtualHead; empty: not requested
+    bool service = false;           // --service
+    Uses uses = Uses::Head;         // what the command works with
+    std::string notInServiceMode;   // why this command line is not available with --service
+    std::filesystem::path logFile;  // empty: none
     bool verbose = false;
     bool json = false;
     RunCommand run;

@@ -1,12 +1,12 @@
 #include "virtual_head/Request.h"
 
 #include <atomic>
-#include <cstdlib>
 #include <exception>
 #include <utility>
 #include <variant>
 
 #include "platform/os/CriticalSection.h"
+#include "platform/os/FileName.h"
 #include "platform/os/Print.h"
 #include "platform/os/Process.h"
 #include "virtual_head/VirtualHead.h"
@@ -64,7 +64,7 @@ std::shared_ptr<VirtualHead> MakeHead(const std::string& request, std::string& e
     if (request == "default") {
         return MakeHead(HeadDescription{}, error);
     }
-    const auto read = ReadHeadFile(request);
+    const auto read = ReadHeadFile(os::PathOf(request));
     if (const auto* refused = std::get_if<HeadFileError>(&read)) {
         error = refused->message;
         return nullptr;
@@ -72,7 +72,7 @@ std::shared_ptr<VirtualHead> MakeHead(const std::string& request, std::string& e
     const auto& description = std::get<HeadDescription>(read);
     auto head = MakeHead(description, error);
     if (head == nullptr && !description.replayFolder.empty()) {
-        error = RefuseReplay(request, error).message;
+        error = RefuseReplay(os::PathOf(request), error).message;
     }
     return head;
 }
@@ -109,12 +109,13 @@ const WithdrawAtExit g_withdrawAtExit;
 /// Reads the environment if nothing is decided yet. If the head that it names is refused, returns
 /// false with one line in `error`.
 bool Decide(Requests& requests, std::string& error) KORVEX_REQUIRES(requests.mutex) {
-    const char* const request = requests.decided ? nullptr : std::getenv(kVariable);
+    const std::string request =
+        requests.decided ? "" : os::Variable(kVariable).value_or(std::string());
     requests.decided = true;
-    if (request == nullptr || *request == '\0') {
+    if (request.empty()) {
         return true;
     }
-    requests.head = MakeHead(std::string(request), error);
+    requests.head = MakeHead(request, error);
     g_maker = requests.head ? os::CurrentProcess() : 0;
     requests.simulatedOnly = requests.head == nullptr;
     if (requests.simulatedOnly) {

@@ -80,14 +80,14 @@ TEST_F(ProgramTest, SaysWhyItCannotStart) {
     const ChildResult usage = RunChild({m_command.front(), "--help"});
     EXPECT_EQ(usage.exitCode, 2);
     EXPECT_EQ(usage.error, "ZrSyncService.exe: takes no arguments\n");
-    const std::string nowhere = (m_folders.Base() / "missing").string();
+    const std::filesystem::path nowhere = m_folders.Base() / "missing";
     WriteText(nowhere, "a file in the way");
     ChildOptions options;
     options.environment = FoldersIn(nowhere);
     const ChildResult started = RunChild(m_command, options);
     EXPECT_EQ(started.exitCode, 1);
     EXPECT_THAT(started.error, HasSubstr("ZrSyncService.exe: "));
-    EXPECT_THAT(started.error, HasSubstr(nowhere));
+    EXPECT_THAT(started.error, HasSubstr(nowhere.string()));
 }
 
 }  // namespace

@@ -79,6 +79,12 @@ TEST_F(KorvexctlService, ThatNeverRanHasNoLog) {
     EXPECT_TRUE(ParseJson(Run({"log", "--json"}).output)["hub"]["file"].is_null());
 }
 
+TEST_F(KorvexctlService, LogWithTheLineEndsOfWindowsIsShownLikeAnyOther) {
+    fs::create_directories(m_folders.Logs());
+    WriteText(m_folders.Logs() / "hub.20260101-000000.1", "first\r\nlast\r\n");
+    EXPECT_THAT(Run({"log"}).output, HasSubstr("\n  first\n  last\n"));
+}
+
 TEST_F(KorvexctlService, FolderThatOthersMayEnterIsRefused) {
     fs::create_directory(m_folders.Runtime());
     fs::permissions(m_folders.Runtime(), fs::perms::all);

@@ -13,7 +13,7 @@ namespace Korvex3Sync::tests {
 /// path is short, because a socket path is.
 class Folders {
 public:
-    Folders() : m_base(NewFolder("k3")) {
+    Folders() : m_base(NewFolder("k3ж")) {
         std::filesystem::create_directories(Runtime().parent_path());
         Use();
     }

@@ -4,6 +4,7 @@
 #include <system_error>
 #include <thread>
 
+#include "platform/os/FileName.h"
 #include "platform/os/InstanceLock.h"
 
 namespace Korvex3Sync::tests {
@@ -25,5 +26,5 @@ int HoldLock(const std::filesystem::path& file) {
 }  // namespace Korvex3Sync::tests
 
 int main(int count, char** words) {
-    return Korvex3Sync::tests::HoldLock(count > 1 ? words[1] : "");
+    return Korvex3Sync::tests::HoldLock(Korvex3Sync::os::PathOf(count > 1 ? words[1] : ""));
 }

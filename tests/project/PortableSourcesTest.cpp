@@ -84,6 +84,14 @@ std::vector<std::string> LosingWaits(const SourceTree& tree) {
     });
 }
 
+/// Paths turned into text other than by os::TextOf, which on some systems is not UTF-8.
+std::vector<std::string> PathsAsText(const SourceTree& tree) {
+    static const std::regex kText("[.>](generic_)?string\\(\\)");
+    return LinesWith(kText, tree, [](const std::string& file) {
+        return !file.starts_with("src/platform/os/posix/");
+    });
+}
+
 TEST(PortableSources, ExtensionsAreFoundWithFileAndLine) {
     EXPECT_THAT(Extensions({{"src/sync/A.cpp", "int a;\nint b __attribute__((unused));\n"}}),
                 ElementsAre("src/sync/A.cpp:2: int b __attribute__((unused));"));
@@ -142,6 +150,22 @@ TEST(PortableSources, HaveNoWaitsThatLoseAWakeUp) {
     const SourceTree tree = ReadSourceTree({"include", "src", "programs", "tests", "examples"});
     ASSERT_TRUE(tree.contains("tests/board/BoardLinkTest.cpp"));
     EXPECT_THAT(LosingWaits(tree), IsEmpty());
+}
+
+TEST(PortableSources, PathsAsTextAreFound) {
+    for (const char* line : {"Refuse(file.string());", "    ->generic_string()"}) {
+        EXPECT_THAT(PathsAsText({{"src/sync/A.cpp", line}}), SizeIs(1)) << line;
+        EXPECT_THAT(PathsAsText({{"src/platform/os/posix/A.cpp", line}}), IsEmpty()) << line;
+    }
+    for (const char* line : {"node.as_string();", "std::string();", "os::TextOf(file)"}) {
+        EXPECT_THAT(PathsAsText({{"src/sync/A.cpp", line}}), IsEmpty()) << line;
+    }
+}
+
+TEST(PortableSources, MakeTextOfPathsInOneWay) {
+    const SourceTree tree = ReadSourceTree({"include", "src", "programs"});
+    ASSERT_TRUE(tree.contains("src/platform/os/windows/FileName.cpp"));
+    EXPECT_THAT(PathsAsText(tree), IsEmpty());
 }
 
 TEST(PortableSources, AreCompiledWithoutOtherExtensions) {

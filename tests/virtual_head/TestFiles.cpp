@@ -8,13 +8,15 @@
 #include <random>
 #include <stdexcept>
 
+#include "platform/os/FileName.h"
+
 namespace Korvex3Sync::tests {
 
 TemporaryFolder::TemporaryFolder() {
     std::random_device random;
     do {
         m_path = std::filesystem::temp_directory_path() /
-                 ("korvex-test-" + std::to_string(random()) + std::to_string(random()));
+                 os::PathOf("korvex-жук-" + std::to_string(random()) + std::to_string(random()));
     } while (!std::filesystem::create_directory(m_path));
 }
 

@@ -7,7 +7,7 @@
 
 namespace Korvex3Sync::tests {
 
-/// A temporary folder. The destructor removes it.
+/// A temporary folder, whose name has a letter outside ASCII. The destructor removes it.
 class TemporaryFolder {
 public:
     TemporaryFolder();

@@ -10,6 +10,7 @@
 #include "device_service/core/Signals.h"
 #include "platform/include/ImageSetNotice.h"
 #include "platform/link/HubOperations.h"
+#include "platform/os/FileName.h"
 #include "platform/os/Process.h"
 #include "platform/os/UserFolders.h"
 
@@ -35,7 +36,7 @@ bool DeviceService::Start(std::string& reason) {
         reason = "the system provides no thread";
         return false;
     }
-    const std::string socket = os::SocketPath(link::kServiceSocket, reason).string();
+    const std::string socket = os::TextOf(os::SocketPath(link::kServiceSocket, reason));
     if (socket.empty()) {
         return false;
     }

@@ -3,12 +3,13 @@
 #include <memory>
 #include <nlohmann/json.hpp>
 
-#include "korvexctl/cli/NotEmpty.h"
+#include "korvexctl/cli/PathOption.h"
 #include "korvexctl/commands/Commands.h"
 #include "korvexctl/commands/SetCommand.h"
 #include "korvexctl/files/WriteFile.h"
 #include "korvexctl/head/ConnectedHead.h"
 #include "korvexctl/settings/ProfileFile.h"
+#include "platform/os/FileName.h"
 
 namespace Korvex3Sync::korvexctl {
 
@@ -46,17 +47,17 @@ Outcome SaveProfile(const ProfileArguments& asked, Output& output) {
             unknown.push_back(reading.setting->name);
         }
     }
-    output.Line(asked.file.string() + ": " + std::to_string(saved.size()) + " settings, " +
+    output.Line(os::TextOf(asked.file) + ": " + std::to_string(saved.size()) + " settings, " +
                 std::to_string(unknown.size()) + " that the head does not report");
     *outcome.figures = {
-        {"file", asked.file.string()}, {"settings", saved}, {"not_readable", unknown}};
+        {"file", os::TextOf(asked.file)}, {"settings", saved}, {"not_readable", unknown}};
     return outcome;
 }
 
 Outcome LoadProfile(const ProfileArguments& asked, Output& output) {
     const Profile profile = ReadProfileFile(asked.file);
     Outcome outcome = SetSettings(asked.head, profile.settings, output);
-    outcome.figures["file"] = asked.file.string();
+    outcome.figures["file"] = os::TextOf(asked.file);
     return outcome;
 }
 
@@ -88,12 +89,12 @@ Outcome DiffProfile(const ProfileArguments& asked, Output& output) {
         }
     }
     *outcome.figures = {
-        {"file", asked.file.string()}, {"equal", different == 0}, {"settings", figures}};
+        {"file", os::TextOf(asked.file)}, {"equal", different == 0}, {"settings", figures}};
     if (different > 0) {
         outcome.code = ExitCode::Different;
         outcome.message = std::to_string(different) + " of " +
                           std::to_string(profile.settings.size()) + " settings of " +
-                          asked.file.string() + " differ from the head";
+                          os::TextOf(asked.file) + " differ from the head";
     }
     return outcome;
 }
@@ -119,10 +120,7 @@ RunCommand AddProfile(CLI::App& command) {
     for (const Action& action : kActions) {
         CLI::App& subcommand = *command.add_subcommand(action.name, action.help);
         AddHeadOptions(subcommand, asked->head, true);
-        subcommand.add_option("file", asked->file, "The profile (TOML)")
-            ->type_name("FILE")
-            ->check(NotEmpty())
-            ->required();
+        AddPathOption(subcommand, "file", asked->file, "FILE", "The profile (TOML)").required();
         subcommand.callback([chosen, run = action.run] { *chosen = run; });
     }
     return [asked, chosen](Output& output) { return (*chosen)(*asked, output); };

@@ -2,8 +2,8 @@
 #include <array>
 #include <memory>
 
-#include "korvexctl/cli/NotEmpty.h"
 #include "korvexctl/cli/NumberOption.h"
+#include "korvexctl/cli/PathOption.h"
 #include "korvexctl/commands/Commands.h"
 #include "korvexctl/head/ModeOption.h"
 #include "korvexctl/scan/Scan.h"
@@ -86,12 +86,9 @@ void AddLightOptions(CLI::App& command, ScanArguments& asked) {
                     static_cast<int>(RangeOf("ir-laser-level").high),
                     "Switch the infrared laser on at this level, a number without unit",
                     "; 0 leaves it off (default 0)");
-    command
-        .add_option("--profile", asked.profile,
-                    "Send the settings of this profile first; options of this command line "
-                    "override it")
-        ->type_name("FILE")
-        ->check(NotEmpty());
+    AddPathOption(command, "--profile", asked.profile, "FILE",
+                  "Send the settings of this profile first; options of this command line "
+                  "override it");
     for (std::size_t i = 0; i < kValueOptions.size(); ++i) {
         AddValue(command, kValueOptions[i], asked.values[i], kAsOnTheHead);
     }
@@ -121,16 +118,11 @@ void AddEndOptions(CLI::App& command, ScanArguments& asked) {
 }
 
 void AddFileOptions(CLI::App& command, ScanOptions& scan) {
-    CLI::Option& out =
-        *command
-             .add_option(
-                 "--out", scan.folder,
-                 "Folder for the pictures, contact-sheet.png, run.svg, sets.csv and scan.json; "
-                 "created if missing; files of these names from an earlier scan are removed once "
-                 "the first set has arrived, and a scan without a set changes nothing in it "
-                 "(default: nothing is written)")
-             ->type_name("DIR")
-             ->check(NotEmpty());
+    CLI::Option& out = AddPathOption(
+        command, "--out", scan.folder, "DIR",
+        "Folder for the pictures, contact-sheet.png, run.svg, sets.csv and scan.json; created if "
+        "missing; files of these names from an earlier scan are removed once the first set has "
+        "arrived, and a scan without a set changes nothing in it (default: nothing is written)");
     AddNumber(
         command, "--keep", scan.keep, "K", 0, kMostKept,
         "Image sets to write as PNG, spread over the scan (without an end: the first ones); the "

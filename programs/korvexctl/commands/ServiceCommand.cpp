@@ -10,6 +10,7 @@
 #include "korvexctl/service/ServicePrograms.h"
 #include "korvexctl/service/ServiceStart.h"
 #include "korvexctl/service/ServiceStatus.h"
+#include "platform/os/FileName.h"
 #include "virtual_head/Request.h"
 
 namespace Korvex3Sync::korvexctl {
@@ -64,11 +65,11 @@ Outcome RunServiceLog(const ServiceArguments& asked, Output& output) {
         figures = {{"file", nullptr}, {"lines", nlohmann::json::array()}};
         if (file.empty()) {
             output.Line(std::string(program->word) + ": no log file in " +
-                        ServiceLogFolder().string());
+                        os::TextOf(ServiceLogFolder()));
             continue;
         }
-        figures["file"] = file.string();
-        output.Line(std::string(program->word) + ": " + file.string());
+        figures["file"] = os::TextOf(file);
+        output.Line(std::string(program->word) + ": " + os::TextOf(file));
         for (const std::string& line : LastLines(file, static_cast<std::size_t>(asked.lines))) {
             figures["lines"].push_back(line);
             output.Line("  " + line);

@@ -8,13 +8,14 @@
 #include <nlohmann/json.hpp>
 
 #include "korvexctl/cli/Interrupt.h"
-#include "korvexctl/cli/NotEmpty.h"
 #include "korvexctl/cli/NumberOption.h"
+#include "korvexctl/cli/PathOption.h"
 #include "korvexctl/commands/Commands.h"
 #include "korvexctl/files/WriteFile.h"
 #include "korvexctl/head/ConnectedHead.h"
 #include "korvexctl/head/LeftOn.h"
 #include "korvexctl/pictures/Picture.h"
+#include "platform/os/FileName.h"
 
 namespace Korvex3Sync::korvexctl {
 
@@ -71,8 +72,8 @@ Outcome Write(const SnapChoice& asked, const Camera& camera, const Snapshot& sna
             outcome.message = "image " + std::to_string(i) + " did not arrive";
         } else if (!interrupt.Came()) {
             store(file, EncodePng(Demosaic(mosaic.get(), camera.width, camera.height)));
-            image["file"] = file.string();
-            output.Line(file.string());
+            image["file"] = os::TextOf(file);
+            output.Line(os::TextOf(file));
             ++written;
         }
         images.push_back(std::move(image));
@@ -146,12 +147,9 @@ RunCommand AddSnapCommand(CLI::App& command, bool infrared) {
     const Field& route = RequireSetting("strobe").fields.front();
     AddNumber(command, "--route", snapshot.route, "N", static_cast<int>(route.low),
               static_cast<int>(route.high), "Strobe output, a number");
-    command
-        .add_option("--out", asked->folder,
-                    "Folder for snap_0.png, snap_1.png and so on; created if missing (default: the "
-                    "current folder)")
-        ->type_name("DIR")
-        ->check(NotEmpty());
+    AddPathOption(command, "--out", asked->folder, "DIR",
+                  "Folder for snap_0.png, snap_1.png and so on; created if missing (default: the "
+                  "current folder)");
     command.footer(
         "Waits up to 100 s for each image. Afterwards the trigger is off, the strobe is in state "
         "1, "

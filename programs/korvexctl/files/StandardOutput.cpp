@@ -3,6 +3,7 @@
 #include "korvexctl/cli/Outcome.h"
 #include "korvexctl/files/FileError.h"
 #include "korvexctl/files/Place.h"
+#include "platform/os/FileName.h"
 #include "platform/os/Print.h"
 #include "platform/text/Printable.h"
 
@@ -13,7 +14,7 @@ StandardOutput::~StandardOutput() {
     m_real.EndPrints();
 }
 
-void StandardOutput::ShowPrints(const std::string& logFile) {
+void StandardOutput::ShowPrints(const std::filesystem::path& logFile) {
     if (!logFile.empty()) {
         OpenLog(logFile);
     }
@@ -29,8 +30,8 @@ void StandardOutput::ShowPrints(const std::string& logFile) {
     });
 }
 
-void StandardOutput::OpenLog(const std::string& file) {
-    const std::string what = "cannot open the log file " + file;
+void StandardOutput::OpenLog(const std::filesystem::path& file) {
+    const std::string what = "cannot open the log file " + os::TextOf(file);
     const Place place = FindPlace(file, what);
     if (place.kind == Place::Kind::Stream) {
         m_log = OpenStream(place, what);
@@ -68,7 +69,7 @@ void StandardOutput::WarnOfLog(const std::error_code& error) const noexcept {
         return;
     }
     try {
-        Say("the log file " + m_logFile + " is not whole: " + error.message() +
+        Say("the log file " + os::TextOf(m_logFile) + " is not whole: " + error.message() +
             "; going on without");
     } catch (...) {
         // No memory for a message; the command continues.

@@ -22,7 +22,7 @@ public:
     /// What the library prints from now on goes to standard error if verbose, and is appended to
     /// this file (or FIFO, or device) unless the name is empty; control characters are escaped. To
     /// be called at most once. Throws CommandError when the file cannot be opened.
-    void ShowPrints(const std::string& logFile);
+    void ShowPrints(const std::filesystem::path& logFile);
     /// Writes the whole text. Throws CommandError (NotWritable, DiskFull); without a message when
     /// the reader of a pipe has gone, because it wants no more.
     void Write(std::string_view text);
@@ -31,13 +31,13 @@ public:
     void WriteLog(std::string_view line) const noexcept;
 
 private:
-    void OpenLog(const std::string& file);
+    void OpenLog(const std::filesystem::path& file);
     void WarnOfLog(const std::error_code& error) const noexcept;
 
     const bool m_verbose;
     os::RealStandardOutput m_real;
     os::File m_log;
-    std::string m_logFile;
+    std::filesystem::path m_logFile;
     mutable std::atomic<bool> m_warned{false};
 };
 

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "korvexctl/files/FileError.h"
+#include "platform/os/FileName.h"
 
 namespace Korvex3Sync::korvexctl {
 
@@ -18,11 +19,11 @@ constexpr int kEndLength = 6;
 fs::path HiddenBeside(const fs::path& place, std::random_device& random) {
     constexpr std::string_view kLetters = "abcdefghijklmnopqrstuvwxyz0123456789";
     std::uniform_int_distribution<std::size_t> letter(0, kLetters.size() - 1);
-    std::string name = "." + place.filename().string().substr(0, kMostOfName) + ".";
+    std::string name = "." + os::TextOf(place.filename()).substr(0, kMostOfName) + ".";
     for (int i = 0; i < kEndLength; ++i) {
         name += kLetters[letter(random)];
     }
-    return place.parent_path() / name;
+    return place.parent_path() / os::PathOf(name);
 }
 
 }  // namespace

@@ -4,6 +4,7 @@
 
 #include "korvexctl/files/FileError.h"
 #include "korvexctl/files/Place.h"
+#include "platform/os/FileName.h"
 
 namespace Korvex3Sync::korvexctl {
 
@@ -12,7 +13,7 @@ namespace fs = std::filesystem;
 namespace {
 
 std::string CannotWrite(const fs::path& path) {
-    return "cannot write " + path.string();
+    return "cannot write " + os::TextOf(path);
 }
 
 std::string_view AsText(std::span<const unsigned char> bytes) {
@@ -69,8 +70,8 @@ void RequireWritable(const fs::path& path) {
 void PrepareFolder(const fs::path& folder) {
     std::error_code error;
     fs::create_directories(folder, error);
-    RequireWritten(error, "cannot make the folder " + folder.string());
-    TryToWrite(folder / "korvexctl", "cannot write in the folder " + folder.string());
+    RequireWritten(error, "cannot make the folder " + os::TextOf(folder));
+    TryToWrite(folder / "korvexctl", "cannot write in the folder " + os::TextOf(folder));
 }
 
 }  // namespace Korvex3Sync::korvexctl

@@ -17,6 +17,7 @@
 #include "korvexctl/health/Examined.h"
 #include "korvexctl/health/TrialScan.h"
 #include "platform/include/BoardFacts.h"
+#include "platform/os/FileName.h"
 #include "virtual_head/Request.h"
 
 namespace Korvex3Sync::korvexctl {
@@ -137,7 +138,7 @@ Finding CheckPermissions(const Patient& patient) {
     for (const os::UsbDevice& board : patient.plugged) {
         if (board.openError) {
             return {Verdict::Fault,
-                    "this user cannot open " + board.node.string() +
+                    "this user cannot open " + os::TextOf(board.node) +
                         " for reading and writing: " + board.openError.message(),
                     UdevAdvice()};
         }

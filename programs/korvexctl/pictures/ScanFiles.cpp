@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "korvexctl/files/FileError.h"
+#include "platform/os/FileName.h"
 
 namespace Korvex3Sync::korvexctl {
 
@@ -57,13 +58,13 @@ EarlierScan::EarlierScan(const fs::path& folder) {
     std::error_code error;
     for (fs::directory_iterator entry(folder, error); !error && entry != fs::directory_iterator();
          entry.increment(error)) {
-        if (IsScanFile(entry->path().filename().string()) &&
+        if (IsScanFile(os::TextOf(entry->path().filename())) &&
             fs::is_regular_file(entry->symlink_status())) {
             m_files.push_back(entry->path());
         }
     }
     if (error) {
-        throw FileError("cannot look into the folder " + folder.string(), error);
+        throw FileError("cannot look into the folder " + os::TextOf(folder), error);
     }
 }
 
@@ -72,7 +73,7 @@ void EarlierScan::Remove() {
         std::error_code error;
         fs::remove(file, error);
         if (error) {
-            throw FileError("cannot remove " + file.string() + " of an earlier scan", error);
+            throw FileError("cannot remove " + os::TextOf(file) + " of an earlier scan", error);
         }
     }
 }

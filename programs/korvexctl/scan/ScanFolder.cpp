@@ -9,6 +9,7 @@
 #include "korvexctl/head/LeftOn.h"
 #include "korvexctl/scan/RunPicture.h"
 #include "platform/os/File.h"
+#include "platform/os/FileName.h"
 
 namespace Korvex3Sync::korvexctl {
 
@@ -75,7 +76,8 @@ void ScanFolder::Finish(ScanReport& report, const PictureWriter& writer, const S
     if (report.recorded > 0) {
         WriteText(kReplayFile, ReplayText(report), report);
     }
-    RequireWritten(os::SyncFileSystem(m_folder), "cannot write to the folder " + m_folder.string());
+    RequireWritten(os::SyncFileSystem(m_folder),
+                   "cannot write to the folder " + os::TextOf(m_folder));
     Outcome whole = outcome;
     whole.figures->update(ToJson(report));
     WriteInFolder(m_folder / kFiguresFile, leftOn.Told(whole).Document(), Durability::Now);

@@ -7,6 +7,7 @@
 #include "korvexctl/Version.h"
 #include "korvexctl/cli/TimeText.h"
 #include "korvexctl/files/Output.h"
+#include "platform/os/FileName.h"
 
 namespace Korvex3Sync::korvexctl {
 
@@ -143,7 +144,7 @@ void Print(const ScanReport& report, Output& output) {
     if (!report.options.folder.empty()) {
         const std::size_t files = report.files.size();
         output.Line("wrote " + std::to_string(files) + (files == 1 ? " file to " : " files to ") +
-                    report.options.folder.string());
+                    os::TextOf(report.options.folder));
         if (report.options.recording) {
             output.Line("recorded " + std::to_string(report.recorded) + " sets");
         }

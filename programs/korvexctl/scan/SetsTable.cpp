@@ -4,6 +4,7 @@
 #include <sstream>
 
 #include "korvexctl/cli/TimeText.h"
+#include "platform/os/FileName.h"
 
 namespace Korvex3Sync::korvexctl {
 
@@ -13,7 +14,7 @@ void SetsTable::Add(std::span<const SetRecord> sets) {
     }
     std::ostringstream lines;
     if (!m_file) {
-        m_file.emplace(m_path, "cannot write " + m_path.string());
+        m_file.emplace(m_path, "cannot write " + os::TextOf(m_path));
         lines << "number,key,seconds,interval_ms,color,lost_before,callback_us,kept,recorded\n";
     }
     lines << std::fixed;

@@ -58,6 +58,10 @@ std::vector<std::string> LastLines(const fs::path& file, std::size_t most) {
     }
     std::vector<std::string> lines;
     for (std::string line; std::getline(stream, line);) {
+        // On Windows, lines of a log end with two characters.
+        if (line.ends_with('\r')) {
+            line.pop_back();
+        }
         lines.push_back(std::move(line));
     }
     lines.erase(lines.begin(),

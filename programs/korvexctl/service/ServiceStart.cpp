@@ -10,6 +10,7 @@
 #include "korvexctl/files/Output.h"
 #include "korvexctl/service/ServiceLink.h"
 #include "korvexctl/service/ServicePrograms.h"
+#include "platform/os/FileName.h"
 #include "platform/os/InheritedStreams.h"
 #include "platform/os/Process.h"
 
@@ -30,7 +31,7 @@ constexpr std::chrono::seconds kKillLimit{5};
 [[noreturn]] void Fail(const ServiceProgram& program, const std::string& message) {
     const fs::path log = NewestLogOf(program);
     throw CommandError(ExitCode::ServiceFailed,
-                       message + (log.empty() ? "" : "; its log is " + log.string()));
+                       message + (log.empty() ? "" : "; its log is " + os::TextOf(log)));
 }
 
 std::string ProcessText(long number) {
@@ -49,7 +50,7 @@ public:
     ErrorsOfStart(const ErrorsOfStart&) = delete;
     ErrorsOfStart& operator=(const ErrorsOfStart&) = delete;
 
-    QString File() const { return QString::fromStdString(m_file.string()); }
+    QString File() const { return QString::fromStdString(os::TextOf(m_file)); }
     /// ": " and the last line; empty if there is none.
     std::string LastWords() const {
         const std::vector<std::string> lines = LastLines(m_file, 1);
@@ -72,8 +73,8 @@ public:
         if (!virtualHead.empty()) {
             environment.insert(kHeadVariable, QString::fromStdString(virtualHead));
         }
-        process.setProgram(QString::fromStdString(file.string()));
-        process.setWorkingDirectory(QString::fromStdString(folder.string()));
+        process.setProgram(QString::fromStdString(os::TextOf(file)));
+        process.setWorkingDirectory(QString::fromStdString(os::TextOf(folder)));
         process.setProcessEnvironment(environment);
         process.setStandardInputFile(QProcess::nullDevice());
         process.setStandardOutputFile(QProcess::nullDevice());
@@ -81,7 +82,7 @@ public:
         os::InheritOnlyStreams(process);
         qint64 number = 0;
         if (!process.startDetached(&number)) {
-            Fail(program, "cannot start " + file.string() +
+            Fail(program, "cannot start " + os::TextOf(file) +
                               (fs::is_regular_file(file) ? "" : ": no such file"));
         }
         m_number = static_cast<long>(number);

@@ -16,6 +16,7 @@
 #include "korvexctl/service/ServicePrograms.h"
 #include "korvexctl/service/ServiceStart.h"
 #include "korvexctl/service/ServiceStatus.h"
+#include "platform/os/FileName.h"
 
 namespace Korvex3Sync::korvexctl {
 
@@ -37,7 +38,7 @@ void RequirePrograms() {
         if (!fs::is_regular_file(folder / program.file, unknown)) {
             throw CommandError(
                 ExitCode::ServiceFailed,
-                "cannot start " + (folder / program.file).string() + ": no such file");
+                "cannot start " + os::TextOf(folder / program.file) + ": no such file");
         }
     }
 }
@@ -100,7 +101,7 @@ std::unique_ptr<QCoreApplication> SwitchToService(const std::string& virtualHead
         throw CommandError(
             ExitCode::ServiceFailed,
             (now.Works() ? "the service does not answer in time" : NotWorkingText(now)) +
-                (log.empty() ? "" : "; its log is " + log.string()));
+                (log.empty() ? "" : "; its log is " + os::TextOf(log)));
     }
     return application;
 }

@@ -9,6 +9,7 @@
 
 #include "korvexctl/cli/ExitCodes.h"
 #include "platform/os/File.h"
+#include "platform/os/FileName.h"
 #include "platform/text/Printable.h"
 #include "toml/ParseToml.h"
 
@@ -188,14 +189,14 @@ std::string ReadText(const std::filesystem::path& file) {
     if (std::filesystem::exists(status) && !std::filesystem::is_regular_file(status) &&
         !std::filesystem::is_directory(status)) {
         // Opening a FIFO would wait for a writer.
-        Refuse(file.string(), "is not a regular file");
+        Refuse(os::TextOf(file), "is not a regular file");
     }
     std::string text = os::ReadWithoutWaiting(file, kLargestFile + 1, error);
     if (error) {
-        Refuse(file.string(), error.message());
+        Refuse(os::TextOf(file), error.message());
     }
     if (text.size() > kLargestFile) {
-        Refuse(file.string(), "larger than 1 MiB, so it is not a profile");
+        Refuse(os::TextOf(file), "larger than 1 MiB, so it is not a profile");
     }
     return text;
 }
@@ -237,7 +238,7 @@ std::string WriteProfile(std::span<const Reading> readings) {
 Profile ReadProfileFile(const std::filesystem::path& file) {
     std::variant<Profile, ProfileError> result = ParseProfile(ReadText(file));
     if (const auto* error = std::get_if<ProfileError>(&result)) {
-        Refuse(file.string() + ":" + std::to_string(error->line), error->message);
+        Refuse(os::TextOf(file) + ":" + std::to_string(error->line), error->message);
     }
     return std::move(std::get<Profile>(result));
 }

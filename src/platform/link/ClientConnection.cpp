@@ -3,6 +3,7 @@
 #include <chrono>
 
 #include "platform/link/HubOperations.h"
+#include "platform/os/FileName.h"
 #include "platform/os/Log.h"
 #include "platform/os/UserFolders.h"
 
@@ -18,7 +19,7 @@ std::string Reason(const std::string& fault) {
 }
 
 QString QtPath(const std::filesystem::path& path) {
-    return QString::fromStdString(path.string());
+    return QString::fromStdString(os::TextOf(path));
 }
 
 }  // namespace

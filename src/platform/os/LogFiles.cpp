@@ -7,6 +7,8 @@
 #include <utility>
 #include <vector>
 
+#include "platform/os/FileName.h"
+
 namespace Korvex3Sync::os {
 
 namespace {
@@ -26,7 +28,7 @@ std::vector<std::filesystem::path> NewestFirst(const std::filesystem::path& fold
     std::error_code error;
     for (std::filesystem::directory_iterator entry(folder, error), end; !error && entry != end;
          entry.increment(error)) {
-        const std::string name = entry->path().filename().string();
+        const std::string name = TextOf(entry->path().filename());
         // Only the files that glog names: a digit of the date follows.
         const std::string beginning = Beginning(program);
         if (name.starts_with(beginning) && name.size() > beginning.size() &&
@@ -63,8 +65,7 @@ LogFiles::LogFiles(const std::filesystem::path& folder, std::string program)
     : m_folder(folder), m_program(std::move(program)) {
     google::InitGoogleLogging(m_program.c_str());
     // glog writes each record to the file of its severity and of those below.
-    google::SetLogDestination(google::GLOG_INFO,
-                              (m_folder / Beginning(m_program)).string().c_str());
+    google::SetLogDestination(google::GLOG_INFO, TextOf(m_folder / Beginning(m_program)).c_str());
     for (int severity = google::GLOG_WARNING; severity < google::NUM_SEVERITIES; ++severity) {
         google::SetLogDestination(severity, "");
     }

@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "platform/os/Device.h"
+#include "platform/os/FileName.h"
 
 namespace Korvex3Sync::os {
 
@@ -17,7 +18,7 @@ UsbMachine UsbMachine::This() {
 }
 
 std::string UsbDevice::Where() const {
-    return "USB port " + port + ", " + node.string();
+    return "USB port " + port + ", " + TextOf(node);
 }
 
 bool UsbDevice::IsUsb3() const {

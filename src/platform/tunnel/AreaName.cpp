@@ -7,6 +7,7 @@
 #include <filesystem>
 #include <string_view>
 
+#include "platform/os/FileName.h"
 #include "platform/os/UserFolders.h"
 #include "platform/tunnel/AreaLayout.h"
 
@@ -43,7 +44,7 @@ std::string SharedNameOf(const std::string& area, std::string& reason) {
     if (folder.empty()) {
         return {};
     }
-    return Hexadecimal(Checksum(folder.string())) + "-" + area;
+    return Hexadecimal(Checksum(os::TextOf(folder))) + "-" + area;
 }
 
 }  // namespace Korvex3Sync::tunnel

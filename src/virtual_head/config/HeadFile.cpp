@@ -7,6 +7,7 @@
 #include <utility>
 #include <vector>
 
+#include "platform/os/FileName.h"
 #include "platform/text/NearNames.h"
 #include "platform/text/Printable.h"
 #include "toml/ParseToml.h"
@@ -160,7 +161,7 @@ private:
 
 HeadFileError Refuse(const std::filesystem::path& file, int line, const std::string& what) {
     const std::string place = line > 0 ? ":" + std::to_string(line) : "";
-    return {file, line, text::Printable(file.string() + place + ": " + what)};
+    return {file, line, text::Printable(os::TextOf(file) + place + ": " + what)};
 }
 
 }  // namespace

@@ -7,6 +7,7 @@
 #include <string_view>
 #include <type_traits>
 
+#include "platform/os/FileName.h"
 #include "virtual_head/faults/FaultOrder.h"
 
 namespace Korvex3Sync::virtual_head {
@@ -130,7 +131,7 @@ std::string Written(const std::string& value) {
     return '"' + value + '"';
 }
 std::string Written(const std::filesystem::path& value) {
-    return value.empty() ? "" : Written(value.string());
+    return value.empty() ? "" : Written(os::TextOf(value));
 }
 std::string Written(const ThreeNumbers& values) {
     return '[' + NumberText(values[0]) + ", " + NumberText(values[1]) + ", " +

@@ -2,6 +2,8 @@
 
 #include <type_traits>
 
+#include "platform/os/FileName.h"
+
 namespace Korvex3Sync::virtual_head {
 namespace {
 
@@ -78,7 +80,7 @@ std::optional<std::string> ReadValue(const KeyRule& rule, const toml::node& valu
             if (path == nullptr || path->get().empty()) {
                 return "a non-empty text is expected";
             }
-            member = folder / path->get();
+            member = folder / os::PathOf(path->get());
             return std::nullopt;
         } else {
             return Read(rule, value, member);

@@ -4,6 +4,7 @@
 
 #include <memory>
 
+#include "platform/os/FileName.h"
 #include "virtual_head/base/FileBytes.h"
 
 namespace Korvex3Sync::virtual_head {
@@ -38,7 +39,7 @@ std::string Unsuitable(const spng_ihdr& header, int mostWidth, int mostHeight) {
 
 std::variant<GreyImage, std::string> ReadGreyPng(const std::filesystem::path& file, int mostWidth,
                                                  int mostHeight) {
-    const auto refuse = [&file](const std::string& what) { return file.string() + ": " + what; };
+    const auto refuse = [&file](const std::string& what) { return os::TextOf(file) + ": " + what; };
 
     const auto read = ReadFileBytes(file, kLargestFile);
     if (const auto* wrong = std::get_if<const char*>(&read)) {

@@ -6,6 +6,7 @@
 #include <utility>
 #include <vector>
 
+#include "platform/os/FileName.h"
 #include "virtual_head/images/GreyPng.h"
 #include "virtual_head/images/ImageSource.h"
 #include "virtual_head/images/PackedFrame.h"
@@ -72,8 +73,7 @@ std::string MissingPartner(const path& folder, const char* kind, const std::set<
                            const char* partnerKind, const std::set<std::string>& partners) {
     for (const std::string& name : names) {
         if (!partners.contains(name)) {
-            return (folder / (kind + name + ".png"))
-                .string()
+            return os::TextOf(folder / os::PathOf(kind + name + ".png"))
                 .append(": its partner ")
                 .append(partnerKind + name)
                 .append(".png is missing");
@@ -87,11 +87,11 @@ std::variant<Listing, std::string> ListPairs(const path& folder) {
     std::error_code error;
     std::filesystem::directory_iterator entry(folder, error);
     while (!error && entry != std::filesystem::directory_iterator()) {
-        List(entry->path().filename().string(), listing);
+        List(os::TextOf(entry->path().filename()), listing);
         entry.increment(error);
     }
     if (error) {
-        return folder.string() + ": the folder cannot be read: " + error.message();
+        return os::TextOf(folder) + ": the folder cannot be read: " + error.message();
     }
     for (const std::string& missing :
          {MissingPartner(folder, "left", listing.left, "right", listing.right),
@@ -102,7 +102,7 @@ std::variant<Listing, std::string> ListPairs(const path& folder) {
         }
     }
     if (listing.left.empty()) {
-        return folder.string() + ": the folder has no pair leftNN.png and rightNN.png";
+        return os::TextOf(folder) + ": the folder has no pair leftNN.png and rightNN.png";
     }
     return listing;
 }
@@ -114,7 +114,7 @@ std::string TooLarge(const path& folder, const Listing& listing, std::size_t pix
         return {};
     }
     constexpr std::size_t kMegabyte = std::size_t{1} << 20U;
-    return folder.string() + ": the folder has " + std::to_string(listing.left.size()) +
+    return os::TextOf(folder) + ": the folder has " + std::to_string(listing.left.size()) +
            " pairs, which take " + std::to_string(images * pixels / kMegabyte) +
            " MB of memory, more than " + std::to_string(kMostBytes / kMegabyte) +
            "; remove some of them";
@@ -158,8 +158,8 @@ std::variant<std::shared_ptr<ImageSource>, std::string> MakeReplay(
     for (const std::string& name : listing.left) {
         std::string error;
         const auto load = [&](const char* kind) {
-            auto read = ReadLetterboxed(folder / (kind + name + ".png"), description.width,
-                                        description.height);
+            auto read = ReadLetterboxed(folder / os::PathOf(kind + name + ".png"),
+                                        description.width, description.height);
             if (error.empty() && std::holds_alternative<std::string>(read)) {
                 error = std::get<std::string>(read);
             }

@@ -57,7 +57,7 @@ OwnFolders::OwnFolders() {
         ADD_FAILURE() << "no pipe";
         return;
     }
-    m_path = NewFolder("kv-");
+    m_path = NewFolder("kvж-");
     const std::string path = m_path.string();
     fs::create_directory(m_path / "r");
     fs::permissions(m_path / "r", fs::perms::owner_all);

@@ -9,6 +9,7 @@
 #include <random>
 #include <utility>
 
+#include "platform/os/FileName.h"
 #include "platform/os/windows/System.h"
 
 namespace Korvex3Sync::tests {
@@ -36,7 +37,8 @@ void CaptureLines() {
 fs::path NewFolder(const std::string& beginning) {
     std::random_device random;
     while (true) {
-        fs::path path = fs::temp_directory_path() / (beginning + std::to_string(random()));
+        fs::path path =
+            fs::temp_directory_path() / os::PathOf(beginning + std::to_string(random()));
         std::error_code error;
         if (fs::create_directory(path, error) || error) {
             EXPECT_FALSE(error) << path;

@@ -29,7 +29,7 @@ HANDLE Job() {
 
 }  // namespace
 
-OwnFolders::OwnFolders() : m_path(NewFolder("kv-")) {
+OwnFolders::OwnFolders() : m_path(NewFolder("kvж-")) {
     EXPECT_THAT(Processes(), testing::IsEmpty());
 }
 

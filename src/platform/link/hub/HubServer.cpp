@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "platform/os/FileName.h"
 #include "platform/os/Log.h"
 #include "platform/os/Process.h"
 #include "platform/os/UserFolders.h"
@@ -16,7 +17,7 @@ bool HubServer::Listen(std::string& reason) {
     if (path.empty()) {
         return false;
     }
-    m_server = std::make_unique<Server>(path.string(), Role::Hub);
+    m_server = std::make_unique<Server>(os::TextOf(path), Role::Hub);
     m_server->OnClient({}, [this](ClientId client) { Forget(client); });
     m_server->On<RegisterService>(
         [this](ClientId client, const RegisterService::In& in, RegisterService::Out&) {

@@ -1,5 +1,6 @@
 #include "platform/os/UserFolders.h"
 
+#include "platform/os/FileName.h"
 #include "platform/os/windows/System.h"
 
 #include <aclapi.h>
@@ -51,17 +52,17 @@ std::filesystem::path UserFolder(const wchar_t* name, std::string& reason) {
     for (const std::filesystem::path& each : {parent, folder}) {
         if (::CreateDirectoryW(each.c_str(), &attributes) == 0 &&
             ::GetLastError() != ERROR_ALREADY_EXISTS) {
-            reason = "cannot create " + each.string() + ": " + LastError().message();
+            reason = "cannot create " + TextOf(each) + ": " + LastError().message();
             return {};
         }
     }
     const DWORD kind = ::GetFileAttributesW(folder.c_str());
     if (kind == INVALID_FILE_ATTRIBUTES || (kind & FILE_ATTRIBUTE_DIRECTORY) == 0) {
-        reason = "cannot use " + folder.string() + ": it is not a folder";
+        reason = "cannot use " + TextOf(folder) + ": it is not a folder";
         return {};
     }
     if ((kind & FILE_ATTRIBUTE_REPARSE_POINT) != 0) {
-        reason = "cannot use " + folder.string() + ": it is a link";
+        reason = "cannot use " + TextOf(folder) + ": it is a link";
         return {};
     }
     return folder;
