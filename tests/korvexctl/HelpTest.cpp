@@ -71,8 +71,9 @@ TEST(KorvexctlManPage, HasCommandsOptionsSettingsAndExitCodes) {
     EXPECT_THAT(page, HasSubstr(".TH KORVEXCTL 1 "));
     EXPECT_THAT(page, HasSubstr(".B \\-\\-log FILE\n")) << "hyphens as they are typed";
     const std::string text = WithoutRoff(page);
-    for (const char* usage : {"scan [OPTIONS]", "profile load [OPTIONS] FILE",
-                              "user-info write [OPTIONS] PAGE DATA", "snap-ir [OPTIONS]"}) {
+    for (const char* usage :
+         {"scan [OPTIONS]", "profile load [OPTIONS] FILE", "virtual new [OPTIONS] FILE",
+          "user-info write [OPTIONS] PAGE DATA", "snap-ir [OPTIONS]"}) {
         EXPECT_THAT(text, HasSubstr(std::string("\n.SS korvexctl ") + usage + '\n'));
     }
     for (const char* option : {"--virtual[=HEADFILE]", "--log FILE", "--fpga", "--mode MODE"}) {

@@ -64,7 +64,7 @@ RunCommand AddVirtual(CLI::App& command) {
     CLI::App& create = *command.add_subcommand(
         "new", "Write a head file with every key at its default, each explained");
     const auto asked = std::make_shared<NewHeadFile>();
-    AddPathOption(create, "file", asked->file, "FILE", "Where to write it; - is standard output")
+    AddPathOption(create, "FILE", asked->file, "FILE", "Where to write it; - is standard output")
         .required();
     create.add_flag("--force", asked->force, "Replace an existing file");
     return [asked](Output& output) { return RunNew(*asked, output); };
