@@ -13,9 +13,9 @@ namespace Korvex3Sync::virtual_head {
 
 class VirtualHead;
 
-/// Requests the virtual head of this process. `request` is "default" or the path of a head file. If
-/// the file is refused or its images cannot be read, returns false with one line in `error`. A new
-/// request replaces the previous head, whose handles fail from then on.
+/// Requests the virtual head of this process. `request` is "default" or the path of a head file in
+/// UTF-8. If the file is refused or its images cannot be read, returns false with one line in
+/// `error`. A new request replaces the previous head, whose handles fail from then on.
 KORVEX_VIRTUAL_HEAD_API bool RequestVirtualHead(const std::string& request, std::string& error);
 /// Requests a head with this description.
 KORVEX_VIRTUAL_HEAD_API bool RequestVirtualHead(const HeadDescription& description,
