@@ -48,6 +48,7 @@ if(WIN32)
 else()
     set(KORVEX_APPLICATION_DIR ${CMAKE_INSTALL_LIBEXECDIR}/korvex3sync)
 endif()
+
 # korvex_utf8_program(TARGET): gives a program its arguments, and narrow file names, in UTF-8.
 function(korvex_utf8_program target)
     if(MINGW)
