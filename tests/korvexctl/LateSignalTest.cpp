@@ -4,6 +4,7 @@
 #include <csignal>
 
 #include "korvexctl/Interrupts.h"
+#include "platform/os/InterruptWatch.h"
 #include "support/WaitUntil.h"
 
 namespace Korvex3Sync::tests {
@@ -24,6 +25,21 @@ TEST(KorvexctlInterruptWatch, AHandlerThatComesAfterItsEndTellsNoOther) {
         EXPECT_TRUE(support::WaitUntil([&calls] { return calls > 0; }));
     }
     EXPECT_EQ(calls, 1);
+}
+
+TEST(KorvexctlInterruptWatch, ItsThreadTakesNoSignalsItself) {
+    std::atomic<int> blocked{-1};
+    const os::InterruptWatch watch(
+        [&blocked] {
+            sigset_t mask;
+            ::pthread_sigmask(SIG_BLOCK, nullptr, &mask);
+            blocked = ::sigismember(&mask, SIGINT) + ::sigismember(&mask, SIGTERM) +
+                      ::sigismember(&mask, SIGHUP);
+        },
+        1);
+    std::raise(SIGINT);
+    EXPECT_TRUE(support::WaitUntil([&blocked] { return blocked >= 0; }));
+    EXPECT_EQ(blocked, 3);
 }
 
 }  // namespace

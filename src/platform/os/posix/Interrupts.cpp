@@ -18,6 +18,7 @@ namespace {
 
 constexpr char kInterrupted = 'i';
 constexpr char kEnd = 'e';
+constexpr std::array kSignals{SIGINT, SIGTERM, SIGHUP};
 
 // The signal handler uses only these. The pipe is created once and never closed, because a handler
 // may write to it at any time.
@@ -70,7 +71,7 @@ void TakeInterrupts(int exitCode) {
     action.sa_handler = OnSignal;
     action.sa_flags = SA_RESTART;
     ::sigemptyset(&action.sa_mask);
-    for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+    for (const int signal : kSignals) {
         struct sigaction former {};
         ::sigaction(signal, nullptr, &former);
         // A program that was started with nohup must outlive the terminal.
@@ -94,6 +95,14 @@ bool Interrupted() {
 }
 
 bool WaitForInterrupt() {
+    // While a handler runs, the system gives the next signal to another thread. Under the thread
+    // sanitizer it would be handled in this one only when it no longer reads, which is too late.
+    sigset_t signals;
+    ::sigemptyset(&signals);
+    for (const int signal : kSignals) {
+        ::sigaddset(&signals, signal);
+    }
+    ::pthread_sigmask(SIG_BLOCK, &signals, nullptr);
     char what = kEnd;
     return ReadDescriptor(ReadEnd(), &what, 1) == 1 && what == kInterrupted;
 }
