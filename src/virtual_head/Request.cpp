@@ -6,6 +6,7 @@
 #include <variant>
 
 #include "platform/os/CriticalSection.h"
+#include "platform/os/Environment.h"
 #include "platform/os/FileName.h"
 #include "platform/os/Print.h"
 #include "platform/os/Process.h"

@@ -5,7 +5,6 @@
 #include <fstream>
 #include <string>
 
-#include "support/Environment.h"
 #include "virtual_head/TestFiles.h"
 
 namespace Korvex3Sync::tests {
@@ -31,13 +30,6 @@ TEST(FileName, ThatIsNoUtf8NamesAFileThatIsNotThere) {
     const std::filesystem::path file = folder.Path() / os::PathOf("K\xF6.txt");
     EXPECT_FALSE(std::filesystem::exists(file));
     EXPECT_NE(os::TextOf(file), "");
-}
-
-TEST(Variable, IsReadAsUtf8) {
-    EXPECT_EQ(os::Variable("KORVEX_TEST_VARIABLE"), std::nullopt);
-    SetVariable("KORVEX_TEST_VARIABLE", kName);
-    EXPECT_EQ(os::Variable("KORVEX_TEST_VARIABLE"), kName);
-    RemoveVariable("KORVEX_TEST_VARIABLE");
 }
 
 }  // namespace

@@ -4,7 +4,6 @@
 #include <utility>
 
 #include "korvexctl/files/FileError.h"
-#include "platform/os/FileName.h"
 
 namespace Korvex3Sync::korvexctl {
 
@@ -19,11 +18,13 @@ constexpr int kEndLength = 6;
 fs::path HiddenBeside(const fs::path& place, std::random_device& random) {
     constexpr std::string_view kLetters = "abcdefghijklmnopqrstuvwxyz0123456789";
     std::uniform_int_distribution<std::size_t> letter(0, kLetters.size() - 1);
-    std::string name = "." + os::TextOf(place.filename()).substr(0, kMostOfName) + ".";
+    std::string end = ".";
     for (int i = 0; i < kEndLength; ++i) {
-        name += kLetters[letter(random)];
+        end += kLetters[letter(random)];
     }
-    return place.parent_path() / os::PathOf(name);
+    fs::path hidden = place.parent_path() / ".";
+    hidden += place.filename().native().substr(0, kMostOfName);
+    return hidden += end;
 }
 
 }  // namespace

@@ -9,6 +9,7 @@
 #include <sstream>
 #include <thread>
 
+#include "platform/os/Environment.h"
 #include "platform/os/Print.h"
 #include "platform/os/TimeScale.h"
 
@@ -17,16 +18,16 @@ namespace {
 
 #if KORVEX_CHECKS
 double InitialFactor() {
-    const char* const text = std::getenv("KORVEX_TIME_SCALE");
-    if (text == nullptr) {
+    const auto text = Variable("KORVEX_TIME_SCALE");
+    if (!text) {
         return 1;
     }
     double factor = 0;
-    std::istringstream stream(text);
+    std::istringstream stream(*text);
     stream.imbue(std::locale::classic());
     if (!(stream >> factor) || !stream.eof() || !(factor > 0)) {
         // Otherwise a test would run at the wrong speed without notice.
-        PrintError("KORVEX_TIME_SCALE: \"%s\" is not a number above 0\n", text);
+        PrintError("KORVEX_TIME_SCALE: \"%s\" is not a number above 0\n", text->c_str());
         std::exit(EXIT_FAILURE);
     }
     return factor;

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <filesystem>
-#include <optional>
 #include <string>
 #include <string_view>
 
@@ -16,9 +15,5 @@ std::filesystem::path PathOf(std::string_view text);
 
 /// A path as text.
 std::string TextOf(const std::filesystem::path& path);
-
-/// A variable of the environment; nothing if it is not set. No other thread may change the
-/// environment meanwhile.
-std::optional<std::string> Variable(const char* name);
 
 }  // namespace Korvex3Sync::os

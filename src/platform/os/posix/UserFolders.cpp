@@ -6,8 +6,9 @@
 
 #include <cerrno>
 #include <cstdio>
-#include <cstdlib>
 #include <system_error>
+
+#include "platform/os/Environment.h"
 
 namespace Korvex3Sync::os {
 namespace {
@@ -16,8 +17,7 @@ constexpr const char* kFolderName = "korvex3sync";
 
 /// The value of a variable that names a folder; a relative path counts as not set.
 std::filesystem::path FolderVariable(const char* name) {
-    const char* const value = std::getenv(name);
-    std::filesystem::path folder = value == nullptr ? "" : value;
+    std::filesystem::path folder = Variable(name).value_or("");
     return folder.is_absolute() ? folder : std::filesystem::path();
 }
 
