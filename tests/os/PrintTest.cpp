@@ -1,11 +1,16 @@
 #include "platform/os/Print.h"
 
 #include <gtest/gtest.h>
+#include <unistd.h>
 
+#include <atomic>
+#include <cstdio>
 #include <string>
+#include <thread>
 
 #include "platform/os/CriticalSection.h"
 #include "platform/os/StandardOutput.h"
+#include "support/Environment.h"
 #include "support/WaitUntil.h"
 
 namespace Korvex3Sync::tests {
@@ -18,6 +23,37 @@ TEST(Print, FormatsToStandardOutput) {
     Print("camera %d of %.2s", 7, "KV00");
     Print("\n");
     EXPECT_EQ(testing::internal::GetCapturedStdout(), "camera 7 of KV\n");
+}
+
+TEST(Print, ALongTextIsWhole) {
+    for (const std::size_t length : {2047U, 2048U, 100'000U}) {
+        const std::string text(length, 'x');
+        testing::internal::CaptureStdout();
+        Print("%s", text.c_str());
+        EXPECT_EQ(testing::internal::GetCapturedStdout(), text);
+    }
+}
+
+TEST(Print, EachTextIsWhole) {
+    constexpr int kTexts = 20'000;
+    const std::string text = "Camera 7 failed\n";
+    CaptureLines();
+    std::atomic<bool> ended{false};
+    std::thread other([&] {
+        for (int i = 0; i < kTexts; ++i) {
+            Print("Camera %d failed\n", 7);
+        }
+        ended = true;
+    });
+    int parts = 0;
+    while (!ended) {
+        std::fflush(stdout);
+        const auto printed = static_cast<std::size_t>(::lseek(STDOUT_FILENO, 0, SEEK_CUR));
+        parts += printed % text.size() == 0 ? 0 : 1;
+    }
+    other.join();
+    testing::internal::GetCapturedStdout();
+    EXPECT_EQ(parts, 0);
 }
 
 TEST(Print, FormatsToStandardError) {

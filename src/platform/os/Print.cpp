@@ -5,6 +5,7 @@
 #include <cstdarg>
 #include <cstddef>
 #include <cstdio>
+#include <optional>
 #include <string_view>
 
 #include "platform/os/Descriptors.h"
@@ -13,10 +14,23 @@ namespace Korvex3Sync::os {
 
 namespace {
 
-constexpr std::size_t kUsualText = 2048;
+using UsualText = std::array<char, 2048>;
 constexpr int kErrorDescriptor = 2;
 
 std::atomic<bool> s_flushes{false};
+
+/// The formatted text; nothing if there is not enough room. The C runtime of Windows formats letter
+/// by letter into the stream, so that the texts of two threads mix; a whole text it writes at once.
+std::optional<std::string_view> Format(UsualText& room, const char* format, std::va_list values) {
+    std::va_list copy;
+    va_copy(copy, values);
+    const int length = std::vsnprintf(room.data(), room.size(), format, copy);
+    va_end(copy);
+    if (length < 0 || static_cast<std::size_t>(length) >= room.size()) {
+        return std::nullopt;
+    }
+    return std::string_view(room.data(), static_cast<std::size_t>(length));
+}
 
 /// Not through the C runtime: to a console of Windows it writes character by character, and in the
 /// code page of its locale.
@@ -35,7 +49,12 @@ void WriteError(std::string_view text) {
 void Print(const char* format, ...) {
     std::va_list values;
     va_start(values, format);
-    std::vprintf(format, values);
+    UsualText room{};
+    if (const auto text = Format(room, format, values)) {
+        std::fwrite(text->data(), 1, text->size(), stdout);
+    } else {
+        std::vprintf(format, values);
+    }
     va_end(values);
     if (s_flushes) {
         std::fflush(stdout);
@@ -49,16 +68,12 @@ void FlushEachPrint() {
 void PrintError(const char* format, ...) {
     std::va_list values;
     va_start(values, format);
-    std::array<char, kUsualText> text{};
-    std::va_list again;
-    va_copy(again, values);
-    const int length = std::vsnprintf(text.data(), text.size(), format, values);
-    if (length >= 0 && static_cast<std::size_t>(length) < text.size()) {
-        WriteError({text.data(), static_cast<std::size_t>(length)});
+    UsualText room{};
+    if (const auto text = Format(room, format, values)) {
+        WriteError(*text);
     } else {
-        std::vfprintf(stderr, format, again);
+        std::vfprintf(stderr, format, values);
     }
-    va_end(again);
     va_end(values);
     std::fflush(stderr);
 }
