@@ -174,12 +174,17 @@ TEST_F(KorvexctlDoctor, ABoardThatOpensAndDoesNotAnswerIsAFault) {
     EXPECT_EQ(Check(outcome, "disconnect")["verdict"], "ok");
 }
 
+virtual_head::TimedFault AtTrigger(std::uint64_t trigger, virtual_head::FaultKind kind) {
+    virtual_head::TimedFault fault;
+    fault.order.kind = kind;
+    fault.atTrigger = trigger;
+    return fault;
+}
+
 TEST_F(KorvexctlDoctor, LostFramesAreNamedWithTheirPlace) {
     virtual_head::HeadDescription description = PatientHead();
-    description.color = false;
-    description.cameraBuffers = 2;
+    description.faults = {AtTrigger(2, virtual_head::FaultKind::LoseBoth)};
     const RequestedHead head(description);
-    ASSERT_TRUE(head->GetFaults().Slow("SnapShot", std::chrono::milliseconds(300), 3));
     const Outcome outcome = Examine();
     EXPECT_EQ(outcome.code, ExitCode::Warnings) << outcome.Document();
     EXPECT_EQ(outcome.message, "can scan, with warnings: trial scan");
@@ -187,13 +192,6 @@ TEST_F(KorvexctlDoctor, LostFramesAreNamedWithTheirPlace) {
     EXPECT_THAT(trial["finding"], HasSubstr("triggers without a set"));
     EXPECT_THAT(trial["advice"], HasSubstr("USB connection"));
     EXPECT_GT(trial["figures"]["losses"]["missing_keys"], 0);
-}
-
-virtual_head::TimedFault AtTrigger(std::uint64_t trigger, virtual_head::FaultKind kind) {
-    virtual_head::TimedFault fault;
-    fault.order.kind = kind;
-    fault.atTrigger = trigger;
-    return fault;
 }
 
 TEST_F(KorvexctlDoctor, AHeadThatStopsDeliveringIsAFaultWhateverElseWasLost) {

@@ -9,6 +9,7 @@
 #include <fstream>
 #include <regex>
 #include <sstream>
+#include <string_view>
 #include <utility>
 
 #include "support/Environment.h"
@@ -50,6 +51,16 @@ std::string WithoutAddresses(const std::string& text,
     static const std::regex kSerialAsNumber("camSerials\\[i\\]=-?\\d+");
     return std::regex_replace(result.append(rest, text.end()), kSerialAsNumber,
                               "camSerials[i]=<number>");
+}
+
+/// The place, or the beginning of its line if it is inside a snap without a frame: another thread
+/// may have written only a part of that when a record or the end comes.
+std::size_t BeforeSnap(const std::string& printed, std::size_t place) {
+    const std::size_t begin = place == 0 ? 0 : printed.rfind('\n', place - 1) + 1;
+    std::string line = printed.substr(begin, printed.find('\n', begin) - begin);
+    std::replace_if(
+        line.begin(), line.end(), [](char letter) { return letter >= '0' && letter <= '9'; }, '0');
+    return std::string_view("Camera 0 Snap Failed").starts_with(line) ? begin : place;
 }
 
 /// One `print` line for each line of the text; the last may have no end.
@@ -157,7 +168,11 @@ std::vector<std::string> Output::End() {
     google::RemoveLogSink(this);
     // The sanitizer for threads does not see the lock that glog calls its sinks with.
     const std::lock_guard lock(m_mutex);
-    const std::string printed = testing::internal::GetCapturedStdout();
+    std::string printed = testing::internal::GetCapturedStdout();
+    for (Record& record : m_records) {
+        record.printedBefore = BeforeSnap(printed, record.printedBefore);
+    }
+    printed.resize(BeforeSnap(printed, printed.size()));
     Lines lines;
     std::size_t shown = 0;
     for (const Record& record : m_records) {

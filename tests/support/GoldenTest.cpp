@@ -3,11 +3,13 @@
 #include <gmock/gmock.h>
 #include <unistd.h>
 
+#include <atomic>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
+#include <thread>
 
 #include "support/Environment.h"
 
@@ -54,6 +56,27 @@ TEST(Output, LeavesOutOtherThreadsAndSnapsWithoutAFrame) {
     std::printf("begin Camera 3 Snap Failed\n");
     std::printf("end\n");
     EXPECT_THAT(output.End(), ElementsAre("print \"begin end\\n\""));
+}
+
+TEST(Output, HasNoPartsOfSnapsThatAnotherThreadPrints) {
+    constexpr int kRounds = 500;
+    constexpr int kMoreThanTheBufferOfAStreamTakes = 500;
+    for (int i = 0; i < kRounds; ++i) {
+        std::atomic<bool> prints{false};
+        Output output;
+        std::thread other([&prints] {
+            for (int text = 0; text < kMoreThanTheBufferOfAStreamTakes; ++text) {
+                std::fputs("Camera 3 Snap Failed\n", stdout);
+                prints = true;
+            }
+        });
+        while (!prints) {
+            std::this_thread::yield();
+        }
+        LOG(INFO) << "logged";
+        EXPECT_THAT(output.End(), ElementsAre("info \"GoldenTest.cpp: logged\""));
+        other.join();
+    }
 }
 
 TEST(Output, CanKeepTheOtherThreadsOnly) {
