@@ -20,7 +20,7 @@ constexpr int kErrorDescriptor = 2;
 std::atomic<bool> s_flushes{false};
 
 /// The formatted text; nothing if there is not enough room. The C runtime of Windows formats letter
-/// by letter into the stream, so that the texts of two threads mix; a whole text it writes at once.
+/// by letter into the stream, so that another thread can flush a part of the text.
 std::optional<std::string_view> Format(UsualText& room, const char* format, std::va_list values) {
     std::va_list copy;
     va_copy(copy, values);
