@@ -36,6 +36,7 @@ TEST(Print, ALongTextIsWhole) {
 
 TEST(Print, EachTextIsWhole) {
     constexpr int kTexts = 20'000;
+    // A stream also writes when its buffer is full, so the length divides its size.
     const std::string text = "Camera 7 failed\n";
     CaptureLines();
     std::atomic<bool> ended{false};
