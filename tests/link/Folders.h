@@ -17,10 +17,7 @@ public:
         std::filesystem::create_directories(Runtime().parent_path());
         Use();
     }
-    ~Folders() {
-        std::error_code ignored;
-        std::filesystem::remove_all(m_base, ignored);
-    }
+    ~Folders() { RemoveFolder(m_base); }
     Folders(const Folders&) = delete;
     Folders& operator=(const Folders&) = delete;
 

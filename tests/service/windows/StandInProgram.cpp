@@ -4,8 +4,10 @@
 #include <filesystem>
 #include <fstream>
 #include <string>
+#include <system_error>
 
 #include "platform/os/Descriptors.h"
+#include "platform/os/InstanceLock.h"
 #include "platform/os/Process.h"
 
 namespace Korvex3Sync::tests {
@@ -35,6 +37,17 @@ void Print(int descriptor, const std::string& text) {
     }
 }
 
+// To append is to seek and then to write: of two programs that do so at once, one can overwrite the
+// line of the other.
+void Append(const fs::path& journal, const std::string& line) {
+    os::File lock;
+    std::error_code error;
+    do {
+        lock = os::TakeInstanceLock(fs::path(journal).concat(".lock"), error);
+    } while (error == std::errc::resource_unavailable_try_again);
+    std::ofstream(journal, std::ios::app) << line << '\n';
+}
+
 int Do(const fs::path& program, int arguments) {
     std::ifstream file(fs::path(program).replace_extension(".txt"));
     const std::string journal = NextLine(file);
@@ -48,7 +61,7 @@ int Do(const fs::path& program, int arguments) {
         entry = program.filename().string() + ' ' + std::to_string(os::CurrentProcess()) + ' ' +
                 std::to_string(arguments) + ' ' + fs::current_path().string();
     }
-    std::ofstream(journal, std::ios::app) << entry << '\n';
+    Append(journal, entry);
     const bool waits = NextLine(file) == "1";
     char byte = 0;
     while (waits && os::ReadDescriptor(kInput, &byte, 1) > 0) {

@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include <cstdlib>
+#include <system_error>
 
 namespace Korvex3Sync::tests {
 
@@ -25,6 +26,11 @@ fs::path NewFolder(const std::string& beginning) {
     std::string path = "/tmp/" + beginning + "XXXXXX";
     EXPECT_NE(::mkdtemp(path.data()), nullptr);
     return path;
+}
+
+void RemoveFolder(const fs::path& folder) {
+    std::error_code ignored;
+    fs::remove_all(folder, ignored);
 }
 
 std::string NothingFile() {

@@ -9,8 +9,9 @@
 #include <cstdlib>
 #include <filesystem>
 #include <string>
-#include <system_error>
 #include <vector>
+
+#include "support/Environment.h"
 
 namespace Korvex3Sync::tests {
 namespace {
@@ -65,8 +66,7 @@ int RunInProcessNamespace(int argc, char** argv, int (*run)(int argc, char** arg
     }
     const int result = run(argc, argv);
     EndOtherProcesses();
-    std::error_code error;
-    fs::remove_all(folder, error);
+    RemoveFolder(folder);
     return result;
 }
 

@@ -7,6 +7,8 @@
 #include <cstdio>
 #include <cstdlib>
 #include <random>
+#include <ranges>
+#include <system_error>
 #include <utility>
 
 #include "platform/os/FileName.h"
@@ -44,6 +46,21 @@ fs::path NewFolder(const std::string& beginning) {
             EXPECT_FALSE(error) << path;
             return path;
         }
+    }
+}
+
+// A file that is removed while it is open may keep its place in the folder until it is closed. So
+// the folder is not empty, and remove_all would begin again and again.
+void RemoveFolder(const fs::path& folder) {
+    std::error_code ignored;
+    std::vector<fs::path> paths{folder};
+    for (fs::recursive_directory_iterator entry(folder, ignored), end; entry != end;
+         entry.increment(ignored)) {
+        paths.push_back(entry->path());
+    }
+    // What a folder contains comes after it.
+    for (const fs::path& path : std::views::reverse(paths)) {
+        fs::remove(path, ignored);
     }
 }
 

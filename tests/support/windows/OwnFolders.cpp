@@ -41,9 +41,8 @@ OwnFolders::~OwnFolders() {
             EXPECT_TRUE(other.WaitForEnd(std::chrono::milliseconds(5000)));
         }
     }
-    std::error_code error;
-    fs::remove_all(m_path, error);
-    EXPECT_FALSE(fs::exists(m_path)) << m_path << " was not removed: " << error.message();
+    RemoveFolder(m_path);
+    EXPECT_FALSE(fs::exists(m_path)) << m_path << " was not removed";
 }
 
 std::vector<long> OwnFolders::Processes() const {

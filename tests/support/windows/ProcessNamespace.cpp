@@ -4,7 +4,6 @@
 #include <cstdlib>
 #include <filesystem>
 #include <string>
-#include <system_error>
 
 #include "platform/os/windows/System.h"
 #include "support/Environment.h"
@@ -72,8 +71,7 @@ int RunInProcessNamespace(int argc, char** argv, int (*run)(int argc, char** arg
     fs::copy_file(ThisProgram(), program);
     SetVariable(kFolderVariable, folder.string());
     const int result = RunInJob(program);
-    std::error_code error;
-    fs::remove_all(folder, error);
+    RemoveFolder(folder);
     return result;
 }
 
