@@ -36,10 +36,11 @@ protected:
         }
         return number;
     }
-    static bool BothStarted(std::size_t services = 1) {
-        return WaitUntil([services] {
+    static testing::AssertionResult BothStarted(std::size_t services = 1) {
+        const bool started = WaitUntil([services] {
             return Journaled("hub.exe ") == 1 && Journaled("ZrSyncService.exe ") == services;
         });
+        return testing::AssertionResult(started) << testing::PrintToString(Journal());
     }
     /// A process of an earlier host.
     static std::unique_ptr<Sleeper> Stale(const std::string& name) {

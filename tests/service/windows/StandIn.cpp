@@ -23,10 +23,15 @@ void WriteStandIn(const fs::path& program, const fs::path& journal, const StandI
                                                                << does.waits << '\n';
 }
 
+// It lets the program write: `echo` and a program that starts could overwrite each other's lines.
 void WriteScript(const fs::path& script, const fs::path& journal) {
-    std::ofstream(script) << "@echo off\nset arguments=0\nif not \"%~1\"==\"\" set arguments=1\n"
-                          << "echo " << script.filename().string() << " %arguments% %CD%>>\""
-                          << journal.string() << "\"\nexit 3\n";
+    const fs::path append = script.parent_path() / "append.exe";
+    if (!fs::exists(append)) {
+        fs::copy_file(KORVEX_STAND_IN, append);
+    }
+    std::ofstream(script) << "@echo off\nset arguments=0\nif not \"%~1\"==\"\" set arguments=1\n\""
+                          << append.string() << "\" \"" << journal.string() << "\" \""
+                          << script.filename().string() << " %arguments% %CD%\"\nexit 3\n";
 }
 
 }  // namespace Korvex3Sync::tests

@@ -1,4 +1,6 @@
 // Stands in for the hub or the service: does what the file says that lies beside it (StandIn.cpp).
+// With two arguments, as the scripts call it, it only appends the second one to the file of the
+// first.
 
 #include <cstddef>
 #include <filesystem>
@@ -74,5 +76,9 @@ int Do(const fs::path& program, int arguments) {
 }  // namespace Korvex3Sync::tests
 
 int main(int count, char** words) {
+    if (count == 3) {
+        Korvex3Sync::tests::Append(words[1], words[2]);
+        return 0;
+    }
     return Korvex3Sync::tests::Do(words[0], count - 1);
 }
