@@ -16,7 +16,8 @@ void CaptureLines();
 
 /// Makes a folder in the folder for temporary files. Its path is short, because a socket path is.
 std::filesystem::path NewFolder(const std::string& beginning);
-/// Removes a folder and what is in it, as far as the system lets it: a file that is in use may stay.
+/// Removes a folder and what is in it, as far as the system lets it: a file that is in use may
+/// stay.
 void RemoveFolder(const std::filesystem::path& folder);
 
 /// The path of a device that takes everything and keeps nothing.
