@@ -8,8 +8,7 @@ set(host x86_64-w64-mingw32)
 set(CMAKE_C_COMPILER ${host}-gcc-posix)
 set(CMAKE_CXX_COMPILER ${host}-g++-posix)
 set(CMAKE_RC_COMPILER ${host}-windres)
-# Without random places of memory, with which Wine now and then fails to start a process.
-set(CMAKE_CROSSCOMPILING_EMULATOR /usr/bin/setarch -R /usr/bin/wine)
+set(CMAKE_CROSSCOMPILING_EMULATOR ${CMAKE_CURRENT_LIST_DIR}/../../scripts/lib/under-wine)
 
 set(KORVEX_WINDOWS_DEPENDENCIES "" CACHE PATH "The folder of the cross-built libraries")
 set(CMAKE_TRY_COMPILE_PLATFORM_VARIABLES KORVEX_WINDOWS_DEPENDENCIES)
