@@ -23,7 +23,8 @@ void WriteStandIn(const fs::path& program, const fs::path& journal, const StandI
                                                                << does.waits << '\n';
 }
 
-// It lets the program write: `echo` and a program that starts could overwrite each other's lines.
+// The script calls the stand-in to write, which takes the lock: `echo` and a program that is
+// starting could overwrite each other's lines.
 void WriteScript(const fs::path& script, const fs::path& journal) {
     const fs::path append = script.parent_path() / "append.exe";
     if (!fs::exists(append)) {
