@@ -1,8 +1,12 @@
 #include <gmock/gmock.h>
 
+#include <array>
 #include <memory>
+#include <thread>
 
 #include "os/SharedFiles.h"
+#include "platform/os/Descriptors.h"
+#include "platform/os/File.h"
 
 namespace Korvex3Sync::tests {
 
@@ -10,6 +14,18 @@ namespace {
 
 using ::testing::Contains;
 using ::testing::Not;
+
+/// Lets the system write a byte: what it may not write, it refuses, instead of ending the program.
+/// Wine also refuses memory of a section that may be written, with another error.
+bool IsForReadingOnly(const os::SharedMapping& memory) {
+    std::array<int, 2> ends{};
+    EXPECT_TRUE(os::MakePipe(ends));
+    const os::File readEnd(ends[0]);
+    EXPECT_FALSE(os::File(ends[1]).Write("x"));
+    auto* const bytes = reinterpret_cast<char*>(memory.Data());
+    return os::ReadDescriptor(readEnd.Descriptor(), bytes, 1) < 0 &&
+           os::LastError() == std::errc::bad_address;
+}
 
 TEST_F(SharedFiles, HaveANameFromTheMomentThatTheyTakeIt) {
     const SharedFile file = Create();
@@ -51,6 +67,27 @@ TEST_F(SharedFiles, ShowWhatOthersWrite) {
     const os::SharedMapping none = opened.Map(0, error);
     EXPECT_TRUE(error);
     EXPECT_EQ(none.Data(), nullptr);
+}
+
+TEST_F(SharedFiles, AreWrittenByTheirCreatorOnly) {
+    const SharedFile file = CreateNamed();
+    std::error_code error;
+    ASSERT_FALSE(file.Reserve(0, kSharedSize));
+    EXPECT_TRUE(IsForReadingOnly(Open().Map(kSharedSize, error)));
+    EXPECT_FALSE(IsForReadingOnly(file.Map(kSharedSize, error)));
+    EXPECT_FALSE(error);
+}
+
+TEST_F(SharedFiles, GiveANameThatTwoTakeAtOnceToOneOfThem) {
+    constexpr int kRounds = 200;
+    for (int round = 0; round < kRounds && !HasFailure(); ++round) {
+        const SharedFile one = Create();
+        const SharedFile other = Create();
+        std::thread taker([&] { EXPECT_FALSE(one.TakeName(m_name)); });
+        EXPECT_FALSE(other.TakeName(m_name));
+        taker.join();
+        EXPECT_NE(one.Now().usable, other.Now().usable) << "round " << round;
+    }
 }
 
 TEST_F(SharedFiles, LockPlacesAgainstOtherObjects) {

@@ -17,6 +17,11 @@ inline constexpr std::uint64_t kSharedSize = 8192;
 
 class SharedFiles : public ::testing::Test {
 protected:
+    /// On some systems a name stays until it is dropped.
+    ~SharedFiles() override {
+        const SharedFile last = CreateNamed();
+        last.DropName(m_name);
+    }
     static SharedFile Create() {
         std::error_code error;
         SharedFile file = SharedFile::Create(kSharedSize, error);
