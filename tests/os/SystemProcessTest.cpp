@@ -61,9 +61,12 @@ TEST(EndSystemProcesses, EndsScriptsOfThisName) {
 
 TEST(OtherSystemProcess, OfAnotherUserIsNotTaken) {
     const TemporaryFolder folder;
-    const fs::path program = SleeperAs(folder.Path() / "other.exe");
+    const fs::path program = folder.Path() / "other.exe";
+    // The other user may have no access to our own programs and their libraries.
+    fs::copy_file(fs::canonical("/bin/sleep"), program);
     fs::permissions(folder.Path(), fs::perms::owner_all | fs::perms::others_all);
-    ChildProcess child({"setpriv", "--reuid=65534", "--clear-groups", program.string()});
+    ChildProcess child(
+        {"setpriv", "--reuid=65534", "--clear-groups", program.string(), "infinity"});
     const fs::path link = "/proc/" + std::to_string(child.Number()) + "/exe";
     std::error_code error;
     ASSERT_TRUE(support::WaitUntil([&] { return fs::read_symlink(link, error) == program; }));
