@@ -2,6 +2,8 @@
 
 #include <chrono>
 #include <filesystem>
+#include <fstream>
+#include <sstream>
 #include <string>
 
 #include "os/Sleeper.h"
@@ -81,6 +83,18 @@ TEST(InstanceLock, IsHeldByOneAtATime) {
     }
     EXPECT_EQ(os::InstanceLockHolder(file), 0);
     EXPECT_TRUE(os::TakeInstanceLock(file, error)) << "the file stays and is used again";
+}
+
+TEST(InstanceLock, FileHasTheNumberOfItsHolderOnly) {
+    const TemporaryFolder folder;
+    const fs::path file = folder.Path() / "a.lock";
+    std::ofstream(file) << "12345678901234567890\n";
+    std::error_code error;
+    const os::File lock = os::TakeInstanceLock(file, error);
+    EXPECT_TRUE(lock) << error.message();
+    std::stringstream content;
+    content << std::ifstream(file).rdbuf();
+    EXPECT_EQ(content.str(), std::to_string(os::CurrentProcess()) + "\n");
 }
 
 TEST(InstanceLock, OfAKilledProcessIsFree) {
