@@ -37,6 +37,8 @@ TEST_F(SharedFiles, HaveANameFromTheMomentThatTheyTakeIt) {
     EXPECT_TRUE(file.Now().usable);
     EXPECT_TRUE(Open());
     EXPECT_THAT(os::SharedFileNames(), Contains(m_name));
+    file.DropName(m_name + "-of-another");
+    EXPECT_TRUE(file.Now().usable);
     file.DropName(m_name);
     EXPECT_FALSE(file.Now().usable);
     EXPECT_EQ(OpenError(), std::errc::no_such_file_or_directory);
