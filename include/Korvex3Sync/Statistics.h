@@ -48,7 +48,8 @@ struct ScanStatistics {
     std::uint64_t failedSnaps = 0;
     /// Failed snaps in which the camera library refused a frame because it was torn or incomplete.
     std::uint64_t refusedFrames = 0;
-    /// Frames with an impossible size or channel count.
+    /// Frames with an impossible size or channel count. A camera that vanishes between a frame and
+    /// the question for its size gives one.
     std::uint64_t rejectedGeometry = 0;
 
     // Lost between the grab thread and the pairing.

@@ -62,27 +62,36 @@ protected:
             return Taken(counts) + counts.mono.dropped + counts.color.dropped ==
                        counts.mono.handed + counts.color.handed &&
                    s.framesAccepted + s.refusedFrames + s.rejectedGeometry == Taken(counts) &&
-                   support::AccountedTriggers(s) == Known(counts) &&
+                   support::AccountedTriggers(s) == Known(counts, s) &&
                    s.setsPending == (counts.color.made > 0 ? 0U : 1U);  // none is being delivered
         }));
     }
 
     /// The triggers that the library can know of when no camera missed the last ones.
-    static std::uint64_t Known(const HeadCounts& counts) {
-        return counts.triggers - counts.mono.unattended - counts.mono.dropped;
+    static std::uint64_t Known(const HeadCounts& counts, const ScanStatistics& s) {
+        return counts.triggers - counts.mono.unattended - counts.mono.dropped -
+               WithoutSize(counts, s);
+    }
+
+    /// The last frame of a camera that vanished before it was asked for the size of that frame.
+    static std::uint64_t WithoutSize(const HeadCounts& counts, const ScanStatistics& s) {
+        const std::uint64_t misSized = counts.mono.misSized + counts.color.misSized;
+        const bool vanished = counts.mono.unattended > 0;
+        return vanished && s.rejectedGeometry == misSized + 1 ? 1 : 0;
     }
 
     /// Everything that the library counts of frames, against what the head did.
     void ExpectSamePlaces() {
         const HeadCounts head = Head().Counts();
         const ScanStatistics s = Statistics();
-        EXPECT_EQ(support::AccountedTriggers(s), Known(head));
+        EXPECT_EQ(support::AccountedTriggers(s), Known(head, s));
         EXPECT_EQ(head.triggers, head.keysSkipped + head.mono.made);
         EXPECT_EQ(s.missingKeys, head.keysSkipped + head.mono.lost + head.mono.torn +
                                      head.mono.misSized + head.mono.lostInBuffers);
         EXPECT_EQ(s.repeatedKeys, head.mono.repeated);
         EXPECT_EQ(s.refusedFrames, head.mono.torn + head.color.torn);
-        EXPECT_EQ(s.rejectedGeometry, head.mono.misSized + head.color.misSized);
+        EXPECT_EQ(s.rejectedGeometry,
+                  head.mono.misSized + head.color.misSized + WithoutSize(head, s));
         EXPECT_EQ(s.framesAccepted, Taken(head) - s.refusedFrames - s.rejectedGeometry);
         EXPECT_EQ(s.setsDelivered, m_sets.Count());
         EXPECT_EQ(s.setsDropped, 0U);
@@ -277,6 +286,23 @@ TEST_F(Account, OfACameraThatVanishesEndsWithItsLastFrame) {
     vanish.kind = FaultKind::CameraReturn;
     ASSERT_TRUE(Head().GetFaults().Order(vanish));
     EXPECT_EQ(Connect(), STATUS_SUCCESS);
+}
+
+TEST_F(Account, OfACameraThatVanishesBetweenAFrameAndItsSizeRejectsThatFrame) {
+    Scan({});
+    ASSERT_EQ(Trigger(TRIGGER_LASER_LINES, kPeriodMs), STATUS_SUCCESS);
+    ASSERT_TRUE(WaitUntil([this] { return m_sets.Count() >= 10; }));
+    ASSERT_TRUE(Head().GetFaults().Hang("GetResolution"));
+    ASSERT_TRUE(Head().GetFaults().WaitForHang("GetResolution", std::chrono::minutes(1)));
+    FaultOrder vanish;
+    vanish.kind = FaultKind::CameraVanish;
+    ASSERT_TRUE(Head().GetFaults().Order(vanish));
+    Head().GetFaults().ReleaseHangs();
+    ASSERT_TRUE(WaitUntil([this] { return Head().Counts().mono.unattended >= 10; }));
+    ASSERT_EQ(TriggerOff(), STATUS_SUCCESS);
+    Drain();
+    ExpectSamePlaces();
+    EXPECT_EQ(Statistics().rejectedGeometry, 1U);
 }
 
 TEST_F(Account, AMuteBoardKeepsNoConnectionFromClosing) {
