@@ -79,10 +79,9 @@ void ServiceProcesses::RestartUsbHubs() {
 
 std::unique_ptr<QProcess> ServiceProcesses::Run(const char* program,
                                                 QProcess::ProcessChannelMode mode) const {
-    auto process = std::make_unique<QProcess>();
+    auto process = std::make_unique<os::StreamsOnlyProcess<QProcess>>();
     process->setProcessChannelMode(mode);
     process->setWorkingDirectory(m_applicationDirectory);
-    os::InheritOnlyStreams(*process);
     process->start(m_applicationDirectory + QDir::separator() + program, QStringList(),
                    QIODevice::ReadWrite);
     if (!process->waitForStarted(kStartLimitMs)) {

@@ -3,10 +3,14 @@
 
 #include <QCoreApplication>
 
+#include <array>
+
 #include "os/Sleeper.h"
 #include "platform/os/Clock.h"
+#include "platform/os/Descriptors.h"
 #include "platform/os/Process.h"
 #include "service/ServiceClient.h"
+#include "support/BlockingCall.h"
 #include "support/Golden.h"
 
 namespace Korvex3Sync::tests {
@@ -189,6 +193,31 @@ TEST_F(Supervision, StandardOutputOfTheServiceIsThatOfTheHost) {
     EXPECT_TRUE(Start());
     EXPECT_TRUE(WaitUntil([] { return Journaled("said") == 1; }));
     EXPECT_TRUE(MatchesGolden("ServiceStart", "the service prints", output.End()));
+}
+
+TEST_F(Supervision, ItsProcessesKeepNoFileOfTheHostOpen) {
+    std::array<int, 2> pipe{};
+    ASSERT_TRUE(os::MakePipe(pipe));
+    const int inherited = os::OpenNothing();
+    ASSERT_TRUE(os::RedirectDescriptor(pipe[1], inherited));
+    os::CloseDescriptor(pipe[1]);
+    EXPECT_TRUE(Start());
+    ASSERT_TRUE(BothStarted());
+    os::CloseDescriptor(inherited);
+    char byte = 0;
+    std::ptrdiff_t read = -1;
+    const os::OtherProcess hub(NumberOf("hub.exe"));
+    const os::OtherProcess service(NumberOf("ZrSyncService.exe"));
+    {
+        const support::BlockingCall end([&] { read = os::ReadDescriptor(pipe[0], &byte, 1); });
+        EXPECT_TRUE(end.WaitUntilReturned()) << "somebody could still write into the pipe";
+        EXPECT_TRUE(hub.Runs());
+        EXPECT_TRUE(service.Runs());
+        hub.Kill();  // then it returns in any case
+        service.Kill();
+    }
+    EXPECT_EQ(read, 0);
+    os::CloseDescriptor(pipe[0]);
 }
 
 TEST_F(Supervision, AHubThatDoesNotStartIsNotTriedAgain) {

@@ -22,20 +22,36 @@ private:
     const std::unique_ptr<Data> m_data;
 };
 
-/// Of all open files of this process, what this QProcess starts inherits only the standard streams
+/// Not on Windows: to be called in a new process before its program starts. From then on only the
+/// standard streams are open.
+void KeepOnlyStreams();
+
+/// A QProcess whose program inherits, of all open files of this process, only the standard streams
 /// that it is given. Otherwise a program that runs on keeps a pipe open which somebody reads to its
-/// end. To be called before the start; needed only where QProcess does not see to it.
+/// end, or the port of a server.
 template <class QtProcess>
-void InheritOnlyStreams(QtProcess& process) {
-    if constexpr (requires { typename QtProcess::CreateProcessArguments; }) {
-        process.setCreateProcessArgumentsModifier(
-            [streams = std::make_shared<InheritedStreams>()](auto* arguments) {
-                using Information = decltype(arguments->startupInfo);
-                arguments->startupInfo =
-                    static_cast<Information>(streams->Extended(arguments->startupInfo));
-                arguments->flags |= InheritedStreams::Flag();
-            });
+class StreamsOnlyProcess : public QtProcess {
+    static constexpr bool kWindows = requires { typename QtProcess::CreateProcessArguments; };
+
+public:
+    StreamsOnlyProcess() {
+        if constexpr (kWindows) {
+            this->setCreateProcessArgumentsModifier(
+                [streams = std::make_shared<InheritedStreams>()](auto* arguments) {
+                    using Information = decltype(arguments->startupInfo);
+                    arguments->startupInfo =
+                        static_cast<Information>(streams->Extended(arguments->startupInfo));
+                    arguments->flags |= InheritedStreams::Flag();
+                });
+        }
     }
-}
+
+protected:
+    void setupChildProcess() override {
+        if constexpr (!kWindows) {
+            KeepOnlyStreams();
+        }
+    }
+};
 
 }  // namespace Korvex3Sync::os
