@@ -1,3 +1,4 @@
+#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <unistd.h>
@@ -300,6 +301,23 @@ TEST_F(Service, RunsInTheBackgroundUntilItIsStopped) {
     EXPECT_THAT(m_folders.Processes(), IsEmpty());
     EXPECT_EQ(FileNames(m_folders.Runtime()),
               (std::vector<std::string>{"hub.lock", "service.lock"}));
+}
+
+TEST_F(KorvexctlService, KeepsNoFileOfItsStarterOpen) {
+    const fs::path file = m_folders.Path() / "lock of a script";
+    const int inherited = ::open(file.c_str(), O_WRONLY | O_CREAT, S_IRWXU);
+    ASSERT_GE(inherited, 0) << file;
+    EXPECT_EQ(RunKorvexctl({"--virtual", "service", "start"}, Options()).exitCode, 0);
+    ::close(inherited);
+    for (const char* const lock : {"hub.lock", "service.lock"}) {
+        ASSERT_NE(Holder(lock), 0);
+        for (const auto& entry :
+             fs::directory_iterator("/proc/" + std::to_string(Holder(lock)) + "/fd")) {
+            std::error_code closed;
+            EXPECT_NE(fs::read_symlink(entry, closed), file) << lock;
+        }
+    }
+    EXPECT_EQ(Run({"stop"}).exitCode, 0);
 }
 
 TEST_F(Service, ShowsItsClientAndTheDevice) {

@@ -68,7 +68,7 @@ public:
         : m_program(program), m_errors(program) {
         const fs::path folder = QCoreApplication::applicationDirPath().toStdU16String();
         const fs::path file = folder / program.file;
-        QProcess process;
+        os::StreamsOnlyProcess<QProcess> process;
         QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
         if (!virtualHead.empty()) {
             environment.insert(kHeadVariable, QString::fromStdString(virtualHead));
@@ -79,9 +79,8 @@ public:
         process.setStandardInputFile(QProcess::nullDevice());
         process.setStandardOutputFile(QProcess::nullDevice());
         process.setStandardErrorFile(m_errors.File());
-        os::InheritOnlyStreams(process);
         qint64 number = 0;
-        if (!process.startDetached(&number)) {
+        if (!process.StartDetached(number)) {
             Fail(program, "cannot start " + os::TextOf(file) +
                               (fs::is_regular_file(file) ? "" : ": no such file"));
         }

@@ -22,8 +22,8 @@ private:
     const std::unique_ptr<Data> m_data;
 };
 
-/// Not on Windows: to be called in a new process before its program starts. From then on only the
-/// standard streams are open.
+/// Not on Windows: of the files that are open now, the programs that this process becomes or starts
+/// inherit the standard streams only.
 void KeepOnlyStreams();
 
 /// A QProcess whose program inherits, of all open files of this process, only the standard streams
@@ -44,6 +44,13 @@ public:
                     arguments->flags |= InheritedStreams::Flag();
                 });
         }
+    }
+
+    /// Starts it detached and gives its number. No other program that this process starts later
+    /// inherits the files that are open now.
+    bool StartDetached(long long& number) {
+        setupChildProcess();  // there, Qt does not call it in the new process
+        return this->startDetached(&number);
     }
 
 protected:
