@@ -141,12 +141,14 @@ TEST_P(FrameAccount, IsTheSameInTheLibraryAndInTheHead) {
     order.kind = row.kind;
     order.times = row.times;
     order.byTriggers = row.kind == FaultKind::Delay ? 4 : 1;
-    Scan({AtTrigger(order, 10), AtTrigger(order, 25)});
+    Scan({});
     ASSERT_EQ(Trigger(mode, kPeriodMs), STATUS_SUCCESS);
-    WaitForFaults();
-    // A set that is handled after the trigger has stopped does not count as one without colour.
-    const std::uint64_t triggers = Head().Clock().Triggers();
-    ASSERT_TRUE(WaitUntil([&] { return support::AccountedTriggers(Statistics()) >= triggers; }));
+    // No colour is expected of a frame that is handled before the start of the trigger has
+    // returned.
+    for (int time = 0; time < 2; ++time) {
+        ASSERT_TRUE(Head().GetFaults().Order(order));
+        WaitForFaults();
+    }
     ASSERT_EQ(TriggerOff(), STATUS_SUCCESS);
     Drain();
     ExpectSamePlaces();
